@@ -1,0 +1,33 @@
+# Flags that every target of the project shares.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+if(MSVC)
+  add_compile_options(/W4 /fp:precise /utf-8)
+else()
+  # The same scene gives the same bytes at every optimisation level: no fused
+  # multiply-add contraction, no fast-math.
+  add_compile_options(-Wall -Wextra -Wpedantic -Wno-unused-parameter -ffp-contract=off)
+  if(ORVOSKY_WERROR)
+    add_compile_options(-Werror)
+  endif()
+endif()
+
+if(ORVOSKY_SANITIZE)
+  add_compile_options(-fsanitize=${ORVOSKY_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=${ORVOSKY_SANITIZE})
+endif()
+
+# A compiler cache makes a second build of a fresh clone quick where one is installed.
+find_program(ORVOSKY_CCACHE ccache)
+mark_as_advanced(ORVOSKY_CCACHE)
+if(ORVOSKY_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVOSKY_CCACHE}")
+endif()

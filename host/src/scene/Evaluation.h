@@ -1,0 +1,29 @@
+#pragma once
+
+#include "scene/Node.h"
+
+namespace host::scene {
+
+/// Brings the cell's value up to date: pulls connections and computes what is dirty. A cycle is reported once a
+/// cell as a warning, and ends with the value that was there.
+void evaluate(Cell& cell);
+
+/// Marks as dirty everything that depends on the cell (not the cell itself).
+void dirtyDependents(Cell& cell);
+/// Marks the cell, what it is made of, and everything that depends on it, as dirty.
+void dirtyWithDependents(Cell& cell);
+
+/// Clears the dirty flag of the cell and of what it is made of.
+void setClean(Cell& cell);
+
+/// Copies the source's value, converting numbers, and angles and times to and from plain numbers by the user's
+/// units. Cells that cannot be converted are left alone.
+void assign(Cell& destination, Cell& source);
+
+/// The factor from a unit attribute's internal value to the user's unit (1 for plain numbers).
+double internalToUi(const Attribute& attribute);
+
+/// Whether a value may flow from one attribute to the other.
+bool compatible(const Cell& source, const Cell& destination);
+
+} // namespace host::scene

@@ -1,0 +1,197 @@
+#pragma once
+
+#include "scene/Attribute.h"
+
+#include <maya/MMatrix.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace host::scene {
+
+class DagNode;
+class Node;
+class NodeType;
+class Scene;
+
+/// The storage and state of one plug that has been touched: a leaf, a compound, an array or an array's element.
+/// Cells are made on first use and keep their address as long as their node lives.
+struct Cell {
+    Node& node;
+    const Attribute& attribute;
+    Cell* parent = nullptr; ///< the compound or array it belongs to
+    int index = -1;         ///< logical index of an element
+    bool dirty = false, computing = false, locked = false;
+    bool written = false; ///< set by somebody, so worth saving
+    std::optional<bool> keyable, channelBox;
+    Value value; ///< of leaves and tuples; a tuple's child keeps none of its own
+    std::vector<std::unique_ptr<Cell>> children;
+    std::map<int, std::unique_ptr<Cell>> elements;
+    Cell* source = nullptr;
+    std::vector<Cell*> destinations;
+
+    Cell(Node& n, const Attribute& a, Cell* p, int i);
+    bool isArray() const { return attribute.array && index < 0; }
+    bool isTupleChild() const {
+        return index < 0 && parent && !parent->isArray() && parent->attribute.type == AttributeType::Tuple;
+    }
+    Cell& child(int k);
+    Cell& element(int logicalIndex);
+    /// The numbers that the cell shows and the component within them; null for cells that hold none.
+    Numeric* numbers(int* component = nullptr);
+    /// The cell's number in internal units (radians, centimetres, ticks).
+    double number();
+    /// "node.attribute[2].child", with long or short attribute names.
+    std::string name(bool longNames = true) const;
+    std::string attributePath(bool longNames = true) const;
+    bool lockedHere() const;
+};
+
+/// What a node does: the part that differs between kinds of node.
+class NodeBehavior {
+public:
+    virtual ~NodeBehavior() = default;
+    /// Computes the cell (and any others it likes), writing values and clearing dirty flags.
+    /// @return false when it does not know the attribute
+    virtual bool compute(Cell&) { return false; }
+    virtual void postConstructor() {}
+    /// Adds cells that become dirty with the given one.
+    virtual void dependents(Cell&, std::vector<Cell*>&) {}
+    /// Whether the connection may be made or broken (an empty answer means no opinion).
+    virtual std::optional<bool> legal(Cell&, Cell&, bool /*asSource*/, bool /*making*/) { return std::nullopt; }
+    virtual void connectionChanged(Cell&, Cell&, bool /*asSource*/, bool /*made*/) {}
+    /// Takes a value in place of the cell's own storage (internal attributes). @return true when taken
+    virtual bool setInternal(Cell&, const Value&) { return false; }
+    virtual bool getInternal(Cell&) { return false; }
+    virtual void copyFrom(Node&) {}
+};
+
+/// A kind of node: its place in the type hierarchy, its attributes, and how values depend on each other.
+class NodeType {
+public:
+    enum class Kind { Dependency, Transform, Shape };
+    using MakeBehavior = std::function<std::unique_ptr<NodeBehavior>(Node&)>;
+
+    NodeType(std::string name, const NodeType* base, Kind kind, int apiType);
+    std::string name;
+    unsigned id = 0;
+    const NodeType* base;
+    Kind kind;
+    int apiType; ///< an MFn::Type
+    std::string plugin, classification;
+    bool isAbstract = false;
+    MakeBehavior makeBehavior;
+    mutable int liveNodes = 0; ///< nodes that exist, in the scene or in the undo queue
+
+    bool isDag() const { return kind != Kind::Dependency; }
+    bool isA(std::string_view typeName) const;
+    /// Adds an attribute. @return false when its long or short name is taken
+    bool add(AttributePtr attribute);
+    void affects(const Attribute& input, const Attribute& output);
+    void affects(std::initializer_list<const char*> inputs, std::initializer_list<const char*> outputs);
+    const Attribute* find(std::string_view name) const;
+    /// Root attributes, the base type's first, in the order of their addition.
+    std::vector<const Attribute*> attributes() const;
+    void affected(const Attribute& input, std::vector<const Attribute*>& out) const;
+    /// Whether the attribute, or a compound around it, is computed from others.
+    bool isComputed(const Attribute& attribute) const;
+    const std::vector<AttributePtr>& ownAttributes() const { return own_; }
+
+private:
+    bool index(const AttributePtr& attribute);
+    std::vector<AttributePtr> own_;
+    std::unordered_map<std::string, const Attribute*> byName_;
+    std::unordered_map<const Attribute*, std::vector<const Attribute*>> affects_;
+    std::unordered_set<const Attribute*> computed_;
+};
+
+/// A node of the dependency graph.
+class Node : public std::enable_shared_from_this<Node> {
+public:
+    Node(Scene& scene, const NodeType& type);
+    virtual ~Node();
+    Node(const Node&) = delete;
+    Node& operator=(const Node&) = delete;
+
+    Scene& scene;
+    const NodeType& type;
+    std::string name;
+    std::string uuid;
+    bool inScene = false;
+    bool isDefault = false; ///< made by the host for every scene; it cannot be deleted
+    bool locked = false;
+    bool referenced = false;
+    std::unique_ptr<NodeBehavior> behavior;
+    std::shared_ptr<void> apiHandle; ///< what the API's objects of this node share
+    /// A node of a kind that nobody knows: its kind's name. Its statements are kept as text.
+    std::string unknownType;
+    /// Scene-file statements that mean nothing here, kept so that saving loses nothing.
+    std::vector<std::string> keptStatements;
+
+    DagNode* dag();
+    const Attribute* findAttribute(std::string_view attributeName) const;
+    /// Root attributes, dynamic ones last.
+    std::vector<const Attribute*> attributes() const;
+    bool addDynamic(AttributePtr attribute);
+    bool removeDynamic(const Attribute& attribute);
+    const std::vector<AttributePtr>& dynamicAttributes() const { return dynamic_; }
+
+    /// The cell of an attribute that lies below no array, or of a root array.
+    Cell& cell(const Attribute& attribute);
+    Cell& cell(std::string_view attributeName); ///< the attribute must exist
+    Cell* existingCell(const Attribute& rootAttribute) const;
+    /// Every root cell that exists, in the order of the attributes.
+    std::vector<Cell*> cells() const;
+    void dropCell(const Attribute& rootAttribute);
+    std::unique_ptr<Cell> takeCell(const Attribute& rootAttribute);
+    void putCell(std::unique_ptr<Cell> cell);
+
+    bool isComputed(const Attribute& attribute) const { return type.isComputed(attribute); }
+
+private:
+    std::vector<AttributePtr> dynamic_;
+    std::unordered_map<std::string, const Attribute*> dynamicByName_;
+    std::unordered_map<const Attribute*, std::unique_ptr<Cell>> cells_;
+};
+using NodePtr = std::shared_ptr<Node>;
+
+/// A node of the DAG: a transform or a shape, at one place below the world.
+class DagNode : public Node {
+public:
+    using Node::Node;
+    DagNode* parent = nullptr; ///< null for the world and for nodes outside the scene
+    std::vector<DagNode*> children;
+
+    bool isTransform() const { return type.kind == NodeType::Kind::Transform; }
+    bool isShape() const { return type.kind == NodeType::Kind::Shape; }
+    bool isWorld() const;
+    bool isBelow(const DagNode& ancestor) const;
+    /// "|group1|pCube1"
+    std::string fullPath() const;
+    /// The shortest form of the path that no other node shares.
+    std::string partialPath() const;
+
+    /// @name Matrices, row vectors, centimetres
+    /// @{
+    MMatrix localMatrix();
+    MMatrix parentMatrix(); ///< product of the matrices above the node
+    MMatrix worldMatrix();
+    /// @}
+    bool visible();   ///< its own visibility (with overrides), not its parents'
+    bool templated(); ///< its own template flag or override
+    bool intermediate();
+    /// Forgets the cached matrices here and below, and marks what depends on them as dirty.
+    void dirtyWorld();
+
+private:
+    MMatrix world_;
+    bool worldValid_ = false;
+};
+
+} // namespace host::scene
