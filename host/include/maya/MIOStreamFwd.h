@@ -1,0 +1,6 @@
+#pragma once
+
+#include <iosfwd>
+
+using std::istream;
+using std::ostream;
