@@ -13,6 +13,9 @@ void dirtyDependents(Cell& cell);
 /// Marks the cell, what it is made of, and everything that depends on it, as dirty.
 void dirtyWithDependents(Cell& cell);
 
+/// Forgets the world matrices at and below the node, with everything that depends on them.
+void dirtyWorld(DagNode& node);
+
 /// Clears the dirty flag of the cell and of what it is made of.
 void setClean(Cell& cell);
 

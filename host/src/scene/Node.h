@@ -95,6 +95,8 @@ public:
     bool add(AttributePtr attribute);
     void affects(const Attribute& input, const Attribute& output);
     void affects(std::initializer_list<const char*> inputs, std::initializer_list<const char*> outputs);
+    /// Declares attributes as computed from something that is no attribute: the hierarchy, the scene's time.
+    void computed(std::initializer_list<const char*> outputs);
     const Attribute* find(std::string_view name) const;
     /// Root attributes, the base type's first, in the order of their addition.
     std::vector<const Attribute*> attributes() const;
@@ -123,6 +125,7 @@ public:
     const NodeType& type;
     std::string name;
     std::string uuid;
+    unsigned long serial = 0; ///< grows with every node made
     bool inScene = false;
     bool isDefault = false; ///< made by the host for every scene; it cannot be deleted
     bool locked = false;
@@ -186,8 +189,8 @@ public:
     bool visible();   ///< its own visibility (with overrides), not its parents'
     bool templated(); ///< its own template flag or override
     bool intermediate();
-    /// Forgets the cached matrices here and below, and marks what depends on them as dirty.
-    void dirtyWorld();
+    /// Forgets the cached matrices here and below, and lists the cells that show them.
+    void forgetWorld(std::vector<Cell*>& stale);
 
 private:
     MMatrix world_;

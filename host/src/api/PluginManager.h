@@ -1,0 +1,51 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+class MObject;
+class MPxCommand;
+
+namespace host::api {
+
+/// A loaded plug-in and what it registered.
+struct Plugin {
+    std::string name;           ///< file name without folder and extension
+    std::filesystem::path path; ///< of the loaded file
+    std::string vendor, version, apiVersion;
+    std::vector<std::string> nodeTypes, commands;
+    void* library = nullptr;
+    bool loading = false;
+};
+
+/// Loads plug-ins as shared libraries, through their entry points initializePlugin and uninitializePlugin.
+class PluginManager {
+public:
+    ~PluginManager();
+
+    /// Folders that bare names are looked up in, in order.
+    void setSearchPath(std::vector<std::filesystem::path> folders) { folders_ = std::move(folders); }
+    const std::vector<std::filesystem::path>& searchPath() const { return folders_; }
+
+    /// Loads by bare name (along the search path) or by path. Loading what is loaded does nothing.
+    /// Throws scene::SceneError with a text for the user when it is not found or its initialisation fails.
+    Plugin& load(const std::string& nameOrPath);
+    /// Loads by bare name alone: a name with a folder in it is refused.
+    Plugin& loadByBareName(const std::string& name);
+    /// Throws scene::SceneError when it is in use, unknown, or its clean-up fails.
+    void unload(const std::string& name);
+    void unloadAll() noexcept;
+
+    Plugin* find(const std::string& name);
+    const std::vector<std::unique_ptr<Plugin>>& loaded() const { return plugins_; }
+
+private:
+    Plugin& loadFile(const std::filesystem::path& file);
+    std::vector<std::filesystem::path> folders_;
+    std::vector<std::unique_ptr<Plugin>> plugins_;
+};
+
+} // namespace host::api

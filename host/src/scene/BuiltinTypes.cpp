@@ -1,0 +1,424 @@
+#include "scene/AnimCurve.h"
+#include "scene/Evaluation.h"
+#include "scene/DagBehavior.h"
+#include "scene/MeshNode.h"
+#include "scene/Scene.h"
+
+#include <maya/MFn.h>
+
+namespace host::scene {
+namespace {
+
+using A = Attribute;
+using N = NumericType;
+constexpr auto angle = AttributeType::Angle;
+constexpr auto distance = AttributeType::Distance;
+
+AttributePtr readOnly(AttributePtr a) {
+    a->writable = false;
+    a->storable = false;
+    return a;
+}
+
+AttributePtr array(AttributePtr a) {
+    a->array = true;
+    return a;
+}
+
+AttributePtr worldArray(AttributePtr a) {
+    a->array = true;
+    a->worldSpace = true;
+    a->writable = false;
+    a->storable = false;
+    return a;
+}
+
+AttributePtr keyable(AttributePtr a) {
+    a->keyable = true;
+    for (auto& c : a->children) c->keyable = true;
+    return a;
+}
+
+AttributePtr limited(AttributePtr a, std::optional<double> min, std::optional<double> max = {}) {
+    a->limits[0].min = min;
+    a->limits[0].max = max;
+    return a;
+}
+
+AttributePtr color(const char* longName, const char* shortName, double r, double g, double b) {
+    auto a = A::tuple(longName, shortName, N::Float, 3, "RGB");
+    a->usedAsColor = true;
+    const double rgb[3] = {r, g, b};
+    for (int k = 0; k < 3; ++k) a->children[static_cast<std::size_t>(k)]->defaultValue = Numeric(N::Float, 1, rgb[k]);
+    a->defaultValue = Numeric(N::Float, 3, r, g, b);
+    return a;
+}
+
+class Registrar {
+public:
+    explicit Registrar(Scene& scene) : scene_(scene) {}
+
+    NodeType& type(const char* name, const char* base, NodeType::Kind kind, MFn::Type apiType,
+                   std::vector<AttributePtr> attributes, NodeType::MakeBehavior behavior = {}) {
+        auto t = std::make_unique<NodeType>(name, base ? scene_.findType(base) : nullptr, kind, apiType);
+        for (auto& a : attributes) t->add(std::move(a));
+        t->makeBehavior = std::move(behavior);
+        if (!t->makeBehavior && base) t->makeBehavior = t->base->makeBehavior;
+        return *scene_.registerType(std::move(t));
+    }
+
+    NodeType& abstract(const char* name, const char* base, NodeType::Kind kind, MFn::Type apiType,
+                       std::vector<AttributePtr> attributes, NodeType::MakeBehavior behavior = {}) {
+        NodeType& t = type(name, base, kind, apiType, std::move(attributes), std::move(behavior));
+        t.isAbstract = true;
+        return t;
+    }
+
+private:
+    Scene& scene_;
+};
+
+constexpr auto dependency = NodeType::Kind::Dependency;
+constexpr auto transformKind = NodeType::Kind::Transform;
+constexpr auto shapeKind = NodeType::Kind::Shape;
+
+std::vector<AttributePtr> dagAttributes() {
+    auto groups = A::compound("objectGroups", "og",
+                              {A::data("objectGrpCompList", "gcl", DataKind::ComponentList),
+                               A::number("objectGroupId", "gid", N::Int), A::number("objectGrpColor", "gco", N::Short)});
+    auto instances = A::compound("instObjGroups", "iog", {array(groups)});
+    return {
+        readOnly(A::tuple("boundingBoxMin", "bbmn", N::Double, 3, "XYZ", distance)),
+        readOnly(A::tuple("boundingBoxMax", "bbmx", N::Double, 3, "XYZ", distance)),
+        readOnly(A::matrix("matrix", "m")),
+        readOnly(A::matrix("inverseMatrix", "im")),
+        worldArray(A::matrix("worldMatrix", "wm")),
+        worldArray(A::matrix("worldInverseMatrix", "wim")),
+        worldArray(A::matrix("parentMatrix", "pm")),
+        worldArray(A::matrix("parentInverseMatrix", "pim")),
+        keyable(A::number("visibility", "v", N::Bool, 1)),
+        A::number("intermediateObject", "io", N::Bool),
+        A::number("template", "tmp", N::Bool),
+        A::number("ghosting", "gh", N::Bool),
+        array(instances),
+        A::number("useObjectColor", "uoc", N::Short),
+        A::number("objectColor", "oc", N::Short),
+        A::compound("drawOverride", "do",
+                    {A::enumeration("overrideDisplayType", "ovdt", 0, {"Normal", "Template", "Reference"}),
+                     A::enumeration("overrideLevelOfDetail", "ovlod", 0, {"Full", "Bounding Box"}),
+                     A::number("overrideShading", "ovs", N::Bool, 1),
+                     A::number("overrideTexturing", "ovt", N::Bool, 1),
+                     A::number("overridePlayback", "ovp", N::Bool, 1),
+                     A::number("overrideEnabled", "ove", N::Bool),
+                     A::number("overrideVisibility", "ovv", N::Bool, 1),
+                     A::number("overrideColor", "ovc", N::Byte)}),
+        A::number("lodVisibility", "lodv", N::Bool, 1),
+        A::data("renderLayerInfo", "rlio", DataKind::StringArray),
+    };
+}
+
+std::vector<AttributePtr> transformAttributes() {
+    auto flags = [](const char* longName, const char* shortName) {
+        auto a = A::compound(longName, shortName, {});
+        const std::string longStem(longName), shortStem(shortName);
+        for (const char* axis : {"X", "Y", "Z"}) {
+            // minTransLimitEnable (mtle) has the parts minTransXLimitEnable (mtxe), and so on.
+            std::string part = longStem;
+            part.insert(part.find("Limit"), axis);
+            std::string brief = shortStem.substr(0, 2) + static_cast<char>(axis[0] - 'A' + 'a') + "e";
+            a->addChild(A::number(part, brief, N::Bool));
+        }
+        return a;
+    };
+    auto limits = [&](const char* word, const char* brief, double low, double high, AttributeType unit) {
+        std::vector<AttributePtr> both;
+        for (const bool isMin : {true, false}) {
+            const std::string side = isMin ? "min" : "max";
+            const std::string sideBrief = isMin ? "m" : "x";
+            std::vector<AttributePtr> parts;
+            for (const char* axis : {"X", "Y", "Z"}) {
+                const std::string longPart = side + word + axis + "Limit";
+                const std::string shortPart = sideBrief + brief + static_cast<char>(axis[0] - 'A' + 'a') + "l";
+                parts.push_back(unit == AttributeType::Numeric
+                                    ? A::number(longPart, shortPart, N::Double, isMin ? low : high)
+                                    : A::unit(longPart, shortPart, unit, isMin ? low : high));
+            }
+            both.push_back(A::tupleOf(side + word + "Limit", sideBrief + brief + "l", std::move(parts)));
+        }
+        return both;
+    };
+    std::vector<AttributePtr> all{
+        keyable(A::tuple("translate", "t", N::Double, 3, "XYZ", distance)),
+        keyable(A::tuple("rotate", "r", N::Double, 3, "XYZ", angle)),
+        A::enumeration("rotateOrder", "ro", 0, {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"}),
+        keyable(A::tuple("scale", "s", N::Double, 3, "XYZ", AttributeType::Numeric, 1.0)),
+        A::tupleOf("shear", "sh",
+                   {A::number("shearXY", "shxy", N::Double), A::number("shearXZ", "shxz", N::Double),
+                    A::number("shearYZ", "shyz", N::Double)}),
+        A::tuple("rotatePivot", "rp", N::Double, 3, "XYZ", distance),
+        A::tuple("rotatePivotTranslate", "rpt", N::Double, 3, "XYZ", distance),
+        A::tuple("scalePivot", "sp", N::Double, 3, "XYZ", distance),
+        A::tuple("scalePivotTranslate", "spt", N::Double, 3, "XYZ", distance),
+        A::tuple("rotateAxis", "ra", N::Double, 3, "XYZ", angle),
+        A::number("inheritsTransform", "it", N::Bool, 1),
+        readOnly(A::matrix("xformMatrix", "xm")),
+        A::number("displayHandle", "dh", N::Bool),
+        A::number("displayScalePivot", "dsp", N::Bool),
+        A::number("displayRotatePivot", "drp", N::Bool),
+        A::number("displayLocalAxis", "dla", N::Bool),
+        A::number("dynamics", "dn", N::Bool),
+        A::tuple("selectHandle", "hdl", N::Double, 3, "XYZ", distance),
+        A::enumeration("showManipDefault", "smd", 0,
+                       {"none", "translate", "rotate", "scale", "transform", "global default"}),
+        A::number("rotationInterpolation", "roi", N::Short, 1),
+        flags("minTransLimitEnable", "mtle"),
+        flags("maxTransLimitEnable", "xtle"),
+        flags("minRotLimitEnable", "mrle"),
+        flags("maxRotLimitEnable", "xrle"),
+        flags("minScaleLimitEnable", "msle"),
+        flags("maxScaleLimitEnable", "xsle"),
+    };
+    constexpr double quarterTurn = 0.78539816339744831;
+    for (auto& a : limits("Trans", "t", -1, 1, distance)) all.push_back(a);
+    for (auto& a : limits("Rot", "r", -quarterTurn, quarterTurn, angle)) all.push_back(a);
+    for (auto& a : limits("Scale", "s", -1, 1, AttributeType::Numeric)) all.push_back(a);
+    return all;
+}
+
+std::vector<AttributePtr> cameraAttributes() {
+    return {
+        A::number("renderable", "rnd", N::Bool, 1),
+        A::tuple("cameraAperture", "cap", N::Double, 2, "HV"),
+        keyable(limited(A::number("horizontalFilmAperture", "hfa", N::Double, 1.41732), 0.0001)),
+        keyable(limited(A::number("verticalFilmAperture", "vfa", N::Double, 0.94488), 0.0001)),
+        keyable(limited(A::number("focalLength", "fl", N::Double, 35.0), 2.5, 100000.0)),
+        keyable(limited(A::number("lensSqueezeRatio", "lsr", N::Double, 1.0), 0.0001)),
+        keyable(A::number("fStop", "fs", N::Double, 5.6)),
+        keyable(A::unit("focusDistance", "fd", distance, 5.0)),
+        keyable(A::unit("shutterAngle", "sa", angle, 2.5132741228718345)),
+        keyable(A::unit("centerOfInterest", "coi", distance, 5.0)),
+        A::tuple("tumblePivot", "tp", N::Double, 3, "XYZ", distance),
+        keyable(limited(A::unit("nearClipPlane", "ncp", distance, 0.1), 0.00001)),
+        keyable(limited(A::unit("farClipPlane", "fcp", distance, 10000.0), 0.00001)),
+        A::enumeration("filmFit", "ff", 0, {"Fill", "Horizontal", "Vertical", "Overscan"}),
+        A::number("filmFitOffset", "ffo", N::Double),
+        A::number("horizontalFilmOffset", "hfo", N::Double),
+        A::number("verticalFilmOffset", "vfo", N::Double),
+        limited(A::number("overscan", "ovr", N::Double, 1.0), 0.0001),
+        limited(A::number("preScale", "psc", N::Double, 1.0), 0.0001),
+        limited(A::number("postScale", "ptsc", N::Double, 1.0), 0.0001),
+        limited(A::number("cameraScale", "cs", N::Double, 1.0), 0.0001),
+        A::number("orthographic", "o", N::Bool),
+        limited(A::unit("orthographicWidth", "ow", distance, 10.0), 0.0001),
+        A::number("depthOfField", "dof", N::Bool),
+        A::number("motionBlur", "mb", N::Bool),
+        A::number("displayFilmGate", "dfg", N::Bool),
+        A::number("displayResolution", "dr", N::Bool),
+        A::number("displayGateMask", "dgm", N::Bool),
+        A::text("imageName", "imn"),
+        A::text("depthName", "den"),
+        A::text("maskName", "man"),
+        A::text("homeCommand", "hc"),
+        color("backgroundColor", "col", 0, 0, 0),
+        A::number("image", "img", N::Bool, 1),
+        A::number("depth", "dpt", N::Bool),
+        A::number("mask", "msk", N::Bool, 1),
+    };
+}
+
+std::vector<AttributePtr> setAttributes() {
+    return {
+        array(A::message("dagSetMembers", "dsm")),
+        array(A::message("dnSetMembers", "dnsm")),
+        array(A::data("memberWireframeColor", "mwc", DataKind::IntArray)),
+        A::text("annotation", "an"),
+        A::number("isLayer", "il", N::Bool),
+        A::number("verticesOnlySet", "vo", N::Bool),
+        A::number("edgesOnlySet", "eo", N::Bool),
+        A::number("facetsOnlySet", "fo", N::Bool),
+        A::number("renderableOnlySet", "ro", N::Bool),
+        A::message("partition", "pa"),
+        A::number("hiddenInOutliner", "hio", N::Bool),
+        array(A::message("groupNodes", "gn")),
+        array(A::message("usedBy", "ub")),
+    };
+}
+
+std::vector<AttributePtr> lambertAttributes() {
+    return {
+        color("color", "c", 0.5, 0.5, 0.5), color("transparency", "it", 0, 0, 0), color("ambientColor", "ambc", 0, 0, 0),
+        color("incandescence", "ic", 0, 0, 0), A::number("diffuse", "dc", N::Float, 0.8),
+        A::number("translucence", "tc", N::Float), readOnly(color("outColor", "oc", 0, 0, 0)),
+        readOnly(color("outTransparency", "ot", 0, 0, 0)),
+    };
+}
+
+void registerBase(Registrar& r) {
+    auto message = A::message("message", "msg");
+    message->writable = false;
+    r.abstract("node", nullptr, dependency, MFn::kDependencyNode,
+               {message, A::number("caching", "cch", N::Bool), A::number("isHistoricallyInteresting", "ihi", N::Byte, 2),
+                A::enumeration("nodeState", "nds", 0, {"Normal", "HasNoEffect", "Blocking"}),
+                array(A::text("binMembership", "bnm"))});
+    r.type("unknown", "node", dependency, MFn::kUnknown, {});
+    r.type("time", "node", dependency, MFn::kTime, {A::unit("outTime", "o", AttributeType::Time)}, makeTimeBehavior)
+        .computed({"outTime"});
+}
+
+void registerDag(Registrar& r) {
+    auto& dag = r.abstract("dagNode", "node", shapeKind, MFn::kDagNode, dagAttributes(), makeDagBehavior);
+    dag.affects({"matrix"}, {"inverseMatrix", "worldMatrix", "worldInverseMatrix"});
+    dag.affects({"parentMatrix"}, {"worldMatrix", "worldInverseMatrix", "parentInverseMatrix"});
+    dag.computed({"matrix", "parentMatrix"});
+    auto& t = r.type("transform", "dagNode", transformKind, MFn::kTransform, transformAttributes(), makeDagBehavior);
+    t.affects({"translate", "rotate", "rotateOrder", "scale", "shear", "rotatePivot", "rotatePivotTranslate",
+               "scalePivot", "scalePivotTranslate", "rotateAxis"},
+              {"matrix", "inverseMatrix", "xformMatrix", "worldMatrix", "worldInverseMatrix"});
+    t.affects({"inheritsTransform"}, {"parentMatrix", "parentInverseMatrix", "worldMatrix", "worldInverseMatrix"});
+    r.type("world", "dagNode", transformKind, MFn::kWorld, {}, makeDagBehavior).isAbstract = true;
+    r.type("unknownDag", "dagNode", transformKind, MFn::kUnknownDag, {}, makeDagBehavior);
+    r.type("unknownTransform", "transform", transformKind, MFn::kUnknownTransform, {});
+    r.abstract("shape", "dagNode", shapeKind, MFn::kShape, {});
+    r.abstract("geometryShape", "shape", shapeKind, MFn::kGeometric,
+               {A::number("castsShadows", "csh", N::Bool, 1), A::number("receiveShadows", "rcsh", N::Bool, 1),
+                A::number("motionBlur", "mb", N::Bool, 1), A::number("primaryVisibility", "vis", N::Bool, 1),
+                A::number("visibleInReflections", "vir", N::Bool), A::number("visibleInRefractions", "vif", N::Bool),
+                A::number("doubleSided", "ds", N::Bool, 1), A::number("opposite", "op", N::Bool),
+                A::number("smoothShading", "smo", N::Bool, 1)});
+    r.type("locator", "geometryShape", shapeKind, MFn::kLocator,
+           {A::tuple("localPosition", "lp", N::Double, 3, "XYZ", distance),
+            worldArray(A::tuple("worldPosition", "wp", N::Double, 3, "XYZ", distance)),
+            A::tuple("localScale", "los", N::Double, 3, "XYZ", AttributeType::Numeric, 1.0)});
+    r.type("camera", "shape", shapeKind, MFn::kCamera, cameraAttributes());
+    r.abstract("light", "shape", shapeKind, MFn::kLight,
+               {color("color", "cl", 1, 1, 1), A::number("intensity", "in", N::Float, 1),
+                A::number("useRayTraceShadows", "urs", N::Bool, 1), A::number("emitDiffuse", "ed", N::Bool, 1),
+                A::number("emitSpecular", "sn", N::Bool, 1)});
+    r.type("directionalLight", "light", shapeKind, MFn::kDirectionalLight, {});
+    r.type("ambientLight", "light", shapeKind, MFn::kAmbientLight, {A::number("ambientShade", "as", N::Float, 0.45)});
+    r.type("pointLight", "light", shapeKind, MFn::kPointLight, {A::number("decayRate", "de", N::Short)});
+}
+
+void registerShading(Registrar& r) {
+    r.type("objectSet", "node", dependency, MFn::kSet, setAttributes());
+    r.type("shadingEngine", "objectSet", dependency, MFn::kShadingEngine,
+           {color("surfaceShader", "ss", 0, 0, 0), color("volumeShader", "vs", 0, 0, 0),
+            A::tuple("displacementShader", "ds", N::Float, 3)});
+    r.type("partition", "node", dependency, MFn::kPartition,
+           {array(A::message("sets", "st")), A::number("partitionType", "pt", N::Short)});
+    r.type("groupId", "node", dependency, MFn::kGroupId, {A::number("groupId", "id", N::Int)});
+    r.type("materialInfo", "node", dependency, MFn::kMaterialInfo,
+           {A::message("shadingGroup", "sg"), A::message("material", "m"), array(A::message("texture", "t"))});
+    r.type("lambert", "node", dependency, MFn::kLambert, lambertAttributes());
+    r.type("renderGlobals", "node", dependency, MFn::kRenderGlobals,
+           {A::unit("startFrame", "fs", AttributeType::Time, 250), A::unit("endFrame", "ef", AttributeType::Time, 2500),
+            A::unit("byFrame", "be", AttributeType::Time, 250), A::number("animation", "an", N::Bool),
+            A::text("imageFilePrefix", "ifp"), A::number("imageFormat", "imf", N::Int, 7)});
+    r.type("resolution", "node", dependency, MFn::kResolution,
+           {A::number("width", "w", N::Int, 640), A::number("height", "h", N::Int, 480),
+            A::number("pixelAspect", "pa", N::Float, 1), A::number("deviceAspectRatio", "dar", N::Float, 1.333),
+            A::number("aspectLock", "al", N::Bool, 1), A::number("lockDeviceAspectRatio", "ldar", N::Bool)});
+    r.type("script", "node", dependency, MFn::kScript,
+           {A::text("before", "b"), A::text("after", "a"), A::number("scriptType", "st", N::Short),
+            A::number("sourceType", "stp", N::Short), A::number("ignoreReferenceEdits", "ire", N::Bool)});
+    r.type("expression", "node", dependency, MFn::kExpression,
+           {A::text("expression", "e"), A::text("internalExpression", "ixp"), A::message("object", "obm"),
+            array(A::number("input", "in", N::Double)), array(A::number("output", "out", N::Double)),
+            A::unit("time", "tim", AttributeType::Time), A::number("frame", "f", N::Double)});
+}
+
+void registerAnimation(Registrar& r) {
+    const auto curve = [&](const char* name, AttributePtr value, AttributePtr output, MFn::Type apiType) {
+        auto keys = array(A::compound("keyTimeValue", "ktv",
+                                      {A::unit("keyTime", "kt", AttributeType::Time), std::move(value)}));
+        output->writable = false;
+        output->storable = false;
+        auto& t = r.type(name, "animCurve", dependency, apiType, {std::move(keys), std::move(output)}, makeAnimCurve);
+        t.affects({"input", "keyTimeValue", "keyTanInType", "keyTanOutType", "preInfinity", "postInfinity",
+                   "tangentType"},
+                  {"output"});
+    };
+    const std::vector<std::string> tangents{"fixed", "", "linear", "flat", "", "step", "", "", "", "spline",
+                                            "clamped", "", "", "", "", "", "plateau", "stepnext", "auto"};
+    const std::vector<std::string> infinity{"constant", "linear", "", "cycle", "cycleRelative", "oscillate"};
+    r.abstract("animCurve", "node", dependency, MFn::kAnimCurve,
+               {A::unit("input", "i", AttributeType::Time), A::enumeration("tangentType", "tan", 0, tangents),
+                A::number("weightedTangents", "wgt", N::Bool),
+                array(A::enumeration("keyTanInType", "kit", 0, tangents)),
+                array(A::enumeration("keyTanOutType", "kot", 0, tangents)),
+                array(A::number("keyBreakdown", "kbd", N::Bool)), A::enumeration("preInfinity", "pre", 0, infinity),
+                A::enumeration("postInfinity", "pst", 0, infinity)});
+    curve("animCurveTL", A::unit("keyValue", "kv", distance), A::unit("output", "o", distance),
+          MFn::kAnimCurveTimeToDistance);
+    curve("animCurveTA", A::unit("keyValue", "kv", angle), A::unit("output", "o", angle), MFn::kAnimCurveTimeToAngular);
+    curve("animCurveTU", A::number("keyValue", "kv", N::Double), A::number("output", "o", N::Double),
+          MFn::kAnimCurveTimeToUnitless);
+    curve("animCurveTT", A::unit("keyValue", "kv", AttributeType::Time), A::unit("output", "o", AttributeType::Time),
+          MFn::kAnimCurveTimeToTime);
+}
+
+void registerMeshes(Registrar& r) {
+    const auto mesh = [](const char* longName, const char* shortName) {
+        return A::data(longName, shortName, DataKind::Mesh);
+    };
+    auto uvSets = array(A::compound("uvSet", "uvst",
+                                    {A::text("uvSetName", "uvsn"), array(A::tuple("uvSetPoints", "uvsp", N::Float, 2, "UV"))}));
+    // The lists of a mesh live in the mesh itself; these attributes only give them their names in scene files.
+    auto& t = r.type("mesh", "geometryShape", shapeKind, MFn::kMesh,
+                     {mesh("inMesh", "i"), readOnly(mesh("outMesh", "o")), worldArray(mesh("worldMesh", "w")),
+                      array(A::tuple("pnts", "pt", N::Float, 3, "xyz")), array(A::tuple("vrts", "vt", N::Float, 3, "xyz")),
+                      array(A::tuple("edge", "ed", N::Int, 3)), array(A::message("face", "fc")), uvSets,
+                      A::text("currentUVSet", "cuvs"), array(A::tuple("normals", "n", N::Float, 3, "xyz")),
+                      A::number("displayColors", "dcol", N::Bool), A::number("vertexColorSource", "vcs", N::Short, 2),
+                      A::number("displaySmoothMesh", "dsm", N::Bool)},
+                     makeMeshBehavior);
+    t.affects({"inMesh", "pnts"}, {"outMesh", "worldMesh"});
+    t.affects({"worldMatrix"}, {"worldMesh"});
+
+    const auto axis = [] {
+        auto a = A::tuple("axis", "ax", N::Double, 3);
+        a->children[1]->defaultValue = Numeric(N::Double, 1, 1);
+        a->defaultValue = Numeric(N::Double, 3, 0, 1, 0);
+        return a;
+    };
+    r.abstract("polyCreator", "node", dependency, MFn::kPolyCreator,
+               {readOnly(mesh("output", "out")), axis(), A::number("createUVs", "cuv", N::Short, 1)}, makePolyCreator);
+    const auto size = [](const char* longName, const char* shortName, double v) {
+        return keyable(limited(A::unit(longName, shortName, distance, v), 0.0));
+    };
+    const auto count = [](const char* longName, const char* shortName, int v, int least) {
+        return keyable(limited(A::number(longName, shortName, N::Int, v), least));
+    };
+    const auto creator = [&](const char* name, MFn::Type apiType, std::vector<AttributePtr> attributes) {
+        std::vector<const Attribute*> inputs;
+        for (auto& a : attributes) inputs.push_back(a.get());
+        auto& c = r.type(name, "polyCreator", dependency, apiType, std::move(attributes));
+        for (const Attribute* a : inputs) c.affects(*a, *c.find("output"));
+        c.affects({"axis", "createUVs"}, {"output"});
+    };
+    creator("polyPlane", MFn::kPolyMesh,
+            {size("width", "w", 1), size("height", "h", 1), count("subdivisionsWidth", "sw", 10, 1),
+             count("subdivisionsHeight", "sh", 10, 1)});
+    creator("polyCube", MFn::kPolyCube,
+            {size("width", "w", 1), size("height", "h", 1), size("depth", "d", 1), count("subdivisionsWidth", "sw", 1, 1),
+             count("subdivisionsHeight", "sh", 1, 1), count("subdivisionsDepth", "sd", 1, 1)});
+    creator("polySphere", MFn::kPolySphere,
+            {size("radius", "r", 1), count("subdivisionsAxis", "sa", 20, 3), count("subdivisionsHeight", "sh", 20, 3)});
+    creator("polyCylinder", MFn::kPolyCylinder,
+            {size("radius", "r", 1), size("height", "h", 2), count("subdivisionsAxis", "sa", 20, 3),
+             count("subdivisionsHeight", "sh", 1, 1), count("subdivisionsCaps", "sc", 1, 0),
+             A::number("roundCap", "rcp", N::Bool)});
+}
+
+} // namespace
+
+void registerBuiltinTypes(Scene& scene) {
+    Registrar r(scene);
+    registerBase(r);
+    registerDag(r);
+    registerShading(r);
+    registerAnimation(r);
+    registerMeshes(r);
+}
+
+} // namespace host::scene

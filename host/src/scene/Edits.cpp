@@ -1,0 +1,393 @@
+#include "scene/Evaluation.h"
+#include "scene/Scene.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace host::scene {
+namespace {
+
+std::string formatLimit(double v) {
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, v, std::chars_format::general, 6).ptr;
+    return std::string(text, end);
+}
+
+/// Holds the number against the limits, or throws.
+double limited(const Cell& cell, const Limits& limits, double value, Scene::LimitPolicy policy) {
+    if (policy == Scene::LimitPolicy::Ignore) return value;
+    // Limits are in internal units, the text for the user is in his.
+    const double toUi = internalToUi(cell.attribute);
+    if (limits.min && value < *limits.min) {
+        if (policy == Scene::LimitPolicy::Clamp) return *limits.min;
+        throw SceneError("Cannot set the attribute '" + cell.name() + "' below its minimum value of " +
+                         formatLimit(*limits.min * toUi) + ".");
+    }
+    if (limits.max && value > *limits.max) {
+        if (policy == Scene::LimitPolicy::Clamp) return *limits.max;
+        throw SceneError("Cannot set the attribute '" + cell.name() + "' past its maximum value of " +
+                         formatLimit(*limits.max * toUi) + ".");
+    }
+    return value;
+}
+
+void tellNodes(Cell& source, Cell& destination, bool made) {
+    if (auto& b = source.node.behavior) b->connectionChanged(source, destination, true, made);
+    if (auto& b = destination.node.behavior) b->connectionChanged(destination, source, false, made);
+}
+
+void join(Cell& source, Cell& destination) {
+    destination.source = &source;
+    source.destinations.push_back(&destination);
+    dirtyWithDependents(destination);
+    tellNodes(source, destination, true);
+}
+
+void part(Cell& source, Cell& destination) {
+    destination.source = nullptr;
+    destination.written = true;
+    std::erase(source.destinations, &destination);
+    dirtyDependents(destination);
+    tellNodes(source, destination, false);
+}
+
+/// Breaks every connection of the cell and of what it is made of.
+void cutConnections(Scene& scene, Cell& c) {
+    if (c.source) scene.disconnect(*c.source, c);
+    while (!c.destinations.empty()) scene.disconnect(c, *c.destinations.back());
+    for (auto& child : c.children)
+        if (child) cutConnections(scene, *child);
+    for (auto& [i, e] : c.elements) cutConnections(scene, *e);
+}
+
+Cell& ownerOfNumbers(Cell& cell) { return cell.isTupleChild() ? *cell.parent : cell; }
+
+struct PathSegment {
+    std::string_view name;
+    bool indexed = false;
+    int index = 0;
+};
+
+/// Takes "a[2].b" apart; empty when it is malformed.
+std::vector<PathSegment> parsePath(std::string_view text) {
+    std::vector<PathSegment> segments;
+    while (true) {
+        const auto dot = text.find('.');
+        std::string_view word = text.substr(0, dot);
+        PathSegment s;
+        const auto bracket = word.find('[');
+        s.name = word.substr(0, bracket);
+        if (bracket != std::string_view::npos) {
+            if (word.back() != ']') return {};
+            const std::string_view digits = word.substr(bracket + 1, word.size() - bracket - 2);
+            s.indexed = true;
+            const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), s.index);
+            if (error != std::errc() || end != digits.data() + digits.size()) return {};
+            if (s.index < 0 || s.index > Scene::maxArrayIndex) return {};
+        }
+        if (s.name.empty()) return {};
+        segments.push_back(s);
+        if (dot == std::string_view::npos) return segments;
+        text.remove_prefix(dot + 1);
+    }
+}
+
+Cell* step(Cell* array, const PathSegment& s, bool create) {
+    if (!s.indexed) return array;
+    if (!array->attribute.array || array->index >= 0) {
+        return nullptr;
+    }
+    if (!create && !array->elements.contains(s.index) && !array->attribute.worldSpace) return nullptr;
+    return &array->element(s.index);
+}
+
+} // namespace
+
+Cell* Scene::tryPlug(Node& node, std::string_view path, bool create) {
+    const auto segments = parsePath(path);
+    if (segments.empty()) return nullptr;
+    const Attribute* attribute = node.findAttribute(segments[0].name);
+    if (!attribute) return nullptr;
+    // A child of a plain compound may be named alone; one inside an array needs its element named.
+    for (const Attribute* up = attribute->parent; up; up = up->parent)
+        if (up->array) return nullptr;
+    Cell* cell = step(&node.cell(*attribute), segments[0], create);
+    for (std::size_t i = 1; cell && i < segments.size(); ++i) {
+        if (cell->isArray()) return nullptr;
+        const Attribute* part = cell->attribute.child(segments[i].name);
+        if (!part) return nullptr;
+        cell = step(&cell->child(part->childIndex), segments[i], create);
+    }
+    return cell;
+}
+
+Cell* Scene::tryPlug(std::string_view text, bool create) {
+    const auto dot = text.find('.');
+    if (dot == std::string_view::npos) return nullptr;
+    Node* node = findNode(text.substr(0, dot));
+    return node ? tryPlug(*node, text.substr(dot + 1), create) : nullptr;
+}
+
+Cell& Scene::findPlug(std::string_view text) {
+    const auto dot = text.find('.');
+    bool ambiguous = false;
+    if (dot != std::string_view::npos) {
+        Node* node = findNode(text.substr(0, dot), &ambiguous);
+        if (node) {
+            if (Cell* c = tryPlug(*node, text.substr(dot + 1))) return *c;
+        }
+    }
+    throw SceneError((ambiguous ? "More than one object matches name: " : "No object matches name: ") +
+                     std::string(text));
+}
+
+void Scene::requireSettable(const Cell& cell) const {
+    if (cell.lockedHere())
+        throw SceneError("The attribute '" + cell.name() + "' is locked or connected and cannot be modified.");
+    for (const Cell* c = &cell; c; c = c->parent)
+        if (c->source)
+            throw SceneError("The attribute '" + cell.name() + "' is locked or connected and cannot be modified.");
+    if (cell.attribute.type == AttributeType::Tuple)
+        for (const auto& child : cell.children)
+            if (child && (child->source || child->locked))
+                throw SceneError("The attribute '" + cell.name() +
+                                 "' contains a locked or connected child and cannot be modified.");
+    if (!cell.attribute.writable)
+        throw SceneError("The attribute '" + cell.name() + "' cannot be written.");
+}
+
+void Scene::setNumber(Cell& cell, double value, LimitPolicy policy) {
+    requireSettable(cell);
+    int k = 0;
+    Numeric* numbers = cell.numbers(&k);
+    if (!numbers || cell.isArray() || cell.attribute.type == AttributeType::Tuple)
+        throw SceneError("The attribute '" + cell.name() + "' is not a number.");
+    value = limited(cell, cell.attribute.limits[0], value, policy);
+    Numeric after = *numbers;
+    after.set(k, value);
+    Cell& owner = ownerOfNumbers(cell);
+    if (cell.node.behavior && cell.attribute.internal && cell.node.behavior->setInternal(cell, after)) {
+        dirtyDependents(cell);
+        return;
+    }
+    const Numeric before = *numbers;
+    const bool wasWritten = cell.written;
+    owner.value = after;
+    cell.written = true;
+    cell.dirty = false;
+    dirtyDependents(cell);
+    if (undo.recording()) {
+        const auto set = [k, &cell, &owner, keep = cell.node.shared_from_this()](const Numeric& to, bool written) {
+            std::get<Numeric>(owner.value).set(k, to.get(k));
+            cell.written = written;
+            dirtyDependents(cell);
+        };
+        record([set, after] { set(after, true); }, [set, before, wasWritten] { set(before, wasWritten); });
+    } else {
+        modified = true;
+        ++generation_;
+    }
+}
+
+void Scene::setInt64(Cell& cell, std::int64_t value) {
+    if (cell.attribute.numeric != NumericType::Int64) {
+        setNumber(cell, static_cast<double>(value));
+        return;
+    }
+    Numeric n(NumericType::Int64, 1);
+    n.setInt64(0, value);
+    setValue(cell, n);
+}
+
+void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
+    requireSettable(cell);
+    if (cell.isArray()) throw SceneError("The attribute '" + cell.name() + "' is an array; set its elements.");
+    if (auto* n = std::get_if<Numeric>(&value)) {
+        if (cell.isTupleChild()) {
+            setNumber(cell, n->get(), policy);
+            return;
+        }
+        const Numeric* held = std::get_if<Numeric>(&cell.value);
+        if (!held || held->count != n->count)
+            throw SceneError("The attribute '" + cell.name() + "' does not hold " + std::to_string(n->count) +
+                             " numbers.");
+        Numeric converted(held->type, held->count);
+        for (int k = 0; k < n->count; ++k) {
+            const bool tuple = cell.attribute.type == AttributeType::Tuple;
+            const Limits& limits = tuple ? cell.attribute.children[static_cast<std::size_t>(k)]->limits[0]
+                                         : cell.attribute.limits[0];
+            if (n->type == NumericType::Int64) converted.setInt64(k, n->getInt64(k));
+            else converted.set(k, limited(cell, limits, n->get(k), policy));
+        }
+        value = converted;
+    } else if (cell.attribute.type != AttributeType::Generic) {
+        const bool fits = cell.value.index() == value.index() || cell.attribute.type == AttributeType::Data;
+        const auto* data = std::get_if<DataPtr>(&value);
+        if (!fits || (data && *data && (*data)->kind() != cell.attribute.dataKind))
+            throw SceneError("The attribute '" + cell.name() + "' does not take a value of this type.");
+    }
+    if (cell.node.behavior && cell.attribute.internal && cell.node.behavior->setInternal(cell, value)) {
+        dirtyDependents(cell);
+        return;
+    }
+    const auto set = [&cell, keep = undo.recording() ? cell.node.shared_from_this() : nullptr](const Value& to,
+                                                                                                 bool written) {
+        cell.value = to;
+        cell.written = written;
+        setClean(cell);
+        dirtyDependents(cell);
+    };
+    if (undo.recording()) {
+        Value before = cell.value;
+        const bool wasWritten = cell.written;
+        record([set, value] { set(value, true); },
+               [set, before = std::move(before), wasWritten] { set(before, wasWritten); });
+    } else {
+        modified = true;
+        ++generation_;
+    }
+    set(value, true);
+}
+
+void Scene::setLocked(Cell& cell, bool locked) {
+    if (cell.locked == locked) return;
+    const auto set = [&cell, keep = cell.node.shared_from_this()](bool to) { cell.locked = to; };
+    set(locked);
+    record([set, locked] { set(locked); }, [set, locked] { set(!locked); });
+}
+
+void Scene::setKeyable(Cell& cell, bool keyable) {
+    const auto before = cell.keyable;
+    const auto set = [&cell, keep = cell.node.shared_from_this()](std::optional<bool> to) { cell.keyable = to; };
+    set(keyable);
+    record([set, keyable] { set(keyable); }, [set, before] { set(before); });
+}
+
+void Scene::setChannelBox(Cell& cell, bool shown) {
+    const auto before = cell.channelBox;
+    const auto set = [&cell, keep = cell.node.shared_from_this()](std::optional<bool> to) { cell.channelBox = to; };
+    set(shown);
+    record([set, shown] { set(shown); }, [set, before] { set(before); });
+}
+
+void Scene::removeElement(Cell& element, bool breakConnections) {
+    if (element.index < 0) throw SceneError("'" + element.name() + "' is not an element of an array.");
+    const std::function<bool(Cell&)> connected = [&](Cell& c) -> bool {
+        if (c.source || !c.destinations.empty()) return true;
+        for (auto& child : c.children)
+            if (child && connected(*child)) return true;
+        return std::any_of(c.elements.begin(), c.elements.end(), [&](auto& e) { return connected(*e.second); });
+    };
+    if (connected(element) && !breakConnections)
+        throw SceneError("Cannot remove '" + element.name() + "' while it is connected.");
+    cutConnections(*this, element);
+    Cell& array = *element.parent;
+    const int index = element.index;
+    // The cell itself is kept by the edit, so that pointers to it hold again after an undo.
+    auto kept = std::make_shared<std::unique_ptr<Cell>>();
+    const auto remove = [&array, index, kept, keep = array.node.shared_from_this()] {
+        *kept = std::move(array.elements[index]);
+        array.elements.erase(index);
+        dirtyDependents(array);
+    };
+    remove();
+    record(remove, [&array, index, kept, keep = array.node.shared_from_this()] {
+        array.elements[index] = std::move(*kept);
+        dirtyDependents(array);
+    });
+}
+
+void Scene::addAttribute(Node& node, AttributePtr attribute) {
+    attribute->dynamic = true;
+    if (!node.addDynamic(attribute))
+        throw SceneError("Node '" + displayName(node) + "' already has an attribute named '" + attribute->longName +
+                         "'.");
+    auto keep = node.shared_from_this();
+    auto cell = std::make_shared<std::unique_ptr<Cell>>();
+    record(
+        [keep, attribute, cell] {
+            keep->addDynamic(attribute);
+            keep->putCell(std::move(*cell));
+        },
+        [keep, attribute, cell] {
+            *cell = keep->takeCell(*attribute);
+            keep->removeDynamic(*attribute);
+        });
+}
+
+void Scene::deleteAttribute(Node& node, const Attribute& attribute) {
+    if (!attribute.dynamic || attribute.parent)
+        throw SceneError("The attribute '" + attribute.longName + "' cannot be deleted: it was not added to the node.");
+    Cell& root = node.cell(attribute);
+    cutConnections(*this, root);
+    auto keep = node.shared_from_this();
+    auto cell = std::make_shared<std::unique_ptr<Cell>>(node.takeCell(attribute));
+    AttributePtr kept = std::const_pointer_cast<Attribute>(attribute.shared_from_this());
+    node.removeDynamic(attribute);
+    record(
+        [keep, kept, cell] {
+            *cell = keep->takeCell(*kept);
+            keep->removeDynamic(*kept);
+        },
+        [keep, kept, cell] {
+            keep->addDynamic(kept);
+            keep->putCell(std::move(*cell));
+        });
+}
+
+void Scene::connect(Cell& source, Cell& destination, bool force) {
+    const std::string pair = "'" + source.name() + "' to '" + destination.name() + "'";
+    if (destination.source == &source)
+        throw SceneError("'" + source.name() + "' is already connected to '" + destination.name() + "'.");
+    if (!source.attribute.readable) throw SceneError("Cannot connect " + pair + ": the source is not readable.");
+    if (!destination.attribute.writable)
+        throw SceneError("Cannot connect " + pair + ": the destination is not writable.");
+    if (!source.attribute.connectable || !destination.attribute.connectable)
+        throw SceneError("Cannot connect " + pair + ": not connectable.");
+    if (&source == &destination) throw SceneError("Cannot connect " + pair + ": an attribute to itself.");
+    if (!compatible(source, destination))
+        throw SceneError("Cannot connect " + pair + ": data types are not compatible.");
+    if (destination.lockedHere())
+        throw SceneError("Cannot connect " + pair + ": the destination attribute is locked.");
+    if (destination.source) {
+        if (!force)
+            throw SceneError("The attribute '" + destination.name() +
+                             "' cannot be modified: it is already connected to '" + destination.source->name() + "'.");
+        disconnect(*destination.source, destination);
+    }
+    for (auto* side : {&source, &destination}) {
+        Cell& other = side == &source ? destination : source;
+        if (!side->node.behavior) continue;
+        const auto legal = side->node.behavior->legal(*side, other, side == &source, true);
+        if (legal && !*legal) throw SceneError("Cannot connect " + pair + ": the node does not allow it.");
+    }
+    const NodePtr a = source.node.shared_from_this(), b = destination.node.shared_from_this();
+    join(source, destination);
+    record([=, &source, &destination] { (void)a, (void)b, join(source, destination); },
+           [=, &source, &destination] { (void)a, (void)b, part(source, destination); });
+}
+
+void Scene::disconnect(Cell& source, Cell& destination) {
+    if (destination.source != &source)
+        throw SceneError("There is no connection from '" + source.name() + "' to '" + destination.name() + "'.");
+    // What flowed last stays as the destination's own value.
+    evaluate(destination);
+    const NodePtr a = source.node.shared_from_this(), b = destination.node.shared_from_this();
+    part(source, destination);
+    record([=, &source, &destination] { (void)a, (void)b, part(source, destination); },
+           [=, &source, &destination] { (void)a, (void)b, join(source, destination); });
+}
+
+Cell& Scene::nextAvailable(Cell& array) {
+    int free = 0;
+    for (auto& [index, element] : array.elements) {
+        const bool used = element->source || !element->destinations.empty() || element->written ||
+                          std::any_of(element->children.begin(), element->children.end(),
+                                      [](auto& c) { return c && (c->source || c->written); });
+        if (index == free && used) ++free;
+        else if (index > free) break;
+    }
+    return array.element(free);
+}
+
+} // namespace host::scene

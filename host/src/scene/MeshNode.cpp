@@ -1,0 +1,177 @@
+#include "scene/MeshNode.h"
+
+#include "mesh/Primitives.h"
+#include "scene/Evaluation.h"
+#include "scene/Messages.h"
+#include "scene/Scene.h"
+
+namespace host::scene {
+namespace {
+
+std::shared_ptr<const mesh::PolyMesh> meshIn(Cell& cell) {
+    evaluate(cell);
+    const auto* data = std::get_if<DataPtr>(&cell.value);
+    const auto* held = data ? dynamic_cast<const MeshData*>(data->get()) : nullptr;
+    return held ? held->mesh : nullptr;
+}
+
+void store(Cell& cell, std::shared_ptr<const mesh::PolyMesh> m) {
+    cell.value = DataPtr(std::make_shared<MeshData>(std::move(m)));
+    setClean(cell);
+}
+
+class PolyCreator final : public NodeBehavior {
+public:
+    explicit PolyCreator(Node& node) : node_(node) {}
+
+    bool compute(Cell& cell) override {
+        if (cell.attribute.longName != "output") return false;
+        std::string error;
+        auto m = make(&error);
+        if (!m) showError(node_.name + ": " + error);
+        store(cell, m);
+        return true;
+    }
+
+private:
+    double number(const char* name) {
+        Cell& c = node_.cell(name);
+        evaluate(c);
+        return c.number();
+    }
+    int count(const char* name) { return static_cast<int>(number(name)); }
+
+    std::shared_ptr<const mesh::PolyMesh> make(std::string* error) {
+        const Imath::V3d axis(number("axisX"), number("axisY"), number("axisZ"));
+        const std::string& kind = node_.type.name;
+        if (kind == "polyPlane")
+            return mesh::polyPlane({number("width"), number("height"), count("subdivisionsWidth"),
+                                    count("subdivisionsHeight"), axis}, error);
+        if (kind == "polyCube")
+            return mesh::polyCube({number("width"), number("height"), number("depth"), count("subdivisionsWidth"),
+                                   count("subdivisionsHeight"), count("subdivisionsDepth"), axis}, error);
+        if (kind == "polySphere")
+            return mesh::polySphere({number("radius"), count("subdivisionsAxis"), count("subdivisionsHeight"), axis},
+                                    error);
+        return mesh::polyCylinder({number("radius"), number("height"), count("subdivisionsAxis"),
+                                   count("subdivisionsHeight"), count("subdivisionsCaps"), axis}, error);
+    }
+
+    Node& node_;
+};
+
+} // namespace
+
+void MeshBehavior::settle() {
+    if (!fileUsed) return;
+    fileUsed = false;
+    std::string error;
+    int holes = 0;
+    auto built = file.build(&error, &holes);
+    file = {};
+    if (!built) {
+        showWarning("The mesh '" + node_.partialPath() + "' cannot be used: " + error);
+        return;
+    }
+    if (holes > 0)
+        showWarning("The mesh '" + node_.partialPath() + "' has " + std::to_string(holes) +
+                    (holes == 1 ? " hole, which is ignored." : " holes, which are ignored."));
+    own = std::move(built);
+}
+
+bool MeshBehavior::compute(Cell& cell) {
+    const std::string& name = cell.attribute.longName;
+    if (name == "outMesh") {
+        settle();
+        Cell& input = node_.cell("inMesh");
+        auto base = input.source ? meshIn(input) : own;
+        if (base && !tweaks.empty()) {
+            auto moved = std::make_shared<mesh::PolyMesh>(*base);
+            for (const auto& [vertex, d] : tweaks) {
+                if (vertex < 0 || vertex >= moved->numVertices()) continue;
+                const mesh::Float3 p = moved->point(vertex);
+                moved->setPoint(vertex, {p.x + d.x, p.y + d.y, p.z + d.z});
+            }
+            base = std::move(moved);
+        }
+        store(cell, std::move(base));
+        return true;
+    }
+    if (name == "worldMesh") {
+        if (cell.isArray()) {
+            cell.element(0);
+            cell.dirty = false;
+            return true;
+        }
+        auto local = meshIn(node_.cell("outMesh"));
+        store(cell, local ? transformed(*local, node_.worldMatrix()) : nullptr);
+        return true;
+    }
+    return DagBehavior::compute(cell);
+}
+
+void MeshBehavior::copyFrom(Node& other) {
+    if (auto* b = meshBehavior(other)) {
+        b->settle();
+        own = b->own;
+        tweaks = b->tweaks;
+    }
+}
+
+MeshBehavior* meshBehavior(Node& node) { return dynamic_cast<MeshBehavior*>(node.behavior.get()); }
+
+std::shared_ptr<const mesh::PolyMesh> meshOf(Node& shape) {
+    return meshBehavior(shape) ? meshIn(shape.cell("outMesh")) : nullptr;
+}
+
+void setMesh(Scene& scene, Node& shape, std::shared_ptr<const mesh::PolyMesh> mesh) {
+    auto* b = meshBehavior(shape);
+    if (!b) throw SceneError("'" + scene.displayName(shape) + "' is not a mesh.");
+    b->settle();
+    auto own = b->own;
+    auto tweaks = b->tweaks;
+    Cell& input = shape.cell("inMesh");
+    if (input.source) {
+        auto base = meshIn(input);
+        if (!base || !mesh || base->numVertices() != mesh->numVertices() ||
+            base->numPolygons() != mesh->numPolygons())
+            throw SceneError("The mesh '" + scene.displayName(shape) +
+                             "' has construction history, so only its points can be changed.");
+        tweaks.clear();
+        for (int i = 0; i < mesh->numVertices(); ++i) {
+            const auto a = base->point(i), p = mesh->point(i);
+            if (!(a == p)) tweaks[i] = {p.x - a.x, p.y - a.y, p.z - a.z};
+        }
+    } else {
+        own = std::move(mesh);
+        tweaks.clear();
+    }
+    const auto set = [b, keep = shape.shared_from_this()](auto m, auto t) {
+        b->own = std::move(m);
+        b->tweaks = std::move(t);
+        dirtyWithDependents(keep->cell("outMesh"));
+        dirtyWithDependents(keep->cell("worldMesh"));
+    };
+    const auto oldOwn = b->own;
+    const auto oldTweaks = b->tweaks;
+    set(own, tweaks);
+    scene.record([=] { set(own, tweaks); }, [=] { set(oldOwn, oldTweaks); });
+}
+
+std::shared_ptr<const mesh::PolyMesh> transformed(const mesh::PolyMesh& mesh, const MMatrix& m) {
+    auto out = std::make_shared<mesh::PolyMesh>(mesh);
+    std::vector<mesh::Float3> points(mesh.points().begin(), mesh.points().end());
+    for (auto& p : points) {
+        const double x = p.x, y = p.y, z = p.z;
+        p = {static_cast<float>(x * m(0, 0) + y * m(1, 0) + z * m(2, 0) + m(3, 0)),
+             static_cast<float>(x * m(0, 1) + y * m(1, 1) + z * m(2, 1) + m(3, 1)),
+             static_cast<float>(x * m(0, 2) + y * m(1, 2) + z * m(2, 2) + m(3, 2))};
+    }
+    out->setPoints(points);
+    return out;
+}
+
+std::unique_ptr<NodeBehavior> makeMeshBehavior(Node& node) { return std::make_unique<MeshBehavior>(*node.dag()); }
+std::unique_ptr<NodeBehavior> makePolyCreator(Node& node) { return std::make_unique<PolyCreator>(node); }
+
+} // namespace host::scene

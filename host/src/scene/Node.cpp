@@ -1,0 +1,319 @@
+#include "scene/Node.h"
+
+#include "scene/Evaluation.h"
+#include "scene/Scene.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace host::scene {
+
+Cell::Cell(Node& n, const Attribute& a, Cell* p, int i) : node(n), attribute(a), parent(p), index(i) {
+    if (!isArray() && !isTupleChild()) value = a.defaultValue;
+    dirty = n.isComputed(a) || (p && p->dirty);
+}
+
+Cell& Cell::child(int k) {
+    if (children.empty()) children.resize(attribute.children.size());
+    auto& slot = children.at(static_cast<std::size_t>(k));
+    if (!slot) slot = std::make_unique<Cell>(node, *attribute.children[static_cast<std::size_t>(k)], this, -1);
+    return *slot;
+}
+
+Cell& Cell::element(int logicalIndex) {
+    auto& slot = elements[logicalIndex];
+    if (!slot) slot = std::make_unique<Cell>(node, attribute, this, logicalIndex);
+    return *slot;
+}
+
+Numeric* Cell::numbers(int* component) {
+    if (component) *component = 0;
+    if (isTupleChild()) {
+        if (component) *component = attribute.childIndex;
+        return std::get_if<Numeric>(&parent->value);
+    }
+    return std::get_if<Numeric>(&value);
+}
+
+double Cell::number() {
+    int k = 0;
+    const Numeric* n = numbers(&k);
+    return n ? n->get(k) : 0.0;
+}
+
+std::string Cell::attributePath(bool longNames) const {
+    const std::string own = longNames ? attribute.longName : attribute.shortName;
+    if (index >= 0) return parent->attributePath(longNames) + "[" + std::to_string(index) + "]";
+    return parent ? parent->attributePath(longNames) + "." + own : own;
+}
+
+std::string Cell::name(bool longNames) const {
+    auto* dag = const_cast<Node&>(node).dag();
+    return (dag ? dag->partialPath() : node.name) + "." + attributePath(longNames);
+}
+
+bool Cell::lockedHere() const {
+    for (const Cell* c = this; c; c = c->parent)
+        if (c->locked) return true;
+    return node.locked;
+}
+
+NodeType::NodeType(std::string n, const NodeType* b, Kind k, int api)
+    : name(std::move(n)), base(b), kind(k), apiType(api) {}
+
+bool NodeType::isA(std::string_view typeName) const {
+    for (const NodeType* t = this; t; t = t->base)
+        if (t->name == typeName) return true;
+    return false;
+}
+
+bool NodeType::index(const AttributePtr& a) {
+    if (find(a->longName) || find(a->shortName)) return false;
+    byName_.emplace(a->longName, a.get());
+    byName_.emplace(a->shortName, a.get());
+    for (const auto& c : a->children) index(c);
+    return true;
+}
+
+bool NodeType::add(AttributePtr a) {
+    if (!index(a)) return false;
+    own_.push_back(std::move(a));
+    return true;
+}
+
+void NodeType::affects(const Attribute& input, const Attribute& output) {
+    auto& list = affects_[&input];
+    if (std::find(list.begin(), list.end(), &output) == list.end()) list.push_back(&output);
+    computed_.insert(&output);
+}
+
+void NodeType::affects(std::initializer_list<const char*> inputs, std::initializer_list<const char*> outputs) {
+    for (const char* in : inputs)
+        for (const char* out : outputs) affects(*find(in), *find(out));
+}
+
+void NodeType::computed(std::initializer_list<const char*> outputs) {
+    for (const char* out : outputs) computed_.insert(find(out));
+}
+
+const Attribute* NodeType::find(std::string_view attributeName) const {
+    const std::string key(attributeName);
+    for (const NodeType* t = this; t; t = t->base) {
+        const auto it = t->byName_.find(key);
+        if (it != t->byName_.end()) return it->second;
+    }
+    return nullptr;
+}
+
+std::vector<const Attribute*> NodeType::attributes() const {
+    std::vector<const Attribute*> all = base ? base->attributes() : std::vector<const Attribute*>();
+    for (const auto& a : own_) all.push_back(a.get());
+    return all;
+}
+
+void NodeType::affected(const Attribute& input, std::vector<const Attribute*>& out) const {
+    for (const NodeType* t = this; t; t = t->base) {
+        const auto it = t->affects_.find(&input);
+        if (it != t->affects_.end()) out.insert(out.end(), it->second.begin(), it->second.end());
+    }
+}
+
+bool NodeType::isComputed(const Attribute& attribute) const {
+    for (const NodeType* t = this; t; t = t->base) {
+        if (t->computed_.empty()) continue;
+        for (const Attribute* a = &attribute; a; a = a->parent)
+            if (t->computed_.contains(a)) return true;
+    }
+    return false;
+}
+
+Node::Node(Scene& s, const NodeType& t) : scene(s), type(t) { ++type.liveNodes; }
+
+Node::~Node() {
+    behavior.reset();
+    --type.liveNodes;
+}
+
+DagNode* Node::dag() { return dynamic_cast<DagNode*>(this); }
+
+const Attribute* Node::findAttribute(std::string_view attributeName) const {
+    if (const Attribute* a = type.find(attributeName)) return a;
+    const auto it = dynamicByName_.find(std::string(attributeName));
+    return it == dynamicByName_.end() ? nullptr : it->second;
+}
+
+std::vector<const Attribute*> Node::attributes() const {
+    auto all = type.attributes();
+    for (const auto& a : dynamic_) all.push_back(a.get());
+    return all;
+}
+
+bool Node::addDynamic(AttributePtr attribute) {
+    if (findAttribute(attribute->longName) || findAttribute(attribute->shortName)) return false;
+    const std::function<void(const Attribute&)> enter = [&](const Attribute& a) {
+        dynamicByName_.emplace(a.longName, &a);
+        dynamicByName_.emplace(a.shortName, &a);
+        for (const auto& c : a.children) enter(*c);
+    };
+    enter(*attribute);
+    dynamic_.push_back(std::move(attribute));
+    return true;
+}
+
+bool Node::removeDynamic(const Attribute& attribute) {
+    const auto it = std::find_if(dynamic_.begin(), dynamic_.end(),
+                                 [&](const AttributePtr& a) { return a.get() == &attribute; });
+    if (it == dynamic_.end()) return false;
+    const std::function<void(const Attribute&)> leave = [&](const Attribute& a) {
+        dynamicByName_.erase(a.longName);
+        dynamicByName_.erase(a.shortName);
+        for (const auto& c : a.children) leave(*c);
+    };
+    leave(attribute);
+    dynamic_.erase(it);
+    return true;
+}
+
+Cell& Node::cell(const Attribute& attribute) {
+    if (attribute.parent) return cell(*attribute.parent).child(attribute.childIndex);
+    auto& slot = cells_[&attribute];
+    if (!slot) slot = std::make_unique<Cell>(*this, attribute, nullptr, -1);
+    return *slot;
+}
+
+Cell& Node::cell(std::string_view attributeName) {
+    const Attribute* a = findAttribute(attributeName);
+    assert(a);
+    return cell(*a);
+}
+
+Cell* Node::existingCell(const Attribute& rootAttribute) const {
+    const auto it = cells_.find(&rootAttribute);
+    return it == cells_.end() ? nullptr : it->second.get();
+}
+
+std::vector<Cell*> Node::cells() const {
+    std::vector<Cell*> found;
+    for (const Attribute* a : attributes())
+        if (Cell* c = existingCell(*a)) found.push_back(c);
+    return found;
+}
+
+void Node::dropCell(const Attribute& rootAttribute) { cells_.erase(&rootAttribute); }
+
+std::unique_ptr<Cell> Node::takeCell(const Attribute& rootAttribute) {
+    const auto it = cells_.find(&rootAttribute);
+    if (it == cells_.end()) return nullptr;
+    auto taken = std::move(it->second);
+    cells_.erase(it);
+    return taken;
+}
+
+void Node::putCell(std::unique_ptr<Cell> cell) {
+    if (cell) cells_[&cell->attribute] = std::move(cell);
+}
+
+bool DagNode::isWorld() const { return this == scene.world(); }
+
+bool DagNode::isBelow(const DagNode& ancestor) const {
+    for (const DagNode* n = parent; n; n = n->parent)
+        if (n == &ancestor) return true;
+    return false;
+}
+
+std::string DagNode::fullPath() const {
+    if (isWorld()) return {};
+    return (parent ? parent->fullPath() : std::string()) + "|" + name;
+}
+
+std::string DagNode::partialPath() const {
+    if (isWorld()) return {};
+    std::string path = name;
+    for (const DagNode* up = parent; !scene.isUniquePath(path, *this); up = up->parent) {
+        if (!up) return path;
+        if (up->isWorld()) return "|" + path;
+        path = up->name + "|" + path;
+    }
+    return path;
+}
+
+MMatrix DagNode::localMatrix() {
+    if (!isTransform()) return MMatrix();
+    const Attribute* a = findAttribute("matrix");
+    if (!a) return MMatrix();
+    Cell& c = cell(*a);
+    evaluate(c);
+    const auto* m = std::get_if<MMatrix>(&c.value);
+    return m ? *m : MMatrix();
+}
+
+MMatrix DagNode::parentMatrix() {
+    if (!parent) return MMatrix();
+    const Attribute* a = findAttribute("inheritsTransform");
+    if (a) {
+        Cell& inherits = cell(*a);
+        evaluate(inherits);
+        if (inherits.number() == 0) return MMatrix();
+    }
+    return parent->worldMatrix();
+}
+
+MMatrix DagNode::worldMatrix() {
+    if (!worldValid_) {
+        // From the top down, so that a deep hierarchy costs no stack.
+        std::vector<DagNode*> stale;
+        for (DagNode* n = this; n && !n->worldValid_; n = n->parent) stale.push_back(n);
+        for (auto it = stale.rbegin(); it != stale.rend(); ++it) {
+            (*it)->world_ = (*it)->localMatrix() * (*it)->parentMatrix();
+            (*it)->worldValid_ = true;
+        }
+    }
+    return world_;
+}
+
+namespace {
+
+bool flag(Node& node, std::string_view name, bool fallback) {
+    const Attribute* a = node.findAttribute(name);
+    if (!a) return fallback;
+    Cell& c = node.cell(*a);
+    evaluate(c);
+    return c.number() != 0;
+}
+
+double overrideValue(Node& node, std::string_view name, double fallback) {
+    if (!flag(node, "overrideEnabled", false)) return fallback;
+    Cell& c = node.cell(name);
+    evaluate(c);
+    return c.number();
+}
+
+} // namespace
+
+bool DagNode::visible() {
+    if (isWorld()) return true;
+    return flag(*this, "visibility", true) && flag(*this, "lodVisibility", true) &&
+           overrideValue(*this, "overrideVisibility", 1) != 0;
+}
+
+bool DagNode::templated() {
+    return flag(*this, "template", false) || overrideValue(*this, "overrideDisplayType", 0) == 1;
+}
+
+bool DagNode::intermediate() { return flag(*this, "intermediateObject", false); }
+
+void DagNode::forgetWorld(std::vector<Cell*>& stale) {
+    std::vector<DagNode*> open{this};
+    while (!open.empty()) {
+        DagNode* n = open.back();
+        open.pop_back();
+        n->worldValid_ = false;
+        for (const char* name : {"worldMatrix", "worldInverseMatrix", "parentMatrix", "parentInverseMatrix"}) {
+            const Attribute* a = n->type.find(name);
+            if (Cell* c = a ? n->existingCell(*a) : nullptr) stale.push_back(c);
+        }
+        open.insert(open.end(), n->children.begin(), n->children.end());
+    }
+}
+
+} // namespace host::scene

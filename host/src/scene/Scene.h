@@ -1,0 +1,188 @@
+#pragma once
+
+#include "scene/Node.h"
+#include "scene/Undo.h"
+
+#include <map>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace host::scene {
+
+/// A request that the scene refuses. Its text is for the user.
+class SceneError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// One item of a selection: a node, or a plug or component of one ("translateX", "vtx[0:3]").
+struct Selected {
+    NodePtr node;
+    std::string part;
+    bool operator==(const Selected&) const = default;
+};
+
+/// A connection with a side that is not known here, kept for saving.
+struct KeptConnection {
+    std::weak_ptr<Node> sourceNode, destinationNode;
+    std::string sourceText, destinationText; ///< attribute part, or the whole name when the node is null
+    std::string flags;
+};
+
+/// The one scene of the process: its node types, nodes, connections, selection, time and undo queue.
+///
+/// Everything that changes the scene goes through here and is recorded in `undo` while that is recording.
+/// Main thread only.
+class Scene {
+public:
+    static constexpr int maxEvaluationDepth = 1000;
+    static constexpr int maxArrayIndex = 1 << 28;
+
+    static Scene& current();
+    Scene();
+    ~Scene();
+
+    UndoQueue undo;
+    int evaluationDepth = 0;
+
+    /// @name Node types
+    /// @{
+    NodeType* registerType(std::unique_ptr<NodeType> type); ///< null when the name or id is taken
+    bool unregisterType(NodeType& type); ///< false while nodes of the type exist
+    NodeType* findType(std::string_view name) const;
+    NodeType* findType(unsigned id) const;
+    std::vector<const NodeType*> types() const;
+    /// @}
+
+    /// @name Nodes
+    /// @{
+    DagNode* world() const { return world_; }
+    /// Makes a node. A shape without a parent gets a transform of its own. An empty name means the type's default
+    /// with a number; a "#" is replaced by the next free number; a taken name gets a number.
+    NodePtr createNode(const NodeType& type, std::string name = {}, DagNode* parent = nullptr);
+    /// A node of a kind that is not known: it stands for its statements. `inDag` when it was given a parent.
+    NodePtr createUnknown(const std::string& typeName, const std::string& name, DagNode* parent, bool inDag);
+    /// Takes the nodes out of the scene, with all below them and with history that serves nobody else.
+    void deleteNodes(const std::vector<Node*>& nodes);
+    /// @return the name the node got
+    std::string rename(Node& node, const std::string& wanted);
+    /// Moves a DAG node below another one (null: the world), keeping its local matrix.
+    void reparent(DagNode& child, DagNode* newParent);
+    /// Changes the place among its siblings.
+    void reorder(DagNode& child, std::size_t place);
+    /// The node of that name or path; null when there is none, or (with `ambiguous` set) more than one.
+    Node* findNode(std::string_view path, bool* ambiguous = nullptr) const;
+    /// All nodes that match a name, path or pattern with * and ?, in the order of their creation.
+    std::vector<Node*> findNodes(std::string_view pattern) const;
+    /// In the order of their creation.
+    const std::map<unsigned long, NodePtr>& nodes() const { return nodes_; }
+    /// Every DAG node below (and without) the given one, depth first, parents before children.
+    std::vector<DagNode*> descendants(DagNode& node) const;
+    bool isUniquePath(std::string_view path, const DagNode& node) const;
+    std::string displayName(Node& node) const; ///< partial path or name
+    /// @}
+
+    /// @name Plugs
+    /// @{
+    /// "node.attribute[2].child": throws SceneError that says what is missing.
+    Cell& findPlug(std::string_view text);
+    /// Null when there is no such plug; `create` false leaves absent array elements absent (null).
+    Cell* tryPlug(std::string_view text, bool create = true);
+    Cell* tryPlug(Node& node, std::string_view attributePath, bool create = true);
+
+    /// Sets one number in internal units. Refuses locked and connected plugs, and values beyond hard limits
+    /// unless `clamp` is set, which holds them at the limit.
+    enum class LimitPolicy { Refuse, Clamp, Ignore };
+    void setNumber(Cell& cell, double value, LimitPolicy limits = LimitPolicy::Refuse);
+    void setInt64(Cell& cell, std::int64_t value);
+    /// Sets a whole value; its kind must be the cell's (a Numeric may be of another type and converts).
+    void setValue(Cell& cell, Value value, LimitPolicy limits = LimitPolicy::Refuse);
+    /// Throws SceneError when the cell is locked or fed by a connection.
+    void requireSettable(const Cell& cell) const;
+    void setLocked(Cell& cell, bool locked);
+    void setKeyable(Cell& cell, bool keyable);
+    void setChannelBox(Cell& cell, bool shown);
+    void removeElement(Cell& element, bool breakConnections);
+    void addAttribute(Node& node, AttributePtr attribute);
+    void deleteAttribute(Node& node, const Attribute& attribute);
+    /// @}
+
+    /// @name Connections
+    /// @{
+    /// `force` breaks the destination's connection first. Throws SceneError.
+    void connect(Cell& source, Cell& destination, bool force = false);
+    void disconnect(Cell& source, Cell& destination);
+    /// The first element of the array that nothing is connected to and nobody has set.
+    Cell& nextAvailable(Cell& array);
+    std::vector<KeptConnection> keptConnections;
+    /// @}
+
+    /// @name Selection
+    /// @{
+    const std::vector<Selected>& selection() const { return selection_; }
+    void setSelection(std::vector<Selected> items);
+    /// @}
+
+    /// @name Time, in ticks of 1/6000 s
+    /// @{
+    double time() const { return time_; }
+    void setTime(double ticks);
+    /// @}
+
+    /// @name The scene as a document
+    /// @{
+    std::string fileName; ///< full path; empty for a new scene
+    std::map<std::string, std::string> fileInfo;
+    std::vector<std::string> keptStatements; ///< statements that belong to no node
+    std::set<std::string> requiredPlugins;   ///< whole `requires` statements of plug-ins that are not loaded
+    /// Empties the scene and makes the default nodes.
+    void reset();
+    bool modified = false;
+    /// @}
+
+    /// Numbers that change with every change of the scene; for caches.
+    unsigned long generation() const { return generation_; }
+    /// True the first time a cycle is met at the cell.
+    bool noteCycle(const Cell& cell);
+    void record(std::function<void()> redo, std::function<void()> undoIt);
+
+    /// A name that is free for the node under the parent, made from the wanted one.
+    std::string freeName(const std::string& wanted, const Node* node, const DagNode* parent, bool dag) const;
+    static bool isValidName(std::string_view name);
+
+private:
+    void enter(const NodePtr& node);
+    void leave(Node& node);
+    void attach(DagNode& child, DagNode& parent, std::size_t place);
+    void detach(DagNode& child);
+    void index(Node& node);
+    void unindex(Node& node);
+    void deleteOne(const NodePtr& node);
+    void createDefaults();
+    std::string freeNumbered(const std::string& stem, const Node* self) const;
+
+    std::map<std::string, std::unique_ptr<NodeType>, std::less<>> types_;
+    std::map<unsigned long, NodePtr> nodes_;
+    unsigned long nextSerial_ = 0;
+    std::unordered_map<std::string, std::vector<Node*>> byName_;
+    mutable std::unordered_map<std::string, int> numberHints_;
+    NodePtr worldOwner_;
+    DagNode* world_ = nullptr;
+    std::vector<Selected> selection_;
+    double time_ = 0;
+    unsigned long generation_ = 0;
+    std::unordered_set<const Cell*> cycles_;
+};
+
+/// Whether text matches a pattern with * and ?.
+bool matchesPattern(std::string_view pattern, std::string_view text);
+
+/// Registers the node types that every scene knows.
+void registerBuiltinTypes(Scene& scene);
+
+} // namespace host::scene
