@@ -1,0 +1,12 @@
+#pragma once
+
+#include "mel/Value.h"
+
+#include <string_view>
+
+namespace host::mel {
+
+/// The parts of a text between separators; empty parts are left out.
+StringArray tokens(std::string_view text, std::string_view separators);
+
+} // namespace host::mel
