@@ -1,0 +1,29 @@
+#pragma once
+
+#include <maya/MDataHandle.h>
+#include <maya/MStatus.h>
+
+/// The elements of an array attribute in a data block, one current at a time, in ascending order of their index.
+class OPENMAYA_EXPORT MArrayDataHandle {
+public:
+    MArrayDataHandle(const MDataHandle& in, MStatus* ReturnStatus = NULL);
+    MArrayDataHandle(const MArrayDataHandle& other);
+    MDataHandle inputValue(MStatus* ReturnStatus = NULL);
+    MDataHandle outputValue(MStatus* ReturnStatus = NULL);
+    MArrayDataHandle inputArrayValue(MStatus* ReturnStatus = NULL);
+    MArrayDataHandle outputArrayValue(MStatus* ReturnStatus = NULL);
+    MStatus next();
+    unsigned int elementCount(MStatus* ReturnStatus = NULL);
+    unsigned int elementIndex(MStatus* ReturnStatus = NULL);
+    MStatus jumpToElement(unsigned int index);
+    MStatus jumpToArrayElement(unsigned int position);
+    MStatus setClean();
+    MStatus setAllClean();
+    MArrayDataHandle& operator=(const MArrayDataHandle& other);
+    static const char* className();
+
+private:
+    friend struct host::api::Access;
+    MDataHandle array_;
+    unsigned int position_ = 0;
+};

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <maya/MFnData.h>
+#include <maya/MFnNumericData.h>
+#include <maya/MObject.h>
+#include <maya/MTypes.h>
+
+#include <memory>
+
+class MAngle;
+class MDistance;
+class MFloatMatrix;
+class MFloatVector;
+class MMatrix;
+class MPlug;
+class MString;
+class MTime;
+class MTypeId;
+class MVector;
+
+/// A view of one value in a node's data block. References that it gives stay good while the node computes.
+class OPENMAYA_EXPORT MDataHandle {
+public:
+    MDataHandle();
+    MDataHandle(const MDataHandle& other);
+    bool isNumeric() const;
+    MFnNumericData::Type numericType() const;
+    MFnData::Type type() const;
+    MTypeId typeId() const;
+    MObject data();
+    MStatus copy(const MDataHandle& src);
+    void setClean();
+
+    bool& asBool() const;
+    char& asChar() const;
+    unsigned char& asUChar() const;
+    short& asShort() const;
+    int& asLong() const;
+    int& asInt() const;
+    MInt64& asInt64() const;
+    float& asFloat() const;
+    double& asDouble() const;
+    MDistance asDistance() const;
+    MAngle asAngle() const;
+    MTime asTime() const;
+    short2& asShort2() const;
+    long2& asLong2() const;
+    int2& asInt2() const;
+    float2& asFloat2() const;
+    double2& asDouble2() const;
+    short3& asShort3() const;
+    long3& asLong3() const;
+    int3& asInt3() const;
+    float3& asFloat3() const;
+    double3& asDouble3() const;
+    MVector& asVector() const;
+    MFloatVector& asFloatVector() const;
+    MMatrix& asMatrix() const;
+    MFloatMatrix& asFloatMatrix() const;
+    MString& asString() const;
+    MObject asMesh() const;
+    MObject asMeshTransformed() const;
+
+    void set(bool val);
+    void set(char val);
+    void set(short val);
+    void set(int val);
+    void set(MInt64 val);
+    void set(float val);
+    void set(double val);
+    void set(const MMatrix& val);
+    void set(const MFloatMatrix& val);
+    void set(const MVector& val);
+    void set(const MFloatVector& val);
+    void set(const MDistance& val);
+    void set(const MAngle& val);
+    void set(const MTime& val);
+    void set(short val1, short val2);
+    void set(int val1, int val2);
+    void set(float val1, float val2);
+    void set(double val1, double val2);
+    void set(short val1, short val2, short val3);
+    void set(int val1, int val2, int val3);
+    void set(float val1, float val2, float val3);
+    void set(double val1, double val2, double val3);
+    void set(const MString& val);
+    MStatus set(const MObject& data);
+    void setBool(bool val);
+    void setChar(char val);
+    void setShort(short val);
+    void setInt(int val);
+    void setInt64(MInt64 val);
+    void setFloat(float val);
+    void setDouble(double val);
+    void setMMatrix(const MMatrix& val);
+    void setMFloatMatrix(const MFloatMatrix& val);
+    void setMVector(const MVector& val);
+    void setMFloatVector(const MFloatVector& val);
+    void setMDistance(const MDistance& val);
+    void setMAngle(const MAngle& val);
+    void setMTime(const MTime& val);
+    void set2Short(short val1, short val2);
+    void set2Int(int val1, int val2);
+    void set2Float(float val1, float val2);
+    void set2Double(double val1, double val2);
+    void set3Short(short val1, short val2, short val3);
+    void set3Int(int val1, int val2, int val3);
+    void set3Float(float val1, float val2, float val3);
+    void set3Double(double val1, double val2, double val3);
+    void setString(const MString& val);
+    MStatus setMObject(const MObject& data);
+    MDataHandle child(const MPlug& plug);
+    MDataHandle child(const MObject& attribute);
+    MDataHandle& operator=(const MDataHandle& other);
+    static const char* className();
+
+private:
+    friend struct host::api::Access;
+    struct View;
+    std::shared_ptr<View> view_;
+};

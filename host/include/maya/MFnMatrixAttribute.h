@@ -1,0 +1,20 @@
+#pragma once
+
+#include <maya/MFnAttribute.h>
+
+class MFloatMatrix;
+class MMatrix;
+
+/// Function set for matrix attributes.
+class OPENMAYA_EXPORT MFnMatrixAttribute : public MFnAttribute {
+public:
+    enum Type { kFloat, kDouble };
+    ORVO_DECLARE_FN(MFnMatrixAttribute)
+    MObject create(const MString& fullName, const MString& briefName, Type matrixType = kDouble,
+                   MStatus* ReturnStatus = NULL);
+    MStatus getDefault(MMatrix& def);
+    MStatus getDefault(MFloatMatrix& def);
+    MStatus setDefault(const MMatrix& def);
+    MStatus setDefault(const MFloatMatrix& def);
+    static const char* className();
+};

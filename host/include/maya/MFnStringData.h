@@ -1,0 +1,16 @@
+#pragma once
+
+#include <maya/MFnData.h>
+
+class MString;
+
+/// Function set for text data.
+class OPENMAYA_EXPORT MFnStringData : public MFnData {
+public:
+    ORVO_DECLARE_FN(MFnStringData)
+    MString string(MStatus* ReturnStatus = NULL) const;
+    MStatus set(const MString& string);
+    MObject create(const MString& str, MStatus* ReturnStatus = NULL);
+    MObject create(MStatus* ReturnStatus = NULL);
+    static const char* className();
+};

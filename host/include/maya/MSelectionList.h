@@ -1,0 +1,58 @@
+#pragma once
+
+#include <maya/MDagPath.h>
+#include <maya/MObject.h>
+#include <maya/MPlug.h>
+#include <maya/MStatus.h>
+
+#include <string>
+#include <vector>
+
+class MString;
+class MStringArray;
+
+/// A list of nodes, plugs and components.
+class OPENMAYA_EXPORT MSelectionList {
+public:
+    enum MergeStrategy { kMergeNormal, kXORWithList, kRemoveFromList };
+    MSelectionList();
+    MSelectionList(const MSelectionList& srcList);
+    virtual ~MSelectionList();
+    MStatus clear();
+    bool isEmpty(MStatus* ReturnStatus = NULL) const;
+    unsigned int length(MStatus* ReturnStatus = NULL) const;
+    MStatus getDependNode(unsigned int index, MObject& depNode) const;
+    MStatus getDagPath(unsigned int index, MDagPath& dagPath, MObject& component = MObject::kNullObj) const;
+    MStatus getPlug(unsigned int index, MPlug& plug) const;
+    MStatus add(const MObject& object, const bool mergeWithExisting = false);
+    MStatus add(const MDagPath& object, const MObject& component = MObject::kNullObj,
+                const bool mergeWithExisting = false);
+    /// Adds what a name, path, plug or pattern with * and ? stands for; fails when that is nothing, or when a name
+    /// without pattern stands for several nodes.
+    MStatus add(const MString& matchString, const bool searchChildNamespacesToo = false);
+    MStatus add(const MPlug& plug, const bool mergeWithExisting = false);
+    MStatus remove(unsigned int index);
+    MStatus replace(unsigned int index, const MObject& item);
+    MStatus replace(unsigned int index, const MDagPath& item, const MObject& component = MObject::kNullObj);
+    MStatus replace(unsigned int index, const MPlug& plug);
+    bool hasItem(const MObject& item, MStatus* ReturnStatus = NULL) const;
+    bool hasItem(const MDagPath& item, const MObject& component = MObject::kNullObj,
+                 MStatus* ReturnStatus = NULL) const;
+    bool hasItem(const MPlug& plug, MStatus* ReturnStatus = NULL) const;
+    MSelectionList& operator=(const MSelectionList& other);
+    MStatus merge(const MSelectionList& other, const MergeStrategy strategy = kMergeNormal);
+    MStatus getSelectionStrings(MStringArray& array) const;
+    MStatus getSelectionStrings(unsigned int index, MStringArray& array) const;
+    static const char* className();
+
+private:
+    friend struct host::api::Access;
+    struct Item {
+        MObject node;
+        MPlug plug;       ///< null for whole nodes and components
+        std::string part; ///< a component's text ("vtx[0:3]")
+    };
+    bool same(const Item& a, const Item& b) const;
+    MStatus append(Item item, bool merge);
+    std::vector<Item> items_;
+};
