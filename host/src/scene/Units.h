@@ -1,0 +1,44 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+enum class LinearUnit { Millimetre, Centimetre, Metre, Kilometre, Inch, Foot, Yard, Mile };
+enum class AngularUnit { Degree, Radian, ArcMinute, ArcSecond };
+
+/// A time unit by the number of ticks it has; a second has 6000.
+struct TimeUnit {
+    int ticks = 250;
+    friend bool operator==(TimeUnit, TimeUnit) = default;
+};
+
+inline constexpr int ticksPerSecond = 6000;
+inline constexpr TimeUnit filmUnit{250};
+
+/// The units that scripts and scene files give numbers in: one set for the whole process, at first centimetre, degree
+/// and film (24 frames a second). Inside, lengths are in centimetres and angles in radians.
+LinearUnit linearUnit();
+AngularUnit angularUnit();
+TimeUnit timeUnit();
+void setLinearUnit(LinearUnit unit);
+void setAngularUnit(AngularUnit unit);
+/// `unit.ticks` is at least 1.
+void setTimeUnit(TimeUnit unit);
+
+double centimetresPer(LinearUnit unit);
+double radiansPer(AngularUnit unit);
+
+/// Short names as scene files have them: "cm", "deg", "film". Reading takes the long names too, such as "centimeter",
+/// "degree" and "24fps"; nothing for an unknown name.
+std::string_view unitName(LinearUnit unit);
+std::string_view unitName(AngularUnit unit);
+/// "film" and its like where the unit has a name, else the rate, as in "100fps".
+std::string unitName(TimeUnit unit);
+std::optional<LinearUnit> linearUnitNamed(std::string_view name);
+std::optional<AngularUnit> angularUnitNamed(std::string_view name);
+std::optional<TimeUnit> timeUnitNamed(std::string_view name);
+
+} // namespace host
