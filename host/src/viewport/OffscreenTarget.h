@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "viewport/Picture.h"
+
+namespace host::viewport {
+
+/// A place to draw without a window: an RGBA colour buffer of 8 bits a channel and a depth buffer of 24 bits.
+/// Every operation, destruction too, needs the context current in which the target was made.
+class OffscreenTarget {
+public:
+    /// Makes a target of `width` x `height` pixels, without binding it. Null when a size is below 1 or above the
+    /// driver's limit, when memory runs out or when no context is current; `error`, when given, tells which.
+    static std::unique_ptr<OffscreenTarget> create(int width, int height, std::string* error = nullptr);
+
+    ~OffscreenTarget();
+    OffscreenTarget(const OffscreenTarget&) = delete;
+    OffscreenTarget& operator=(const OffscreenTarget&) = delete;
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+
+    /// Makes drawing go here, until `unbind` restores the target that was bound before. The GL viewport is left
+    /// to the caller.
+    void bind();
+    void unbind();
+
+    /// The colours drawn so far as an RGBA picture, top row first. The binding and the pixel-store state of the
+    /// caller are left as they were.
+    Picture readPixels() const;
+
+private:
+    OffscreenTarget(int width, int height) : width_(width), height_(height) {}
+
+    int width_, height_;
+    unsigned framebuffer_ = 0, colour_ = 0, depth_ = 0;
+    int previousDraw_ = 0, previousRead_ = 0;
+    bool bound_ = false;
+};
+
+} // namespace host::viewport

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host::viewport {
+
+/// An image of 8 bits a channel, RGB or RGBA, top row first, without padding between rows. Alpha is not
+/// premultiplied, neither in memory nor in a file that allows the choice.
+class Picture {
+public:
+    Picture() = default;
+    /// A black, fully transparent picture; sizes of 0 or more, `channels` 3 or 4.
+    Picture(int width, int height, int channels);
+
+    /// Writes the picture in the format of the path's extension (png, jpg, tif, exr, and what else OpenImageIO
+    /// writes; alpha is dropped where the format has none). The file is written beside its place and moved there
+    /// when it is complete, so a failure leaves an earlier picture as it was. False with a text in `error`, when
+    /// given, for an empty picture, an unknown extension, a place that cannot be written or a full disk.
+    bool write(const std::string& path, std::string* error = nullptr) const;
+
+    /// Reads an image of any format that OpenImageIO knows; values are brought to 8 bits, one and two channels
+    /// become grey, channels beyond the fourth are dropped. Nothing with a text in `error`, when given, when the file
+    /// cannot be read, is damaged, or has more than 2^28 pixels.
+    static std::optional<Picture> read(const std::string& path, std::string* error = nullptr);
+
+    std::size_t rowBytes() const { return static_cast<std::size_t>(width) * static_cast<std::size_t>(channels); }
+    std::uint8_t* row(int y) { return pixels.data() + rowBytes() * static_cast<std::size_t>(y); }
+    const std::uint8_t* row(int y) const { return pixels.data() + rowBytes() * static_cast<std::size_t>(y); }
+    /// The first channel of the pixel in column `x` of row `y`, counted from the top left.
+    const std::uint8_t* at(int x, int y) const { return row(y) + static_cast<std::ptrdiff_t>(x) * channels; }
+
+    int width = 0, height = 0;
+    int channels = 3;
+    std::vector<std::uint8_t> pixels; ///< width x height x channels bytes
+};
+
+} // namespace host::viewport
