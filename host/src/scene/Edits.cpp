@@ -17,16 +17,15 @@ std::string formatLimit(double v) {
 double limited(const Cell& cell, const Limits& limits, double value, Scene::LimitPolicy policy) {
     if (policy == Scene::LimitPolicy::Ignore) return value;
     // Limits are in internal units, the text for the user is in his.
-    const double toUi = internalToUi(cell.attribute);
     if (limits.min && value < *limits.min) {
         if (policy == Scene::LimitPolicy::Clamp) return *limits.min;
         throw SceneError("Cannot set the attribute '" + cell.name() + "' below its minimum value of " +
-                         formatLimit(*limits.min * toUi) + ".");
+                         formatLimit(toUi(cell.attribute, *limits.min)) + ".");
     }
     if (limits.max && value > *limits.max) {
         if (policy == Scene::LimitPolicy::Clamp) return *limits.max;
         throw SceneError("Cannot set the attribute '" + cell.name() + "' past its maximum value of " +
-                         formatLimit(*limits.max * toUi) + ".");
+                         formatLimit(toUi(cell.attribute, *limits.max)) + ".");
     }
     return value;
 }

@@ -101,6 +101,11 @@ private:
     std::unordered_set<Cell*> visited_;
 };
 
+/// Between kinds of attributes a number flows in the user's units, as if through a unit conversion.
+double converted(const Attribute& from, const Attribute& to, double v) {
+    return from.type == to.type ? v : fromUi(to, toUi(from, v));
+}
+
 void reportCycle(Cell& cell) {
     if (cell.node.scene.noteCycle(cell))
         showWarning("Cycle on '" + cell.name() + "' may not evaluate as expected.");
@@ -124,12 +129,21 @@ void dirtyWithDependents(Cell& cell) {
     Wave().dependents(cell);
 }
 
-double internalToUi(const Attribute& attribute) {
+double toUi(const Attribute& attribute, double v) {
     switch (attribute.type) {
-    case AttributeType::Angle: return angularFromInternal(1.0);
-    case AttributeType::Distance: return linearFromInternal(1.0);
-    case AttributeType::Time: return timeFromInternal(1.0);
-    default: return 1.0;
+    case AttributeType::Angle: return v / radiansPer(angularUnit());
+    case AttributeType::Distance: return v / centimetresPer(linearUnit());
+    case AttributeType::Time: return v / timeUnit().ticks;
+    default: return v;
+    }
+}
+
+double fromUi(const Attribute& attribute, double v) {
+    switch (attribute.type) {
+    case AttributeType::Angle: return v * radiansPer(angularUnit());
+    case AttributeType::Distance: return v * centimetresPer(linearUnit());
+    case AttributeType::Time: return v * timeUnit().ticks;
+    default: return v;
     }
 }
 
@@ -155,16 +169,14 @@ void assign(Cell& destination, Cell& source) {
         for (int i = 0; d && s && i < d->count && i < s->count; ++i) {
             const auto& fromChild = *from.children[static_cast<std::size_t>(i)];
             const auto& toChild = *to.children[static_cast<std::size_t>(i)];
-            d->set(i, s->get(i) * (fromChild.type == toChild.type
-                                       ? 1.0
-                                       : internalToUi(fromChild) / internalToUi(toChild)));
+            d->set(i, converted(fromChild, toChild, s->get(i)));
         }
     } else if (to.isNumber() && from.isNumber()) {
         Numeric* d = destination.numbers(&k);
         const Numeric* s = source.numbers(&j);
         if (!d || !s) return;
         if (d->type == NumericType::Int64 && s->type == NumericType::Int64) d->setInt64(k, s->getInt64(j));
-        else d->set(k, s->get(j) * (from.type == to.type ? 1.0 : internalToUi(from) / internalToUi(to)));
+        else d->set(k, converted(from, to, s->get(j)));
     } else if (to.type == AttributeType::Compound) {
         for (std::size_t i = 0; i < to.children.size() && i < from.children.size(); ++i) {
             Cell& s = source.child(static_cast<int>(i));

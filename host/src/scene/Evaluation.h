@@ -23,8 +23,12 @@ void setClean(Cell& cell);
 /// units. Cells that cannot be converted are left alone.
 void assign(Cell& destination, Cell& source);
 
-/// The factor from a unit attribute's internal value to the user's unit (1 for plain numbers).
-double internalToUi(const Attribute& attribute);
+/// @name Unit attributes: internal values (radians, centimetres, ticks) to and from the user's units
+/// Plain numbers pass as they are.
+/// @{
+double toUi(const Attribute& attribute, double internalValue);
+double fromUi(const Attribute& attribute, double uiValue);
+/// @}
 
 /// Whether a value may flow from one attribute to the other.
 bool compatible(const Cell& source, const Cell& destination);

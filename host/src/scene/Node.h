@@ -35,6 +35,7 @@ struct Cell {
     std::map<int, std::unique_ptr<Cell>> elements;
     Cell* source = nullptr;
     std::vector<Cell*> destinations;
+    std::shared_ptr<void> apiView; ///< what the API needs to hand out references to the value
 
     Cell(Node& n, const Attribute& a, Cell* p, int i);
     bool isArray() const { return attribute.array && index < 0; }

@@ -28,7 +28,7 @@ struct Numeric {
         unsigned char u[4];
         std::int16_t s[4];
         std::int32_t i[4];
-        std::int64_t l[4];
+        long long l[4];
         float f[4];
         double d[4] = {0, 0, 0, 0};
     };
