@@ -8,20 +8,24 @@ namespace {
 
 using Type = Value::Type;
 
-template <class Element> struct Traits;
-template <> struct Traits<int> {
+template <class Element>
+struct Traits;
+template <>
+struct Traits<int> {
     using Array = IntArray;
     static constexpr Type type = Type::IntArray;
     static int of(const Value& v) { return v.toInt(); }
     static Array arrayOf(const Value& v) { return v.toIntArray(); }
 };
-template <> struct Traits<double> {
+template <>
+struct Traits<double> {
     using Array = FloatArray;
     static constexpr Type type = Type::FloatArray;
     static double of(const Value& v) { return v.toFloat(); }
     static Array arrayOf(const Value& v) { return v.toFloatArray(); }
 };
-template <> struct Traits<std::string> {
+template <>
+struct Traits<std::string> {
     using Array = StringArray;
     static constexpr Type type = Type::StringArray;
     static std::string of(const Value& v) { return v.toString(); }
@@ -29,10 +33,12 @@ template <> struct Traits<std::string> {
 };
 
 /// The array behind an argument, to be changed in place or read without a copy.
-template <class Element> typename Traits<Element>::Array& array(Arguments& a, std::size_t i) {
+template <class Element>
+typename Traits<Element>::Array& array(Arguments& a, std::size_t i) {
     using Array = typename Traits<Element>::Array;
     if (!a.values[i]->template get<Array>()) {
-        if (a[i].isNone() || (a[i].isArray() && a[i].size() == 0)) *a.values[i] = Array{};
+        if (a[i].isNone() || (a[i].isArray() && a[i].size() == 0))
+            *a.values[i] = Array{};
         else
             throw Error(a.name + ": argument " + std::to_string(i + 1) + " must be of type " +
                         typeName(Traits<Element>::type) + ", not " + typeName(a[i].type()) + '.');
@@ -40,20 +46,23 @@ template <class Element> typename Traits<Element>::Array& array(Arguments& a, st
     return *a.values[i]->template get<Array>();
 }
 
-template <class E> Value contains(Arguments& a) {
+template <class E>
+Value contains(Arguments& a) {
     a.expect(2);
     const auto& all = array<E>(a, 1);
     return std::find(all.begin(), all.end(), Traits<E>::of(a[0])) != all.end();
 }
 
-template <class E> Value count(Arguments& a) {
+template <class E>
+Value count(Arguments& a) {
     a.expect(2);
     const auto& all = array<E>(a, 1);
     return static_cast<int>(std::count(all.begin(), all.end(), Traits<E>::of(a[0])));
 }
 
 /// find(item, start, array): the index, or -1.
-template <class E> Value find(Arguments& a) {
+template <class E>
+Value find(Arguments& a) {
     a.expect(3);
     const auto& all = array<E>(a, 2);
     const auto item = Traits<E>::of(a[0]);
@@ -62,7 +71,8 @@ template <class E> Value find(Arguments& a) {
     return -1;
 }
 
-template <class E> Value catenate(Arguments& a) {
+template <class E>
+Value catenate(Arguments& a) {
     a.expect(2);
     auto out = array<E>(a, 0);
     const auto& more = array<E>(a, 1);
@@ -71,7 +81,8 @@ template <class E> Value catenate(Arguments& a) {
 }
 
 /// remove(items, array): the array without every element that is one of the items.
-template <class E> Value remove(Arguments& a) {
+template <class E>
+Value remove(Arguments& a) {
     a.expect(2);
     const auto items = Traits<E>::arrayOf(a[0]);
     const std::set<E> unwanted(items.begin(), items.end());
@@ -81,7 +92,8 @@ template <class E> Value remove(Arguments& a) {
 }
 
 /// removeExact(items, array): each item takes away one element.
-template <class E> Value removeExact(Arguments& a) {
+template <class E>
+Value removeExact(Arguments& a) {
     a.expect(2);
     auto out = array<E>(a, 1);
     for (const E& item : Traits<E>::arrayOf(a[0]))
@@ -90,7 +102,8 @@ template <class E> Value removeExact(Arguments& a) {
 }
 
 /// Keeps the first of equal elements.
-template <class E> Value removeDuplicates(Arguments& a) {
+template <class E>
+Value removeDuplicates(Arguments& a) {
     a.expect(1);
     std::set<E> seen;
     typename Traits<E>::Array out;
@@ -99,7 +112,8 @@ template <class E> Value removeDuplicates(Arguments& a) {
     return out;
 }
 
-template <class E> Value join(Arguments& a) {
+template <class E>
+Value join(Arguments& a) {
     a.expect(2);
     array<E>(a, 0);
     std::string out;
@@ -112,7 +126,8 @@ template <class E> Value join(Arguments& a) {
     return out;
 }
 
-template <class E> Value removeAtIndex(Arguments& a) {
+template <class E>
+Value removeAtIndex(Arguments& a) {
     a.expect(2);
     auto& all = array<E>(a, 1);
     const int i = a.integer(0);
@@ -122,7 +137,8 @@ template <class E> Value removeAtIndex(Arguments& a) {
 }
 
 /// insertAtIndex(index, array, item)
-template <class E> Value insertAtIndex(Arguments& a) {
+template <class E>
+Value insertAtIndex(Arguments& a) {
     a.expect(3);
     auto& all = array<E>(a, 1);
     const int i = a.integer(0);
@@ -132,7 +148,8 @@ template <class E> Value insertAtIndex(Arguments& a) {
 }
 
 /// appendStringArray(target, source, count)
-template <class E> Value append(Arguments& a) {
+template <class E>
+Value append(Arguments& a) {
     a.expect(3);
     auto& target = array<E>(a, 0);
     const auto more = array<E>(a, 1); // a copy: both may be the same array
@@ -152,28 +169,30 @@ Value clear(Arguments& a) {
 Value sort(Arguments& a) {
     a.expect(1);
     Value out = a[0];
-    if (auto ints = out.get<IntArray>()) std::sort(ints->begin(), ints->end());
+    if (auto ints = out.get<IntArray>())
+        std::sort(ints->begin(), ints->end());
     else if (auto floats = out.get<FloatArray>())
         // NaN last: with the plain order the result would be undefined.
-        std::sort(floats->begin(), floats->end(),
-                  [](double x, double y) { return x < y || (y != y && x == x); });
-    else if (auto texts = out.get<StringArray>()) std::sort(texts->begin(), texts->end());
-    else if (out.type() == Type::VectorArray) throw Error("Vectors have no order to be sorted by.");
+        std::sort(floats->begin(), floats->end(), [](double x, double y) { return x < y || (y != y && x == x); });
+    else if (auto texts = out.get<StringArray>())
+        std::sort(texts->begin(), texts->end());
+    else if (out.type() == Type::VectorArray)
+        throw Error("Vectors have no order to be sorted by.");
     return out;
 }
 
-template <class E> void addFor(Interpreter::Impl& impl, const std::string& prefix) {
-    static constexpr std::pair<const char*, LanguageFunction> functions[] = {
-        {"Contains", contains<E>},
-        {"Count", count<E>},
-        {"Find", find<E>},
-        {"Catenate", catenate<E>},
-        {"Remove", remove<E>},
-        {"RemoveExact", removeExact<E>},
-        {"RemoveDuplicates", removeDuplicates<E>},
-        {"ToString", join<E>},
-        {"RemoveAtIndex", removeAtIndex<E>},
-        {"InsertAtIndex", insertAtIndex<E>}};
+template <class E>
+void addFor(Interpreter::Impl& impl, const std::string& prefix) {
+    static constexpr std::pair<const char*, LanguageFunction> functions[] = {{"Contains", contains<E>},
+                                                                             {"Count", count<E>},
+                                                                             {"Find", find<E>},
+                                                                             {"Catenate", catenate<E>},
+                                                                             {"Remove", remove<E>},
+                                                                             {"RemoveExact", removeExact<E>},
+                                                                             {"RemoveDuplicates", removeDuplicates<E>},
+                                                                             {"ToString", join<E>},
+                                                                             {"RemoveAtIndex", removeAtIndex<E>},
+                                                                             {"InsertAtIndex", insertAtIndex<E>}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction((prefix + name).c_str(), function);
 }
 

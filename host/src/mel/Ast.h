@@ -17,7 +17,7 @@ struct Command;
 struct Variable {
     Value value;
     Value::Type type = Value::Type::None;
-    int rows = 0, columns = 0;     ///< of a matrix
+    int rows = 0, columns = 0;    ///< of a matrix
     Variable* original = nullptr; ///< the caller's variable, for an array parameter
 
     /// Converts as MEL's assignment does; throws Error when the types do not go together.

@@ -45,7 +45,8 @@ void spread(const Value& value, std::vector<Value>& out) {
         for (int e : *ints) out.emplace_back(e);
     else if (value.isArray() || value.type() == Value::Type::Vector)
         for (double e : value.toFloatArray()) out.emplace_back(e);
-    else out.push_back(value);
+    else
+        out.push_back(value);
 }
 
 } // namespace
@@ -81,8 +82,10 @@ ParsedArguments::ParsedArguments(const Call& call, std::initializer_list<FlagSpe
             if (!next || (nextName && table.find(*nextName)))
                 throw Error("Flag '-" + std::string(*name) + "' must be passed " +
                             (wanted == 1 ? "a value" : std::to_string(wanted) + " values"));
-            if (wanted > 1) spread(*next, values);
-            else values.push_back(*next);
+            if (wanted > 1)
+                spread(*next, values);
+            else
+                values.push_back(*next);
             ++i;
         }
         flags_[flag->shortName].push_back(std::move(values));

@@ -10,7 +10,8 @@ using Type = Value::Type;
 
 constexpr int kArrayLimit = 1 << 25;
 
-template <class Array> typename Array::value_type elementAt(const Array& array, int index) {
+template <class Array>
+typename Array::value_type elementAt(const Array& array, int index) {
     const auto i = static_cast<std::size_t>(index);
     return i < array.size() ? array[i] : typename Array::value_type{};
 }
@@ -35,7 +36,8 @@ Value element(const Value& array, int index, int column) {
     }
 }
 
-template <class Array> typename Array::value_type& grown(Array& array, int index) {
+template <class Array>
+typename Array::value_type& grown(Array& array, int index) {
     const auto i = static_cast<std::size_t>(index);
     if (i >= array.size()) {
         // In steps: filling an array from its first element on must not copy it each time.
@@ -48,7 +50,8 @@ template <class Array> typename Array::value_type& grown(Array& array, int index
 void setElement(Variable& variable, int index, int column, const Value& v) {
     if (variable.type == Type::None) {
         const Type type = arrayOf(v.type());
-        if (type == Type::None) throw Error(std::string("Cannot make an array of data of type ") + typeName(v.type()) + '.');
+        if (type == Type::None)
+            throw Error(std::string("Cannot make an array of data of type ") + typeName(v.type()) + '.');
         variable.reset(type, 0, 0);
     }
     if (index < 0) throw Error("Array index " + std::to_string(index) + " is negative.");
@@ -64,11 +67,16 @@ void setElement(Variable& variable, int index, int column, const Value& v) {
     }
     if (column >= 0) throw Error("Only a matrix has two indices.");
     if (index >= kArrayLimit) throw Error("Array index " + std::to_string(index) + " is too large.");
-    if (auto a = array.get<IntArray>()) grown(*a, index) = converted(v, Type::Int).toInt();
-    else if (auto f = array.get<FloatArray>()) grown(*f, index) = converted(v, Type::Float).toFloat();
-    else if (auto s = array.get<StringArray>()) grown(*s, index) = converted(v, Type::String).toString();
-    else if (auto p = array.get<VectorArray>()) grown(*p, index) = converted(v, Type::Vector).toVector();
-    else throw Error(std::string("Cannot index data of type ") + typeName(array.type()) + '.');
+    if (auto a = array.get<IntArray>())
+        grown(*a, index) = converted(v, Type::Int).toInt();
+    else if (auto f = array.get<FloatArray>())
+        grown(*f, index) = converted(v, Type::Float).toFloat();
+    else if (auto s = array.get<StringArray>())
+        grown(*s, index) = converted(v, Type::String).toString();
+    else if (auto p = array.get<VectorArray>())
+        grown(*p, index) = converted(v, Type::Vector).toVector();
+    else
+        throw Error(std::string("Cannot index data of type ") + typeName(array.type()) + '.');
 }
 
 double component(const Value& v, int i) {
@@ -131,8 +139,10 @@ void Place::write(Value v) const {
         (component == 0 ? vector->x : component == 1 ? vector->y : vector->z) = converted(v, Type::Float).toFloat();
         v = std::move(old);
     }
-    if (index < 0) variable->assign(std::move(v));
-    else setElement(*variable, index, column, v);
+    if (index < 0)
+        variable->assign(std::move(v));
+    else
+        setElement(*variable, index, column, v);
 }
 
 Variable& VariableUse::resolve(Frame& frame) const {
@@ -243,8 +253,10 @@ Value ArrayLiteral::evaluate(Frame& frame) const {
         if (arrayOf(type) == Type::None)
             throw Error(std::string("An array cannot contain data of type ") + typeName(type) + '.');
         // A text turns every element to text; a vector does so with numbers.
-        if (type == Type::String || widest == Type::String) widest = Type::String;
-        else widest = std::max(widest, type);
+        if (type == Type::String || widest == Type::String)
+            widest = Type::String;
+        else
+            widest = std::max(widest, type);
     }
     auto collect = [&](auto array, auto convert) {
         array.reserve(values.size());
@@ -262,7 +274,8 @@ Value ArrayLiteral::evaluate(Frame& frame) const {
 Value VectorLiteral::evaluate(Frame& frame) const {
     Matrix m{static_cast<int>(rows.size()), static_cast<int>(rows.front().size()), {}};
     for (const auto& row : rows)
-        for (const ExpressionPointer& e : row) m.elements.push_back(converted(e->evaluate(frame), Type::Float).toFloat());
+        for (const ExpressionPointer& e : row)
+            m.elements.push_back(converted(e->evaluate(frame), Type::Float).toFloat());
     if (m.rows == 1 && m.columns == 3) return Vector{m.elements[0], m.elements[1], m.elements[2]};
     return m;
 }
@@ -290,8 +303,10 @@ Value CallExpression::evaluate(Frame& frame) const {
             Arguments passed{impl.owner, name, {}};
             passed.values.reserve(arguments.size());
             for (const ExpressionPointer& e : arguments) {
-                if (Variable* variable = e->variable(frame)) passed.values.push_back(&variable->value);
-                else passed.values.push_back(&temporary.emplace_back(e->evaluate(frame)));
+                if (Variable* variable = e->variable(frame))
+                    passed.values.push_back(&variable->value);
+                else
+                    passed.values.push_back(&temporary.emplace_back(e->evaluate(frame)));
             }
             return held->language(passed);
         }

@@ -62,7 +62,8 @@ Value writeText(Arguments& a) {
     a.expect(2);
     std::FILE* file = opened(a, 0);
     const std::string text = a[1].printed();
-    if (std::fwrite(text.data(), 1, text.size(), file) != text.size()) throw Error("fprint: the file cannot be written.");
+    if (std::fwrite(text.data(), 1, text.size(), file) != text.size())
+        throw Error("fprint: the file cannot be written.");
     return {};
 }
 
@@ -90,8 +91,10 @@ Value readWord(Arguments& a) {
     const std::string separators = a.count() == 2 ? a.text(1) : " \t\r\n";
     std::string word;
     while (auto c = next(file)) {
-        if (separators.find(*c) == std::string::npos) word += *c;
-        else if (!word.empty()) break;
+        if (separators.find(*c) == std::string::npos)
+            word += *c;
+        else if (!word.empty())
+            break;
     }
     return word;
 }
@@ -141,8 +144,9 @@ Value rewind(Arguments& a) {
 }
 
 Value fileTest(Arguments& a) {
-    const ParsedArguments p(a.asCall(), {{"r", "r"}, {"w", "w"}, {"x", "x"}, {"d", "d"}, {"f", "f"}, {"e", "e"},
-                                         {"s", "s"}, {"h", "h"}, {"L", "L"}});
+    const ParsedArguments p(
+        a.asCall(),
+        {{"r", "r"}, {"w", "w"}, {"x", "x"}, {"d", "d"}, {"f", "f"}, {"e", "e"}, {"s", "s"}, {"h", "h"}, {"L", "L"}});
     const StringArray names = p.names();
     if (names.size() != 1) throw Error("filetest needs one file name.");
     const fs::path path = systemPath(names[0]);
@@ -229,8 +233,12 @@ Value scriptPathName(Arguments& a) {
 // The file system
 
 Value systemFile(Arguments& a) {
-    const ParsedArguments p(a.asCall(), {{"del", "delete"}, {"cp", "copy", 1}, {"mov", "move", 1}, {"ren", "rename", 1},
-                                         {"md", "makeDir"}, {"red", "removeEmptyDir"}});
+    const ParsedArguments p(a.asCall(), {{"del", "delete"},
+                                         {"cp", "copy", 1},
+                                         {"mov", "move", 1},
+                                         {"ren", "rename", 1},
+                                         {"md", "makeDir"},
+                                         {"red", "removeEmptyDir"}});
     const StringArray names = p.names();
     if (names.size() != 1) throw Error("sysFile needs one path.");
     const fs::path path = systemPath(names[0]);
@@ -277,9 +285,14 @@ std::string variable(const char* name) {
 
 /// The user's folders, each with a slash at its end.
 Value internalVariable(Arguments& a) {
-    const ParsedArguments p(a.asCall(), {{"utd", "userTmpDir"}, {"uad", "userAppDir"}, {"usd", "userScriptDir"},
-                                         {"upd", "userPrefDir"}, {"uwd", "userWorkspaceDir"}, {"ups", "userPresetsDir"},
-                                         {"ush", "userShelfDir"}, {"umd", "userMarkingMenuDir"}});
+    const ParsedArguments p(a.asCall(), {{"utd", "userTmpDir"},
+                                         {"uad", "userAppDir"},
+                                         {"usd", "userScriptDir"},
+                                         {"upd", "userPrefDir"},
+                                         {"uwd", "userWorkspaceDir"},
+                                         {"ups", "userPresetsDir"},
+                                         {"ush", "userShelfDir"},
+                                         {"umd", "userMarkingMenuDir"}});
     std::string application = variable("MAYA_APP_DIR");
     if (application.empty()) application = variable("HOME") + "/maya";
     if (application.back() != '/') application += '/';
@@ -302,26 +315,25 @@ Value internalVariable(Arguments& a) {
 } // namespace
 
 void addFileFunctions(Interpreter::Impl& impl) {
-    static constexpr std::pair<const char*, LanguageFunction> functions[] = {
-        {"fopen", open},
-        {"fclose", close},
-        {"fprint", writeText},
-        {"fgetline", readLine},
-        {"fgetword", readWord},
-        {"fread", read},
-        {"feof", endReached},
-        {"fflush", flush},
-        {"frewind", rewind},
-        {"filetest", fileTest},
-        {"basename", baseName},
-        {"basenameEx", baseNameWithoutExtension},
-        {"dirname", directoryName},
-        {"fileExtension", fileExtension},
-        {"toNativePath", nativePath},
-        {"fromNativePath", scriptPathName},
-        {"sysFile", systemFile},
-        {"getFileList", fileList},
-        {"internalVar", internalVariable}};
+    static constexpr std::pair<const char*, LanguageFunction> functions[] = {{"fopen", open},
+                                                                             {"fclose", close},
+                                                                             {"fprint", writeText},
+                                                                             {"fgetline", readLine},
+                                                                             {"fgetword", readWord},
+                                                                             {"fread", read},
+                                                                             {"feof", endReached},
+                                                                             {"fflush", flush},
+                                                                             {"frewind", rewind},
+                                                                             {"filetest", fileTest},
+                                                                             {"basename", baseName},
+                                                                             {"basenameEx", baseNameWithoutExtension},
+                                                                             {"dirname", directoryName},
+                                                                             {"fileExtension", fileExtension},
+                                                                             {"toNativePath", nativePath},
+                                                                             {"fromNativePath", scriptPathName},
+                                                                             {"sysFile", systemFile},
+                                                                             {"getFileList", fileList},
+                                                                             {"internalVar", internalVariable}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction(name, function);
 }
 

@@ -55,7 +55,7 @@ public:
     std::function<void()> beforeTopLevelStatement, afterTopLevelStatement;
     /// Called around every native command (for undo entries). `after` also runs when the command threw. The
     /// language's own functions (sin, size, eval...) change no scene and are not reported.
-    std::function<void(const std::string& name)> beforeCommand, afterCommand;
+    std::function<void(const std::string&name)> beforeCommand, afterCommand;
 
     /// Global variables, for hosts and tests. Names are without "$".
     std::optional<Value> globalVariable(const std::string& name) const;

@@ -124,8 +124,8 @@ Value timerX(Arguments& a) {
 }
 
 Value date(Arguments& a) {
-    const ParsedArguments p(a.asCall(), {{"d", "date"}, {"t", "time"}, {"sd", "shortDate"}, {"st", "shortTime"},
-                                         {"f", "format", 1}});
+    const ParsedArguments p(
+        a.asCall(), {{"d", "date"}, {"t", "time"}, {"sd", "shortDate"}, {"st", "shortTime"}, {"f", "format", 1}});
     std::string format = p.has("f")    ? p.text("f")
                          : p.has("d")  ? "YYYY/MM/DD"
                          : p.has("t")  ? "hh:mm:ss"
@@ -156,11 +156,24 @@ Value date(Arguments& a) {
 }
 
 Value about(Arguments& a) {
-    const ParsedArguments p(
-        a.asCall(), {{"v", "version"}, {"p", "product"}, {"a", "application"}, {"api", "apiVersion"}, {"b", "batch"},
-                     {"f", "file"}, {"os", "operatingSystem"}, {"osv", "operatingSystemVersion"}, {"nt", "ntOS"},
-                     {"win", "windows"}, {"mac", "macOS"}, {"mx", "macOSX"}, {"li", "linux"}, {"x64", "is64"},
-                     {"cd", "currentDate"}, {"ct", "currentTime"}, {"ui", "uiLanguage"}, {"cv", "cutIdentifier"}});
+    const ParsedArguments p(a.asCall(), {{"v", "version"},
+                                         {"p", "product"},
+                                         {"a", "application"},
+                                         {"api", "apiVersion"},
+                                         {"b", "batch"},
+                                         {"f", "file"},
+                                         {"os", "operatingSystem"},
+                                         {"osv", "operatingSystemVersion"},
+                                         {"nt", "ntOS"},
+                                         {"win", "windows"},
+                                         {"mac", "macOS"},
+                                         {"mx", "macOSX"},
+                                         {"li", "linux"},
+                                         {"x64", "is64"},
+                                         {"cd", "currentDate"},
+                                         {"ct", "currentTime"},
+                                         {"ui", "uiLanguage"},
+                                         {"cv", "cutIdentifier"}});
 #if defined(_WIN32)
     constexpr const char* os = "win64";
 #elif defined(__APPLE__)
@@ -214,9 +227,9 @@ int melSize(const Value& v) {
 
 void addLanguageBasics(Interpreter::Impl& impl) {
     static constexpr std::pair<const char*, LanguageFunction> functions[] = {
-        {"print", print},   {"warning", warning}, {"error", error},     {"trace", trace},       {"eval", eval},
-        {"source", source}, {"exists", exists},   {"whatIs", whatIs},   {"evalEcho", evalEcho}, {"getenv", getenv},
-        {"putenv", putenv}, {"size", size},       {"timerX", timerX},   {"date", date},         {"about", about},
+        {"print", print},   {"warning", warning},  {"error", error},   {"trace", trace},       {"eval", eval},
+        {"source", source}, {"exists", exists},    {"whatIs", whatIs}, {"evalEcho", evalEcho}, {"getenv", getenv},
+        {"putenv", putenv}, {"size", size},        {"timerX", timerX}, {"date", date},         {"about", about},
         {"catch", caught},  {"catchQuiet", caught}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction(name, function);
 }

@@ -34,7 +34,8 @@ Position Lexer::skipSpace(Position p) const {
             const std::size_t close = text_.find("*/", p.at + 2);
             if (close == std::string_view::npos) throw Error("Syntax error: unterminated comment", {}, p.line);
             for (; p.at < close + 2; ++p.at) p.line += text_[p.at] == '\n';
-        } else return p;
+        } else
+            return p;
     }
 }
 
@@ -54,9 +55,12 @@ Token Lexer::text(Position from) const {
             c = text_[++i];
             if (c == '\r' && at(i + 1) == '\n') c = text_[++i];
             if (c == '\n') continue; // a line goes on behind a backslash
-            if (c == 'n') c = '\n';
-            else if (c == 't') c = '\t';
-            else if (c == 'r') c = '\r';
+            if (c == 'n')
+                c = '\n';
+            else if (c == 't')
+                c = '\t';
+            else if (c == 'r')
+                c = '\r';
         }
         out += c;
     }
@@ -110,12 +114,14 @@ Token Lexer::word(Position from) const {
                 ++close;
             if (at(close) != ']') break;
             i = close;
-        } else if (c == '-' && at(i + 1) == '>') ++i;
+        } else if (c == '-' && at(i + 1) == '>')
+            ++i;
         else if ((c == '-' || c == '+') && i > from.at && (at(i - 1) == 'e' || at(i - 1) == 'E')) {
             // The exponent's sign belongs to the word only in a number such as 1.5e-05.
             auto number = numberPrefix(text_.substr(from.at));
             if (!number || from.at + number->length <= i) break;
-        } else if (!isWordPart(c)) break;
+        } else if (!isWordPart(c))
+            break;
     }
     token.end = i;
     token.spelling = text_.substr(from.at, i - from.at);
@@ -123,8 +129,10 @@ Token Lexer::word(Position from) const {
     if (number && number->length == token.spelling.size()) {
         token.kind = Token::Kind::Number;
         token.value = numberValue(*number);
-    } else if (token.spelling.empty() || token.spelling == "-") token.kind = Token::Kind::Invalid;
-    else token.value = token.spelling;
+    } else if (token.spelling.empty() || token.spelling == "-")
+        token.kind = Token::Kind::Invalid;
+    else
+        token.value = token.spelling;
     return token;
 }
 

@@ -23,16 +23,23 @@ double one(Arguments& a) {
     throw Error(a.name + ": the argument " + formatFloat(x) + " is out of range.");
 }
 
-template <double (*F)(double)> Value unary(Arguments& a) { return F(one(a)); }
+template <double (*F)(double)>
+Value unary(Arguments& a) {
+    return F(one(a));
+}
 
 /// For functions that take -1 to 1 only; rounding beyond that is forgiven.
-template <double (*F)(double), bool Degrees = false> Value inverse(Arguments& a) {
+template <double (*F)(double), bool Degrees = false>
+Value inverse(Arguments& a) {
     const double x = one(a);
     if (!(std::abs(x) <= 1 + 1e-9)) throwDomain(a, x);
     return F(std::clamp(x, -1.0, 1.0)) * (Degrees ? kDegrees : 1.0);
 }
 
-template <double (*F)(double)> Value ofDegrees(Arguments& a) { return F(one(a) / kDegrees); }
+template <double (*F)(double)>
+Value ofDegrees(Arguments& a) {
+    return F(one(a) / kDegrees);
+}
 
 double inDegrees(double x) { return x * kDegrees; }
 double inRadians(double x) { return x / kDegrees; }
@@ -51,7 +58,8 @@ Value sign(Arguments& a) {
     return x < 0 ? -1 : x > 0 ? 1 : 0;
 }
 
-template <double (*F)(double)> Value logarithm(Arguments& a) {
+template <double (*F)(double)>
+Value logarithm(Arguments& a) {
     const double x = one(a);
     if (!(x > 0)) throwDomain(a, x);
     return F(x);
@@ -63,7 +71,8 @@ Value squareRoot(Arguments& a) {
     return std::sqrt(x);
 }
 
-template <double (*F)(double, double)> Value binary(Arguments& a) {
+template <double (*F)(double, double)>
+Value binary(Arguments& a) {
     a.expect(2);
     return F(a.number(0), a.number(1));
 }
@@ -82,7 +91,8 @@ Value remainder(Arguments& a) {
     return applyBinary(BinaryOperator::Remainder, a.number(0), a.number(1));
 }
 
-template <bool Larger> Value extreme(Arguments& a) {
+template <bool Larger>
+Value extreme(Arguments& a) {
     a.expect(2);
     if (a[0].get<int>() && a[1].get<int>())
         return Larger ? std::max(a.integer(0), a.integer(1)) : std::min(a.integer(0), a.integer(1));
@@ -201,7 +211,8 @@ Value sphereRandom(Arguments& a) {
     return Vector{radii.x * r * ring * std::cos(phi), radii.y * r * ring * std::sin(phi), radii.z * r * z};
 }
 
-template <Type To> Value convert(Arguments& a) {
+template <Type To>
+Value convert(Arguments& a) {
     a.expect(1);
     return converted(a[0], To);
 }
@@ -214,56 +225,55 @@ Value equivalent(Arguments& a) {
 } // namespace
 
 void addMathFunctions(Interpreter::Impl& impl) {
-    static constexpr std::pair<const char*, LanguageFunction> functions[] = {
-        {"abs", absolute},
-        {"ceil", unary<std::ceil>},
-        {"floor", unary<std::floor>},
-        {"trunc", unary<std::trunc>},
-        {"round", unary<halfAway>},
-        {"sin", unary<std::sin>},
-        {"cos", unary<std::cos>},
-        {"tan", unary<std::tan>},
-        {"asin", inverse<std::asin>},
-        {"acos", inverse<std::acos>},
-        {"atan", unary<std::atan>},
-        {"atan2", binary<std::atan2>},
-        {"sind", ofDegrees<std::sin>},
-        {"cosd", ofDegrees<std::cos>},
-        {"tand", ofDegrees<std::tan>},
-        {"asind", inverse<std::asin, true>},
-        {"acosd", inverse<std::acos, true>},
-        {"atand", unary<arcTangentDegrees>},
-        {"atan2d", binary<arcTangent2Degrees>},
-        {"deg_to_rad", unary<inRadians>},
-        {"rad_to_deg", unary<inDegrees>},
-        {"exp", unary<std::exp>},
-        {"log", logarithm<std::log>},
-        {"log10", logarithm<std::log10>},
-        {"sqrt", squareRoot},
-        {"pow", power},
-        {"hypot", binary<std::hypot>},
-        {"fmod", remainder},
-        {"min", extreme<false>},
-        {"max", extreme<true>},
-        {"clamp", clamped},
-        {"sign", sign},
-        {"linstep", linearStep},
-        {"smoothstep", smoothStep},
-        {"dot", dot},
-        {"cross", cross},
-        {"mag", magnitude},
-        {"unit", unit},
-        {"angle", angle},
-        {"rot", rotated},
-        {"rand", rand},
-        {"seed", seed},
-        {"gauss", gauss},
-        {"sphrand", sphereRandom},
-        {"int", convert<Type::Int>},
-        {"float", convert<Type::Float>},
-        {"string", convert<Type::String>},
-        {"equivalent", equivalent},
-        {"equivalentTol", equivalent}};
+    static constexpr std::pair<const char*, LanguageFunction> functions[] = {{"abs", absolute},
+                                                                             {"ceil", unary<std::ceil>},
+                                                                             {"floor", unary<std::floor>},
+                                                                             {"trunc", unary<std::trunc>},
+                                                                             {"round", unary<halfAway>},
+                                                                             {"sin", unary<std::sin>},
+                                                                             {"cos", unary<std::cos>},
+                                                                             {"tan", unary<std::tan>},
+                                                                             {"asin", inverse<std::asin>},
+                                                                             {"acos", inverse<std::acos>},
+                                                                             {"atan", unary<std::atan>},
+                                                                             {"atan2", binary<std::atan2>},
+                                                                             {"sind", ofDegrees<std::sin>},
+                                                                             {"cosd", ofDegrees<std::cos>},
+                                                                             {"tand", ofDegrees<std::tan>},
+                                                                             {"asind", inverse<std::asin, true>},
+                                                                             {"acosd", inverse<std::acos, true>},
+                                                                             {"atand", unary<arcTangentDegrees>},
+                                                                             {"atan2d", binary<arcTangent2Degrees>},
+                                                                             {"deg_to_rad", unary<inRadians>},
+                                                                             {"rad_to_deg", unary<inDegrees>},
+                                                                             {"exp", unary<std::exp>},
+                                                                             {"log", logarithm<std::log>},
+                                                                             {"log10", logarithm<std::log10>},
+                                                                             {"sqrt", squareRoot},
+                                                                             {"pow", power},
+                                                                             {"hypot", binary<std::hypot>},
+                                                                             {"fmod", remainder},
+                                                                             {"min", extreme<false>},
+                                                                             {"max", extreme<true>},
+                                                                             {"clamp", clamped},
+                                                                             {"sign", sign},
+                                                                             {"linstep", linearStep},
+                                                                             {"smoothstep", smoothStep},
+                                                                             {"dot", dot},
+                                                                             {"cross", cross},
+                                                                             {"mag", magnitude},
+                                                                             {"unit", unit},
+                                                                             {"angle", angle},
+                                                                             {"rot", rotated},
+                                                                             {"rand", rand},
+                                                                             {"seed", seed},
+                                                                             {"gauss", gauss},
+                                                                             {"sphrand", sphereRandom},
+                                                                             {"int", convert<Type::Int>},
+                                                                             {"float", convert<Type::Float>},
+                                                                             {"string", convert<Type::String>},
+                                                                             {"equivalent", equivalent},
+                                                                             {"equivalentTol", equivalent}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction(name, function);
 }
 

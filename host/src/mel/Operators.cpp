@@ -24,7 +24,8 @@ constexpr std::size_t kTextLimit = std::size_t{1} << 28;
 
 int wrapped(unsigned v) { return static_cast<int>(v); }
 
-template <class Order> bool holds(Op op, Order order) {
+template <class Order>
+bool holds(Op op, Order order) {
     switch (op) {
     case Op::Less: return order < 0;
     case Op::LessEqual: return order <= 0;
@@ -111,7 +112,8 @@ Value onMatrices(Op op, const Value& left, const Value& right) {
     }
     if (op != Op::Multiply) throwMismatch(left, right);
     if (a->columns != b->rows) throw Error("The matrices' sizes do not fit a product.");
-    Matrix out{a->rows, b->columns, FloatArray(static_cast<std::size_t>(a->rows) * static_cast<std::size_t>(b->columns))};
+    Matrix out{a->rows, b->columns,
+               FloatArray(static_cast<std::size_t>(a->rows) * static_cast<std::size_t>(b->columns))};
     for (int r = 0; r < a->rows; ++r)
         for (int c = 0; c < b->columns; ++c) {
             double sum = 0;

@@ -5,8 +5,18 @@
 namespace host::mel {
 
 enum class BinaryOperator {
-    Add, Subtract, Multiply, Divide, Remainder, Cross,
-    Less, LessEqual, Greater, GreaterEqual, Equal, NotEqual
+    Add,
+    Subtract,
+    Multiply,
+    Divide,
+    Remainder,
+    Cross,
+    Less,
+    LessEqual,
+    Greater,
+    GreaterEqual,
+    Equal,
+    NotEqual
 };
 
 /// Applies an operator with MEL's rules: int with int stays int (wrapping on overflow, dividing toward zero), a text

@@ -103,10 +103,13 @@ private:
         expect(op);
     }
     void endStatement() {
-        if (token_.kind != Kind::End) expect(";");
-        else if (blockDepth_ > 0) close(";", "{", blockLine_);
+        if (token_.kind != Kind::End)
+            expect(";");
+        else if (blockDepth_ > 0)
+            close(";", "{", blockLine_);
     }
-    template <class T> std::unique_ptr<T> make(int line = 0) {
+    template <class T>
+    std::unique_ptr<T> make(int line = 0) {
         auto node = std::make_unique<T>();
         node->line = line > 0 ? line : token_.line;
         return node;
@@ -125,8 +128,10 @@ private:
     Known declare(const std::string& name, Type type, bool global, int rows, int columns, int line) {
         global = global || (scopes_.size() == 1 && !inProcedure_);
         Type before = Type::None;
-        if (auto found = scopes_.back().find(name); found != scopes_.back().end()) before = found->second.type;
-        else if (const Variable* existing = global ? globals_(name) : nullptr) before = existing->type;
+        if (auto found = scopes_.back().find(name); found != scopes_.back().end())
+            before = found->second.type;
+        else if (const Variable* existing = global ? globals_(name) : nullptr)
+            before = existing->type;
         if (before != Type::None && type != Type::None && before != type)
             fail("Invalid redeclaration of variable \"$" + name + "\" as a different type.", line);
         Known known{global ? -1 : slots_++, type, rows, columns};
@@ -158,7 +163,8 @@ private:
     ExpressionPointer parseExpression(ExpressionPointer left = nullptr) {
         Nesting nesting(*this);
         const int line = token_.line;
-        if (!left && token_.kind == Kind::Variable && !find(std::string(token_.spelling))) return parseFirstAssignment();
+        if (!left && token_.kind == Kind::Variable && !find(std::string(token_.spelling)))
+            return parseFirstAssignment();
         ExpressionPointer target = parseConditional(std::move(left));
         static constexpr std::pair<std::string_view, BinaryOperator> compounds[] = {
             {"+=", BinaryOperator::Add},    {"-=", BinaryOperator::Subtract},  {"*=", BinaryOperator::Multiply},
@@ -214,9 +220,7 @@ private:
     }
 
     ExpressionPointer parseLogical(bool isAnd, ExpressionPointer left) {
-        auto operand = [&]() {
-            return isAnd ? parseBinary(0, std::move(left)) : parseLogical(true, std::move(left));
-        };
+        auto operand = [&]() { return isAnd ? parseBinary(0, std::move(left)) : parseLogical(true, std::move(left)); };
         ExpressionPointer first = operand();
         const std::string_view op = isAnd ? "&&" : "||";
         if (!token_.is(op)) return first;
@@ -310,7 +314,8 @@ private:
                 advance();
                 node->target = std::move(base);
                 base = std::move(node);
-            } else return base;
+            } else
+                return base;
         }
     }
 
@@ -531,8 +536,8 @@ private:
         Token word = lexer_.word({token_.begin, line});
         if (word.kind == Kind::Invalid) failHere();
         moveTo({word.end, line});
-        const bool name = isNameStart(word.spelling.front()) &&
-                          word.spelling.find_first_of(".:|*?[>") == std::string_view::npos;
+        const bool name =
+            isNameStart(word.spelling.front()) && word.spelling.find_first_of(".:|*?[>") == std::string_view::npos;
         if (name && token_.is("(") && token_.begin == word.end && !isReserved(word.spelling))
             return finishCall(std::string(word.spelling), parseArguments(), line);
         if (auto value = constantWord(word.spelling)) return constant(*value, line);
@@ -554,6 +559,13 @@ private:
             if (token_.is("[") && token_.begin == end) element->column = parseIndexNoting(end);
             element->base = std::move(node);
             node = std::move(element);
+        }
+        if (token_.begin == end && (token_.is("++") || token_.is("--"))) {
+            auto increment = make<Increment>();
+            increment->step = token_.is("++") ? 1 : -1;
+            advance();
+            increment->target = std::move(node);
+            return increment;
         }
         return node;
     }
@@ -699,8 +711,10 @@ private:
         }
         if (type) moveTo({first.begin, first.line});
         auto node = make<Loop>(line);
-        if (type) node->declaration = parseDeclaration(false);
-        else node->initial = parseList(";");
+        if (type)
+            node->declaration = parseDeclaration(false);
+        else
+            node->initial = parseList(";");
         expect(";");
         node->conditions = parseList(";");
         expect(";");
@@ -740,8 +754,10 @@ private:
                 // A conditional would take the label's colon for its own.
                 node->labels.push_back({isCase ? parseLogical(false, nullptr) : nullptr, node->statements.size()});
                 expect(":");
-            } else if (node->labels.empty()) failHere();
-            else if (StatementPointer statement = parseStatement()) node->statements.push_back(std::move(statement));
+            } else if (node->labels.empty())
+                failHere();
+            else if (StatementPointer statement = parseStatement())
+                node->statements.push_back(std::move(statement));
         }
         close("}", "{", line);
         --blockDepth_;
@@ -819,7 +835,8 @@ private:
             Declaration::Item item;
             Type type = base;
             int rows = 0, columns = 0;
-            if (base == Type::Matrix) parseMatrixSize(rows, columns);
+            if (base == Type::Matrix)
+                parseMatrixSize(rows, columns);
             else if (token_.is("[")) {
                 type = arrayOf(base);
                 const Token bracket = token_;
@@ -881,8 +898,10 @@ private:
         Procedure::Parameter parameter{std::string(token_.spelling), *base};
         const int line = token_.line;
         advance();
-        if (*base == Type::Matrix) parseMatrixSize(parameter.rows, parameter.columns);
-        else if (acceptBrackets()) parameter.type = arrayOf(*base);
+        if (*base == Type::Matrix)
+            parseMatrixSize(parameter.rows, parameter.columns);
+        else if (acceptBrackets())
+            parameter.type = arrayOf(*base);
         if (scopes_.back().contains(parameter.name))
             fail("Invalid redeclaration of variable \"$" + parameter.name + "\".", line);
         declare(parameter.name, parameter.type, false, parameter.rows, parameter.columns, line);

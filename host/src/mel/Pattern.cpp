@@ -19,7 +19,6 @@ std::bitset<256> characterSet(std::string_view p, std::size_t& at) {
     const bool inverted = at < p.size() && p[at] == '^';
     if (inverted) ++at;
     for (bool first = true; at < p.size() && (p[at] != ']' || first); first = false) {
-        if (p[at] == '\\' && at + 1 < p.size()) ++at;
         const unsigned char low = byte(p[at++]);
         unsigned char high = low;
         if (at + 1 < p.size() && p[at] == '-' && p[at + 1] != ']') {
@@ -91,11 +90,16 @@ Pattern::Piece Pattern::atom(std::string_view p, std::size_t& at, int depth) {
         ++at;
         return inner;
     }
-    if (c == '[') node.characters = characterSet(p, at);
-    else if (c == '.') node.characters.set();
-    else if (c == '^') node.kind = Node::Kind::Begin;
-    else if (c == '$') node.kind = Node::Kind::End;
-    else node.characters.set(byte(c == '\\' && at < p.size() ? p[at++] : c));
+    if (c == '[')
+        node.characters = characterSet(p, at);
+    else if (c == '.')
+        node.characters.set();
+    else if (c == '^')
+        node.kind = Node::Kind::Begin;
+    else if (c == '$')
+        node.kind = Node::Kind::End;
+    else
+        node.characters.set(byte(c == '\\' && at < p.size() ? p[at++] : c));
     const int index = add(std::move(node));
     return {index, index};
 }
@@ -168,7 +172,8 @@ bool Pattern::glob(std::string_view pattern, std::string_view text) {
         } else if (star != std::string_view::npos) {
             p = star;
             t = ++mark;
-        } else return false;
+        } else
+            return false;
     }
     while (p < pattern.size() && pattern[p] == '*') ++p;
     return p == pattern.size();

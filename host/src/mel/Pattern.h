@@ -8,7 +8,8 @@
 
 namespace host::mel {
 
-/// MEL's regular expressions: . * + ? ^ $ [a-z] [^a-z] ( ) | and \ before a character that stands for itself.
+/// MEL's regular expressions: . * + ? ^ $ [a-z] [^a-z] ( ) | and \ before a character that stands for itself. Within
+/// brackets a backslash is a character like any other: scripts write "[^/\\]*$" for a path's last part.
 ///
 /// Matching takes time proportional to text times pattern and no recursion, whatever the text.
 class Pattern {

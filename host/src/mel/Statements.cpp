@@ -71,12 +71,11 @@ Flow Declaration::execute(Frame& frame) const {
             variable->reset(use.type, use.rows, use.columns);
         } else { // a global variable keeps its value when it is declared again
             variable = &use.resolve(frame);
-            if (variable->type != use.type || (use.type == Type::Matrix && (variable->rows != use.rows ||
-                                                                            variable->columns != use.columns)))
+            if (variable->type != use.type ||
+                (use.type == Type::Matrix && (variable->rows != use.rows || variable->columns != use.columns)))
                 throw Error("Invalid redeclaration of variable \"$" + use.name + "\" as a different type.");
         }
-        if (size > 0 && variable->value.size() == 0)
-            Place{variable, size - 1}.write(zeroValue(elementOf(use.type)));
+        if (size > 0 && variable->value.size() == 0) Place{variable, size - 1}.write(zeroValue(elementOf(use.type)));
         if (item.initial) variable->assign(std::move(initial));
     }
     return Flow::Normal;

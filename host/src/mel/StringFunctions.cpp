@@ -190,10 +190,14 @@ Value encode(Arguments& a) {
     a.expect(1);
     std::string out;
     for (char c : a.text(0)) {
-        if (c == '\n') out += "\\n";
-        else if (c == '\t') out += "\\t";
-        else if (c == '\r') out += "\\r";
-        else out += (c == '"' || c == '\\') ? std::string{'\\', c} : std::string{c};
+        if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c == '\r')
+            out += "\\r";
+        else
+            out += (c == '"' || c == '\\') ? std::string{'\\', c} : std::string{c};
     }
     return out;
 }
@@ -214,8 +218,8 @@ Value interfaceName(Arguments& a) {
     a.expect(1);
     std::string out;
     for (char c : a.text(0)) {
-        const bool begins = upper(c) == c && isLetter(c) && !out.empty() && out.back() != ' ' &&
-                            lower(out.back()) == out.back();
+        const bool begins =
+            upper(c) == c && isLetter(c) && !out.empty() && out.back() != ' ' && lower(out.back()) == out.back();
         if (begins) out += ' ';
         out += out.empty() ? upper(c) : c;
     }
@@ -225,31 +229,30 @@ Value interfaceName(Arguments& a) {
 } // namespace
 
 void addStringFunctions(Interpreter::Impl& impl) {
-    static constexpr std::pair<const char*, LanguageFunction> functions[] = {
-        {"toupper", toUpper},
-        {"tolower", toLower},
-        {"capitalizeString", capitalize},
-        {"substring", substring},
-        {"startString", startString},
-        {"endString", endString},
-        {"startsWith", startsWith},
-        {"endsWith", endsWith},
-        {"strcmp", compare},
-        {"strip", strip},
-        {"substitute", substitute},
-        {"substituteAllString", substituteAll},
-        {"match", match},
-        {"gmatch", globMatch},
-        {"isValidString", isValidString},
-        {"isValidObjectName", isValidObjectName},
-        {"tokenize", tokenize},
-        {"tokenizeList", tokenizeList},
-        {"stringToStringArray", stringToArray},
-        {"format", format},
-        {"encodeString", encode},
-        {"stringRemovePrefix", removePrefix},
-        {"stringAddPrefix", addPrefix},
-        {"interToUI", interfaceName}};
+    static constexpr std::pair<const char*, LanguageFunction> functions[] = {{"toupper", toUpper},
+                                                                             {"tolower", toLower},
+                                                                             {"capitalizeString", capitalize},
+                                                                             {"substring", substring},
+                                                                             {"startString", startString},
+                                                                             {"endString", endString},
+                                                                             {"startsWith", startsWith},
+                                                                             {"endsWith", endsWith},
+                                                                             {"strcmp", compare},
+                                                                             {"strip", strip},
+                                                                             {"substitute", substitute},
+                                                                             {"substituteAllString", substituteAll},
+                                                                             {"match", match},
+                                                                             {"gmatch", globMatch},
+                                                                             {"isValidString", isValidString},
+                                                                             {"isValidObjectName", isValidObjectName},
+                                                                             {"tokenize", tokenize},
+                                                                             {"tokenizeList", tokenizeList},
+                                                                             {"stringToStringArray", stringToArray},
+                                                                             {"format", format},
+                                                                             {"encodeString", encode},
+                                                                             {"stringRemovePrefix", removePrefix},
+                                                                             {"stringAddPrefix", addPrefix},
+                                                                             {"interToUI", interfaceName}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction(name, function);
 }
 

@@ -12,7 +12,8 @@ namespace {
 
 constexpr const char* kSpace = " \t\r\n\v\f";
 
-template <class Out, class In, class F> Out mapped(const In& in, F f) {
+template <class Out, class In, class F>
+Out mapped(const In& in, F f) {
     Out out;
     out.reserve(in.size());
     for (const auto& element : in) out.push_back(f(element));
@@ -23,7 +24,8 @@ double length(const Vector& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * 
 
 std::string text(const Vector& v) { return formatFloat(v.x) + ' ' + formatFloat(v.y) + ' ' + formatFloat(v.z); }
 
-template <class Array> auto firstOr(const Array& a, typename Array::value_type fallback = {}) {
+template <class Array>
+auto firstOr(const Array& a, typename Array::value_type fallback = {}) {
     return a.empty() ? fallback : a.front();
 }
 
@@ -100,11 +102,13 @@ std::size_t Value::size() const {
     return std::visit(
         [](const auto& v) -> std::size_t {
             using T = std::decay_t<decltype(v)>;
-            if constexpr (std::is_same_v<T, std::monostate>) return 0;
+            if constexpr (std::is_same_v<T, std::monostate>)
+                return 0;
             else if constexpr (std::is_same_v<T, IntArray> || std::is_same_v<T, FloatArray> ||
                                std::is_same_v<T, StringArray> || std::is_same_v<T, VectorArray>)
                 return v.size();
-            else return 1;
+            else
+                return 1;
         },
         data_);
 }
@@ -171,8 +175,10 @@ Vector Value::toVector() const {
             numbers.push_back(next->value);
             rest.remove_prefix(next->length);
         }
-    } else if (auto all = flattened(*this)) numbers = std::move(*all);
-    else numbers = {toFloat()};
+    } else if (auto all = flattened(*this))
+        numbers = std::move(*all);
+    else
+        numbers = {toFloat()};
     if (numbers.size() == 1) return {numbers[0], numbers[0], numbers[0]};
     numbers.resize(3);
     return {numbers[0], numbers[1], numbers[2]};
@@ -203,8 +209,8 @@ VectorArray Value::toVectorArray() const {
     const FloatArray numbers = toFloatArray();
     VectorArray out;
     for (std::size_t i = 0; i < numbers.size(); i += 3)
-        out.push_back({numbers[i], i + 1 < numbers.size() ? numbers[i + 1] : 0.0,
-                       i + 2 < numbers.size() ? numbers[i + 2] : 0.0});
+        out.push_back(
+            {numbers[i], i + 1 < numbers.size() ? numbers[i + 1] : 0.0, i + 2 < numbers.size() ? numbers[i + 2] : 0.0});
     return out;
 }
 

@@ -69,8 +69,14 @@ public:
     /// The value as `print` shows it (an array: one element a line, each ended by a line feed).
     std::string printed() const;
 
-    template <class T> const T* get() const { return std::get_if<T>(&data_); }
-    template <class T> T* get() { return std::get_if<T>(&data_); }
+    template <class T>
+    const T* get() const {
+        return std::get_if<T>(&data_);
+    }
+    template <class T>
+    T* get() {
+        return std::get_if<T>(&data_);
+    }
 
 private:
     std::variant<std::monostate, int, double, std::string, Vector, Matrix, IntArray, FloatArray, StringArray,
