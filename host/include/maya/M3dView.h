@@ -1,0 +1,112 @@
+#pragma once
+
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+#include <GL/gl.h>
+
+#include <maya/MColor.h>
+#include <maya/MDagPath.h>
+#include <maya/MStatus.h>
+
+class MMatrix;
+class MPoint;
+class MString;
+class MVector;
+
+namespace host::viewport {
+class Viewport;
+}
+
+/// A model view: the port that a camera's picture is drawn into.
+///
+/// An object of this class is a reference that stays valid to use when its view is closed: every operation then
+/// answers kFailure, and nothing is drawn. Ports are measured in pixels from the bottom left corner.
+class OPENMAYAUI_EXPORT M3dView {
+public:
+    enum DisplayStyle { kBoundingBox, kFlatShaded, kGouraudShaded, kWireFrame, kPoints };
+    enum DisplayStatus {
+        kActive, kLive, kDormant, kInvisible, kHilite, kTemplate, kActiveTemplate, kActiveComponent, kLead,
+        kIntermediateObject, kActiveAffected, kNoStatus
+    };
+    enum ColorTable { kActiveColors, kDormantColors, kTemplateColor, kBackgroundColor };
+    enum TextPosition { kLeft, kCenter, kRight };
+    enum LightingMode { kLightAll, kLightSelected, kLightActive, kLightDefault, kUnused1, kLightNone };
+    enum RendererName { kDefaultQualityRenderer, kHighQualityRenderer, kViewport2Renderer, kExternalRenderer };
+
+    /// Refers to no view.
+    M3dView();
+    virtual ~M3dView();
+
+    /// @name The views that there are
+    /// @{
+    static M3dView active3dView(MStatus* ReturnStatus = NULL);
+    static unsigned int numberOf3dViews();
+    static MStatus get3dView(const unsigned int index, M3dView& view);
+    /// How an object is shown: the most telling of invisible, intermediate, template, lead, active and dormant.
+    static M3dView::DisplayStatus displayStatus(const MDagPath& path, MStatus* ReturnStatus = NULL);
+    /// @}
+
+    /// @name The port
+    /// @{
+    int portWidth(MStatus* ReturnStatus = NULL);
+    int portHeight(MStatus* ReturnStatus = NULL);
+    bool isVisible(MStatus* ReturnStatus = NULL);
+    /// Draws into a part of the port, until popViewport goes back to the part that was drawn into before.
+    MStatus pushViewport(unsigned int x, unsigned int y, unsigned int width, unsigned int height);
+    MStatus popViewport();
+    MStatus viewport(unsigned int& x, unsigned int& y, unsigned int& width, unsigned int& height) const;
+    /// @}
+
+    /// @name Drawing
+    /// @{
+    /// Makes the view's GL context current. Calls nest; each needs an endGL of its own, which puts the matrices back
+    /// that were there. Outside of a draw the view's own matrices are loaded, and the context that was current before
+    /// is the current one again after the outermost endGL.
+    MStatus beginGL();
+    MStatus endGL();
+    /// Whether draws are asked to say what is under the pointer: never, for a picture is made.
+    bool selectMode() const;
+    MStatus setDrawColor(const MColor& color);
+    MStatus setDrawColorAndAlpha(const MColor& color);
+    MStatus colorMask(bool& r, bool& g, bool& b, bool& a);
+    MStatus setColorMask(bool r, bool g, bool b, bool a);
+    /// kNotImplemented: there are no fonts.
+    MStatus drawText(const MString& text, const MPoint position, M3dView::TextPosition textPosition = kLeft);
+    M3dView::DisplayStyle displayStyle(MStatus* ReturnStatus = NULL) const;
+    M3dView::RendererName getRendererName(MStatus* ReturnStatus) const;
+    static bool isBackgroundGradient(MStatus* ReturnStatus = NULL);
+    static MColor templateColor(MStatus* ReturnStatus = NULL);
+    static MColor backgroundColor(MStatus* ReturnStatus = NULL);
+    /// Draws the view anew (or, with `all`, every view) before it returns; not from within a draw.
+    MStatus refresh(bool all = false, bool force = false);
+    /// @}
+
+    /// @name Camera and spaces
+    /// @{
+    /// The camera shape's path.
+    MStatus getCamera(MDagPath& camera);
+    /// Looks through another camera: its shape, or the transform above it.
+    MStatus setCamera(MDagPath& camera);
+    /// The point on the near plane below a pixel's corner, and the direction from the eye through it, of unit length.
+    MStatus viewToWorld(short x_pos, short y_pos, MPoint& worldPt, MVector& worldVector) const;
+    MStatus viewToWorld(short x_pos, short y_pos, MPoint& nearClipPt, MPoint& farClipPt) const;
+    /// The same as a point and a direction in an object's space, given the inverse of the object's matrix.
+    MStatus viewToObjectSpace(short x_pos, short y_pos, const MMatrix& localMatrixInverse, MPoint& oPt,
+                              MVector& oVector) const;
+    /// The pixel in which a point is seen; false when it lies outside the view volume.
+    bool worldToView(const MPoint& worldPt, short& x_pos, short& y_pos, MStatus* ReturnStatus = NULL) const;
+    MStatus projectionMatrix(MMatrix& projMat) const;
+    /// Within a draw the matrix from the drawn object's space to the camera's, else that from the world's.
+    MStatus modelViewMatrix(MMatrix& modelViewMatrix) const;
+    /// Loads the camera's matrices into GL anew, after somebody changed the camera within a draw.
+    MStatus updateViewingParameters();
+    /// @}
+
+    static const char* className();
+
+private:
+    friend class host::viewport::Viewport;
+    explicit M3dView(unsigned long serial);
+    unsigned long serial_ = 0;
+};
