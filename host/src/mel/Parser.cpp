@@ -1,10 +1,12 @@
 #include "mel/Parser.h"
 
 #include "mel/Command.h"
+#include "mel/Keywords.h"
 #include "mel/Lexer.h"
 #include "mel/StackGuard.h"
 
 #include <optional>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -16,29 +18,6 @@ using Kind = Token::Kind;
 
 constexpr int kNestingLimit = 400;
 constexpr std::size_t kMatrixLimit = 4096;
-
-std::optional<Type> typeKeyword(const Token& token) {
-    if (token.kind != Kind::Identifier) return std::nullopt;
-    if (token.spelling == "int") return Type::Int;
-    if (token.spelling == "float") return Type::Float;
-    if (token.spelling == "string") return Type::String;
-    if (token.spelling == "vector") return Type::Vector;
-    if (token.spelling == "matrix") return Type::Matrix;
-    return std::nullopt;
-}
-
-std::optional<int> constantWord(std::string_view word) {
-    if (word == "true" || word == "on" || word == "yes") return 1;
-    if (word == "false" || word == "off" || word == "no") return 0;
-    return std::nullopt;
-}
-
-bool isReserved(std::string_view word) {
-    for (std::string_view w : {"if", "else", "while", "do", "for", "in", "switch", "case", "default", "break",
-                               "continue", "return", "proc", "global", "int", "float", "string", "vector", "matrix"})
-        if (w == word) return true;
-    return false;
-}
 
 class Parser {
 public:
@@ -233,18 +212,13 @@ private:
 
     std::optional<BinaryOperator> binaryOperator(int level) const {
         using Op = BinaryOperator;
-        struct Row {
-            std::string_view spelling;
-            Op op;
-            int level;
-        };
-        static constexpr Row rows[] = {{"==", Op::Equal, 0},     {"!=", Op::NotEqual, 0}, {"<", Op::Less, 1},
-                                       {"<=", Op::LessEqual, 1}, {">", Op::Greater, 1},   {">=", Op::GreaterEqual, 1},
-                                       {"+", Op::Add, 2},        {"-", Op::Subtract, 2},  {"*", Op::Multiply, 3},
-                                       {"/", Op::Divide, 3},     {"%", Op::Remainder, 3}, {"^", Op::Cross, 3}};
+        static constexpr std::tuple<std::string_view, Op, int> rows[] = {
+            {"==", Op::Equal, 0},   {"!=", Op::NotEqual, 0},     {"<", Op::Less, 1},      {"<=", Op::LessEqual, 1},
+            {">", Op::Greater, 1},  {">=", Op::GreaterEqual, 1}, {"+", Op::Add, 2},       {"-", Op::Subtract, 2},
+            {"*", Op::Multiply, 3}, {"/", Op::Divide, 3},        {"%", Op::Remainder, 3}, {"^", Op::Cross, 3}};
         if (token_.kind != Kind::Operator) return std::nullopt;
-        for (const Row& row : rows)
-            if (row.level == level && row.spelling == token_.spelling) return row.op;
+        for (const auto& [spelling, op, rowLevel] : rows)
+            if (rowLevel == level && spelling == token_.spelling) return op;
         return std::nullopt;
     }
 
@@ -287,13 +261,8 @@ private:
     }
 
     ExpressionPointer parseIndex() {
-        const int line = token_.line;
-        const bool quoted = std::exchange(inBackquote_, false);
-        expect("[");
-        ExpressionPointer index = parseExpression();
-        inBackquote_ = quoted;
-        close("]", "[", line);
-        return index;
+        std::size_t end = 0;
+        return parseIndexNoting(end);
     }
 
     ExpressionPointer parsePostfix(ExpressionPointer base) {
@@ -513,11 +482,8 @@ private:
     /// One argument of the command syntax.
     ExpressionPointer parseWord() {
         const int line = token_.line;
-        switch (token_.kind) {
-        case Kind::Text: return parsePrimary();
-        case Kind::Variable: return parsePlainVariable();
-        default: break;
-        }
+        if (token_.kind == Kind::Text) return parsePrimary();
+        if (token_.kind == Kind::Variable) return parsePlainVariable();
         if (token_.is("(")) return parseParenthesis();
         if (token_.is("{")) return parseArray();
         if (token_.is("<<")) return parseVectorLiteral();
@@ -645,8 +611,8 @@ private:
     }
 
     ExpressionPointer parseCondition() {
-        if (!token_.is("(")) failHere();
-        return parseParenthesis();
+        if (token_.is("(")) return parseParenthesis();
+        failHere();
     }
 
     StatementPointer parseIf() {
