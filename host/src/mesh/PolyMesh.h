@@ -144,7 +144,8 @@ public:
     /// The triangles of all polygons, face by face, each face of n corners giving exactly n - 2 with its own
     /// winding. Quads are split along corners 0-2, or 1-3 where the former lies outside or gives a triangle
     /// without area. Larger polygons are tessellated in the plane of their normal; those for which that does not
-    /// give n - 2 triangles (self-intersecting, repeated points, no area, not finite) become a fan about corner 0.
+    /// give n - 2 triangles (self-intersecting, repeated points, no area, not finite, above 10000 corners) become a fan
+    /// about corner 0.
     std::span<const Triangle> triangles() const;
     int numTriangles() const { return numFaceVertices() - 2 * numPolygons(); }
     std::span<const Triangle> faceTriangles(int face) const {

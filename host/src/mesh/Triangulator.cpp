@@ -3,7 +3,6 @@
 #include <GL/glu.h>
 
 #include <cmath>
-#include <cstdint>
 
 #ifndef CALLBACK
 #define CALLBACK
@@ -15,21 +14,24 @@ namespace {
 // Below this share of the polygon's area a triangle counts as having none: about the rounding of the points.
 constexpr double kNoArea = 1e-6;
 
+// The tessellator's time grows with the square of the corners of a spiky polygon: beyond this many it could hang.
+constexpr std::size_t kMostTessellated = 10000;
+
 /// What the tessellator's callbacks write. They run below C frames, so they neither allocate nor throw.
 struct Output {
     std::span<PolyMesh::Triangle> triangles;
+    const int* polygon; // a corner's data is the address of its vertex in here
     std::size_t corners = 0;
     bool failed = false;
 };
 
-// Corner numbers, from 1, travel through the tessellator in place of addresses.
 void CALLBACK onVertex(void* corner, void* data) {
     auto& out = *static_cast<Output*>(data);
     if (out.corners >= out.triangles.size() * 3) {
         out.failed = true;
         return;
     }
-    out.triangles[out.corners / 3][out.corners % 3] = static_cast<int>(reinterpret_cast<std::intptr_t>(corner)) - 1;
+    out.triangles[out.corners / 3][out.corners % 3] = static_cast<int>(static_cast<const int*>(corner) - out.polygon);
     ++out.corners;
 }
 
@@ -88,7 +90,9 @@ void Triangulator::triangulate(std::span<const Float3> points, std::span<const i
         triangles[1] = other ? d : b;
         return;
     }
-    if (polygon.size() > 4 && tessellate(points, polygon, newellNormal(points, polygon), triangles)) return;
+    if (polygon.size() > 4 && polygon.size() <= kMostTessellated &&
+        tessellate(points, polygon, newellNormal(points, polygon), triangles))
+        return;
     for (int i = 0; i < static_cast<int>(triangles.size()); ++i) triangles[i] = {0, i + 1, i + 2};
 }
 
@@ -105,15 +109,14 @@ bool Triangulator::tessellate(std::span<const Float3> points, std::span<const in
         setCallback(tess_, GLU_TESS_ERROR_DATA, onError);
         gluTessProperty(tess_, GLU_TESS_WINDING_RULE, GLU_TESS_WINDING_NONZERO);
     }
-    Output out{triangles};
+    Output out{triangles, polygon.data()};
     gluTessNormal(tess_, normal.x / length, normal.y / length, normal.z / length);
     gluTessBeginPolygon(tess_, &out);
     gluTessBeginContour(tess_);
     const Imath::V3d origin = toDouble(points[polygon[0]]);
     for (std::size_t i = 0; i < polygon.size(); ++i) {
         Imath::V3d p = toDouble(points[polygon[i]]) - origin;
-        // Numbered from 1: the tessellator takes a null address for "no vertex".
-        gluTessVertex(tess_, &p.x, reinterpret_cast<void*>(static_cast<std::intptr_t>(i + 1)));
+        gluTessVertex(tess_, &p.x, const_cast<int*>(&polygon[i])); // handed back as it is, never written to
     }
     gluTessEndContour(tess_);
     gluTessEndPolygon(tess_);
