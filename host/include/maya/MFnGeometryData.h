@@ -1,0 +1,10 @@
+#pragma once
+
+#include <maya/MFnData.h>
+
+/// Function set for data that holds geometry.
+class OPENMAYA_EXPORT MFnGeometryData : public MFnData {
+public:
+    ORVO_DECLARE_FN(MFnGeometryData)
+    static const char* className();
+};

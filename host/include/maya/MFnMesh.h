@@ -1,0 +1,162 @@
+#pragma once
+
+#include <maya/MFnDagNode.h>
+#include <maya/MSpace.h>
+
+class MDGModifier;
+class MFloatArray;
+class MFloatPointArray;
+class MFloatVectorArray;
+class MIntArray;
+class MPoint;
+class MPointArray;
+class MSelectionList;
+class MStringArray;
+class MUintArray;
+class MVector;
+
+#define kMFnMeshTolerance 1.0e-10
+#define kMFnMeshPointTolerance 1.0e-3
+#define kMFnMeshInstanceUnspecified -1
+
+/// Function set for polygon meshes: those of mesh shapes, and mesh data (MFnMeshData).
+///
+/// Positions are in centimetres and single precision; a position's w is not looked at. kWorld needs a shape, every
+/// other space but kInvalid and kLast is the mesh's own. A path to a transform stands for its only mesh shape. Indices
+/// out of range, arrays of a wrong length, names of UV sets that do not exist and spaces that do not apply give
+/// kInvalidParameter, and change nothing. A shape or data without geometry, or whose node is gone, gives kFailure.
+///
+/// Shapes that are fed by a connection accept changes of points alone; others give kFailure. A null `uvSet` means the
+/// current set. Changes take place at once, whether or not a modifier is given.
+class OPENMAYA_EXPORT MFnMesh : public MFnDagNode {
+public:
+    ORVO_DECLARE_FN(MFnMesh)
+    MFnMesh(const MDagPath& object, MStatus* ReturnStatus = NULL);
+    virtual ~MFnMesh();
+    virtual MStatus setObject(const MDagPath& objectPath) override;
+    virtual MStatus setObject(MObject& object) override;
+    virtual MStatus setObject(const MObject& object) override;
+
+    /// @name Making meshes
+    /// Counts are the polygons' numbers of corners, 3 or more each; connects are the vertices of all corners. Without a
+    /// parent a shape with a transform is made, and the transform is the answer; below a parent transform a shape, and
+    /// with mesh data as owner its geometry. The function set works on the new shape or data then. The UVs become those
+    /// of the set "map1", for assignUVs().
+    /// @{
+    MObject create(int numVertices, int numPolygons, const MFloatPointArray& vertexArray,
+                   const MIntArray& polygonCounts, const MIntArray& polygonConnects,
+                   MObject parentOrOwner = MObject::kNullObj, MStatus* ReturnStatus = NULL);
+    MObject create(int numVertices, int numPolygons, const MPointArray& vertexArray, const MIntArray& polygonCounts,
+                   const MIntArray& polygonConnects, MObject parentOrOwner = MObject::kNullObj,
+                   MStatus* ReturnStatus = NULL);
+    MObject create(int numVertices, int numPolygons, const MFloatPointArray& vertexArray,
+                   const MIntArray& polygonCounts, const MIntArray& polygonConnects, const MFloatArray& uArray,
+                   const MFloatArray& vArray, MObject parentOrOwner = MObject::kNullObj, MStatus* ReturnStatus = NULL);
+    MObject create(int numVertices, int numPolygons, const MPointArray& vertexArray, const MIntArray& polygonCounts,
+                   const MIntArray& polygonConnects, const MFloatArray& uArray, const MFloatArray& vArray,
+                   MObject parentOrOwner = MObject::kNullObj, MStatus* ReturnStatus = NULL);
+    /// A copy of another mesh (a shape, or data), placed as create() does.
+    MObject copy(const MObject& source, MObject parentOrOwner = MObject::kNullObj, MStatus* ReturnStatus = NULL);
+    MStatus createInPlace(int numVertices, int numPolygons, const MFloatPointArray& vertexArray,
+                          const MIntArray& polygonCounts, const MIntArray& polygonConnects);
+    MStatus copyInPlace(const MObject& source);
+    /// Tells that changes are complete; they show without it.
+    MStatus updateSurface();
+    /// @}
+
+    /// @name Vertices, edges and polygons
+    /// @{
+    int numVertices(MStatus* ReturnStatus = NULL) const;
+    int numEdges(MStatus* ReturnStatus = NULL) const;
+    int numPolygons(MStatus* ReturnStatus = NULL) const;
+    int numFaceVertices(MStatus* ReturnStatus = NULL) const;
+    int polygonVertexCount(int polygonId, MStatus* ReturnStatus = NULL) const;
+    MStatus getPoints(MFloatPointArray& vertexArray, MSpace::Space space = MSpace::kObject) const;
+    MStatus getPoints(MPointArray& vertexArray, MSpace::Space space = MSpace::kObject) const;
+    MStatus setPoints(MFloatPointArray& vertexArray, MSpace::Space space = MSpace::kObject);
+    MStatus setPoints(MPointArray& vertexArray, MSpace::Space space = MSpace::kObject);
+    MStatus getPoint(int vertexId, MPoint& pos, MSpace::Space space = MSpace::kObject) const;
+    MStatus setPoint(int vertexId, const MPoint& pos, MSpace::Space space = MSpace::kObject);
+    MStatus getVertices(MIntArray& vertexCount, MIntArray& vertexList) const;
+    MStatus getPolygonVertices(int polygonId, MIntArray& vertexList) const;
+    /// The vertices of one of a polygon's triangles; a polygon of n corners has n - 2.
+    MStatus getPolygonTriangleVertices(int polygonId, int triangleId, int vertexList[3]) const;
+    /// The numbers of triangles of the polygons, and the triangles' vertices.
+    MStatus getTriangles(MIntArray& triangleCounts, MIntArray& triangleVertices) const;
+    /// The same with places in the list of getVertices() in the vertices' stead.
+    MStatus getTriangleOffsets(MIntArray& triangleCounts, MIntArray& triangleIndices) const;
+    MStatus getEdgeVertices(int edgeId, int2& vertexList) const;
+    bool isEdgeSmooth(int edgeId, MStatus* ReturnStatus = NULL) const;
+    MStatus setEdgeSmoothing(int edgeId, bool smooth = true);
+    /// Settles setEdgeSmoothing(), which takes effect without it.
+    MStatus cleanupEdgeSmoothing();
+    /// @}
+
+    /// @name Normals, of unit length
+    /// Those of a polygon's corners are the ones that were given, else averages over the polygons that smooth edges join
+    /// at the vertex. Those of vertices are averages over all of its polygons. Polygons without area have none (0, 0, 0).
+    /// @{
+    /// One a face vertex, in the order of getVertices().
+    MStatus getNormals(MFloatVectorArray& normals, MSpace::Space space = MSpace::kObject) const;
+    int numNormals(MStatus* ReturnStatus = NULL) const;
+    MStatus getNormalIds(MIntArray& normalCounts, MIntArray& normals) const;
+    MStatus getFaceNormalIds(int faceIndex, MIntArray& normals) const;
+    /// The vertex is the mesh's, and must be one of the polygon's.
+    MStatus getFaceVertexNormal(int faceIndex, int vertexIndex, MVector& normal,
+                                MSpace::Space space = MSpace::kObject) const;
+    MStatus getFaceVertexNormals(int faceIndex, MFloatVectorArray& normals, MSpace::Space space = MSpace::kObject) const;
+    /// Every polygon counts the same, or by its angle at the vertex.
+    MStatus getVertexNormal(int vertexId, MVector& normal, MSpace::Space space = MSpace::kObject) const;
+    MStatus getVertexNormal(int vertexId, bool angleWeighted, MVector& normal,
+                            MSpace::Space space = MSpace::kObject) const;
+    MStatus getVertexNormals(bool angleWeighted, MFloatVectorArray& normals,
+                             MSpace::Space space = MSpace::kObject) const;
+    MStatus getPolygonNormal(int polygonId, MVector& normal, MSpace::Space space = MSpace::kObject) const;
+    /// @}
+
+    /// @name UV sets
+    /// @{
+    int numUVSets(MStatus* ReturnStatus = NULL) const;
+    MStatus getUVSetNames(MStringArray& setNames) const;
+    MString currentUVSetName(MStatus* ReturnStatus = NULL, int instance = kMFnMeshInstanceUnspecified) const;
+    MStatus getCurrentUVSetName(MString& setName, int instance = kMFnMeshInstanceUnspecified) const;
+    MStatus setCurrentUVSetName(const MString& setName, MDGModifier* modifier = NULL,
+                                MSelectionList* currentSelection = NULL);
+    /// Adds an empty set; a name that is taken gets a number, an empty one stands for "uvSet".
+    MString createUVSetWithName(const MString& uvSetName, MDGModifier* modifier = NULL, MStatus* ReturnStatus = NULL,
+                                const MUintArray* instances = NULL);
+    /// The same; the name that the set got comes back in `uvSetName`.
+    MStatus createUVSet(MString& uvSetName, MDGModifier* modifier = NULL, const MUintArray* instances = NULL);
+    /// Copies a set over another one, which is made if need be; an empty name makes a new set of the old one's name.
+    MString copyUVSetWithName(const MString& fromName, const MString& toName, MDGModifier* modifier = NULL,
+                              MStatus* ReturnStatus = NULL);
+    MStatus renameUVSet(const MString& origName, const MString& newName, MDGModifier* modifier = NULL);
+    /// The first set cannot be deleted (kFailure).
+    MStatus deleteUVSet(const MString& setName, MDGModifier* modifier = NULL, MSelectionList* currentSelection = NULL);
+    /// @}
+
+    /// @name UVs, and which corners they are assigned to
+    /// @{
+    int numUVs(MStatus* ReturnStatus = NULL) const;
+    int numUVs(const MString& uvSet, MStatus* ReturnStatus = NULL) const;
+    /// Sets all; fewer than corners are assigned to fail.
+    MStatus setUVs(const MFloatArray& uArray, const MFloatArray& vArray, const MString* uvSet = NULL);
+    /// Ids beyond the last one lengthen the list, with (0, 0) in between; at most to 2^24.
+    MStatus setSomeUVs(const MIntArray& uvIds, const MFloatArray& uArray, const MFloatArray& vArray,
+                       const MString* uvSet = NULL);
+    MStatus setUV(int uvId, float u, float v, const MString* uvSet = NULL);
+    MStatus getUVs(MFloatArray& uArray, MFloatArray& vArray, const MString* uvSet = NULL) const;
+    MStatus getUV(int uvId, float& u, float& v, const MString* uvSet = NULL) const;
+    /// Of a polygon's corner, counted from 0; kFailure where it has no UV.
+    MStatus getPolygonUV(int polygonId, int vertexIndex, float& u, float& v, const MString* uvSet = NULL) const;
+    MStatus getPolygonUVid(int polygonId, int vertexIndex, int& uvId, const MString* uvSet = NULL) const;
+    MStatus assignUV(int polygonId, int vertexIndex, int uvId, const MString* uvSet = NULL);
+    /// Counts are one a polygon, its number of corners or 0 for no UVs; the ids are those of the others' corners.
+    MStatus assignUVs(const MIntArray& uvCounts, const MIntArray& uvIds, const MString* uvSet = NULL);
+    /// The same, backwards; a corner without UV among others that have one has the id -1.
+    MStatus getAssignedUVs(MIntArray& uvCounts, MIntArray& uvIds, const MString* uvSet = NULL) const;
+    MStatus clearUVs(const MString* uvSet = NULL);
+    /// @}
+
+    static const char* className();
+};
