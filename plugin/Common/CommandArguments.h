@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Messages.h"
+
+#include <maya/MArgList.h>
+#include <maya/MString.h>
+#include <string>
+
+namespace orvo {
+
+/// An argument as text. A failed read is reported, and the command goes on with an empty text.
+inline std::string stringArgument(const MArgList& args, unsigned index) {
+    MString text;
+    const MStatus status = args.get(index, text);
+    if (status.error()) {
+        reportError("Maya Reports: %s", status.errorString().asChar());
+        reportError("");
+        return {};
+    }
+    return text.asChar();
+}
+
+} // namespace orvo

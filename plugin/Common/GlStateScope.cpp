@@ -1,0 +1,30 @@
+#include "GlStateScope.h"
+
+#include "GlFunctions.h"
+
+namespace orvo {
+
+GlStateScope::GlStateScope() {
+    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    glPushMatrix();
+}
+
+GlStateScope::~GlStateScope() {
+    glPopAttrib();
+    glPopMatrix();
+}
+
+GlMatrixScope::GlMatrixScope(const Matrix44& matrix) {
+    glPushMatrix();
+    glMultMatrixd(&matrix.m[0][0]);
+}
+
+GlMatrixScope::~GlMatrixScope() { glPopMatrix(); }
+
+void disableClientArrays() {
+    for (const GLenum array :
+         {GL_TEXTURE_COORD_ARRAY, GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_INDEX_ARRAY, GL_COLOR_ARRAY, GL_EDGE_FLAG_ARRAY})
+        glDisableClientState(array);
+}
+
+} // namespace orvo

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Matrix44.h"
+
+namespace orvo {
+
+/// Keeps the viewport's GL state: pushes all attribute groups and the current matrix, and pops both at the end of the
+/// scope, on every way out of it.
+class GlStateScope {
+public:
+    GlStateScope();
+    ~GlStateScope();
+    GlStateScope(const GlStateScope&) = delete;
+    GlStateScope& operator=(const GlStateScope&) = delete;
+};
+
+/// Pushes the current matrix multiplied by another one, for the length of the scope.
+class GlMatrixScope {
+public:
+    explicit GlMatrixScope(const Matrix44& matrix);
+    ~GlMatrixScope();
+    GlMatrixScope(const GlMatrixScope&) = delete;
+    GlMatrixScope& operator=(const GlMatrixScope&) = delete;
+};
+
+/// Turns the fixed-function client arrays off: texture coordinates, vertices, normals, indices, colours, edge flags.
+void disableClientArrays();
+
+} // namespace orvo

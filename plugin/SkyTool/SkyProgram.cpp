@@ -1,0 +1,54 @@
+#include "SkyProgram.h"
+
+#include "../Common/Messages.h"
+
+namespace orvo {
+
+const char* const viewQuadVertexShader = R"(attribute vec3 in_worldPos;
+varying vec3 worldPos;
+varying vec4 HWworldPos;
+
+void main()
+{
+    worldPos = in_worldPos;
+    HWworldPos = gl_ModelViewProjectionMatrix * vec4(in_worldPos, 1.0);
+    gl_Position = HWworldPos;
+}
+)";
+
+ShaderProgram* SkyProgram::get(const SkyShaderTexts& texts, const std::source_location& where) {
+    if (!program_ && !buildFailed_) {
+        buildFailed_ = true;
+        try {
+            build(texts, where);
+        } catch (...) {
+            program_.reset();
+        }
+    }
+    return buildFailed_ ? nullptr : program_.get();
+}
+
+void SkyProgram::build(const SkyShaderTexts& texts, const std::source_location& where) {
+    bool found = false;
+    program_ = std::make_unique<ShaderProgram>(texts.vertex, texts.fragment, false, &found);
+    std::string log = program_->infoLog();
+    if (!found) {
+        log = std::string(texts.className) + ":  could not find shader files! :(";
+    } else if (program_->isValid() && log.empty()) {
+        buildFailed_ = false;
+        return;
+    } else {
+        log = std::string(texts.className) + ":  shader did not compile! :(  \n\nErrorReport:\n" + log;
+    }
+    program_.reset();
+    reportPlace(where);
+    // The log is the message's format: a doubled per cent sign in a driver's log becomes one.
+    reportError(log.c_str());
+}
+
+void SkyProgram::release() {
+    program_.reset();
+    buildFailed_ = false;
+}
+
+} // namespace orvo

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "../Common/ShaderProgram.h"
+
+#include <memory>
+#include <source_location>
+
+namespace orvo {
+
+/// The embedded sources of a node's GLSL program.
+struct SkyShaderTexts {
+    const char* className; ///< in front of error messages
+    const char *vertex, *fragment;
+};
+
+/// A node's GLSL program, built at the first use. A build that failed is reported once and not tried again until
+/// release(). Used on the drawing thread, with the viewport's context current.
+class SkyProgram {
+public:
+    /// The program, built when needed; null after a failed build.
+    ShaderProgram* get(const SkyShaderTexts& texts,
+                       const std::source_location& where = std::source_location::current());
+    /// Deletes the program and forgets a failure.
+    void release();
+    bool buildFailed() const { return buildFailed_; }
+
+private:
+    void build(const SkyShaderTexts& texts, const std::source_location& where);
+
+    bool buildFailed_ = false;
+    std::unique_ptr<ShaderProgram> program_;
+};
+
+/// The vertex shader of the view-filling quads: hands the world position on as worldPos and HWworldPos.
+extern const char* const viewQuadVertexShader;
+
+} // namespace orvo
