@@ -1,0 +1,517 @@
+#include "files/SceneReader.h"
+
+#include "files/FileNames.h"
+#include "files/NumberWords.h"
+#include "scene/Messages.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <set>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace host::files {
+
+using namespace scene;
+
+namespace {
+
+/// Warnings about single statements, each with its place; beyond a limit they are only counted.
+class Complaints {
+public:
+    explicit Complaints(std::string file) : file_(std::move(file)) {}
+
+    void failed(const Statement& s, const std::string& text) { say(failed_, 50, s, text); }
+    void refused(const Statement& s, const std::string& text) { say(refused_, 20, s, text); }
+    void say(const std::string& text) { showWarning(file_ + ": " + text); }
+    void finish() {
+        if (failed_ > 50) say(fmt::format("{} more statements failed.", failed_ - 50));
+        if (refused_ > 20) say(fmt::format("{} more statements were refused.", refused_ - 20));
+    }
+    int count() const { return failed_ + refused_; }
+
+private:
+    void say(int& count, int most, const Statement& s, const std::string& text) {
+        if (++count <= most) showWarning(fmt::format("{} line {}: {}", file_, s.line, text));
+    }
+    std::string file_;
+    int failed_ = 0, refused_ = 0;
+};
+
+/// One reading of a file.
+class Reading {
+public:
+    Reading(Scene& scene, const SceneReader::Options& options, const std::string& file,
+            std::unordered_set<std::string> parents)
+        : scene_(scene), options_(options), complaints_(file), names_(scene), parents_(std::move(parents)),
+          context_{scene, {}, nullptr, [this](std::string_view n) { return names_.find(n); }, compounds_} {}
+
+    SceneReader::Result run(std::string_view text);
+
+private:
+    using Handler = void (Reading::*)(const Statement&);
+    static const std::unordered_map<std::string_view, Handler>& handlers();
+
+    void execute(const Statement& s);
+    void createNode(const Statement& s);
+    void setAttr(const Statement& s);
+    void addAttr(const Statement& s);
+    void connectAttr(const Statement& s);
+    void disconnectAttr(const Statement& s);
+    void parent(const Statement& s);
+    void rename(const Statement& s);
+    void select(const Statement& s);
+    void requires_(const Statement& s);
+    void fileInfo(const Statement& s);
+    void currentUnit(const Statement& s);
+    void currentTime(const Statement& s);
+    void lockNode(const Statement& s);
+    void reference(const Statement& s);
+    void keepWithNode(const Statement& s);
+    void keepWithScene(const Statement& s);
+
+    void keep(Node& node, const Statement& s);
+    std::string newName(const std::string& name) const;
+    void connectKnown(Cell& source, Cell& destination, bool force, bool lock);
+    Node* placeholder(std::string_view name);
+    void summary();
+
+    Scene& scene_;
+    const SceneReader::Options& options_;
+    Complaints complaints_;
+    FileNames names_;
+    std::unordered_set<std::string> parents_;
+    OpenCompounds compounds_;
+    StatementContext context_;
+    SceneReader::Result result_;
+    std::vector<NodePtr> toLock_;
+    std::set<std::string> unknownTypes_, missingPlugins_;
+    int unknownNodes_ = 0, unknownStatements_ = 0;
+};
+
+const std::unordered_map<std::string_view, Reading::Handler>& Reading::handlers() {
+    static const std::unordered_map<std::string_view, Handler> table{
+        {"createNode", &Reading::createNode},
+        {"setAttr", &Reading::setAttr},
+        {"addAttr", &Reading::addAttr},
+        {"connectAttr", &Reading::connectAttr},
+        {"disconnectAttr", &Reading::disconnectAttr},
+        {"parent", &Reading::parent},
+        {"rename", &Reading::rename},
+        {"select", &Reading::select},
+        {"requires", &Reading::requires_},
+        {"fileInfo", &Reading::fileInfo},
+        {"currentUnit", &Reading::currentUnit},
+        {"currentTime", &Reading::currentTime},
+        {"lockNode", &Reading::lockNode},
+        {"file", &Reading::reference},
+        {"aliasAttr", &Reading::keepWithNode},
+        {"setKeyframe", &Reading::keepWithNode},
+        {"relationship", &Reading::keepWithScene},
+        {"playbackOptions", &Reading::keepWithScene},
+        {"sets", &Reading::keepWithScene},
+        {"dataStructure", &Reading::keepWithScene},
+        {"applyMetadata", &Reading::keepWithScene},
+    };
+    return table;
+}
+
+/// Takes a statement's flags and objects apart. `valued` lists the flags that have a value.
+struct Split {
+    std::vector<std::string_view> objects;
+    std::unordered_map<std::string_view, std::string_view> flags;
+
+    Split(const Statement& s, std::initializer_list<std::string_view> valued) {
+        for (std::size_t i = 0; i < s.words.size(); ++i) {
+            const Word& w = s.words[i];
+            if (!w.isFlag()) {
+                objects.push_back(w.text);
+                continue;
+            }
+            const bool takes = std::find(valued.begin(), valued.end(), w.text) != valued.end();
+            if (takes && i + 1 == s.words.size())
+                throw SceneError(fmt::format("{}: flag '{}' needs a value.", s.name, w.text));
+            flags[w.text] = takes ? s.words[++i].text : std::string_view();
+        }
+    }
+    bool has(std::string_view brief, std::string_view full) const { return flags.contains(brief) || flags.contains(full); }
+    std::string value(std::string_view brief, std::string_view full) const {
+        auto it = flags.find(brief);
+        if (it == flags.end()) it = flags.find(full);
+        return it == flags.end() ? std::string() : std::string(it->second);
+    }
+};
+
+std::string Reading::newName(const std::string& name) const {
+    return options_.import && !options_.prefix.empty() && !name.empty() ? options_.prefix + name : name;
+}
+
+void Reading::keep(Node& node, const Statement& s) {
+    auto& kept = node.keptStatements;
+    std::string text = s.kept();
+    // Imported into a node that was there before, the same statement need not be there twice.
+    if (options_.import && node.isDefault && std::find(kept.begin(), kept.end(), text) != kept.end()) return;
+    kept.push_back(std::move(text));
+}
+
+void Reading::createNode(const Statement& s) {
+    context_.target = nullptr;
+    CreateRequest request(s);
+    const std::string fileName = request.name;
+    if (!request.parent.empty() && !context_.findNode(request.parent)) {
+        complaints_.failed(s, "The parent '" + request.parent + "' is not there; '" + fileName +
+                                  "' is put below the world.");
+        request.parent.clear();
+    }
+    const auto before = scene_.nodes().empty() ? 0 : scene_.nodes().rbegin()->first;
+    const bool sharedHere = request.shared && context_.findNode(request.name);
+    if (!sharedHere) request.name = newName(request.name);
+    Node& node = createNodeStatement(context_, request, parents_.contains(fileName));
+    context_.target = &node;
+    if (node.serial <= before) return;
+    names_.add(node, fileName.empty() ? node.name : fileName);
+    for (auto it = scene_.nodes().upper_bound(before); it != scene_.nodes().end(); ++it)
+        result_.created.push_back(it->second);
+    if (!node.unknownType.empty()) {
+        ++unknownNodes_;
+        unknownTypes_.insert(node.unknownType);
+    }
+}
+
+void Reading::setAttr(const Statement& s) {
+    try {
+        setAttrStatement(context_, s);
+    } catch (const UnknownHere&) {
+        const Word* plug = nullptr;
+        for (const Word& w : s.words)
+            if (w.quoted && w.text.starts_with('.')) {
+                plug = &w;
+                break;
+            }
+        if (!plug || !context_.target) throw;
+        if (context_.target->unknownType.empty()) ++unknownStatements_;
+        keep(*context_.target, s);
+    }
+}
+
+void Reading::addAttr(const Statement& s) {
+    if (!context_.target) throw SceneError("addAttr: there is no node to add the attribute to.");
+    try {
+        addAttrStatement(context_, *context_.target, s);
+    } catch (const UnknownHere&) {
+        if (context_.target->unknownType.empty()) ++unknownStatements_;
+        keep(*context_.target, s);
+    }
+}
+
+void Reading::connectKnown(Cell& source, Cell& destination, bool force, bool lock) {
+    if (destination.source == &source) return;
+    // A lock protects what the file has set; it does not stand against the file's own connection.
+    std::vector<Cell*> locked;
+    for (Cell* c = &destination; c; c = c->parent)
+        if (c->locked) locked.push_back(c);
+    for (Cell* c : locked) c->locked = false;
+    const auto restore = [&] {
+        for (Cell* c : locked) c->locked = true;
+    };
+    try {
+        scene_.connect(source, destination, force);
+    } catch (...) {
+        restore();
+        throw;
+    }
+    restore();
+    if (lock) scene_.setLocked(destination, true);
+}
+
+void Reading::connectAttr(const Statement& s) {
+    const Split words(s, {"-l", "-lock", "-rd", "-referenceDest"});
+    if (words.objects.size() != 2) throw SceneError("connectAttr needs two attributes.");
+    struct Side {
+        Node* node = nullptr;
+        std::string_view attribute;
+        Cell* cell = nullptr;
+    } sides[2];
+    for (int k = 0; k < 2; ++k) {
+        const std::string_view plug = words.objects[static_cast<std::size_t>(k)];
+        const auto dot = plug.find('.');
+        if (dot == plug.npos) throw SceneError(fmt::format("'{}' is not the name of an attribute.", plug));
+        sides[k].attribute = plug.substr(dot + 1);
+        sides[k].node = dot == 0 ? context_.target : placeholder(plug.substr(0, dot));
+        if (sides[k].node && sides[k].node->unknownType.empty())
+            sides[k].cell = scene_.tryPlug(*sides[k].node, sides[k].attribute);
+    }
+    if (sides[0].cell && sides[1].cell) {
+        Cell *source = sides[0].cell, *destination = sides[1].cell;
+        if (destination->isArray() && words.has("-na", "-nextAvailable")) {
+            // Elements arrive in order: the one behind the last is free.
+            auto& elements = destination->elements;
+            if (!elements.empty() && elements.rbegin()->second->source)
+                destination = &destination->element(elements.rbegin()->first + 1);
+            else destination = &scene_.nextAvailable(*destination);
+        }
+        // The first element of an array stands for a node's only instance and may be left unsaid.
+        if (source->isArray() && !destination->isArray()) source = &source->element(0);
+        const auto lock = parseBool(words.value("-l", "-lock"));
+        connectKnown(*source, *destination, words.has("-f", "-force"), lock.value_or(false));
+        return;
+    }
+    KeptConnection kept;
+    if (sides[0].node) kept.sourceNode = sides[0].node->weak_from_this();
+    if (sides[1].node) kept.destinationNode = sides[1].node->weak_from_this();
+    kept.sourceText = sides[0].node ? sides[0].attribute : words.objects[0];
+    kept.destinationText = sides[1].node ? sides[1].attribute : words.objects[1];
+    for (const Word& w : s.words) {
+        if (!w.isFlag()) continue;
+        kept.flags += (kept.flags.empty() ? "" : " ") + std::string(w.text);
+        if (const auto value = words.value(w.text, w.text); !value.empty()) kept.flags += " " + value;
+    }
+    scene_.keptConnections.push_back(std::move(kept));
+    if (!sides[0].node || !sides[1].node)
+        throw SceneError(fmt::format("No object matches name: {}", words.objects[sides[0].node ? 1 : 0]));
+}
+
+void Reading::disconnectAttr(const Statement& s) {
+    const Split words(s, {});
+    if (words.objects.size() != 2) throw SceneError("disconnectAttr needs two attributes.");
+    Cell* cells[2];
+    for (std::size_t k = 0; k < 2; ++k) {
+        std::string_view attribute;
+        Node& node = context_.plugNode(words.objects[k], attribute);
+        cells[k] = scene_.tryPlug(node, attribute, false);
+        if (!cells[k]) throw SceneError(fmt::format("No object matches name: {}", words.objects[k]));
+    }
+    if (cells[0]->isArray() && !cells[1]->isArray()) cells[0] = &cells[0]->element(0);
+    scene_.disconnect(*cells[0], *cells[1]);
+}
+
+void Reading::parent(const Statement& s) {
+    const Split words(s, {});
+    if (words.has("-add", "-addObject")) {
+        ++unknownStatements_;
+        throw SceneError("Instances are not supported: 'parent -add' is left out.");
+    }
+    const bool toWorld = words.has("-w", "-world");
+    if (words.objects.size() < (toWorld ? 1u : 2u)) throw SceneError("parent needs a child and a parent.");
+    const std::size_t children = words.objects.size() - (toWorld ? 0 : 1);
+    const auto dagNode = [&](std::string_view name) {
+        Node* node = context_.findNode(name);
+        if (!node || !node->dag()) throw SceneError(fmt::format("No object matches name: {}", name));
+        return node->dag();
+    };
+    DagNode* above = toWorld ? nullptr : dagNode(words.objects.back());
+    for (std::size_t k = 0; k < children; ++k) scene_.reparent(*dagNode(words.objects[k]), above);
+}
+
+void Reading::rename(const Statement& s) {
+    const Split words(s, {"-uid", "-uuid"});
+    if (words.has("-uid", "-uuid")) {
+        if (!context_.target) throw SceneError("rename: there is no node to name.");
+        // The nodes that every scene has keep their own when a file is added.
+        if (!options_.import || !context_.target->isDefault) context_.target->uuid = words.value("-uid", "-uuid");
+        return;
+    }
+    if (words.objects.size() != 2) throw SceneError("rename needs a node and a name.");
+    Node* node = context_.findNode(words.objects[0]);
+    if (!node) throw SceneError(fmt::format("No object matches name: {}", words.objects[0]));
+    if (node->isDefault) throw SceneError("Cannot rename the default node '" + node->name + "'.");
+    const std::string name(words.objects[1]);
+    scene_.rename(*node, newName(name));
+    names_.renamed(*node, name);
+}
+
+void Reading::select(const Statement& s) {
+    context_.target = nullptr;
+    const Split words(s, {});
+    if (words.has("-cl", "-clear")) return;
+    if (words.objects.size() != 1) throw SceneError("select: a scene file selects one node.");
+    const std::string_view name = words.objects[0];
+    context_.target = placeholder(name);
+    if (!context_.target) throw SceneError(fmt::format("No object matches name: {}", name));
+}
+
+/// The node; when there is none and the name is that of a node which the program that wrote the file has in every
+/// scene, one that stands for it and for what is said of it.
+Node* Reading::placeholder(std::string_view name) {
+    if (Node* node = context_.findNode(name)) return node;
+    if (!name.starts_with(':') || !Scene::isValidName(name.substr(1))) return nullptr;
+    const NodePtr node = scene_.createUnknown("unknown", std::string(name.substr(1)), nullptr, false);
+    node->isDefault = true;
+    return node.get();
+}
+
+void Reading::requires_(const Statement& s) {
+    const Split words(s, {"-nodeType", "-dataType", "-nt", "-dt"});
+    if (words.objects.empty()) throw SceneError("requires: the name of the plug-in is missing.");
+    const std::string name(words.objects[0]);
+    if (name == "maya") {
+        if (options_.import) return;
+        std::erase_if(scene_.requiredPlugins, [](const std::string& r) { return r.starts_with("requires maya "); });
+        if (words.objects.size() > 1)
+            scene_.requiredPlugins.insert(fmt::format("requires maya \"{}\";", words.objects[1]));
+        return;
+    }
+    if (missingPlugins_.contains(name)) return;
+    std::string reason = "it cannot be loaded here.";
+    try {
+        // A file names plug-ins; where they lie is for the user to say.
+        if (name.empty() || name.find_first_of("/\\") != name.npos || name.find("..") != name.npos)
+            reason = "only a bare name is loaded.";
+        else if (options_.loadPlugin) {
+            options_.loadPlugin(name);
+            return;
+        }
+    } catch (const SceneError& e) {
+        reason = e.what();
+    }
+    missingPlugins_.insert(name);
+    scene_.requiredPlugins.insert(s.kept());
+    throw SceneError("The plug-in '" + name + "' is required: " + reason);
+}
+
+void Reading::fileInfo(const Statement& s) {
+    const Split words(s, {});
+    if (words.objects.size() != 2) throw SceneError("fileInfo needs a key and a value.");
+    if (!options_.import) scene_.fileInfo[std::string(words.objects[0])] = words.objects[1];
+}
+
+void Reading::currentUnit(const Statement& s) {
+    const Split words(s, {"-l", "-linear", "-a", "-angle", "-t", "-time"});
+    std::string unknown;
+    const auto set = [&](auto& unit, std::string_view brief, std::string_view full, auto named) {
+        const std::string name = words.value(brief, full);
+        if (name.empty()) return;
+        const auto known = named(name);
+        if (known) unit = *known;
+        else unknown += " '" + name + "'";
+    };
+    set(context_.units.linear, "-l", "-linear", linearUnitNamed);
+    set(context_.units.angular, "-a", "-angle", angularUnitNamed);
+    set(context_.units.time, "-t", "-time", timeUnitNamed);
+    if (!options_.import) context_.units.makeCurrent();
+    if (!unknown.empty()) throw SceneError("Units that are not known here:" + unknown + ".");
+}
+
+void Reading::currentTime(const Statement& s) {
+    const Split words(s, {});
+    const auto time = words.objects.size() == 1 ? parseNumber(words.objects[0]) : std::nullopt;
+    if (!time) throw SceneError("currentTime needs one number.");
+    if (!options_.import) scene_.setTime(*time * context_.units.factor(AttributeType::Time));
+}
+
+void Reading::lockNode(const Statement& s) {
+    const Split words(s, {"-l", "-lock", "-lu", "-lockUnpublished", "-ln", "-lockName", "-ic", "-ignoreComponents"});
+    if (!context_.target) throw SceneError("lockNode: there is no node to lock.");
+    const auto lock = parseBool(words.value("-l", "-lock"));
+    // The lock comes last, so that it does not stand against the file's own statements.
+    if (lock.value_or(false) && words.flags.size() == 1) toLock_.push_back(context_.target->shared_from_this());
+    else keepWithNode(s);
+}
+
+void Reading::reference(const Statement& s) {
+    const Split words(s, {});
+    scene_.keptStatements.push_back(s.kept());
+    const bool isReference = words.has("-r", "-reference") || words.has("-rdi", "-referenceDepthInfo");
+    complaints_.refused(s, isReference ? "'file': references to other files are not supported; the statement is kept."
+                                       : "'file': a scene file may not open, import or save files.");
+    if (!isReference) scene_.keptStatements.pop_back();
+}
+
+void Reading::keepWithNode(const Statement& s) {
+    if (!context_.target) throw SceneError(fmt::format("{}: there is no node that it belongs to.", s.name));
+    keep(*context_.target, s);
+}
+
+void Reading::keepWithScene(const Statement& s) {
+    const std::string text = s.kept();
+    auto& kept = scene_.keptStatements;
+    if (options_.import && std::find(kept.begin(), kept.end(), text) != kept.end()) return;
+    kept.push_back(text);
+}
+
+void Reading::execute(const Statement& s) {
+    if (s.name == "else" || s.name == "}") return; // the rest of what was refused before
+    const auto handler = handlers().find(s.name);
+    const std::string name(s.name.substr(0, 60));
+    if (handler == handlers().end() || (s.kind == Statement::Kind::Braced && s.name != "setAttr" && s.name != "aliasAttr")) {
+        complaints_.refused(s, "'" + name + "' is refused: a scene file may not run it.");
+        return;
+    }
+    if (s.kind == Statement::Kind::Script) {
+        complaints_.refused(s, "'" + name + "' is refused: a scene file may not run commands, variables or expressions "
+                                            "within a statement.");
+        return;
+    }
+    try {
+        (this->*handler->second)(s);
+    } catch (const SceneError& e) {
+        complaints_.failed(s, e.what());
+    }
+}
+
+void Reading::summary() {
+    const int n = unknownNodes_, attributes = unknownStatements_;
+    if (n == 0 && attributes == 0) return;
+    std::string text;
+    if (n > 0) {
+        std::string list;
+        for (const auto& type : unknownTypes_) list += (list.empty() ? "" : ", ") + type;
+        text = fmt::format("{} {} of {} unknown {} {} kept as {}: {}.", n, n == 1 ? "node" : "nodes", unknownTypes_.size(),
+                           unknownTypes_.size() == 1 ? "type" : "types", n == 1 ? "is" : "are",
+                           n == 1 ? "it is" : "they are", list);
+    }
+    if (attributes > 0)
+        text += fmt::format("{}{} {} about attributes that are not known here {} kept.", text.empty() ? "" : " ",
+                            attributes, attributes == 1 ? "statement" : "statements", attributes == 1 ? "is" : "are");
+    complaints_.say(text);
+}
+
+SceneReader::Result Reading::run(std::string_view text) {
+    if (!options_.import) context_.units.makeCurrent();
+    StatementScanner scanner(text);
+    Statement s;
+    while (scanner.next(s)) execute(s);
+    for (const std::string& failure : compounds_.close(scene_)) complaints_.say(failure);
+    for (const NodePtr& node : toLock_) node->locked = true;
+    complaints_.finish();
+    summary();
+    result_.warnings = complaints_.count();
+    return std::move(result_);
+}
+
+} // namespace
+
+SceneReader::SceneReader(Scene& scene, Options options) : scene_(scene), options_(std::move(options)) {}
+
+SceneReader::Result SceneReader::read(const std::filesystem::path& file) {
+    return readText(readTextFile(file), file.generic_string());
+}
+
+SceneReader::Result SceneReader::readText(std::string_view text, const std::string& name) {
+    // The whole syntax first: a file that was cut off must not cost the scene that is open. On the way: which nodes
+    // have children, since that is what tells that an unknown one is a DAG node.
+    std::unordered_set<std::string> parents;
+    try {
+        StatementScanner scanner(text);
+        Statement s;
+        while (scanner.next(s)) {
+            if (s.name != "createNode") continue;
+            for (std::size_t i = 0; i + 1 < s.words.size(); ++i) {
+                const bool flag = s.words[i].isFlag() && (s.words[i].text == "-p" || s.words[i].text == "-parent");
+                if (flag) parents.emplace(s.words[i + 1].text.substr(s.words[i + 1].text.rfind('|') + 1));
+            }
+        }
+    } catch (const SyntaxError& e) {
+        throw FileError(name, e.what(), e.line);
+    }
+    const UndoQueue::Suspend quiet(scene_.undo);
+    if (!options_.import) scene_.reset();
+    Reading reading(scene_, options_, name, std::move(parents));
+    Result result = reading.run(text);
+    scene_.modified = options_.import;
+    return result;
+}
+
+} // namespace host::files

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "files/FileError.h"
+#include "files/SceneStatements.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host::files {
+
+/// Opens and imports Maya ASCII scenes of any release.
+///
+/// A scene file may make nodes, set and connect their attributes, and name the plug-ins that it needs, and nothing
+/// else: its statements never reach the script language. Anything else in it (procedures, control flow, expressions,
+/// commands, references to other files) is skipped with a warning that names it. What the file says of node types,
+/// attributes and data that are not known here is kept with the scene, so that saving loses nothing; one warning
+/// counts it. Nothing is changed when the file cannot be read or is cut off: its syntax is checked first.
+class SceneReader {
+public:
+    struct Options {
+        /// Adds to the scene in place of opening a new one. Names that are taken get a number; the file's own
+        /// references follow.
+        bool import = false;
+        /// Put before the names of imported nodes, such as "props:" or "left_".
+        std::string prefix;
+        /// Loads a plug-in by its bare name; throws SceneError when it is not to be had.
+        std::function<void(const std::string& name)> loadPlugin;
+    };
+    struct Result {
+        std::vector<scene::NodePtr> created; ///< in the order of the file
+        int warnings = 0;                    ///< statements that failed or were refused
+    };
+
+    SceneReader(scene::Scene& scene, Options options);
+
+    /// Reads a file. Throws FileError when it is missing, unreadable, no text, or its syntax is broken.
+    Result read(const std::filesystem::path& file);
+    /// The same for a text; `name` stands for the file in messages.
+    Result readText(std::string_view text, const std::string& name);
+
+private:
+    scene::Scene& scene_;
+    Options options_;
+};
+
+/// Whether the file says that it is a Maya ASCII scene.
+bool isSceneFile(const std::filesystem::path& file);
+
+/// The whole text file. Throws FileError when it is missing, no plain file, unreadable, empty or binary.
+std::string readTextFile(const std::filesystem::path& file);
+
+} // namespace host::files

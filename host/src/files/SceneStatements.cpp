@@ -1,0 +1,78 @@
+#include "files/SceneStatements.h"
+
+#include "files/NumberWords.h"
+
+namespace host::files {
+
+using namespace scene;
+
+Node* StatementContext::findNode(std::string_view name) const { return find ? find(name) : scene.findNode(name); }
+
+Node& StatementContext::plugNode(std::string_view plug, std::string_view& attribute) const {
+    const auto dot = plug.find('.');
+    if (dot == plug.npos) throw SceneError("'" + std::string(plug) + "' is not the name of an attribute.");
+    attribute = plug.substr(dot + 1);
+    Node* node = dot == 0 ? target : findNode(plug.substr(0, dot));
+    if (!node) throw SceneError("No object matches name: " + std::string(plug));
+    return *node;
+}
+
+CreateRequest::CreateRequest(const Statement& s) {
+    for (std::size_t i = 0; i < s.words.size(); ++i) {
+        const Word& word = s.words[i];
+        if (!word.isFlag()) {
+            if (!type.empty()) throw SceneError("createNode: too many words.");
+            type = word.text;
+            continue;
+        }
+        const auto value = [&]() -> std::string_view {
+            if (++i == s.words.size()) throw SceneError("createNode: flag '" + std::string(word.text) + "' needs a value.");
+            return s.words[i].text;
+        };
+        if (word.text == "-n" || word.text == "-name") name = value();
+        else if (word.text == "-p" || word.text == "-parent") parent = value();
+        else if (word.text == "-s" || word.text == "-shared") shared = true;
+        else if (word.text == "-ss" || word.text == "-skipSelect") skipSelect = true;
+        else throw SceneError("createNode: invalid flag '" + std::string(word.text) + "'.");
+    }
+    if (type.empty()) throw SceneError("createNode: the type of the node is missing.");
+}
+
+Node& createNodeStatement(const StatementContext& c, const CreateRequest& r, bool inDag) {
+    if (r.shared && !r.name.empty()) {
+        const std::string path = r.parent.empty() ? r.name : r.parent + "|" + r.name;
+        Node* there = c.findNode(path);
+        if (there && (there->type.name == r.type || there->unknownType == r.type)) return *there;
+    }
+    DagNode* parent = nullptr;
+    if (!r.parent.empty()) {
+        Node* node = c.findNode(r.parent);
+        parent = node ? node->dag() : nullptr;
+        if (!parent) throw SceneError("No object matches name: " + r.parent);
+    }
+    const NodeType* type = c.scene.findType(r.type);
+    if (type && type->isAbstract) throw SceneError("Cannot create a node of the abstract type '" + r.type + "'.");
+    if (type) return *c.scene.createNode(*type, r.name, parent);
+    Node& node = *c.scene.createUnknown(r.type, r.name, parent, parent || inDag);
+    // What is shared belongs to the host itself in the program that wrote it.
+    node.isDefault = r.shared;
+    return node;
+}
+
+PlugRange::PlugRange(std::string_view path) : array(path) {
+    const auto colon = path.find(':');
+    if (colon == path.npos) return;
+    const auto open = path.rfind('[', colon), close = path.find(']', colon);
+    if (open == path.npos || close == path.npos) return;
+    const auto from = parseInteger(path.substr(open + 1, colon - open - 1));
+    const auto to = parseInteger(path.substr(colon + 1, close - colon - 1));
+    if (!from || !to || *from < 0 || *to < *from || *to > Scene::maxArrayIndex)
+        throw SceneError("The range of '" + std::string(path) + "' is not a valid one.");
+    array = path.substr(0, open);
+    rest = path.substr(close + 1);
+    first = static_cast<int>(*from);
+    last = static_cast<int>(*to);
+    isRange = true;
+}
+
+} // namespace host::files
