@@ -49,5 +49,5 @@ private:
     TraversalType type_ = kDepthFirst;
     MFn::Type filter_ = MFn::kInvalid;
     std::vector<Entry> open_; ///< the current node first when breadth first, last when depth first
-    bool underWorld_ = false;
+    bool underWorld_ = false, pruned_ = false;
 };

@@ -46,6 +46,7 @@ private:
     Plugin& loadFile(const std::filesystem::path& file);
     std::vector<std::filesystem::path> folders_;
     std::vector<std::unique_ptr<Plugin>> plugins_;
+    std::vector<std::unique_ptr<Plugin>> failed_; ///< their initialisation failed after it had registered something
 };
 
 } // namespace host::api

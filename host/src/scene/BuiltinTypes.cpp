@@ -34,7 +34,8 @@ AttributePtr worldArray(AttributePtr a) {
 }
 
 AttributePtr keyable(AttributePtr a) {
-    a->keyable = true;
+    // Of a tuple the parts are keyable, not the whole.
+    a->keyable = a->children.empty();
     for (auto& c : a->children) c->keyable = true;
     return a;
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <tuple>
 
 namespace host::scene {
 namespace {
@@ -35,9 +36,13 @@ void tellNodes(Cell& source, Cell& destination, bool made) {
     if (auto& b = destination.node.behavior) b->connectionChanged(destination, source, false, made);
 }
 
-void join(Cell& source, Cell& destination) {
+constexpr std::size_t lastPlace = static_cast<std::size_t>(-1);
+
+/// Connects; `place` is the destination's among those of the source.
+void join(Cell& source, Cell& destination, std::size_t place = lastPlace) {
     destination.source = &source;
-    source.destinations.push_back(&destination);
+    auto& list = source.destinations;
+    list.insert(list.begin() + static_cast<std::ptrdiff_t>(std::min(place, list.size())), &destination);
     dirtyWithDependents(destination);
     tellNodes(source, destination, true);
 }
@@ -49,6 +54,31 @@ void part(Cell& source, Cell& destination) {
     dirtyDependents(destination);
     tellNodes(source, destination, false);
 }
+
+/// The values and marks of a cell and of what it is made of, to be put back.
+class Held {
+public:
+    explicit Held(Cell& cell) { take(cell); }
+
+    void restore() const {
+        for (const auto& [cell, value, written] : parts_) {
+            int k = 0;
+            if (!cell->isTupleChild()) cell->value = value;
+            else if (Numeric* n = cell->numbers(&k)) n->set(k, std::get<Numeric>(value).get(k));
+            cell->written = written;
+        }
+    }
+
+private:
+    void take(Cell& cell) {
+        const Numeric* n = cell.isTupleChild() ? cell.numbers() : nullptr;
+        parts_.emplace_back(&cell, n ? Value(*n) : cell.value, cell.written);
+        for (auto& child : cell.children)
+            if (child) take(*child);
+        for (auto& [index, element] : cell.elements) take(*element);
+    }
+    std::vector<std::tuple<Cell*, Value, bool>> parts_;
+};
 
 /// Breaks every connection of the cell and of what it is made of.
 void cutConnections(Scene& scene, Cell& c) {
@@ -322,16 +352,32 @@ void Scene::deleteAttribute(Node& node, const Attribute& attribute) {
     auto keep = node.shared_from_this();
     auto cell = std::make_shared<std::unique_ptr<Cell>>(node.takeCell(attribute));
     AttributePtr kept = std::const_pointer_cast<Attribute>(attribute.shared_from_this());
+    const auto& list = node.dynamicAttributes();
+    const auto place = static_cast<std::size_t>(std::find(list.begin(), list.end(), kept) - list.begin());
     node.removeDynamic(attribute);
     record(
         [keep, kept, cell] {
             *cell = keep->takeCell(*kept);
             keep->removeDynamic(*kept);
         },
-        [keep, kept, cell] {
-            keep->addDynamic(kept);
+        [keep, kept, cell, place] {
+            keep->addDynamic(kept, place);
             keep->putCell(std::move(*cell));
         });
+}
+
+void Scene::renameAttribute(Node& node, const Attribute& attribute, const std::string& name) {
+    if (!attribute.root().dynamic)
+        throw SceneError("The attribute '" + attribute.longName + "' cannot be renamed: it was not added to the node.");
+    if (!isValidName(name) || name.find(':') != std::string::npos)
+        throw SceneError("'" + name + "' is not a name for an attribute.");
+    auto kept = std::const_pointer_cast<Attribute>(attribute.shared_from_this());
+    const std::string longBefore = attribute.longName, shortBefore = attribute.shortName;
+    auto keep = node.shared_from_this();
+    if (!node.renameDynamic(*kept, name, name))
+        throw SceneError("Node '" + displayName(node) + "' already has an attribute named '" + name + "'.");
+    record([keep, kept, name] { keep->renameDynamic(*kept, name, name); },
+           [keep, kept, longBefore, shortBefore] { keep->renameDynamic(*kept, longBefore, shortBefore); });
 }
 
 void Scene::connect(Cell& source, Cell& destination, bool force) {
@@ -361,9 +407,15 @@ void Scene::connect(Cell& source, Cell& destination, bool force) {
         if (legal && !*legal) throw SceneError("Cannot connect " + pair + ": the node does not allow it.");
     }
     const NodePtr a = source.node.shared_from_this(), b = destination.node.shared_from_this();
+    // What the destination held comes back with an undo.
+    const Held before(destination);
     join(source, destination);
     record([=, &source, &destination] { (void)a, (void)b, join(source, destination); },
-           [=, &source, &destination] { (void)a, (void)b, part(source, destination); });
+           [=, &source, &destination] {
+               (void)a, (void)b, part(source, destination);
+               before.restore();
+               dirtyDependents(destination);
+           });
 }
 
 void Scene::disconnect(Cell& source, Cell& destination) {
@@ -372,9 +424,21 @@ void Scene::disconnect(Cell& source, Cell& destination) {
     // What flowed last stays as the destination's own value.
     evaluate(destination);
     const NodePtr a = source.node.shared_from_this(), b = destination.node.shared_from_this();
+    const Held before(destination);
+    const auto place = static_cast<std::size_t>(
+        std::find(source.destinations.begin(), source.destinations.end(), &destination) - source.destinations.begin());
     part(source, destination);
-    record([=, &source, &destination] { (void)a, (void)b, part(source, destination); },
-           [=, &source, &destination] { (void)a, (void)b, join(source, destination); });
+    const Held after(destination);
+    record(
+        [=, &source, &destination] {
+            (void)a, (void)b, part(source, destination);
+            after.restore();
+            dirtyDependents(destination);
+        },
+        [=, &source, &destination] {
+            (void)a, (void)b, before.restore();
+            join(source, destination, place);
+        });
 }
 
 Cell& Scene::nextAvailable(Cell& array) {

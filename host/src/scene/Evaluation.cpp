@@ -188,6 +188,32 @@ void assign(Cell& destination, Cell& source) {
     }
 }
 
+namespace {
+
+/// Brings a connected cell up to date. A chain of connections is walked down and back without recursion, so that its
+/// length costs no stack.
+void followSources(Cell& cell) {
+    struct Chain {
+        std::vector<Cell*> cells;
+        ~Chain() {
+            for (std::size_t i = 1; i < cells.size(); ++i) cells[i]->computing = false;
+        }
+    } chain{{&cell}};
+    while (true) {
+        Cell* next = chain.cells.back()->source;
+        if (!next->source || !next->dirty || next->computing || next->attribute.internal) break;
+        next->computing = true;
+        chain.cells.push_back(next);
+    }
+    evaluate(*chain.cells.back()->source);
+    for (auto it = chain.cells.rbegin(); it != chain.cells.rend(); ++it) {
+        assign(**it, *(*it)->source);
+        setDirtyBelow(**it, false);
+    }
+}
+
+} // namespace
+
 void evaluate(Cell& cell) {
     if (cell.node.behavior && cell.attribute.internal && cell.node.behavior->getInternal(cell)) return;
     if (!cell.dirty) return;
@@ -197,7 +223,8 @@ void evaluate(Cell& cell) {
     }
     if (cell.node.scene.evaluationDepth >= Scene::maxEvaluationDepth) {
         // A chain this long would end on the stack's guard page; the value stays as it was.
-        reportCycle(cell);
+        if (cell.node.scene.noteCycle(cell))
+            showWarning("Too many nodes depend on one another above '" + cell.name() + "': it is not evaluated.");
         return;
     }
     struct Guard {
@@ -213,9 +240,7 @@ void evaluate(Cell& cell) {
     } guard(cell);
 
     if (cell.source) {
-        evaluate(*cell.source);
-        assign(cell, *cell.source);
-        setDirtyBelow(cell, false);
+        followSources(cell);
         return;
     }
     // A connection to the compound around feeds its parts, too.

@@ -148,7 +148,7 @@ std::vector<const Attribute*> Node::attributes() const {
     return all;
 }
 
-bool Node::addDynamic(AttributePtr attribute) {
+bool Node::addDynamic(AttributePtr attribute, std::size_t place) {
     if (findAttribute(attribute->longName) || findAttribute(attribute->shortName)) return false;
     const std::function<void(const Attribute&)> enter = [&](const Attribute& a) {
         dynamicByName_.emplace(a.longName, &a);
@@ -156,7 +156,8 @@ bool Node::addDynamic(AttributePtr attribute) {
         for (const auto& c : a.children) enter(*c);
     };
     enter(*attribute);
-    dynamic_.push_back(std::move(attribute));
+    dynamic_.insert(dynamic_.begin() + static_cast<std::ptrdiff_t>(std::min(place, dynamic_.size())),
+                    std::move(attribute));
     return true;
 }
 
@@ -171,6 +172,18 @@ bool Node::removeDynamic(const Attribute& attribute) {
     };
     leave(attribute);
     dynamic_.erase(it);
+    return true;
+}
+
+bool Node::renameDynamic(Attribute& attribute, const std::string& longName, const std::string& shortName) {
+    for (const auto& name : {longName, shortName})
+        if (const Attribute* other = findAttribute(name); other && other != &attribute) return false;
+    dynamicByName_.erase(attribute.longName);
+    dynamicByName_.erase(attribute.shortName);
+    attribute.longName = longName;
+    attribute.shortName = shortName;
+    dynamicByName_.emplace(longName, &attribute);
+    dynamicByName_.emplace(shortName, &attribute);
     return true;
 }
 

@@ -131,6 +131,7 @@ public:
     bool isDefault = false; ///< made by the host for every scene; it cannot be deleted
     bool locked = false;
     bool referenced = false;
+    bool doNotWrite = false; ///< left out when the scene is saved
     std::unique_ptr<NodeBehavior> behavior;
     std::shared_ptr<void> apiHandle; ///< what the API's objects of this node share
     /// A node of a kind that nobody knows: its kind's name. Its statements are kept as text.
@@ -142,8 +143,11 @@ public:
     const Attribute* findAttribute(std::string_view attributeName) const;
     /// Root attributes, dynamic ones last.
     std::vector<const Attribute*> attributes() const;
-    bool addDynamic(AttributePtr attribute);
+    /// False when a name is taken. `place` is the attribute's among the dynamic ones, at most behind the last.
+    bool addDynamic(AttributePtr attribute, std::size_t place = static_cast<std::size_t>(-1));
     bool removeDynamic(const Attribute& attribute);
+    /// False when the name is taken.
+    bool renameDynamic(Attribute& attribute, const std::string& longName, const std::string& shortName);
     const std::vector<AttributePtr>& dynamicAttributes() const { return dynamic_; }
 
     /// The cell of an attribute that lies below no array, or of a root array.

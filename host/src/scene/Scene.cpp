@@ -430,6 +430,7 @@ std::vector<Node*> Scene::findNodes(std::string_view pattern) const {
         const auto it = byName_.find(std::string(parts.back()));
         if (it != byName_.end())
             for (Node* n : it->second) consider(n);
+        std::sort(found.begin(), found.end(), [](Node* a, Node* b) { return a->serial < b->serial; });
         return found;
     }
     for (const auto& [serial, n] : nodes_) consider(n.get());
@@ -480,6 +481,12 @@ void Scene::setTime(double ticks) {
     modified = was;
 }
 
+void Scene::setPlayback(const PlaybackRange& range) {
+    const PlaybackRange before = playback_;
+    playback_ = range;
+    record([this, range] { playback_ = range; }, [this, before] { playback_ = before; });
+}
+
 void Scene::reset() {
     undo.clear();
     selection_.clear();
@@ -515,6 +522,7 @@ void Scene::reset() {
         }
         while (!all.empty()) all.pop_back();
         time_ = 0;
+        playback_ = {};
         createDefaults();
     }
     undo.clear();

@@ -34,6 +34,11 @@ struct KeptConnection {
     std::string flags;
 };
 
+/// The time slider's range and the animation's, in ticks.
+struct PlaybackRange {
+    double min = 250, max = 6000, animationStart = 250, animationEnd = 12000;
+};
+
 /// The one scene of the process: its node types, nodes, connections, selection, time and undo queue.
 ///
 /// Everything that changes the scene goes through here and is recorded in `undo` while that is recording.
@@ -110,6 +115,8 @@ public:
     void removeElement(Cell& element, bool breakConnections);
     void addAttribute(Node& node, AttributePtr attribute);
     void deleteAttribute(Node& node, const Attribute& attribute);
+    /// Gives an added attribute another long and short name.
+    void renameAttribute(Node& node, const Attribute& attribute, const std::string& name);
     /// @}
 
     /// @name Connections
@@ -132,6 +139,8 @@ public:
     /// @{
     double time() const { return time_; }
     void setTime(double ticks);
+    const PlaybackRange& playback() const { return playback_; }
+    void setPlayback(const PlaybackRange& range);
     /// @}
 
     /// @name The scene as a document
@@ -175,6 +184,7 @@ private:
     DagNode* world_ = nullptr;
     std::vector<Selected> selection_;
     double time_ = 0;
+    PlaybackRange playback_;
     unsigned long generation_ = 0;
     std::unordered_set<const Cell*> cycles_;
 };

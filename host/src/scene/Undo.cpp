@@ -6,6 +6,10 @@ namespace host::scene {
 
 void UndoQueue::record(Edit edit) {
     if (!recording()) return;
+    if (capture_) {
+        capture_->push_back(std::move(edit));
+        return;
+    }
     undone_.clear();
     entry_.push_back(std::move(edit));
 }
@@ -14,8 +18,9 @@ void UndoQueue::openChunk(std::string name) {
     if (depth_++ == 0) open_.name = std::move(name);
 }
 
-void UndoQueue::endEntry() {
+void UndoQueue::endEntry(const std::string& name) {
     if (entry_.empty()) return;
+    if (open_.name.empty()) open_.name = name;
     open_.entries.push_back(std::move(entry_));
     entry_.clear();
 }

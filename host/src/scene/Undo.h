@@ -20,16 +20,20 @@ class UndoQueue {
 public:
     void record(Edit edit);
     /// Whether changes are to be recorded now; the cheap test before an Edit is made.
-    bool recording() const { return enabled_ && suspended_ == 0 && depth_ > 0; }
+    bool recording() const { return capture_ || (enabled_ && suspended_ == 0 && depth_ > 0); }
 
     void openChunk(std::string name = {});
     void closeChunk();
-    /// Ends the current entry within the open chunk.
-    void endEntry();
+    /// Ends the current entry within the open chunk. A step without a name is called after its first entry.
+    void endEntry(const std::string& name = {});
+    /// How many chunks are open, one within the other.
+    int openChunks() const { return depth_; }
 
     /// @return false when there is nothing to undo (redo)
     bool undo();
     bool redo();
+    bool canUndo() const { return !done_.empty() || !open_.entries.empty() || !entry_.empty(); }
+    bool canRedo() const { return !undone_.empty(); }
     std::string undoName() const;
     std::string redoName() const;
 
@@ -63,6 +67,18 @@ public:
         UndoQueue& queue_;
         int was_;
     };
+    /// Sends what is recorded in a scope to a list of the caller's, whatever the queue's state.
+    class Capture {
+    public:
+        Capture(UndoQueue& q, std::vector<Edit>& to) : queue_(q), was_(q.capture_) { queue_.capture_ = &to; }
+        ~Capture() { queue_.capture_ = was_; }
+        Capture(const Capture&) = delete;
+        Capture& operator=(const Capture&) = delete;
+
+    private:
+        UndoQueue& queue_;
+        std::vector<Edit>* was_;
+    };
     class Chunk {
     public:
         explicit Chunk(UndoQueue& q, std::string name = {}) : queue_(q) { queue_.openChunk(std::move(name)); }
@@ -86,6 +102,7 @@ private:
     std::vector<Step> done_, undone_;
     Step open_;
     Entry entry_;
+    std::vector<Edit>* capture_ = nullptr;
     int depth_ = 0, suspended_ = 0;
     bool enabled_ = true, undoing_ = false, redoing_ = false;
 };
