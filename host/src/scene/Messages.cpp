@@ -13,7 +13,9 @@ void writeLine(std::FILE* stream, const char* prefix, std::string_view text) {
     std::fflush(stream);
 }
 
-void standardSink(Severity severity, std::string_view text) {
+} // namespace
+
+void sendToStandardStreams(Severity severity, std::string_view text) {
     switch (severity) {
     case Severity::Output:
         std::fwrite(text.data(), 1, text.size(), stdout);
@@ -25,8 +27,6 @@ void standardSink(Severity severity, std::string_view text) {
     }
 }
 
-} // namespace
-
 Messages& Messages::instance() {
     static Messages messages;
     return messages;
@@ -36,7 +36,7 @@ Messages::Sink Messages::setSink(Sink sink) { return std::exchange(sink_, std::m
 
 void Messages::send(Severity severity, std::string_view text) {
     if (sink_) sink_(severity, text);
-    else standardSink(severity, text);
+    else sendToStandardStreams(severity, text);
 }
 
 } // namespace host

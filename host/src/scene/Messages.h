@@ -29,6 +29,9 @@ private:
     Sink sink_;
 };
 
+/// What the standard sink does.
+void sendToStandardStreams(Severity severity, std::string_view text);
+
 inline void printText(std::string_view text) { Messages::instance().send(Severity::Output, text); }
 inline void showInfo(std::string_view text) { Messages::instance().send(Severity::Info, text); }
 inline void showWarning(std::string_view text) { Messages::instance().send(Severity::Warning, text); }

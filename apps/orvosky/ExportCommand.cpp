@@ -1,0 +1,66 @@
+#include "ReplacedFiles.h"
+#include "Session.h"
+
+#include "Host.h"
+#include "scene/Messages.h"
+#include "viewport/Viewport.h"
+
+namespace orvosky {
+namespace {
+
+/// Makes messages name the target where the export names the file it writes to.
+class NamesInMessages {
+public:
+    NamesInMessages(std::string staged, std::string target) {
+        auto& messages = host::Messages::instance();
+        previous_ = messages.setSink({});
+        messages.setSink([staged = std::move(staged), target = std::move(target), to = previous_](
+                             host::Severity severity, std::string_view text) {
+            std::string named(text);
+            for (auto at = named.find(staged); at != std::string::npos; at = named.find(staged, at + target.size()))
+                named.replace(at, staged.size(), target);
+            if (to) to(severity, named);
+            else host::sendToStandardStreams(severity, named);
+        });
+    }
+    ~NamesInMessages() { host::Messages::instance().setSink(previous_); }
+    NamesInMessages(const NamesInMessages&) = delete;
+    NamesInMessages& operator=(const NamesInMessages&) = delete;
+
+private:
+    host::Messages::Sink previous_;
+};
+
+/// One frame of a small view: nodes bring themselves up to date when they are drawn.
+std::unique_ptr<host::viewport::Viewport> drawOnce() {
+    std::string error;
+    auto view = host::viewport::Viewport::create(64, 36, &error);
+    if (!view || !view->render(&error))
+        host::showWarning("The scene was not brought up to date by drawing it: " + error);
+    return view;
+}
+
+} // namespace
+
+int exportCommand(const CommonOptions& common, const ExportOptions& options) {
+    return reported([&] {
+        // Made first to go last: what nodes hold of GL is freed while its context is there.
+        std::unique_ptr<host::viewport::Viewport> view;
+        Session session(common);
+        session.openScene(options.scene);
+        view = drawOnce();
+        ReplacedFiles files(options.target);
+        const std::string staged = files.stagedTarget().string();
+        const NamesInMessages names(staged, options.target);
+        if (!host::Host::instance().interpreter().hasCommand("orvosky_SaveSkySystemToXMLCommand"))
+            throw Failure("Cannot export " + options.target + ": the plug-in is not loaded.");
+        try {
+            session.call("orvosky_SaveSkySystemToXMLCommand", {staged});
+        } catch (const Failure&) {
+            throw Failure("Nothing was exported to " + options.target + ".");
+        }
+        files.moveIntoPlace();
+    });
+}
+
+} // namespace orvosky

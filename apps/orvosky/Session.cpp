@@ -1,0 +1,111 @@
+#include "Session.h"
+
+#include "Host.h"
+#include "api/PluginManager.h"
+#include "files/FileError.h"
+#include "files/SceneReader.h"
+#include "files/Workspace.h"
+#include "scene/Messages.h"
+#include "scene/Scene.h"
+
+#include <cstdlib>
+
+namespace orvosky {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Where the program itself lies.
+fs::path programFolder() {
+    std::error_code failed;
+    const fs::path self = fs::read_symlink("/proc/self/exe", failed);
+    return failed ? fs::path(".") : self.parent_path();
+}
+
+Failure scriptFailure(const host::mel::Error& e) { return Failure(e.silent ? std::string() : e.described()); }
+
+} // namespace
+
+Session::Session(const CommonOptions& common) {
+    const fs::path program = programFolder();
+    const fs::path tools = program.parent_path() / "share" / "orvosky";
+    setenv("ORVOSKY_TOOL_ROOT", (tools.string() + "/").c_str(), 1);
+
+    host::Host& host = host::Host::instance();
+    host::Host::Options options;
+    options.project = common.project;
+    options.pluginFolders = {program};
+    options.scriptFolders = {tools / "scripts"};
+    try {
+        host.start(options);
+        if (!common.noPlugin) host.plugins().loadByBareName("orvosky");
+    } catch (const host::scene::SceneError& e) {
+        throw Failure(e.what());
+    }
+    host.runUserSetup();
+}
+
+Session::~Session() { host::Host::instance().scene().reset(); }
+
+void Session::openScene(const fs::path& scene) {
+    host::Host& host = host::Host::instance();
+    const std::string extension = scene.extension().string();
+    if (extension == ".mel") {
+        runScript(scene, {});
+        return;
+    }
+    if (extension == ".mb") throw Failure(scene.string() + ": Maya binary scenes cannot be read; save it as Maya ASCII.");
+    try {
+        host.interpreter().call("file", {"-force", "-open", scene.string()});
+    } catch (const host::mel::Error& e) {
+        throw Failure(e.what());
+    }
+}
+
+void Session::runScript(const fs::path& script, const std::vector<std::string>& arguments) {
+    auto& mel = host::Host::instance().interpreter();
+    try {
+        host::files::readTextFile(script); // says what is wrong with a file that is no script
+        mel.setArguments(arguments);
+        mel.sourceFile(script);
+    } catch (const host::mel::Error& e) {
+        throw scriptFailure(e);
+    } catch (const host::scene::SceneError& e) {
+        throw Failure(e.what());
+    }
+}
+
+void Session::runText(const std::string& text, const std::vector<std::string>& arguments) {
+    auto& mel = host::Host::instance().interpreter();
+    try {
+        mel.setArguments(arguments);
+        mel.execute(text, "-e");
+    } catch (const host::mel::Error& e) {
+        throw scriptFailure(e);
+    }
+}
+
+void Session::call(const std::string& name, const std::vector<std::string>& arguments) {
+    std::vector<host::mel::Value> values(arguments.begin(), arguments.end());
+    try {
+        host::Host::instance().interpreter().call(name, std::move(values));
+    } catch (const host::mel::Error& e) {
+        throw scriptFailure(e);
+    }
+}
+
+int reportCurrentFailure() {
+    try {
+        throw;
+    } catch (const Failure& e) {
+        // An empty text means that the user has been told already.
+        if (*e.what()) host::showError(e.what());
+    } catch (const std::bad_alloc&) {
+        host::showError("Out of memory.");
+    } catch (const std::exception& e) {
+        host::showError(e.what());
+    }
+    return kFailed;
+}
+
+} // namespace orvosky

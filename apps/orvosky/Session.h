@@ -1,0 +1,82 @@
+#pragma once
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace orvosky {
+
+/// The program's exit statuses.
+enum ExitStatus : int { kWorked = 0, kFailed = 1, kWrongUsage = 2 };
+
+/// What all subcommands take.
+struct CommonOptions {
+    std::string project;   ///< workspace root; empty: found from the current folder upward
+    bool noPlugin = false; ///< run the bare host
+};
+
+/// A failure whose text is for the user.
+class Failure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The host as the program runs it: workspace and search paths set, plug-in loaded, userSetup.mel sourced.
+class Session {
+public:
+    /// Throws Failure when the workspace or the plug-in cannot be had.
+    explicit Session(const CommonOptions& options);
+    /// Empties the scene, so that nodes free what they hold while that is still possible.
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Opens a Maya ASCII scene, or runs a MEL script that builds one. Throws Failure.
+    void openScene(const std::filesystem::path& scene);
+    /// Runs a script file. Throws Failure with the place of the error.
+    void runScript(const std::filesystem::path& script, const std::vector<std::string>& arguments);
+    /// Runs script text given on the command line.
+    void runText(const std::string& text, const std::vector<std::string>& arguments);
+    /// Calls a command or procedure with text arguments. Throws Failure.
+    void call(const std::string& name, const std::vector<std::string>& arguments);
+};
+
+/// Runs a subcommand's work: reports a Failure, and whatever else is thrown, as an error.
+template <class Work> int reported(Work&& work);
+
+/// @name Subcommands; each answers the exit status
+/// @{
+struct RunOptions {
+    std::string script, text;
+    std::vector<std::string> arguments;
+};
+int runCommand(const CommonOptions& common, const RunOptions& options);
+
+struct ExportOptions {
+    std::string scene, target;
+};
+int exportCommand(const CommonOptions& common, const ExportOptions& options);
+
+struct RenderOptions {
+    std::string scene, picture, camera = "persp";
+    int width = 1280, height = 720;
+    bool timeGiven = false;
+    double time = 0; ///< in the scene's time unit
+};
+int renderCommand(const CommonOptions& common, const RenderOptions& options);
+/// @}
+
+/// Shows the failure that is being handled, as the program's error.
+int reportCurrentFailure();
+
+template <class Work> int reported(Work&& work) {
+    try {
+        work();
+        return kWorked;
+    } catch (...) {
+        return reportCurrentFailure();
+    }
+}
+
+} // namespace orvosky
