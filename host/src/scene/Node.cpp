@@ -44,7 +44,10 @@ double Cell::number() {
 std::string Cell::attributePath(bool longNames) const {
     const std::string own = longNames ? attribute.longName : attribute.shortName;
     if (index >= 0) return parent->attributePath(longNames) + "[" + std::to_string(index) + "]";
-    return parent ? parent->attributePath(longNames) + "." + own : own;
+    // A part of a plain compound goes by its own name; within an array's element it needs the element's.
+    for (const Cell* up = parent; up; up = up->parent)
+        if (up->index >= 0) return parent->attributePath(longNames) + "." + own;
+    return own;
 }
 
 std::string Cell::name(bool longNames) const {
