@@ -74,7 +74,10 @@ public:
         };
         for (std::size_t i = 0; i < s.words.size(); ++i) {
             const Word& word = s.words[i];
-            if (!word.isFlag()) continue; // the nodes
+            if (!word.isFlag()) {
+                objects.push_back(word.text);
+                continue;
+            }
             std::string_view flag = word.text.substr(1);
             if (const auto it = longNames.find(flag); it != longNames.end()) flag = it->second;
             const bool known = std::any_of(longNames.begin(), longNames.end(), [&](auto& e) { return e.second == flag; });
@@ -104,6 +107,8 @@ public:
         const auto v = number(flag);
         return v ? *v != 0 : otherwise;
     }
+
+    std::vector<std::string_view> objects;
 
 private:
     std::map<std::string_view, std::string_view> values_;
@@ -298,5 +303,7 @@ void addAttrStatement(const StatementContext& c, Node& node, const Statement& s)
     if (const auto n = d.number("nc")) children = *n >= 0 && *n < 1e6 ? static_cast<int>(*n) : 1'000'000;
     c.compounds.add(c.scene, node, makeAttribute(d, *kind, c.units, isData), children, d.text("p"));
 }
+
+std::vector<std::string_view> addAttrObjects(const Statement& s) { return Definition(s).objects; }
 
 } // namespace host::files

@@ -94,7 +94,7 @@ void appendNumber(std::string& out, std::int64_t value) { out += std::to_string(
 
 void appendQuotient(std::string& out, double value, double factor) {
     const double quotient = value / factor;
-    if (factor == 1.0 || !std::isfinite(quotient)) {
+    if (factor == 1.0 || value == 0 || !std::isfinite(quotient)) {
         appendNumber(out, quotient);
         return;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "files/FileError.h"
 #include "files/SceneStatements.h"
+#include "files/TextFile.h"
 
 #include <filesystem>
 #include <functional>
@@ -45,11 +45,5 @@ private:
     scene::Scene& scene_;
     Options options_;
 };
-
-/// Whether the file says that it is a Maya ASCII scene.
-bool isSceneFile(const std::filesystem::path& file);
-
-/// The whole text file. Throws FileError when it is missing, no plain file, unreadable, empty or binary.
-std::string readTextFile(const std::filesystem::path& file);
 
 } // namespace host::files

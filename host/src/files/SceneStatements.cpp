@@ -14,6 +14,12 @@ Node& StatementContext::plugNode(std::string_view plug, std::string_view& attrib
     attribute = plug.substr(dot + 1);
     Node* node = dot == 0 ? target : findNode(plug.substr(0, dot));
     if (!node) throw SceneError("No object matches name: " + std::string(plug));
+    if (throughShapes && node->dag() && node->dag()->isTransform()) {
+        const std::string_view first = attribute.substr(0, attribute.find_first_of(".["));
+        if (!node->findAttribute(first))
+            for (DagNode* child : node->dag()->children)
+                if (child->isShape() && !child->intermediate() && child->findAttribute(first)) return *child;
+    }
     return *node;
 }
 

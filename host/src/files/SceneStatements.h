@@ -50,6 +50,8 @@ struct StatementContext {
     /// Finds nodes by the names that the statements use; empty: the scene's.
     std::function<scene::Node*(std::string_view name)> find;
     OpenCompounds& compounds;
+    /// Whether an attribute of a shape may be named through the transform above it.
+    bool throughShapes = false;
 
     scene::Node* findNode(std::string_view name) const;
     /// The node of "node.attribute" or ".attribute", and the part after the dot. Throws SceneError.
@@ -75,6 +77,8 @@ scene::Node& createNodeStatement(const StatementContext& context, const CreateRe
 void setAttrStatement(const StatementContext& context, const Statement& statement);
 /// addAttr [flags]: adds an attribute to the node.
 void addAttrStatement(const StatementContext& context, scene::Node& node, const Statement& statement);
+/// The words of an addAttr statement that are neither flags nor their values: the names of the nodes.
+std::vector<std::string_view> addAttrObjects(const Statement& statement);
 /// @}
 
 /// Sets a list of a mesh (its points, edges, faces, normals, UVs, offsets). False when the path is none of these.

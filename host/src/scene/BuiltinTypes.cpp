@@ -25,6 +25,13 @@ AttributePtr array(AttributePtr a) {
     return a;
 }
 
+/// An array whose elements have no order: connections take the next free one.
+AttributePtr unordered(AttributePtr a) {
+    a->array = true;
+    a->indexMatters = false;
+    return a;
+}
+
 AttributePtr worldArray(AttributePtr a) {
     a->array = true;
     a->worldSpace = true;
@@ -229,8 +236,8 @@ std::vector<AttributePtr> cameraAttributes() {
 
 std::vector<AttributePtr> setAttributes() {
     return {
-        array(A::message("dagSetMembers", "dsm")),
-        array(A::message("dnSetMembers", "dnsm")),
+        unordered(A::message("dagSetMembers", "dsm")),
+        unordered(A::message("dnSetMembers", "dnsm")),
         array(A::data("memberWireframeColor", "mwc", DataKind::IntArray)),
         A::text("annotation", "an"),
         A::number("isLayer", "il", N::Bool),
@@ -240,8 +247,8 @@ std::vector<AttributePtr> setAttributes() {
         A::number("renderableOnlySet", "ro", N::Bool),
         A::message("partition", "pa"),
         A::number("hiddenInOutliner", "hio", N::Bool),
-        array(A::message("groupNodes", "gn")),
-        array(A::message("usedBy", "ub")),
+        unordered(A::message("groupNodes", "gn")),
+        unordered(A::message("usedBy", "ub")),
     };
 }
 
@@ -306,10 +313,10 @@ void registerShading(Registrar& r) {
            {color("surfaceShader", "ss", 0, 0, 0), color("volumeShader", "vs", 0, 0, 0),
             A::tuple("displacementShader", "ds", N::Float, 3)});
     r.type("partition", "node", dependency, MFn::kPartition,
-           {array(A::message("sets", "st")), A::number("partitionType", "pt", N::Short)});
+           {unordered(A::message("sets", "st")), A::number("partitionType", "pt", N::Short)});
     r.type("groupId", "node", dependency, MFn::kGroupId, {A::number("groupId", "id", N::Int)});
     r.type("materialInfo", "node", dependency, MFn::kMaterialInfo,
-           {A::message("shadingGroup", "sg"), A::message("material", "m"), array(A::message("texture", "t"))});
+           {A::message("shadingGroup", "sg"), A::message("material", "m"), unordered(A::message("texture", "t"))});
     r.type("lambert", "node", dependency, MFn::kLambert, lambertAttributes());
     r.type("renderGlobals", "node", dependency, MFn::kRenderGlobals,
            {A::unit("startFrame", "fs", AttributeType::Time, 250), A::unit("endFrame", "ef", AttributeType::Time, 2500),

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "files/FileUnits.h"
+#include "scene/Scene.h"
+
+#include <string>
+#include <string_view>
+
+namespace host::files {
+
+/// The text with quotes and escapes, as a scene file has it.
+std::string quotedText(std::string_view text);
+
+/// The name of a plug below its node, in short names. `source`: the first element of an array of a node's instances
+/// is meant by the array's own name.
+std::string plugText(const scene::Cell& cell, bool source);
+
+/// Writes the addAttr and setAttr statements of a node.
+class AttributeWriter {
+public:
+    AttributeWriter(const FileUnits& units, std::string& out) : units_(units), out_(out) {}
+    void write(scene::Node& node);
+
+private:
+    void define(const scene::Attribute& attribute);
+    void cell(scene::Cell& cell);
+    void array(scene::Cell& cell);
+    void value(scene::Cell& cell, const std::string& flags);
+    void states(scene::Cell& cell, std::string& flags) const;
+    void mesh(scene::Node& node);
+    void number(scene::Cell& leaf);
+    void number(const scene::Attribute& attribute, double value);
+    bool differs(scene::Cell& cell) const;
+
+    const FileUnits& units_;
+    std::string& out_;
+};
+
+} // namespace host::files
