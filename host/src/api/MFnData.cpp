@@ -97,7 +97,7 @@ template <class T> MStatus MFnNumericData::write(int count, const T* values) {
 namespace {
 
 template <class Fn, class... T> MStatus readInto(Fn read, T&... out) {
-    std::common_type_t<T...> values[sizeof...(T)];
+    std::common_type_t<T...> values[sizeof...(T)] = {};
     const MStatus status = read(static_cast<int>(sizeof...(T)), values);
     int i = 0;
     if (status) ((out = values[i++]), ...);

@@ -181,13 +181,13 @@ MStatus MFnNumericAttribute::setLimits(int which, int count, const double* value
 #define ORVO_LIMITS(Name, which)                                                                                       \
     ORVO_LIMIT(Name, which)                                                                                            \
     MStatus MFnNumericAttribute::get##Name(double& a, double& b) const {                                               \
-        double v[2];                                                                                                   \
+        double v[2] = {};                                                                                                 \
         const MStatus status = getLimits(which, 2, v);                                                                 \
         if (status) a = v[0], b = v[1];                                                                                \
         return status;                                                                                                 \
     }                                                                                                                  \
     MStatus MFnNumericAttribute::get##Name(double& a, double& b, double& c) const {                                    \
-        double v[3];                                                                                                   \
+        double v[3] = {};                                                                                                 \
         const MStatus status = getLimits(which, 3, v);                                                                 \
         if (status) a = v[0], b = v[1], c = v[2];                                                                      \
         return status;                                                                                                 \
@@ -239,13 +239,13 @@ template <class T> MStatus MFnNumericAttribute::writeDefault(int count, const T*
 #define ORVO_DEFAULT3(T)                                                                                               \
     ORVO_DEFAULT1(T)                                                                                                   \
     MStatus MFnNumericAttribute::getDefault(T& a, T& b) {                                                              \
-        T v[2];                                                                                                        \
+        T v[2] = {};                                                                                                      \
         const MStatus status = readDefault(2, v);                                                                      \
         if (status) a = v[0], b = v[1];                                                                                \
         return status;                                                                                                 \
     }                                                                                                                  \
     MStatus MFnNumericAttribute::getDefault(T& a, T& b, T& c) {                                                        \
-        T v[3];                                                                                                        \
+        T v[3] = {};                                                                                                      \
         const MStatus status = readDefault(3, v);                                                                      \
         if (status) a = v[0], b = v[1], c = v[2];                                                                      \
         return status;                                                                                                 \
@@ -267,7 +267,7 @@ ORVO_DEFAULT3(float)
 ORVO_DEFAULT3(double)
 
 MStatus MFnNumericAttribute::getDefault(double& a, double& b, double& c, double& d) {
-    double v[4];
+    double v[4] = {};
     const MStatus status = readDefault(4, v);
     if (status) a = v[0], b = v[1], c = v[2], d = v[3];
     return status;
