@@ -109,6 +109,11 @@ bool anyWritten(const Cell& c) {
     return c.written || std::any_of(c.children.begin(), c.children.end(), [](const auto& k) { return k && anyWritten(*k); });
 }
 
+/// Whether the mesh has more than the one empty UV set that all have.
+bool hasUvSets(const mesh::PolyMesh* m) {
+    return m && (m->numUvSets() > 1 || (m->numUvSets() == 1 && (m->uvSet(0).size() > 0 || m->uvSet(0).name != "map1")));
+}
+
 const char* truth(bool b) { return b ? "true" : "false"; }
 
 } // namespace
@@ -361,15 +366,15 @@ void AttributeWriter::mesh(Node& node) {
     };
     if (b.own) {
         const mesh::PolyMesh& m = *b.own;
-        for (int set = 0; set < m.numUvSets(); ++set) {
+        const bool hasSets = hasUvSets(&m);
+        for (int set = 0; hasSets && set < m.numUvSets(); ++set) {
             const mesh::UvSet& uvs = m.uvSet(set);
-            if (m.numUvSets() == 1 && uvs.u.empty() && uvs.name == "map1") break;
             const std::string list = "uvst[" + std::to_string(set) + "]";
             out_ += "\tsetAttr \"." + list + ".uvsn\" -type \"string\" " + quotedText(uvs.name) + ";\n";
             pieces((list + ".uvsp").c_str(), " -type \"float2\"", uvs.u.size(), 250, 2,
                    [&](std::size_t i, std::size_t k) { appendNumber(out_, k == 0 ? uvs.u[i] : uvs.v[i]); });
         }
-        if (m.numUvSets() > 0)
+        if (hasSets)
             out_ += "\tsetAttr \".cuvs\" -type \"string\" " + quotedText(m.uvSet(m.currentUvSet()).name) + ";\n";
         pieces("vt", "", m.points().size(), 166, 3, [&](std::size_t i, std::size_t k) {
             const mesh::Float3& p = m.points()[i];
@@ -412,7 +417,7 @@ void AttributeWriter::write(Node& node) {
     if (isMesh) mesh(node);
     for (Cell* c : node.cells()) {
         const std::string& name = c->attribute.longName;
-        if (isMesh && name == "currentUVSet" && isMesh->own) continue; // the mesh knows it
+        if (isMesh && name == "currentUVSet" && hasUvSets(isMesh->own.get())) continue; // the mesh knows it
         cell(*c);
     }
     constexpr double firstFrame = 250;

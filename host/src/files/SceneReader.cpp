@@ -289,10 +289,8 @@ void Reading::disconnectAttr(const Statement& s) {
 
 void Reading::parent(const Statement& s) {
     const Split words(s, {});
-    if (words.has("-add", "-addObject")) {
-        ++unknownStatements_;
+    if (words.has("-add", "-addObject"))
         throw SceneError("Instances are not supported: 'parent -add' is left out.");
-    }
     const bool toWorld = words.has("-w", "-world");
     if (words.objects.size() < (toWorld ? 1u : 2u)) throw SceneError("parent needs a child and a parent.");
     const std::size_t children = words.objects.size() - (toWorld ? 0 : 1);
@@ -432,7 +430,7 @@ void Reading::keepWithScene(const Statement& s) {
 }
 
 void Reading::execute(const Statement& s) {
-    if (s.name == "else" || s.name == "}") return; // the rest of what was refused before
+    if (s.name == "else") return; // the rest of what was refused before
     const auto handler = handlers().find(s.name);
     const std::string name(s.name.substr(0, 60));
     if (handler == handlers().end() || (s.kind == Statement::Kind::Braced && s.name != "setAttr" && s.name != "aliasAttr")) {
