@@ -60,9 +60,9 @@ public:
 
     /// @name Drawing
     /// @{
-    /// Makes the view's GL context current. Calls nest; each needs an endGL of its own, which puts the matrices back
-    /// that were there. Outside of a draw the view's own matrices are loaded, and the context that was current before
-    /// is the current one again after the outermost endGL.
+    /// Makes the view's GL context current, with its picture to draw into. Calls nest; each needs an endGL of its own,
+    /// which puts the matrices back that were there. Outside of a draw the camera's matrices are loaded. The context
+    /// stays current after the outermost endGL.
     MStatus beginGL();
     MStatus endGL();
     /// Whether draws are asked to say what is under the pointer: never, for a picture is made.
@@ -88,13 +88,15 @@ public:
     MStatus getCamera(MDagPath& camera);
     /// Looks through another camera: its shape, or the transform above it.
     MStatus setCamera(MDagPath& camera);
-    /// The point on the near plane below a pixel's corner, and the direction from the eye through it, of unit length.
+    /// The point on the near plane at a pixel's bottom left corner, and the direction of unit length from there away
+    /// from the eye.
     MStatus viewToWorld(short x_pos, short y_pos, MPoint& worldPt, MVector& worldVector) const;
     MStatus viewToWorld(short x_pos, short y_pos, MPoint& nearClipPt, MPoint& farClipPt) const;
     /// The same as a point and a direction in an object's space, given the inverse of the object's matrix.
     MStatus viewToObjectSpace(short x_pos, short y_pos, const MMatrix& localMatrixInverse, MPoint& oPt,
                               MVector& oVector) const;
-    /// The pixel in which a point is seen; false when it lies outside the view volume.
+    /// The pixel whose bottom left corner is nearest to where a point is seen; false when the point lies outside the
+    /// view volume. Positions are held within what a short can tell, and 0 for a point in the plane of the eye.
     bool worldToView(const MPoint& worldPt, short& x_pos, short& y_pos, MStatus* ReturnStatus = NULL) const;
     MStatus projectionMatrix(MMatrix& projMat) const;
     /// Within a draw the matrix from the drawn object's space to the camera's, else that from the world's.

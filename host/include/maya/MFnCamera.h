@@ -41,7 +41,8 @@ public:
     /// @{
     /// The angles that a window of this size in pixels shows, with film fit, squeeze, scale and overscan.
     MStatus getPortFieldOfView(int width, int height, double& horizontalFOV, double& verticalFOV) const;
-    /// The part of the film that a window of this width over height shows: its size, and its centre's offset.
+    /// The part of the film that a window of this width over height shows: its size, and its centre's offset. There is
+    /// no pan and zoom of the view to be applied.
     MStatus getViewParameters(double windowAspect, double& apertureX, double& apertureY, double& offsetX,
                               double& offsetY, bool applyOverscan = false, bool applySqueeze = false,
                               bool applyPanZoom = false) const;
@@ -59,7 +60,6 @@ public:
     double farClippingPlane(MStatus* ReturnStatus = NULL) const;
     MStatus setNearFarClippingPlanes(double dNear, double dFar);
     MStatus setIsOrtho(bool orthoState);
-    MStatus setIsOrtho(bool orthoState, double useDist);
     bool isOrtho(MStatus* ReturnStatus = NULL) const;
     MStatus setOrthoWidth(double orthoWidth);
     double orthoWidth(MStatus* ReturnStatus = NULL) const;

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "viewport/Viewport.h"
+
+class MPxLocatorNode;
+
+namespace host::viewport {
+
+/// Draws one frame of a view, between the view's beginGL and endGL.
+///
+/// The DAG is walked depth first, in its own order; what is hidden, or intermediate, is left out with all below it.
+/// Meshes and locators are drawn in that order, except for the locators that ask to be drawn last. Locators and
+/// lights of the host's own, cameras and curves are only icons in a model view, and are not drawn.
+class FrameDraw {
+public:
+    FrameDraw(Viewport& view, const MMatrix& projection, const MMatrix& worldToCamera)
+        : view_(view), projection_(projection), worldToCamera_(worldToCamera) {}
+
+    /// @return what GL failed at in the host's own drawing; empty when all went well
+    std::string run();
+
+    /// Makes the target opaque black, and as deep as can be.
+    static void clear();
+
+private:
+    struct Item {
+        std::shared_ptr<scene::Node> node;
+        bool templated = false;
+    };
+    std::vector<Item> visibleShapes() const;
+    void loadObject(const MMatrix& objectToWorld);
+    void drawShape(const std::shared_ptr<scene::Node>& node, bool templated, bool last);
+    void drawMesh(scene::DagNode& shape, bool templated);
+    void drawLocator(scene::DagNode& shape, MPxLocatorNode& locator);
+
+    Viewport& view_;
+    MMatrix projection_, worldToCamera_;
+    std::string problem_;
+};
+
+} // namespace host::viewport

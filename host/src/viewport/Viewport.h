@@ -1,0 +1,101 @@
+#pragma once
+
+#include "viewport/CameraNode.h"
+#include "viewport/GlContext.h"
+#include "viewport/GlState.h"
+#include "viewport/OffscreenTarget.h"
+#include "viewport/Picture.h"
+
+#include <maya/M3dView.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace host::viewport {
+
+/// A model view without a window: a camera's picture of the scene, drawn into an offscreen target.
+///
+/// All views of the process share one GL context, so that what a plug-in makes in one can be used in all; it lives as
+/// long as there is a view. Main thread only.
+class Viewport {
+public:
+    /// Opens a view of `width` x `height` pixels and makes it the active one. Null without OpenGL or for a size that
+    /// the driver does not have; `error`, when given, tells which.
+    static std::unique_ptr<Viewport> create(int width, int height, std::string* error = nullptr);
+    ~Viewport();
+    Viewport(const Viewport&) = delete;
+    Viewport& operator=(const Viewport&) = delete;
+
+    /// @name The views that are open, in the order of their opening
+    /// @{
+    static Viewport* active(); ///< null when there is none; the newest one when the active one was closed
+    void activate();
+    static std::size_t count();
+    static Viewport* at(std::size_t index);        ///< null beyond the end
+    static Viewport* find(unsigned long serial);   ///< null when the view was closed
+    unsigned long serial() const { return serial_; } ///< never used again for another view
+    M3dView apiView() const { return M3dView(serial_); }
+    /// @}
+
+    int width() const { return target_->width(); }
+    int height() const { return target_->height(); }
+    const GlContext& context() const { return *context_; }
+
+    /// Looks through a camera shape. False when the node is none.
+    bool setCamera(scene::DagNode& cameraShape);
+    /// The camera that was set, or the scene's perspShape while none was or it is not in the scene any more; null
+    /// when that is missing, too.
+    scene::DagNode* camera() const;
+
+    /// Draws the scene as it is at its time: shaded meshes, plug-in locators, and nothing else. Faults of single nodes
+    /// are reported as messages that name the node, and the picture lacks them. False, with a text in `error`, when
+    /// given, without a camera, with a camera that has no view volume, from within a draw, or when GL itself fails.
+    bool render(std::string* error = nullptr);
+    /// What was drawn last, as opaque RGB; black before the first frame.
+    Picture picture();
+
+    /// @name For draws
+    /// @{
+    /// Each beginGL needs an endGL; see M3dView. False when the context cannot be made current, or for an endGL
+    /// without its beginGL.
+    bool beginGL();
+    bool endGL();
+    bool makeCurrent() { return context_->makeCurrent(); }
+    /// The part of the port that is drawn into.
+    PortRect port() const { return ports_.back(); }
+    bool pushPort(const PortRect& rect);
+    bool popPort(); ///< false when only the whole port is left
+    /// @}
+
+    /// @name Matrices, row vectors
+    /// @{
+    std::optional<MMatrix> projection() const; ///< nothing without a camera or when it has no view volume
+    std::optional<MMatrix> worldToCamera() const;
+    /// Within a draw with the drawn object's matrix in front.
+    std::optional<MMatrix> modelView() const;
+    /// Reads the camera anew within a draw and loads the matrices into GL.
+    bool updateMatrices();
+    /// @}
+
+private:
+    friend class FrameDraw;
+    Viewport() = default;
+    void bindTarget();
+    void usePort() const;
+
+    std::shared_ptr<GlContext> context_;
+    std::unique_ptr<OffscreenTarget> target_;
+    unsigned long serial_ = 0;
+    std::weak_ptr<scene::Node> camera_;
+    std::vector<PortRect> ports_;
+    std::vector<MatrixKeeper> begun_;
+    bool drawing_ = false;
+    MMatrix object_; ///< matrix of the object that is drawn
+    std::unordered_set<unsigned long> told_; ///< serials of the nodes whose GL errors have been reported
+};
+
+} // namespace host::viewport
