@@ -123,7 +123,7 @@ TEST_P(TruncationTest, EveryByte) {
     for (std::size_t n = 0; n < whole.size(); ++n) {
         const std::string part = whole.substr(0, n);
         const auto end = part.find_last_not_of(" \t\r\n");
-        const std::string lastLine = part.substr(part.rfind('\n') + 1);
+        const std::string lastLine = end == part.npos ? part : part.substr(part.rfind('\n', end) + 1);
         const bool complete = end == part.npos || part[end] == ';' || lastLine.starts_with("//");
         try {
             open(part);
