@@ -1,0 +1,163 @@
+#include "SceneFixture.h"
+
+#include <gmock/gmock.h>
+
+using namespace host::scene;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::SizeIs;
+
+namespace {
+
+int computed = 0;
+
+/// sum = a + b + all of list.
+class Adder final : public NodeBehavior {
+public:
+    explicit Adder(Node& node) : node_(node) {}
+    bool compute(Cell& cell) override {
+        if (cell.attribute.longName != "sum") return false;
+        ++computed;
+        double sum = 0;
+        for (const char* name : {"a", "b"}) {
+            evaluate(node_.cell(name));
+            sum += node_.cell(name).number();
+        }
+        evaluate(node_.cell("list"));
+        for (auto& [index, element] : node_.cell("list").elements) sum += element->number();
+        std::get<Numeric>(cell.value).set(0, sum);
+        setClean(cell);
+        return true;
+    }
+
+private:
+    Node& node_;
+};
+
+struct DependencyTest : SceneFixture {
+    DependencyTest() {
+        computed = 0;
+        if (scene.findType("testAdder")) return;
+        auto type = std::make_unique<NodeType>("testAdder", scene.findType("node"), NodeType::Kind::Dependency, 0);
+        for (const char* name : {"a", "b", "sum", "list"}) {
+            auto attribute = Attribute::number(name, name, NumericType::Double);
+            attribute->array = std::string_view(name) == "list";
+            attribute->writable = std::string_view(name) != "sum";
+            type->add(std::move(attribute));
+        }
+        type->affects({"a", "b", "list"}, {"sum"});
+        type->makeBehavior = [](Node& node) { return std::make_unique<Adder>(node); };
+        scene.registerType(std::move(type));
+    }
+
+    void adders(const std::string& names) {
+        std::istringstream list(names);
+        for (std::string name; list >> name;) scene.createNode(*scene.findType("testAdder"), name);
+    }
+    double value(const char* plug) {
+        Cell& cell = scene.findPlug(plug);
+        evaluate(cell);
+        return cell.number();
+    }
+};
+
+} // namespace
+
+/// Fails when a change does not reach the far side of a diamond, reaches one side only, or computes a node twice.
+TEST_F(DependencyTest, DiamondsAreComputedOnceAChange) {
+    adders("peak left right bottom apart");
+    run("connectAttr peak.sum left.a; connectAttr peak.sum right.a;"
+        "connectAttr left.sum bottom.a; connectAttr right.sum bottom.b");
+    scene.setNumber(scene.findPlug("peak.a"), 1);
+    scene.setNumber(scene.findPlug("left.b"), 10);
+    EXPECT_EQ(value("bottom.sum"), 12);
+    EXPECT_EQ(computed, 4);
+    EXPECT_EQ(value("bottom.sum"), 12);
+    EXPECT_EQ(computed, 4);
+    scene.setNumber(scene.findPlug("right.b"), 100);
+    EXPECT_EQ(value("bottom.sum"), 112);
+    EXPECT_EQ(computed, 6); // right and bottom
+    scene.setNumber(scene.findPlug("peak.b"), 1);
+    EXPECT_EQ(value("bottom.sum"), 114);
+    EXPECT_EQ(computed, 10);
+}
+
+/// Fails when a cycle hangs, overflows the stack, is not told, or is told at every look.
+TEST_F(DependencyTest, CyclesAreToldOnceAndEnd) {
+    adders("one two");
+    run("connectAttr one.sum two.a; connectAttr two.sum one.a");
+    scene.setNumber(scene.findPlug("one.b"), 1);
+    value("two.sum");
+    scene.setNumber(scene.findPlug("one.b"), 2);
+    value("two.sum");
+    EXPECT_THAT(complaints, ElementsAre(HasSubstr("Cycle on")));
+    complaints.clear();
+    run("group -em -n a; group -em -n b; connectAttr a.tx b.tx; connectAttr b.tx a.tx");
+    EXPECT_EQ(run("getAttr a.tx"), "0");
+    EXPECT_THAT(complaints, ElementsAre(HasSubstr("Cycle on")));
+}
+
+/// Fails when a long chain of connections costs stack, or loses the value on its way.
+TEST_F(DependencyTest, LongChainsOfConnectionsCarryTheValue) {
+    constexpr int length = 5000;
+    const NodeType& transform = *scene.findType("transform");
+    NodePtr first = scene.createNode(transform, "n1"), last = first;
+    for (int i = 1; i < length; ++i) {
+        NodePtr next = scene.createNode(transform, "n" + std::to_string(i + 1));
+        scene.connect(last->cell("translate").child(0), next->cell("translate").child(0));
+        last = next;
+    }
+    EXPECT_EQ(run("move -x 42 n1; getAttr n5000.tx"), "42");
+    EXPECT_EQ(run("move -x 43 n1; getAttr n5000.tx"), "43");
+    EXPECT_THAT(complaints, SizeIs(0));
+}
+
+/// Fails when a chain of nodes beyond the limit crashes, or gives a number without a word.
+TEST_F(DependencyTest, LongChainsOfNodesEndWithAWarning) {
+    NodePtr last;
+    for (int i = 0; i < 5000; ++i) {
+        NodePtr next = scene.createNode(*scene.findType("testAdder"), "add" + std::to_string(i + 1));
+        if (last) scene.connect(last->cell("sum"), next->cell("a"));
+        last = next;
+    }
+    value("add5000.sum");
+    EXPECT_THAT(complaints, ElementsAre(HasSubstr("Too many nodes")));
+}
+
+/// Fails when deep hierarchies cost stack or lose a parent's matrix.
+TEST_F(DependencyTest, DeepHierarchies) {
+    DagNode* below = nullptr;
+    for (int i = 0; i < 5000; ++i) {
+        below = scene.createNode(*scene.findType("transform"), "level#", below)->dag();
+        scene.setNumber(below->cell("translate").child(1), 1);
+    }
+    EXPECT_EQ(run("xform -q -ws -m level5000").substr(24), "0 5000 0 1");
+    EXPECT_EQ(run("move -y 11 level1; getAttr \"level5000.worldMatrix\"").substr(24), "0 5010 0 1");
+}
+
+/// Fails when elements are made by looking, not found free, not ordered, or not taken back.
+TEST_F(DependencyTest, ArrayPlugs) {
+    adders("from to");
+    scene.setNumber(scene.findPlug("from.a"), 5);
+    scene.setNumber(scene.findPlug("to.list[7]"), 2);
+    scene.setNumber(scene.findPlug("to.list[0]"), 1);
+    EXPECT_EQ(run("connectAttr -na from.sum to.list"), "Connected from.sum to to.list[1].");
+    EXPECT_EQ(value("to.sum"), 8);
+    EXPECT_EQ(run("getAttr to.list[100]"), "0");
+    EXPECT_EQ(run("getAttr -mi to.list"), "0 1 7");
+    EXPECT_EQ(run("getAttr -s to.list"), "3");
+    EXPECT_EQ(run("getAttr to.list[0:2]"), "1 5 0");
+    EXPECT_EQ(run("getAttr to.list[*]"), "1 5 2");
+    EXPECT_EQ(run("getAttr to.list[2:1]"), "Error: Invalid index range: to.list[2:1]");
+    EXPECT_EQ(run("getAttr to.list[-1]"), "Error: No object matches name: to.list[-1]");
+    EXPECT_EQ(run("getAttr to.list[99999999999]"), "Error: No object matches name: to.list[99999999999]");
+    EXPECT_EQ(run("disconnectAttr -na from.sum to.list; isConnected from.sum to.list[1]"), "0");
+    EXPECT_EQ(run("undo; isConnected from.sum to.list[1]"), "1");
+    {
+        const UndoQueue::Chunk chunk(scene.undo);
+        scene.removeElement(scene.findPlug("to.list[1]"), true);
+    }
+    EXPECT_EQ(value("to.sum"), 3);
+    run("undo");
+    EXPECT_EQ(value("to.sum"), 8);
+}
