@@ -1,0 +1,270 @@
+#include <maya/MImage.h>
+
+#include <OpenImageIO/filesystem.h>
+#include <OpenImageIO/imagebuf.h>
+#include <OpenImageIO/imagebufalgo.h>
+#include <OpenImageIO/imageio.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cctype>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <new>
+#include <unistd.h>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+/// The pixels are bytes or floats, so one of the lists is empty.
+struct MImage::Pixels {
+    unsigned int width = 0, height = 0, channels = 0;
+    MPixelType type = kUnknown;
+    bool rgba = true;
+    std::vector<unsigned char> bytes;
+    std::vector<float> floats;
+
+    std::size_t rowValues() const { return static_cast<std::size_t>(width) * channels; }
+    std::size_t valueSize() const { return type == kFloat ? sizeof(float) : 1; }
+    char* data() { return type == kFloat ? reinterpret_cast<char*>(floats.data()) : reinterpret_cast<char*>(bytes.data()); }
+    const char* data() const { return const_cast<Pixels*>(this)->data(); }
+    char* row(unsigned int y) { return data() + y * rowValues() * valueSize(); }
+    const char* row(unsigned int y) const { return const_cast<Pixels*>(this)->row(y); }
+    OIIO::TypeDesc oiioType() const { return type == kFloat ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::UINT8; }
+
+    /// Zeros of that size; the flag for the order of the channels is kept.
+    static std::unique_ptr<Pixels> make(unsigned int width, unsigned int height, unsigned int channels,
+                                        MPixelType type, bool rgba) {
+        auto p = std::make_unique<Pixels>();
+        p->width = width;
+        p->height = height;
+        p->channels = channels;
+        p->type = type;
+        p->rgba = rgba;
+        const std::size_t size = p->rowValues() * height;
+        if (type == kFloat) p->floats.resize(size);
+        else p->bytes.resize(size);
+        return p;
+    }
+};
+
+namespace {
+
+constexpr unsigned int maxSide = 32768;
+constexpr std::uint64_t maxBytes = std::uint64_t{1} << 31;
+
+bool possible(std::uint64_t width, std::uint64_t height, unsigned int channels, MImage::MPixelType type) {
+    if (type != MImage::kByte && type != MImage::kFloat) return false;
+    const std::uint64_t valueSize = type == MImage::kFloat ? sizeof(float) : 1;
+    return width >= 1 && width <= maxSide && height >= 1 && height <= maxSide && channels >= 1 && channels <= 4 &&
+           width * height * channels * valueSize <= maxBytes;
+}
+
+/// Keeps colours as they are stored; without this OpenImageIO multiplies them by alpha.
+void keepAlphaApart(OIIO::ImageSpec& spec) { spec.attribute("oiio:UnassociatedAlpha", 1); }
+
+/// Whether a file of that many bytes can hold so many pixels. The densest codings in use reach a few thousand to one;
+/// small pictures are not worth the doubt.
+bool credible(std::uint64_t fileBytes, const OIIO::ImageSpec& spec) {
+    const std::uint64_t pixels = static_cast<std::uint64_t>(spec.width) * static_cast<std::uint64_t>(spec.height);
+    return pixels <= (1u << 22) || pixels / 16384 <= fileBytes;
+}
+
+/// Spreads `stored` channels of every pixel over four, in place.
+template <class Value> void spread(std::vector<Value>& values, int stored, Value full) {
+    for (std::size_t i = 0; i < values.size(); i += 4) {
+        Value* p = values.data() + i;
+        if (stored < 4) p[3] = stored == 2 ? p[1] : full;
+        if (stored < 3) p[1] = p[2] = p[0];
+    }
+}
+
+std::string lower(std::string s) {
+    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return s;
+}
+
+/// Writes a whole file beside its place and moves it there, so that a failure leaves an earlier one as it was.
+bool store(const std::vector<unsigned char>& file, const fs::path& place) {
+    static std::atomic<unsigned> serial{0};
+    fs::path part = place;
+    part += fmt::format(".part-{}-{}", ::getpid(), serial++);
+    std::error_code code;
+    std::ofstream out(part, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    out.close();
+    if (out) fs::rename(part, place, code);
+    if (out && !code) return true;
+    fs::remove(part, code);
+    return false;
+}
+
+} // namespace
+
+MImage::MImage() : pixels_(std::make_unique<Pixels>()) {}
+MImage::~MImage() = default;
+const char* MImage::className() { return "MImage"; }
+
+MStatus MImage::create(unsigned int width, unsigned int height, unsigned int channels, MPixelType type) {
+    if (!possible(width, height, channels, type)) return MStatus::kInvalidParameter;
+    try {
+        pixels_ = Pixels::make(width, height, channels, type, pixels_->rgba);
+        return MStatus::kSuccess;
+    } catch (const std::bad_alloc&) {
+        return MStatus::kInsufficientMemory;
+    }
+}
+
+MStatus MImage::readFromFile(MString pathname, MPixelType type) {
+    try {
+        const std::string path(pathname.asChar(), pathname.length());
+        std::error_code code;
+        if (!fs::is_regular_file(path, code)) return MStatus::kFailure;
+        const std::uint64_t fileBytes = fs::file_size(path, code);
+        if (code || fileBytes == 0) return MStatus::kFailure;
+        OIIO::ImageSpec wishes;
+        keepAlphaApart(wishes);
+        const auto input = OIIO::ImageInput::open(path, &wishes);
+        if (!input) {
+            OIIO::geterror();
+            return MStatus::kFailure;
+        }
+        const OIIO::ImageSpec& spec = input->spec();
+        if (type == kUnknown) type = spec.format.is_floating_point() ? kFloat : kByte;
+        if (spec.width < 1 || spec.height < 1 || spec.nchannels < 1 || spec.depth > 1 ||
+            !possible(static_cast<std::uint64_t>(spec.width), static_cast<std::uint64_t>(spec.height), 4, type) ||
+            !credible(fileBytes, spec))
+            return MStatus::kFailure;
+        const int stored = std::min(spec.nchannels, 4);
+        auto read = Pixels::make(static_cast<unsigned int>(spec.width), static_cast<unsigned int>(spec.height), 4,
+                                 type, true);
+        // The file's first row is the top one, which is the last one here.
+        const auto pixelStep = static_cast<OIIO::stride_t>(4 * read->valueSize());
+        const OIIO::stride_t rowStep = pixelStep * spec.width;
+        if (!input->read_image(0, 0, 0, stored, read->oiioType(), read->row(read->height - 1), pixelStep, -rowStep)) {
+            input->geterror();
+            return MStatus::kFailure;
+        }
+        spread(read->bytes, stored, static_cast<unsigned char>(255));
+        spread(read->floats, stored, 1.0f);
+        pixels_ = std::move(read);
+        return MStatus::kSuccess;
+    } catch (const std::exception&) {
+        return MStatus::kFailure;
+    }
+}
+
+MStatus MImage::getSize(unsigned int& width, unsigned int& height) const {
+    width = pixels_->width;
+    height = pixels_->height;
+    return pixels_->type == kUnknown ? MStatus::kFailure : MStatus::kSuccess;
+}
+
+MImage::MPixelType MImage::pixelType() const { return pixels_->type; }
+unsigned char* MImage::pixels() const { return pixels_->type == kByte ? pixels_->bytes.data() : nullptr; }
+float* MImage::floatPixels() const { return pixels_->type == kFloat ? pixels_->floats.data() : nullptr; }
+unsigned int MImage::depth() const { return pixels_->channels; }
+
+void MImage::setPixels(unsigned char* inPixelPtr, unsigned int width, unsigned int height) {
+    if (!inPixelPtr || !possible(width, height, 4, kByte)) return;
+    // The source may be the picture's own pixels, so those must live on until they are copied.
+    auto made = Pixels::make(width, height, 4, kByte, pixels_->rgba);
+    std::copy_n(inPixelPtr, made->bytes.size(), made->bytes.begin());
+    pixels_ = std::move(made);
+}
+
+void MImage::setFloatPixels(float* inPixelPtr, unsigned int width, unsigned int height, unsigned int channels) {
+    if (!inPixelPtr || !possible(width, height, channels, kFloat)) return;
+    auto made = Pixels::make(width, height, channels, kFloat, pixels_->rgba);
+    std::copy_n(inPixelPtr, made->floats.size(), made->floats.begin());
+    pixels_ = std::move(made);
+}
+
+MStatus MImage::resize(int width, int height, bool preserveAspectRatio) {
+    Pixels& from = *pixels_;
+    if (from.type == kUnknown) return MStatus::kFailure;
+    if (width < 1 || height < 1 ||
+        !possible(static_cast<unsigned int>(width), static_cast<unsigned int>(height), from.channels, from.type))
+        return MStatus::kInvalidParameter;
+    try {
+        int w = width, h = height;
+        if (preserveAspectRatio) {
+            const double scale = std::min(static_cast<double>(width) / from.width, static_cast<double>(height) / from.height);
+            w = std::clamp(static_cast<int>(from.width * scale + 0.5), 1, width);
+            h = std::clamp(static_cast<int>(from.height * scale + 0.5), 1, height);
+        }
+        const auto channels = static_cast<int>(from.channels);
+        const OIIO::ImageBuf source(OIIO::ImageSpec(static_cast<int>(from.width), static_cast<int>(from.height), channels,
+                                                    from.oiioType()),
+                                    from.data());
+        // A triangle filter has no negative lobes, which would ring around bright pixels.
+        const OIIO::ImageBuf scaled = OIIO::ImageBufAlgo::resize(source, "triangle", 0.0f, OIIO::ROI(0, w, 0, h), 1);
+        auto made = Pixels::make(static_cast<unsigned int>(width), static_cast<unsigned int>(height), from.channels,
+                                 from.type, from.rgba);
+        const auto pixelStep = static_cast<OIIO::stride_t>(from.channels * from.valueSize());
+        char* corner = made->row(static_cast<unsigned int>((height - h) / 2)) + pixelStep * ((width - w) / 2);
+        if (!scaled.get_pixels(OIIO::ROI(0, w, 0, h, 0, 1, 0, channels), from.oiioType(), corner, pixelStep,
+                               pixelStep * width))
+            return MStatus::kFailure;
+        pixels_ = std::move(made);
+        return MStatus::kSuccess;
+    } catch (const std::exception&) {
+        return MStatus::kInsufficientMemory;
+    }
+}
+
+MStatus MImage::writeToFile(MString pathname, MString outputFormat) const {
+    const Pixels& p = *pixels_;
+    if (p.type == kUnknown) return MStatus::kFailure;
+    try {
+        const fs::path path(std::string(pathname.asChar(), pathname.length()));
+        std::string format = lower(std::string(outputFormat.asChar(), outputFormat.length()));
+        if (format.empty()) format = lower(path.extension().string());
+        if (!format.empty() && format.front() == '.') format.erase(0, 1);
+        // Only writers that can write into memory are taken: some others misbehave on a full disk.
+        const std::string named = "image." + format;
+        const auto output = OIIO::ImageOutput::create(named);
+        if (!output) OIIO::geterror();
+        if (!output || !output->supports("ioproxy")) return MStatus::kInvalidParameter;
+
+        // Blue first is turned to red first, and alpha left out where the format has none.
+        const bool swapped = !p.rgba && p.channels >= 3;
+        const bool dropAlpha = (p.channels == 4 || p.channels == 2) && !output->supports("alpha");
+        const unsigned int kept = dropAlpha ? p.channels - 1 : p.channels;
+        auto top = Pixels::make(p.width, p.height, kept, p.type, true);
+        const std::size_t size = p.valueSize();
+        for (unsigned int y = 0; y < p.height; ++y) {
+            const char* from = p.row(p.height - 1 - y);
+            char* to = top->row(y);
+            for (unsigned int x = 0; x < p.width; ++x, from += p.channels * size)
+                for (unsigned int c = 0; c < kept; ++c, to += size)
+                    std::copy_n(from + (swapped && c < 3 ? 2 - c : c) * size, size, to);
+        }
+        OIIO::ImageSpec spec(static_cast<int>(p.width), static_cast<int>(p.height), static_cast<int>(kept), p.oiioType());
+        keepAlphaApart(spec);
+        std::vector<unsigned char> file;
+        OIIO::Filesystem::IOVecOutput memory(file);
+        if (!output->set_ioproxy(&memory) || !output->open(named, spec) ||
+            !output->write_image(p.oiioType(), top->data()) || !output->close()) {
+            output->geterror();
+            return MStatus::kFailure;
+        }
+        return store(file, path) ? MStatus::kSuccess : MStatus::kFailure;
+    } catch (const std::exception&) {
+        return MStatus::kFailure;
+    }
+}
+
+MStatus MImage::release() {
+    const bool rgba = pixels_->rgba;
+    pixels_ = std::make_unique<Pixels>();
+    pixels_->rgba = rgba;
+    return MStatus::kSuccess;
+}
+
+void MImage::setRGBA(bool rgbaFormat) { pixels_->rgba = rgbaFormat; }
+bool MImage::isRGBA() const { return pixels_->rgba; }
