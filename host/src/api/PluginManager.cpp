@@ -29,12 +29,12 @@ EntryPoint entryPoint(void* library, const char* name, const char* mangled) {
     return nullptr;
 }
 
-std::filesystem::path withSuffix(const std::filesystem::path& path) {
+/// The module that a name without or with its suffix stands for; empty when there is none.
+std::filesystem::path moduleFile(const std::filesystem::path& path) {
     std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored)) return path;
     for (const char* suffix : moduleSuffixes) {
         std::filesystem::path candidate = path;
-        candidate += suffix;
+        if (path.extension() != suffix) candidate += suffix;
         if (std::filesystem::is_regular_file(candidate, ignored)) return candidate;
     }
     return {};
@@ -67,7 +67,7 @@ Plugin& PluginManager::loadByBareName(const std::string& name) {
         throw scene::SceneError("Plug-in \"" + name + "\" is refused: a plug-in is loaded by its bare name.");
     if (Plugin* p = find(name)) return *p;
     for (const auto& folder : folders_) {
-        const auto file = withSuffix(folder / name);
+        const auto file = moduleFile(folder / name);
         if (!file.empty()) return loadFile(file);
     }
     throw scene::SceneError("Plug-in, \"" + name + "\", was not found on the plug-in search path.");
@@ -75,7 +75,7 @@ Plugin& PluginManager::loadByBareName(const std::string& name) {
 
 Plugin& PluginManager::load(const std::string& nameOrPath) {
     if (nameOrPath.find('/') == std::string::npos) return loadByBareName(nameOrPath);
-    const auto file = withSuffix(nameOrPath);
+    const auto file = moduleFile(nameOrPath);
     if (file.empty()) throw scene::SceneError("Plug-in, \"" + nameOrPath + "\", was not found.");
     if (Plugin* p = find(file.stem().string())) return *p;
     return loadFile(file);
