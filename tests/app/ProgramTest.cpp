@@ -1,0 +1,352 @@
+// The program as a user runs it: exit statuses, what it prints where, and what it leaves on disk.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+std::string content(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void write(const fs::path& file, const std::string& text) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+struct Outcome {
+    int status = -1;
+    std::string out, error;
+};
+
+/// A scene that exports: settings and a sky.
+const char* const smallScene = R"(//Maya ASCII 2010 scene
+requires maya "2010";
+currentUnit -l centimeter -a degree -t film;
+createNode transform -n "OrvoSkyData";
+createNode transform -n "set" -p "OrvoSkyData";
+createNode orvosky_SkySceneSettings -n "setShape" -p "set";
+createNode transform -n "sky" -p "OrvoSkyData";
+createNode orvosky_BasicSkyLocator -n "skyShape" -p "sky";
+createNode transform -n "renderer1";
+createNode orvosky_SkyRenderer -n "renderer1Shape" -p "renderer1";
+)";
+
+class Program : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "orvosky-test-XXXXXX").string();
+        ASSERT_TRUE(mkdtemp(pattern.data()));
+        folder_ = pattern;
+        write(folder_ / "small.ma", smallScene);
+    }
+    void TearDown() override {
+        std::error_code ignored;
+        fs::permissions(folder_, fs::perms::owner_all, ignored);
+        fs::remove_all(folder_, ignored);
+    }
+
+    /// Runs the program in the test's folder. `fileLimit` bounds what it may write to one file, in bytes.
+    Outcome run(std::vector<std::string> arguments, std::map<std::string, std::string> environment = {},
+                rlim_t fileLimit = RLIM_INFINITY) {
+        const fs::path out = folder_ / ".out", error = folder_ / ".err";
+        arguments.insert(arguments.begin(), ORVOSKY_PROGRAM);
+        const pid_t child = fork();
+        if (child == 0) {
+            if (chdir(folder_.c_str()) != 0) _exit(99);
+            const auto redirect = [](const fs::path& file, int to) {
+                const int fd = open(file.c_str(), O_CREAT | O_WRONLY | O_TRUNC, 0600);
+                dup2(fd, to);
+                close(fd);
+            };
+            redirect(out, STDOUT_FILENO);
+            redirect(error, STDERR_FILENO);
+            for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+            if (fileLimit != RLIM_INFINITY) {
+                const rlimit limit{fileLimit, fileLimit};
+                setrlimit(RLIMIT_FSIZE, &limit);
+            }
+            std::vector<char*> argv;
+            for (auto& a : arguments) argv.push_back(a.data());
+            argv.push_back(nullptr);
+            execv(argv[0], argv.data());
+            _exit(98);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), content(out), content(error)};
+    }
+
+    /// What lies in the folder beside the files of the test itself.
+    std::vector<std::string> leftovers() const {
+        std::vector<std::string> found;
+        for (const auto& e : fs::directory_iterator(folder_)) {
+            const std::string name = e.path().filename();
+            if (name != ".out" && name != ".err" && name.rfind(".orvosky", 0) == 0) found.push_back(name);
+        }
+        return found;
+    }
+
+    fs::path folder_;
+};
+
+// Faults: an exit status that scripts would misread; usage errors taken for failures.
+TEST_F(Program, WrongUsageIsStatusTwo) {
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{}, {"paint"}, {"export", "small.ma"}, {"render", "small.ma"},
+                                               {"run"}, {"render", "small.ma", "a.png", "--size", "12"},
+                                               {"render", "small.ma", "a.png", "--size", "0x5"},
+                                               {"render", "small.ma", "a.png", "--time", "noon"},
+                                               {"export", "small.ma", "a.atmos", "--colour"}}) {
+        const Outcome o = run(arguments);
+        EXPECT_EQ(o.status, 2) << testing::PrintToString(arguments);
+        EXPECT_THAT(o.error, StartsWith("Error: "));
+        EXPECT_THAT(o.out, IsEmpty());
+    }
+    EXPECT_EQ(run({"--help"}).status, 0);
+    EXPECT_EQ(run({"export", "--help"}).status, 0);
+    EXPECT_EQ(run({"--version"}).out, "orvosky 1.40.0\n");
+}
+
+// Faults: output on the wrong stream; arguments lost; an uncaught error without place or with status 0.
+TEST_F(Program, RunsScripts) {
+    write(folder_ / "a.mel", "global string $argv[];\nprint ($argv[0] + \"|\" + size($argv) + \"\\n\");\n"
+                             "warning \"careful\";\n");
+    Outcome o = run({"run", "a.mel", "one", "--two"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_EQ(o.out, "one|2\n");
+    EXPECT_EQ(o.error, "Warning: careful\n");
+
+    write(folder_ / "b.mel", "print \"first\\n\";\n\nnoSuchThing 3;\nprint \"second\\n\";\n");
+    o = run({"run", "b.mel"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_EQ(o.out, "first\n");
+    EXPECT_THAT(o.error, StartsWith("Error: "));
+    EXPECT_THAT(o.error, HasSubstr("b.mel line 3: Cannot find procedure \"noSuchThing\"."));
+
+    write(folder_ / "c.mel", "print 1;\nif (1 { print 2; }\n");
+    o = run({"run", "c.mel"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_EQ(o.out, "") << "nothing of a script with a syntax error runs";
+    EXPECT_THAT(o.error, HasSubstr("c.mel line 2"));
+
+    EXPECT_EQ(run({"run", "-e", "print (1 + 1);"}).out, "2");
+    EXPECT_EQ(run({"run", "missing.mel"}).status, 1);
+    EXPECT_THAT(run({"run", "missing.mel"}).error, HasSubstr("missing.mel"));
+}
+
+// Faults: the plug-in loaded when it should not be; commands of it that linger.
+TEST_F(Program, NoPluginRunsTheBareHost) {
+    const Outcome o = run({"--no-plugin", "run", "-e", "print `pluginInfo -q -listPlugins`; createNode transform;"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_EQ(o.out, "");
+    EXPECT_EQ(run({"--no-plugin", "export", "small.ma", "a.atmos"}).status, 1);
+    EXPECT_FALSE(fs::exists(folder_ / "a.atmos"));
+}
+
+// Faults: an export that differs between runs or places, leaves its scaffolding, or names the wrong file.
+TEST_F(Program, ExportsTheSameBytesEveryTime) {
+    Outcome o = run({"export", "small.ma", "one.atmos"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_EQ(o.out, "SaveSkySystemToXML:  Export to file [one.atmos] completed successfully.\n");
+    fs::create_directory(folder_ / "deep");
+    EXPECT_EQ(run({"export", "small.ma", "deep/two.ATMOS"}, {{"LC_ALL", "de_DE.UTF-8"}, {"ORVOSKY_NO_GL", "1"}}).status, 0);
+    const std::string bytes = content(folder_ / "one.atmos");
+    EXPECT_EQ(bytes, content(folder_ / "deep/two.ATMOS"));
+    EXPECT_THAT(bytes, HasSubstr("\tsunDir = \"0.577350 0.577350 0.577350\"\n"));
+    EXPECT_THAT(leftovers(), IsEmpty());
+    EXPECT_EQ(std::system(("xmllint --noout --schema '" ORVO_SOURCE "/docs/atmos.xsd' '" +
+                           (folder_ / "one.atmos").string() + "' 2>/dev/null").c_str()), 0);
+}
+
+// Faults: a failed export that destroys an earlier one, or pretends to have worked.
+TEST_F(Program, FailedExportsLoseNothing) {
+    write(folder_ / "sky.atmos", "an earlier export");
+    write(folder_ / "sky.cdata", "its data");
+    write(folder_ / "two.ma", std::string(smallScene) +
+                                  "createNode transform -n \"more\" -p \"OrvoSkyData\";\n"
+                                  "createNode orvosky_SkySceneSettings -n \"moreShape\" -p \"more\";\n");
+    Outcome o = run({"export", "two.ma", "sky.atmos"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("Error: SaveSkySystemToXML:  More than 1 sky settings found\n"));
+    EXPECT_THAT(o.error, HasSubstr("Error: Failed to export .atmos - see above for details.\n"));
+    EXPECT_THAT(o.error, HasSubstr("sky.atmos"));
+
+    o = run({"export", "small.ma", "sky.atmos"}, {}, 100);
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("Error: SaveSkySystemToXML:  Cannot write atmos file\n"));
+
+    o = run({"export", "missing.ma", "sky.atmos"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("missing.ma"));
+
+    EXPECT_EQ(content(folder_ / "sky.atmos"), "an earlier export");
+    EXPECT_EQ(content(folder_ / "sky.cdata"), "its data");
+    EXPECT_THAT(leftovers(), IsEmpty());
+}
+
+// Faults: a place that cannot be written that ends in a crash, a stray file, or an error that names nothing.
+TEST_F(Program, PlacesThatCannotBeWritten) {
+    fs::create_directory(folder_ / "folder.atmos");
+    for (const char* target : {"no/such/folder/a.atmos", "folder.atmos", "/dev/full", "/proc/a.atmos", "a.txt"}) {
+        const Outcome o = run({"export", "small.ma", target});
+        EXPECT_EQ(o.status, 1) << target;
+        EXPECT_THAT(o.error, HasSubstr(target));
+    }
+    EXPECT_THAT(run({"export", "small.ma", "a.txt"}).error,
+                HasSubstr("Filename [a.txt] does not have required extention \".atmos\""));
+    if (geteuid() != 0) {
+        fs::create_directory(folder_ / "readonly");
+        fs::permissions(folder_ / "readonly", fs::perms::owner_read | fs::perms::owner_exec);
+        EXPECT_EQ(run({"export", "small.ma", "readonly/a.atmos"}).status, 1);
+    }
+    for (const char* picture : {"no/such/folder/a.png", "a.notaformat", "folder.atmos"}) {
+        const Outcome o = run({"render", "small.ma", picture, "--size", "16x9"});
+        EXPECT_EQ(o.status, 1) << picture;
+        EXPECT_THAT(o.error, HasSubstr(picture));
+    }
+}
+
+// Faults: bad scenes that crash, hang, or succeed in silence.
+TEST_F(Program, BadScenesSayWhatIsWrong) {
+    const std::string good = smallScene;
+    write(folder_ / "empty.ma", "");
+    write(folder_ / "binary.ma", std::string("FOR4\0\0\0\x10Maya", 12));
+    write(folder_ / "cut.ma", good.substr(0, good.size() - 20));
+    write(folder_ / "quote.ma", "//Maya ASCII 2010 scene\ncreateNode transform -n \"a;\n");
+    write(folder_ / "scene.mb", "FOR8");
+    fs::create_directory(folder_ / "folder.ma");
+    for (const char* scene : {"empty.ma", "binary.ma", "cut.ma", "quote.ma", "scene.mb", "folder.ma", "none.ma"}) {
+        const Outcome o = run({"export", scene, "a.atmos"});
+        EXPECT_EQ(o.status, 1) << scene;
+        EXPECT_THAT(o.error, HasSubstr(scene));
+        EXPECT_FALSE(fs::exists(folder_ / "a.atmos")) << scene;
+    }
+    EXPECT_THAT(run({"export", "quote.ma", "a.atmos"}).error, HasSubstr("quote.ma line 2"));
+}
+
+// Faults: a scene that reaches the shell, other files or the script language.
+TEST_F(Program, ScenesRunNothing) {
+    write(folder_ / "evil.ma", std::string(smallScene) +
+                                   "system \"touch owned1\";\neval \"print \\\"owned2\\\"\";\n"
+                                   "python(\"open('owned3', 'w')\");\n"
+                                   "global proc owned4() { print \"owned4\"; }\nowned4;\n"
+                                   "setAttr \"skyShape.Enable\" `fopen \"owned5\" \"w\"`;\n"
+                                   "source \"other.mel\";\nrequires \"../evil\" \"1\";\n"
+                                   "createNode script -n \"s\";\n\tsetAttr \".b\" -type \"string\" \"print \\\"owned6\\\"\";\n"
+                                   "\tsetAttr \".st\" 1;\n");
+    write(folder_ / "other.mel", "print \"owned7\\n\";");
+    const Outcome o = run({"export", "evil.ma", "a.atmos"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_THAT(o.out, Not(HasSubstr("owned")));
+    for (const char* name : {"system", "eval", "python", "owned4", "source", "../evil"})
+        EXPECT_THAT(o.error, HasSubstr(name));
+    for (const auto& e : fs::directory_iterator(folder_))
+        EXPECT_THAT(e.path().filename().string(), Not(StartsWith("owned")));
+}
+
+// Faults: no GL taken for a failed export, or for a rendered picture.
+TEST_F(Program, WithoutGl) {
+    Outcome o = run({"export", "small.ma", "a.atmos"}, {{"ORVOSKY_NO_GL", "1"}});
+    EXPECT_EQ(o.status, 0);
+    EXPECT_THAT(o.error, HasSubstr("Warning: The scene was not brought up to date by drawing it: "));
+    EXPECT_TRUE(fs::exists(folder_ / "a.atmos"));
+    o = run({"render", "small.ma", "a.png"}, {{"ORVOSKY_NO_GL", "1"}});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("No OpenGL context"));
+    EXPECT_FALSE(fs::exists(folder_ / "a.png"));
+}
+
+// Faults: a picture of the wrong size or camera; options that do nothing.
+TEST_F(Program, RendersPictures) {
+    Outcome o = run({"render", "small.ma", "a.png", "--size", "64x36"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_THAT(o.out, HasSubstr("a.png (64 x 36, camera persp)"));
+    const std::string png = content(folder_ / "a.png");
+    ASSERT_GT(png.size(), 24u);
+    const auto number = [&](std::size_t at) {
+        return (static_cast<unsigned char>(png[at + 2]) << 8) + static_cast<unsigned char>(png[at + 3]);
+    };
+    EXPECT_EQ(number(16), 64);
+    EXPECT_EQ(number(20), 36);
+    EXPECT_EQ(run({"render", "small.ma", "b.jpg", "--size", "16x9", "--camera", "top"}).status, 0);
+    EXPECT_THAT(content(folder_ / "b.jpg"), StartsWith("\xFF\xD8"));
+    o = run({"render", "small.ma", "c.png", "--camera", "nobody"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("nobody"));
+
+    write(folder_ / "moving.mel", "file -f -open \"small.ma\";\n"
+                                  "setKeyframe -at sunIntensity -t 1 -v 0 skyShape;\n"
+                                  "setKeyframe -at sunIntensity -t 24 -v 5 skyShape;\n");
+    EXPECT_EQ(run({"render", "moving.mel", "t1.png", "--size", "64x36", "--time", "1"}).status, 0);
+    EXPECT_EQ(run({"render", "moving.mel", "t24.png", "--size", "64x36", "--time", "24"}).status, 0);
+    EXPECT_EQ(run({"render", "moving.mel", "again.png", "--size", "64x36", "--time", "1"}).status, 0);
+    EXPECT_EQ(content(folder_ / "t1.png"), content(folder_ / "again.png"));
+    EXPECT_NE(content(folder_ / "t1.png"), content(folder_ / "t24.png"));
+}
+
+// Faults: the studio's scripts not found, or the program's own tool root taken in spite of them.
+TEST_F(Program, WorkspaceAndScripts) {
+    write(folder_ / "proj/workspace.mel", "//Maya 2010 Project Definition\nworkspace -fr \"scene\" \"scenes\";\n");
+    write(folder_ / "proj/scripts/userSetup.mel", "print \"set up\\n\";\n");
+    write(folder_ / "proj/scripts/studioTool.mel", "global proc studioTool() { print \"tool\\n\"; }\n");
+    const std::string ask = "print (OrvoGetPath_ToolsRoot() + \"\\n\");";
+    Outcome o = run({"run", "-e", "studioTool; print `workspace -q -rd`;", "--project", "proj"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_EQ(o.out, "set up\ntool\n" + fs::canonical(folder_ / "proj").string() + "/");
+    EXPECT_THAT(run({"run", "-e", ask}).out, HasSubstr("share/orvosky/"));
+    write(folder_ / "proj/scripts/OrvoGetPath_ToolsRoot.mel",
+          "global proc string OrvoGetPath_ToolsRoot() { return \"T:/tools/\"; }\n");
+    EXPECT_EQ(run({"--project", "proj", "run", "-e", ask}).out, "set up\nT:/tools/\n");
+
+    o = run({"--project", "gone", "run", "-e", "print 1;"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("gone"));
+
+    write(folder_ / "proj/scripts/userSetup.mel", "print \"before\\n\";\nnoSuchThing;\n");
+    o = run({"--project", "proj", "run", "-e", "print \"after\\n\";"});
+    EXPECT_EQ(o.status, 0);
+    EXPECT_EQ(o.out, "before\nafter\n");
+    EXPECT_THAT(o.error, HasSubstr("userSetup.mel line 2"));
+}
+
+// Faults: the example project broken by a change elsewhere.
+TEST_F(Program, ExampleProject) {
+    const std::string project = ORVO_SOURCE "/examples/project";
+    int scenes = 0;
+    for (const auto& e : fs::directory_iterator(project + "/scenes")) {
+        ++scenes;
+        const std::string target = e.path().stem().string() + ".atmos";
+        const Outcome o = run({"--project", project, "export", e.path().string(), target});
+        EXPECT_EQ(o.status, 0) << o.error;
+        EXPECT_THAT(o.error, Not(HasSubstr("Error")));
+        EXPECT_EQ(std::system(("xmllint --noout --schema '" ORVO_SOURCE "/docs/atmos.xsd' '" +
+                               (folder_ / target).string() + "' 2>/dev/null").c_str()), 0);
+    }
+    EXPECT_GT(scenes, 0);
+}
+
+} // namespace
