@@ -93,8 +93,9 @@ public:
     /// @}
 
     /// @name Normals, of unit length
-    /// Those of a polygon's corners are the ones that were given, else averages over the polygons that smooth edges join
-    /// at the vertex. Those of vertices are averages over all of its polygons. Polygons without area have none (0, 0, 0).
+    /// Those of a polygon's corners are the ones that were given, else averages over the polygons that smooth edges
+    /// join at the vertex. Those of vertices are averages over all of its polygons. Polygons without area
+    /// have the normal (0, 0, 0).
     /// @{
     /// One a face vertex, in the order of getVertices().
     MStatus getNormals(MFloatVectorArray& normals, MSpace::Space space = MSpace::kObject) const;
@@ -104,7 +105,8 @@ public:
     /// The vertex is the mesh's, and must be one of the polygon's.
     MStatus getFaceVertexNormal(int faceIndex, int vertexIndex, MVector& normal,
                                 MSpace::Space space = MSpace::kObject) const;
-    MStatus getFaceVertexNormals(int faceIndex, MFloatVectorArray& normals, MSpace::Space space = MSpace::kObject) const;
+    MStatus getFaceVertexNormals(int faceIndex, MFloatVectorArray& normals,
+                                 MSpace::Space space = MSpace::kObject) const;
     /// Every polygon counts the same, or by its angle at the vertex.
     MStatus getVertexNormal(int vertexId, MVector& normal, MSpace::Space space = MSpace::kObject) const;
     MStatus getVertexNormal(int vertexId, bool angleWeighted, MVector& normal,

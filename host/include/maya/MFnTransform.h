@@ -78,8 +78,8 @@ public:
 
     /// @name Pivots
     /// As stored; in kPostTransform the place that the transform takes them to, in kWorld that place in the scene. With
-    /// `balance` the pivot's translation changes too, so that the matrix stays. The pivots' translations are as stored, in
-    /// kWorld turned and scaled as by the parents.
+    /// `balance` the pivot's translation changes too, so that the matrix stays. The pivots' translations are as stored,
+    /// in kWorld turned and scaled as by the parents.
     /// @{
     MPoint scalePivot(MSpace::Space space, MStatus* ReturnStatus = NULL) const;
     MStatus setScalePivot(const MPoint& point, MSpace::Space space, bool balance);

@@ -25,8 +25,8 @@ public:
     /// possible and for kUnknown.
     MStatus create(unsigned int width, unsigned int height, unsigned int channels = 4, MPixelType type = kByte);
     /// Reads a file of any known format as RGBA. Grey becomes red, green and blue, absent alpha is full. Bytes are 0 to
-    /// 255, float pixels of integer formats 0 to 1, kUnknown takes what the file has. kFailure, with the old pixels kept,
-    /// for a file that is missing, damaged or cut off, or larger than a picture can be.
+    /// 255, float pixels of integer formats 0 to 1, kUnknown takes what the file has. kFailure, with the old pixels
+    /// kept, for a file that is missing, damaged or cut off, or larger than a picture can be.
     MStatus readFromFile(MString pathname, MPixelType type = kByte);
     MStatus getSize(unsigned int& width, unsigned int& height) const;
     /// kUnknown when there are no pixels.
@@ -39,8 +39,8 @@ public:
     void setFloatPixels(float* inPixelPtr, unsigned int width, unsigned int height, unsigned int channels = 4);
     /// The number of channels; 0 when there are no pixels.
     unsigned int depth() const;
-    /// Resamples to a new size. With the aspect ratio preserved the picture is fitted into it, centred, and what is left
-    /// over is 0.
+    /// Resamples to a new size. With the aspect ratio preserved the picture is fitted into it, centred, and what is
+    /// left over is 0.
     MStatus resize(int width, int height, bool preserveAspectRatio = true);
     /// Writes the picture in a format given by its usual extension ("png", "tga"), or by that of the path when the
     /// format is empty. Alpha is dropped where the format has none. A failure leaves an earlier file as it was.

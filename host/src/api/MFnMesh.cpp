@@ -49,16 +49,19 @@ MStatus MFnMesh::setObject(const MDagPath& objectPath) {
 
 namespace {
 
-template <class Point> Float3 toSingle(const Point& p) {
+template <class Point>
+Float3 toSingle(const Point& p) {
     return {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
 }
 
 /// The place that a matrix takes a point to, whatever the point's w.
-template <class Point> Float3 placed(const Point& p, const MMatrix& m) {
+template <class Point>
+Float3 placed(const Point& p, const MMatrix& m) {
     return toSingle(MPoint(p.x, p.y, p.z) * m);
 }
 
-template <class Points> std::vector<Float3> toSingles(const Points& points, const MMatrix& m) {
+template <class Points>
+std::vector<Float3> toSingles(const Points& points, const MMatrix& m) {
     std::vector<Float3> out;
     out.reserve(points.length());
     for (const auto& p : points) out.push_back(placed(p, m));
@@ -221,17 +224,20 @@ int MFnMesh::polygonVertexCount(int polygonId, MStatus* ReturnStatus) const {
 
 namespace {
 
-template <class Array> MStatus pointsOf(const MObject& object, Array& array, MSpace::Space space) {
+template <class Array>
+MStatus pointsOf(const MObject& object, Array& array, MSpace::Space space) {
     return withMesh(object, [&](const PolyMesh& m) -> MStatus {
         MMatrix matrix;
         if (const MStatus status = api::matrixTo(object, space, matrix); !status) return status;
         using Point = std::decay_t<decltype(array[0])>;
-        if (space != MSpace::kWorld) return fill(array, m.points(), [](const Float3& p) { return Point(p.x, p.y, p.z); });
+        if (space != MSpace::kWorld)
+            return fill(array, m.points(), [](const Float3& p) { return Point(p.x, p.y, p.z); });
         return fill(array, m.points(), [&](const Float3& p) { return Point(MPoint(p.x, p.y, p.z) * matrix); });
     });
 }
 
-template <class Array> MStatus setPointsOf(const MObject& object, const Array& array, MSpace::Space space) {
+template <class Array>
+MStatus setPointsOf(const MObject& object, const Array& array, MSpace::Space space) {
     return changeMesh(object, MeshChange::Points, [&](PolyMesh& m) -> MStatus {
         MMatrix matrix;
         if (const MStatus status = api::matrixTo(object, space, matrix); !status) return status;
@@ -281,7 +287,8 @@ MStatus MFnMesh::setPoint(int vertexId, const MPoint& pos, MSpace::Space space) 
 namespace {
 
 /// One number a polygon.
-template <class Count> MStatus fillCounts(MIntArray& counts, const PolyMesh& m, Count count) {
+template <class Count>
+MStatus fillCounts(MIntArray& counts, const PolyMesh& m, Count count) {
     counts.clear();
     if (const MStatus status = counts.setLength(static_cast<unsigned int>(m.numPolygons())); !status) return status;
     for (int face = 0; face < m.numPolygons(); ++face) counts[static_cast<unsigned int>(face)] = count(face);
@@ -289,7 +296,8 @@ template <class Count> MStatus fillCounts(MIntArray& counts, const PolyMesh& m, 
 }
 
 /// What `entry` makes of every corner of all triangles.
-template <class Entry> MStatus fillTriangles(MIntArray& counts, MIntArray& list, const PolyMesh& m, Entry entry) {
+template <class Entry>
+MStatus fillTriangles(MIntArray& counts, MIntArray& list, const PolyMesh& m, Entry entry) {
     if (const MStatus status = fillCounts(counts, m, [&](int face) { return m.faceSize(face) - 2; }); !status)
         return status;
     const auto triangles = m.triangles();

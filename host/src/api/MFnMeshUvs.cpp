@@ -35,14 +35,16 @@ int find(const PolyMesh& m, const MString* name) { return m.findUvSet(name ? tex
 int findNamed(const PolyMesh& m, const MString& name) { return name.length() ? m.findUvSet(text(name)) : -1; }
 
 /// Looks at a set, or changes one; kInvalidParameter when it does not exist.
-template <class Look> MStatus withSet(const MObject& object, const MString* name, Look&& look) {
+template <class Look>
+MStatus withSet(const MObject& object, const MString* name, Look&& look) {
     return withMesh(object, [&](const PolyMesh& m) -> MStatus {
         const int set = find(m, name);
         return set >= 0 ? look(m, set) : MStatus(MStatus::kInvalidParameter);
     });
 }
 
-template <class Change> MStatus changeSet(const MObject& object, const MString* name, Change&& change) {
+template <class Change>
+MStatus changeSet(const MObject& object, const MString* name, Change&& change) {
     return changeMesh(object, MeshChange::Any, [&](PolyMesh& m) -> MStatus {
         const int set = find(m, name);
         return set >= 0 ? change(m, set) : MStatus(MStatus::kInvalidParameter);
@@ -129,8 +131,7 @@ MStatus MFnMesh::setCurrentUVSetName(const MString& setName, MDGModifier*, MSele
     });
 }
 
-MString MFnMesh::createUVSetWithName(const MString& uvSetName, MDGModifier*, MStatus* ReturnStatus,
-                                     const MUintArray*) {
+MString MFnMesh::createUVSetWithName(const MString& uvSetName, MDGModifier*, MStatus* ReturnStatus, const MUintArray*) {
     std::string name;
     const MStatus status = changeMesh(object_, MeshChange::Any, [&](PolyMesh& m) {
         name = freeName(m, text(uvSetName));

@@ -100,7 +100,9 @@ private:
         scene::evaluate(c);
         return c.number();
     }
-    MVector triple(const std::string& name) { return MVector(number(name + "X"), number(name + "Y"), number(name + "Z")); }
+    MVector triple(const std::string& name) {
+        return MVector(number(name + "X"), number(name + "Y"), number(name + "Z"));
+    }
     void plan(scene::Cell& cell, double value) {
         if (cell.number() != value) changes_.emplace_back(&cell, value);
     }
@@ -114,13 +116,15 @@ private:
 };
 
 /// Runs a look at the target; kFailure when it is gone.
-template <class Look> MStatus look(const MObject& object, Look&& action) {
+template <class Look>
+MStatus look(const MObject& object, Look&& action) {
     Target t(object);
     return t ? action(t) : MStatus(MStatus::kFailure);
 }
 
 /// Runs a change of the target's components and stores them.
-template <class Change> MStatus change(const MObject& object, Change&& action) {
+template <class Change>
+MStatus change(const MObject& object, Change&& action) {
     return look(object, [&](Target& t) {
         const MStatus status = action(t);
         return status ? t.store() : status;
@@ -140,7 +144,8 @@ Value valueIn(const MObject& object, MSpace::Space space, MStatus* ReturnStatus,
     return value;
 }
 
-template <class Change> MStatus changeIn(const MObject& object, MSpace::Space space, Change&& action) {
+template <class Change>
+MStatus changeIn(const MObject& object, MSpace::Space space, Change&& action) {
     return change(object, [&](Target& t) { return known(space) ? action(t) : MStatus(MStatus::kInvalidParameter); });
 }
 
@@ -168,8 +173,8 @@ MObject MFnTransform::create(MObject parent, MStatus* ReturnStatus) {
         scene = &node->scene;
     }
     MObject made;
-    const MStatus status = api::guarded(
-        [&] { made = Access::object(scene->createNode(*scene->findType("transform"), {}, above).get()); });
+    const MStatus status =
+        api::guarded([&] { made = Access::object(scene->createNode(*scene->findType("transform"), {}, above).get()); });
     setStatus(ReturnStatus, status.statusCode());
     if (status) object_ = made;
     return made;

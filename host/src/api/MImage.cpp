@@ -30,15 +30,17 @@ struct MImage::Pixels {
 
     std::size_t rowValues() const { return static_cast<std::size_t>(width) * channels; }
     std::size_t valueSize() const { return type == kFloat ? sizeof(float) : 1; }
-    char* data() { return type == kFloat ? reinterpret_cast<char*>(floats.data()) : reinterpret_cast<char*>(bytes.data()); }
+    char* data() {
+        return type == kFloat ? reinterpret_cast<char*>(floats.data()) : reinterpret_cast<char*>(bytes.data());
+    }
     const char* data() const { return const_cast<Pixels*>(this)->data(); }
     char* row(unsigned int y) { return data() + y * rowValues() * valueSize(); }
     const char* row(unsigned int y) const { return const_cast<Pixels*>(this)->row(y); }
     OIIO::TypeDesc oiioType() const { return type == kFloat ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::UINT8; }
 
     /// Zeros of that size; the flag for the order of the channels is kept.
-    static std::unique_ptr<Pixels> make(unsigned int width, unsigned int height, unsigned int channels,
-                                        MPixelType type, bool rgba) {
+    static std::unique_ptr<Pixels> make(unsigned int width, unsigned int height, unsigned int channels, MPixelType type,
+                                        bool rgba) {
         auto p = std::make_unique<Pixels>();
         p->width = width;
         p->height = height;
@@ -46,8 +48,10 @@ struct MImage::Pixels {
         p->type = type;
         p->rgba = rgba;
         const std::size_t size = p->rowValues() * height;
-        if (type == kFloat) p->floats.resize(size);
-        else p->bytes.resize(size);
+        if (type == kFloat)
+            p->floats.resize(size);
+        else
+            p->bytes.resize(size);
         return p;
     }
 };
@@ -75,7 +79,8 @@ bool credible(std::uint64_t fileBytes, const OIIO::ImageSpec& spec) {
 }
 
 /// Spreads `stored` channels of every pixel over four, in place.
-template <class Value> void spread(std::vector<Value>& values, int stored, Value full) {
+template <class Value>
+void spread(std::vector<Value>& values, int stored, Value full) {
     for (std::size_t i = 0; i < values.size(); i += 4) {
         Value* p = values.data() + i;
         if (stored < 4) p[3] = stored == 2 ? p[1] : full;
@@ -140,12 +145,14 @@ MStatus MImage::readFromFile(MString pathname, MPixelType type) {
             !credible(fileBytes, spec))
             return MStatus::kFailure;
         const int stored = std::min(spec.nchannels, 4);
-        auto read = Pixels::make(static_cast<unsigned int>(spec.width), static_cast<unsigned int>(spec.height), 4,
-                                 type, true);
+        auto read =
+            Pixels::make(static_cast<unsigned int>(spec.width), static_cast<unsigned int>(spec.height), 4, type, true);
         // The file's first row is the top one, which is the last one here.
         const auto pixelStep = static_cast<OIIO::stride_t>(4 * read->valueSize());
         const OIIO::stride_t rowStep = pixelStep * spec.width;
-        if (!input->read_image(0, 0, 0, stored, read->oiioType(), read->row(read->height - 1), pixelStep, -rowStep)) {
+        // Some readers answer success for a file that is cut off, and only leave the error's text.
+        if (!input->read_image(0, 0, 0, stored, read->oiioType(), read->row(read->height - 1), pixelStep, -rowStep) ||
+            input->has_error()) {
             input->geterror();
             return MStatus::kFailure;
         }
@@ -193,14 +200,15 @@ MStatus MImage::resize(int width, int height, bool preserveAspectRatio) {
     try {
         int w = width, h = height;
         if (preserveAspectRatio) {
-            const double scale = std::min(static_cast<double>(width) / from.width, static_cast<double>(height) / from.height);
+            const double scale =
+                std::min(static_cast<double>(width) / from.width, static_cast<double>(height) / from.height);
             w = std::clamp(static_cast<int>(from.width * scale + 0.5), 1, width);
             h = std::clamp(static_cast<int>(from.height * scale + 0.5), 1, height);
         }
         const auto channels = static_cast<int>(from.channels);
-        const OIIO::ImageBuf source(OIIO::ImageSpec(static_cast<int>(from.width), static_cast<int>(from.height), channels,
-                                                    from.oiioType()),
-                                    from.data());
+        const OIIO::ImageBuf source(
+            OIIO::ImageSpec(static_cast<int>(from.width), static_cast<int>(from.height), channels, from.oiioType()),
+            from.data());
         // A triangle filter has no negative lobes, which would ring around bright pixels.
         const OIIO::ImageBuf scaled = OIIO::ImageBufAlgo::resize(source, "triangle", 0.0f, OIIO::ROI(0, w, 0, h), 1);
         auto made = Pixels::make(static_cast<unsigned int>(width), static_cast<unsigned int>(height), from.channels,
@@ -244,7 +252,8 @@ MStatus MImage::writeToFile(MString pathname, MString outputFormat) const {
                 for (unsigned int c = 0; c < kept; ++c, to += size)
                     std::copy_n(from + (swapped && c < 3 ? 2 - c : c) * size, size, to);
         }
-        OIIO::ImageSpec spec(static_cast<int>(p.width), static_cast<int>(p.height), static_cast<int>(kept), p.oiioType());
+        OIIO::ImageSpec spec(static_cast<int>(p.width), static_cast<int>(p.height), static_cast<int>(kept),
+                             p.oiioType());
         keepAlphaApart(spec);
         std::vector<unsigned char> file;
         OIIO::Filesystem::IOVecOutput memory(file);
