@@ -52,20 +52,52 @@ INSTANTIATE_TEST_SUITE_P(
     Cases, PointPlace,
     testing::Values(
         PointCase{"perspective", 100, 100, 1.25, 0.75, 0, false, {}, {0, 0, 10}, {}, 1, "62,42"},
-        PointCase{"perspective does not divide by depth", 100, 100, 2.5, 1.5, -10, false, {}, {0, 0, 10}, {}, 1, "62,42"},
+        PointCase{
+            "perspective does not divide by depth", 100, 100, 2.5, 1.5, -10, false, {}, {0, 0, 10}, {}, 1, "62,42"},
         PointCase{"orthographic divides by depth", 100, 50, 1.25, 0.75, -10, true, {}, {0, 0, 10}, {}, 1, "62,17"},
         PointCase{"view turned the wrong way", 100, 100, 0, 0.75, -1.25, false, {}, {10, 0, 0}, {0, 90, 0}, 1, "62,42"},
         PointCase{"scale of the camera enters", 100, 100, 1.25, 0.75, 0, false, {}, {0, 0, 10}, {}, 5, "62,42"},
-        PointCase{"fill: film narrower than the port", 200, 100, 1.225, 0.725, 0, false, {}, {0, 0, 10}, {}, 1, "124,35"},
+        PointCase{
+            "fill: film narrower than the port", 200, 100, 1.225, 0.725, 0, false, {}, {0, 0, 10}, {}, 1, "124,35"},
         PointCase{"fill: film wider than the port", 100, 200, 1.225, 0.725, 0, false, {}, {0, 0, 10}, {}, 1, "74,85"},
         PointCase{"vertical fit", 200, 100, 1.25, 0.75, 0, false, {{"filmFit", 2}}, {0, 0, 10}, {}, 1, "112,42"},
         PointCase{"overscan fit", 200, 100, 1.25, 0.75, 0, false, {{"filmFit", 3}}, {0, 0, 10}, {}, 1, "112,42"},
-        PointCase{"horizontal fit, moved to the film's top edge by 2.5 units", 200, 100, 1.225, 0.725, 0, false,
-                  {{"filmFit", 1}, {"filmFitOffset", 1}}, {0, 0, 10}, {}, 1, "124,85"},
-        PointCase{"film offset by a tenth of an inch, 1 unit", 100, 100, 1.25, 0.75, 0, false,
-                  {{"horizontalFilmOffset", 0.1}}, {0, 0, 10}, {}, 1, "52,42"},
-        PointCase{"squeezed film of 2 to 1 fills the port", 200, 100, 1.25, 0.75, 0, false,
-                  {{"lensSqueezeRatio", 2}}, {0, 0, 10}, {}, 1, "112,42"}));
+        PointCase{"horizontal fit, moved to the film's top edge by 2.5 units",
+                  200,
+                  100,
+                  1.225,
+                  0.725,
+                  0,
+                  false,
+                  {{"filmFit", 1}, {"filmFitOffset", 1}},
+                  {0, 0, 10},
+                  {},
+                  1,
+                  "124,85"},
+        PointCase{"film offset by a tenth of an inch, 1 unit",
+                  100,
+                  100,
+                  1.25,
+                  0.75,
+                  0,
+                  false,
+                  {{"horizontalFilmOffset", 0.1}},
+                  {0, 0, 10},
+                  {},
+                  1,
+                  "52,42"},
+        PointCase{"squeezed film of 2 to 1 fills the port",
+                  200,
+                  100,
+                  1.25,
+                  0.75,
+                  0,
+                  false,
+                  {{"lensSqueezeRatio", 2}},
+                  {0, 0, 10},
+                  {},
+                  1,
+                  "112,42"}));
 
 class ViewportTest : public ViewFixture {
 protected:
@@ -215,82 +247,91 @@ TEST_P(Leak, DoesNotReachOthers) {
     EXPECT_THAT(errors, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, Leak,
-    testing::Values(
-        LeakCase{"capabilities", [] {
-            glEnable(GL_BLEND);
-            glBlendFunc(GL_ZERO, GL_ZERO);
-            glEnable(GL_SCISSOR_TEST);
-            glScissor(0, 0, 1, 1);
-            glEnable(GL_CULL_FACE);
-            glCullFace(GL_FRONT_AND_BACK);
-            glDepthFunc(GL_NEVER);
-            glColorMask(0, 0, 0, 0);
-            glViewport(0, 0, 1, 1);
-        }},
-        LeakCase{"matrices", [] {
-            glMatrixMode(GL_PROJECTION);
-            glPushMatrix();
-            glScaled(2, 2, 2);
-            glMatrixMode(GL_MODELVIEW);
-            for (int i = 0; i < 5; ++i) glPushMatrix();
-            glLoadIdentity();
-            glMatrixMode(GL_TEXTURE);
-        }},
-        LeakCase{"too many pops", [] {
-            glPopMatrix();
-            for (int i = 0; i < 3; ++i) glPopAttrib();
-            for (int i = 0; i < 3; ++i) glPopClientAttrib();
-            glEnable(GL_LIGHTING);
-            glColorMask(0, 0, 0, 0);
-        }},
-        LeakCase{"pushed attributes", [] {
-            for (int i = 0; i < 5; ++i) glPushAttrib(GL_ALL_ATTRIB_BITS);
-            for (int i = 0; i < 5; ++i) glPushClientAttrib(GL_CLIENT_ALL_ATTRIB_BITS);
-            glDisable(GL_DEPTH_TEST);
-            glPointSize(8);
-        }},
-        LeakCase{"glBegin without glEnd", [] {
-            glBegin(GL_TRIANGLES);
-            glVertex3d(0, 0, 0);
-        }},
-        LeakCase{"framebuffer", [] { glBindFramebuffer(GL_FRAMEBUFFER, 0); }},
-        LeakCase{"open display list", [] { glNewList(glGenLists(1), GL_COMPILE); }},
-        LeakCase{"program, arrays and buffer", [] {
-            const char* text = "void main() { gl_FragColor = vec4(0, 1, 0, 1); }";
-            const GLuint shader = glCreateShader(GL_FRAGMENT_SHADER), program = glCreateProgram();
-            glShaderSource(shader, 1, &text, nullptr);
-            glCompileShader(shader);
-            glAttachShader(program, shader);
-            glLinkProgram(program);
-            glUseProgram(program);
-            GLuint buffer = 0, array = 0;
-            glGenVertexArrays(1, &array);
-            glBindVertexArray(array);
-            glGenBuffers(1, &buffer);
-            glBindBuffer(GL_ARRAY_BUFFER, buffer);
-            for (GLuint i = 0; i < 4; ++i) {
-                glVertexAttribPointer(i, 3, GL_DOUBLE, 0, 0, nullptr);
-                glEnableVertexAttribArray(i);
-            }
-        }},
-        LeakCase{"texture", [] {
-            GLuint texture = 0;
-            const unsigned char black[4] = {};
-            glGenTextures(1, &texture);
-            glActiveTexture(GL_TEXTURE1);
-            glBindTexture(GL_TEXTURE_2D, texture);
-            glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, black);
-            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-            glEnable(GL_TEXTURE_2D);
-        }},
-        LeakCase{"the view's own begin and port", [] {
-            M3dView view = M3dView::active3dView();
-            EXPECT_FALSE(view.endGL()) << "ended the frame's own beginGL";
-            EXPECT_TRUE(view.beginGL());
-            EXPECT_TRUE(view.pushViewport(0, 0, 5, 5));
-        }}));
+INSTANTIATE_TEST_SUITE_P(Cases, Leak,
+                         testing::Values(LeakCase{"capabilities",
+                                                  [] {
+                                                      glEnable(GL_BLEND);
+                                                      glBlendFunc(GL_ZERO, GL_ZERO);
+                                                      glEnable(GL_SCISSOR_TEST);
+                                                      glScissor(0, 0, 1, 1);
+                                                      glEnable(GL_CULL_FACE);
+                                                      glCullFace(GL_FRONT_AND_BACK);
+                                                      glDepthFunc(GL_NEVER);
+                                                      glColorMask(0, 0, 0, 0);
+                                                      glViewport(0, 0, 1, 1);
+                                                  }},
+                                         LeakCase{"matrices",
+                                                  [] {
+                                                      glMatrixMode(GL_PROJECTION);
+                                                      glPushMatrix();
+                                                      glScaled(2, 2, 2);
+                                                      glMatrixMode(GL_MODELVIEW);
+                                                      for (int i = 0; i < 5; ++i) glPushMatrix();
+                                                      glLoadIdentity();
+                                                      glMatrixMode(GL_TEXTURE);
+                                                  }},
+                                         LeakCase{"too many pops",
+                                                  [] {
+                                                      glPopMatrix();
+                                                      for (int i = 0; i < 3; ++i) glPopAttrib();
+                                                      for (int i = 0; i < 3; ++i) glPopClientAttrib();
+                                                      glEnable(GL_LIGHTING);
+                                                      glColorMask(0, 0, 0, 0);
+                                                  }},
+                                         LeakCase{"pushed attributes",
+                                                  [] {
+                                                      for (int i = 0; i < 5; ++i) glPushAttrib(GL_ALL_ATTRIB_BITS);
+                                                      for (int i = 0; i < 5; ++i)
+                                                          glPushClientAttrib(GL_CLIENT_ALL_ATTRIB_BITS);
+                                                      glDisable(GL_DEPTH_TEST);
+                                                      glPointSize(8);
+                                                  }},
+                                         LeakCase{"glBegin without glEnd",
+                                                  [] {
+                                                      glBegin(GL_TRIANGLES);
+                                                      glVertex3d(0, 0, 0);
+                                                  }},
+                                         LeakCase{"framebuffer", [] { glBindFramebuffer(GL_FRAMEBUFFER, 0); }},
+                                         LeakCase{"open display list", [] { glNewList(glGenLists(1), GL_COMPILE); }},
+                                         LeakCase{"program, arrays and buffer",
+                                                  [] {
+                                                      const char* text =
+                                                          "void main() { gl_FragColor = vec4(0, 1, 0, 1); }";
+                                                      const GLuint shader = glCreateShader(GL_FRAGMENT_SHADER),
+                                                                   program = glCreateProgram();
+                                                      glShaderSource(shader, 1, &text, nullptr);
+                                                      glCompileShader(shader);
+                                                      glAttachShader(program, shader);
+                                                      glLinkProgram(program);
+                                                      glUseProgram(program);
+                                                      GLuint buffer = 0, array = 0;
+                                                      glGenVertexArrays(1, &array);
+                                                      glBindVertexArray(array);
+                                                      glGenBuffers(1, &buffer);
+                                                      glBindBuffer(GL_ARRAY_BUFFER, buffer);
+                                                      for (GLuint i = 0; i < 4; ++i) {
+                                                          glVertexAttribPointer(i, 3, GL_DOUBLE, 0, 0, nullptr);
+                                                          glEnableVertexAttribArray(i);
+                                                      }
+                                                  }},
+                                         LeakCase{"texture",
+                                                  [] {
+                                                      GLuint texture = 0;
+                                                      const unsigned char black[4] = {};
+                                                      glGenTextures(1, &texture);
+                                                      glActiveTexture(GL_TEXTURE1);
+                                                      glBindTexture(GL_TEXTURE_2D, texture);
+                                                      glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA,
+                                                                   GL_UNSIGNED_BYTE, black);
+                                                      glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+                                                      glEnable(GL_TEXTURE_2D);
+                                                  }},
+                                         LeakCase{"the view's own begin and port", [] {
+                                                      M3dView view = M3dView::active3dView();
+                                                      EXPECT_FALSE(view.endGL()) << "ended the frame's own beginGL";
+                                                      EXPECT_TRUE(view.beginGL());
+                                                      EXPECT_TRUE(view.pushViewport(0, 0, 5, 5));
+                                                  }}));
 
 // Fault: an exception ends the frame or the process, or nobody learns which node is at fault.
 TEST_F(ViewportTest, ReportsNodesThatFail) {
@@ -303,8 +344,8 @@ TEST_F(ViewportTest, ReportsNodesThatFail) {
     makePoint("point", 1.25, 0.75, 0, red);
     render();
     EXPECT_THAT(litPixels(), ElementsAre("62,42:255,0,0"));
-    EXPECT_THAT(errors, ElementsAre(testing::AllOf(HasSubstr("throws"), HasSubstr("no texture")),
-                                    HasSubstr("throwsOddly")));
+    EXPECT_THAT(errors,
+                ElementsAre(testing::AllOf(HasSubstr("throws"), HasSubstr("no texture")), HasSubstr("throwsOddly")));
     EXPECT_THAT(warnings, ElementsAre(testing::AllOf(HasSubstr("badCall"), HasSubstr("GL_INVALID_ENUM"))));
     render();
     EXPECT_EQ(warnings.size(), 1u) << "the same GL error was told again";

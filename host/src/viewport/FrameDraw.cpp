@@ -119,8 +119,10 @@ void FrameDraw::drawMesh(scene::DagNode& shape, bool templated) {
     loadObject(objectToWorld);
     // Mirroring turns the winding of what is seen, but not the side that a normal is on.
     if (objectToWorld.det3x3() < 0) glFrontFace(GL_CW);
-    if (templated) drawWireframe(*mesh);
-    else drawShaded(*mesh);
+    if (templated)
+        drawWireframe(*mesh);
+    else
+        drawShaded(*mesh);
     if (problem_.empty()) problem_ = guard.finish();
 }
 

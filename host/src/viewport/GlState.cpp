@@ -61,16 +61,32 @@ void setDefaultState() {
         glClientActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
         glDisableClientState(GL_TEXTURE_COORD_ARRAY);
     }
-    for (const GLenum array :
-         {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY, GL_INDEX_ARRAY, GL_EDGE_FLAG_ARRAY,
-          GL_FOG_COORDINATE_ARRAY, GL_SECONDARY_COLOR_ARRAY})
+    for (const GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY, GL_INDEX_ARRAY, GL_EDGE_FLAG_ARRAY,
+                               GL_FOG_COORDINATE_ARRAY, GL_SECONDARY_COLOR_ARRAY})
         glDisableClientState(array);
     for (GLint i = integer(GL_MAX_VERTEX_ATTRIBS) - 1; i >= 0; --i) glDisableVertexAttribArray(static_cast<GLuint>(i));
-    for (const GLenum capability :
-         {GL_LIGHTING, GL_BLEND, GL_CULL_FACE, GL_FOG, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_ALPHA_TEST,
-          GL_COLOR_LOGIC_OP, GL_COLOR_MATERIAL, GL_LINE_STIPPLE, GL_LINE_SMOOTH, GL_POINT_SMOOTH, GL_POLYGON_SMOOTH,
-          GL_POLYGON_STIPPLE, GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE, GL_POLYGON_OFFSET_POINT,
-          GL_RESCALE_NORMAL, GL_NORMALIZE, GL_COLOR_SUM, GL_VERTEX_PROGRAM_POINT_SIZE, GL_POINT_SPRITE})
+    for (const GLenum capability : {GL_LIGHTING,
+                                    GL_BLEND,
+                                    GL_CULL_FACE,
+                                    GL_FOG,
+                                    GL_SCISSOR_TEST,
+                                    GL_STENCIL_TEST,
+                                    GL_ALPHA_TEST,
+                                    GL_COLOR_LOGIC_OP,
+                                    GL_COLOR_MATERIAL,
+                                    GL_LINE_STIPPLE,
+                                    GL_LINE_SMOOTH,
+                                    GL_POINT_SMOOTH,
+                                    GL_POLYGON_SMOOTH,
+                                    GL_POLYGON_STIPPLE,
+                                    GL_POLYGON_OFFSET_FILL,
+                                    GL_POLYGON_OFFSET_LINE,
+                                    GL_POLYGON_OFFSET_POINT,
+                                    GL_RESCALE_NORMAL,
+                                    GL_NORMALIZE,
+                                    GL_COLOR_SUM,
+                                    GL_VERTEX_PROGRAM_POINT_SIZE,
+                                    GL_POINT_SPRITE})
         glDisable(capability);
     for (GLint i = integer(GL_MAX_CLIP_PLANES) - 1; i >= 0; --i) glDisable(GL_CLIP_PLANE0 + static_cast<GLenum>(i));
     glEnable(GL_DEPTH_TEST);
@@ -89,9 +105,9 @@ void setDefaultState() {
     glPointSize(1);
     glColor4f(1, 1, 1, 1);
     for (const GLenum direction : {GL_UNPACK_ALIGNMENT, GL_PACK_ALIGNMENT}) glPixelStorei(direction, 4);
-    for (const GLenum name : {GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SWAP_BYTES,
-                              GL_UNPACK_LSB_FIRST, GL_PACK_ROW_LENGTH, GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS,
-                              GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST})
+    for (const GLenum name :
+         {GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST,
+          GL_PACK_ROW_LENGTH, GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS, GL_PACK_SWAP_BYTES, GL_PACK_LSB_FIRST})
         glPixelStorei(name, 0);
     glMatrixMode(GL_TEXTURE);
     glLoadIdentity();

@@ -35,8 +35,8 @@ public:
     static Viewport* active(); ///< null when there is none; the newest one when the active one was closed
     void activate();
     static std::size_t count();
-    static Viewport* at(std::size_t index);        ///< null beyond the end
-    static Viewport* find(unsigned long serial);   ///< null when the view was closed
+    static Viewport* at(std::size_t index);          ///< null beyond the end
+    static Viewport* find(unsigned long serial);     ///< null when the view was closed
     unsigned long serial() const { return serial_; } ///< never used again for another view
     M3dView apiView() const { return M3dView(serial_); }
     /// @}
@@ -94,7 +94,7 @@ private:
     std::vector<PortRect> ports_;
     std::vector<MatrixKeeper> begun_;
     bool drawing_ = false;
-    MMatrix object_; ///< matrix of the object that is drawn
+    MMatrix object_;                         ///< matrix of the object that is drawn
     std::unordered_set<unsigned long> told_; ///< serials of the nodes whose GL errors have been reported
 };
 
