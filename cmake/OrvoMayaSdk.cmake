@@ -1,7 +1,7 @@
 # The plug-in against a Maya devkit: ORVOSKY_MAYA_SDK names the folder that holds include/maya and lib.
 #
 # Gives the target orvo_host_api (headers, libraries and definitions of that host) and the function orvo_maya_plugin,
-# which gives a module the name and the exports that the host expects.
+# which gives a module what that host expects of its name and exports.
 
 set(orvo_sdk "${ORVOSKY_MAYA_SDK}")
 if(NOT IS_DIRECTORY "${orvo_sdk}")
@@ -34,16 +34,12 @@ else()
   target_compile_definitions(orvo_host_api INTERFACE LINUX LINUX_64 UNIX REQUIRE_IOSTREAM _BOOL Bits64_)
 endif()
 
-set(ORVOSKY_PLUGIN_EXPORTS "${CMAKE_CURRENT_LIST_DIR}/OrvoPluginExports.map")
-
 function(orvo_maya_plugin target)
   if(WIN32)
     set_target_properties(${target} PROPERTIES SUFFIX ".mll")
     target_link_options(${target} PRIVATE /export:initializePlugin /export:uninitializePlugin)
   else()
-    # The devkit's headers need not mark the entry points, nor the version text beside them, as visible.
-    set_target_properties(${target} PROPERTIES SUFFIX ".so" LINK_DEPENDS "${ORVOSKY_PLUGIN_EXPORTS}")
+    # The devkit's headers need not mark what must be visible; the list of exports hides the rest.
     set_target_properties(orvosky_objects PROPERTIES CXX_VISIBILITY_PRESET default VISIBILITY_INLINES_HIDDEN OFF)
-    target_link_options(${target} PRIVATE "LINKER:--version-script=${ORVOSKY_PLUGIN_EXPORTS}")
   endif()
 endfunction()

@@ -16,8 +16,12 @@ class InstanceList {
 public:
     /// The one list of the class. It is never destroyed: the host may take nodes down while the process ends.
     static InstanceList& shared() {
-        static InstanceList& list = *new InstanceList;
-        return list;
+        union Undestroyed {
+            InstanceList list{};
+            ~Undestroyed() {}
+        };
+        static Undestroyed storage;
+        return storage.list;
     }
 
     void add(Node& node) { nodes_.push_back(&node); }
@@ -25,6 +29,7 @@ public:
     void remove(const Node& node) {
         const auto found = std::find(nodes_.begin(), nodes_.end(), &node);
         if (found != nodes_.end()) nodes_.erase(found);
+        if (nodes_.empty()) nodes_.shrink_to_fit(); // the module may be unloaded next
     }
     const std::vector<Node*>& nodes() const { return nodes_; }
 

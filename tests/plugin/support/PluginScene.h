@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Host.h"
+#include "MessageLog.h"
+#include "api/PluginManager.h"
+#include "scene/Scene.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+
+/// A test in an empty scene, in a project of its own, with the plug-in loaded. The host is started once a process.
+class PluginScene : public testing::Test {
+protected:
+    PluginScene() {
+        static const bool started = start();
+        (void)started;
+        host::scene::Scene::current().reset();
+        log_.clear();
+    }
+
+    /// `artsource` below it is the workspace.
+    static std::filesystem::path project() { return std::filesystem::path(testing::TempDir()) / "orvo_project"; }
+
+    /// Runs MEL; false when it fails.
+    bool mel(const std::string& script) {
+        try {
+            result_ = host::Host::instance().interpreter().execute(script);
+            return true;
+        } catch (const std::exception& e) {
+            failure_ = e.what();
+            return false;
+        }
+    }
+    /// Runs MEL that must work.
+    void must(const std::string& script) { ASSERT_TRUE(mel(script)) << failure_ << "\n" << script; }
+
+    static std::string contents(const std::filesystem::path& file) {
+        std::ostringstream text;
+        text << std::ifstream(file, std::ios::binary).rdbuf();
+        return text.str();
+    }
+
+    MessageLog log_;
+    host::mel::Value result_;
+    std::string failure_;
+
+private:
+    static bool start() {
+        std::filesystem::create_directories(project() / "artsource");
+        auto& host = host::Host::instance();
+        host.start({.project = project() / "artsource", .pluginFolders = {}, .scriptFolders = {}});
+        host.plugins().load(ORVO_PLUGIN);
+        return true;
+    }
+};
