@@ -2,9 +2,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <csignal>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -19,6 +22,29 @@ std::string readSize(const std::string& text, int& width, int& height) {
         if (second.ec == std::errc() && second.ptr == end && width > 0 && height > 0) return {};
     }
     return "'" + text + "' is no size; give it as WIDTHxHEIGHT, for example 1280x720";
+}
+
+/// Takes the script's own words off the command line: everything behind the script, or, with -e, from the first word
+/// that is no option on, belongs to the script as it stands.
+std::vector<std::string> takeScriptWords(std::vector<std::string>& words) {
+    std::size_t at = 0;
+    const auto valueFollows = [](const std::string& w) { return w == "-e" || w == "--project"; };
+    while (at < words.size() && words[at] != "run") {
+        if (words[at] == "export" || words[at] == "render") return {};
+        at += valueFollows(words[at]) ? 2 : 1;
+    }
+    bool text = false;
+    for (++at; at < words.size(); ++at) {
+        const std::string& w = words[at];
+        text = text || w == "-e";
+        if (valueFollows(w)) ++at;
+        else if (w.empty() || w[0] != '-') break;
+    }
+    if (!text) ++at; // the script itself
+    if (at >= words.size()) return {};
+    std::vector<std::string> own(words.begin() + static_cast<std::ptrdiff_t>(at), words.end());
+    words.resize(at);
+    return own;
 }
 
 int usageError(const CLI::App& app, const CLI::ParseError& error) {
@@ -48,8 +74,7 @@ int main(int argc, char** argv) {
     RunOptions run;
     auto* runApp = app.add_subcommand("run", "Run a MEL script with the plug-in loaded");
     runApp->add_option("-e", run.text, "A line of MEL to run in place of a script");
-    runApp->add_option("script", run.script, "The script, and its arguments ($argv)");
-    runApp->add_option("args", run.arguments, "Arguments of the script");
+    runApp->add_option("script", run.script, "The script; what follows it are its arguments ($argv)");
 
     ExportOptions exporting;
     auto* exportApp = app.add_subcommand("export", "Open a scene, bring it up to date, and export its sky");
@@ -66,18 +91,17 @@ int main(int argc, char** argv) {
     renderApp->add_option("--camera", rendering.camera, "Camera to look through");
     auto* time = renderApp->add_option("--time", rendering.time, "Time to draw, in the scene's time unit");
 
+    std::vector<std::string> words(argv + 1, argv + argc);
+    run.arguments = takeScriptWords(words);
+    std::reverse(words.begin(), words.end()); // as CLI11 takes them
     try {
-        app.parse(argc, argv);
-        if (runApp->parsed() && run.script.empty() == run.text.empty() && run.text.empty())
+        app.parse(words);
+        if (runApp->parsed() && run.script.empty() && run.text.empty())
             throw CLI::RequiredError("run: a script, or -e with a line of MEL");
     } catch (const CLI::ParseError& error) {
         return usageError(app, error);
     }
-    if (runApp->parsed()) {
-        // With -e there is no script: every word is an argument.
-        if (!run.text.empty() && !run.script.empty()) run.arguments.insert(run.arguments.begin(), run.script);
-        return runCommand(common, run);
-    }
+    if (runApp->parsed()) return runCommand(common, run);
     if (exportApp->parsed()) return exportCommand(common, exporting);
     rendering.timeGiven = time->count() > 0;
     return renderCommand(common, rendering);

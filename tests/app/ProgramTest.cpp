@@ -154,6 +154,7 @@ TEST_F(Program, RunsScripts) {
     EXPECT_THAT(o.error, HasSubstr("c.mel line 2"));
 
     EXPECT_EQ(run({"run", "-e", "print (1 + 1);"}).out, "2");
+    EXPECT_EQ(run({"run", "-e", "global string $argv[]; print $argv;", "a", "-e", "--help"}).out, "a\n-e\n--help\n");
     EXPECT_EQ(run({"run", "missing.mel"}).status, 1);
     EXPECT_THAT(run({"run", "missing.mel"}).error, HasSubstr("missing.mel"));
 }
@@ -298,7 +299,9 @@ TEST_F(Program, RendersPictures) {
     EXPECT_EQ(o.status, 1);
     EXPECT_THAT(o.error, HasSubstr("nobody"));
 
+    // The default view looks at the ground; this one looks into the sun.
     write(folder_ / "moving.mel", "file -f -open \"small.ma\";\n"
+                                  "setAttr persp.r -type \"double3\" 35.26 -135 0;\n"
                                   "setKeyframe -at sunIntensity -t 1 -v 0 skyShape;\n"
                                   "setKeyframe -at sunIntensity -t 24 -v 5 skyShape;\n");
     EXPECT_EQ(run({"render", "moving.mel", "t1.png", "--size", "64x36", "--time", "1"}).status, 0);

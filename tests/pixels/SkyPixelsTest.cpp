@@ -74,7 +74,9 @@ struct Fog {
         const double h = height * 100;
         const double depth = h * std::exp(-(1 / h) * (eye.y - offset * 100));
         const double extinction = (1 - std::exp(-density / 100000 * (depth / saturate(v.y)))) * alpha;
-        return colour * extinction + sky * (1 - extinction);
+        // The frame buffer held the sky, with what is brighter than white cut off.
+        const V3 held{saturate(sky.x), saturate(sky.y), saturate(sky.z)};
+        return colour * extinction + held * (1 - extinction);
     }
 };
 
