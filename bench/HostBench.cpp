@@ -75,8 +75,8 @@ fs::path largeScene(int megabytes) {
     for (int i = 0; out.tellp() < static_cast<std::streamoff>(megabytes) * 1000000; ++i) {
         const std::string n = std::to_string(i);
         out << "createNode transform -n \"prop" << n << "\";\n\tsetAttr \".t\" -type \"double3\" " << i * 0.25
-            << " 3.5 -1.75 ;\n\tsetAttr \".r\" -type \"double3\" 0 " << i % 360 << " 0 ;\ncreateNode mesh -n \"prop" << n
-            << "Shape\" -p \"prop" << n << "\";\n\tsetAttr -k off \".v\";\n\tsetAttr -s 400 \".vt[0:399]\"";
+            << " 3.5 -1.75 ;\n\tsetAttr \".r\" -type \"double3\" 0 " << i % 360 << " 0 ;\ncreateNode mesh -n \"prop"
+            << n << "Shape\" -p \"prop" << n << "\";\n\tsetAttr -k off \".v\";\n\tsetAttr -s 400 \".vt[0:399]\"";
         for (int k = 0; k < 400; ++k)
             out << (k % 8 == 0 ? "\n\t\t" : " ") << k % 20 * 0.5 << ' ' << (k * 37 % 101) * 0.01 << ' ' << k / 20 * 0.5;
         out << ";\n";

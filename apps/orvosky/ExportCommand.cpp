@@ -14,13 +14,15 @@ public:
     NamesInMessages(std::string staged, std::string target) {
         auto& messages = host::Messages::instance();
         previous_ = messages.setSink({});
-        messages.setSink([staged = std::move(staged), target = std::move(target), to = previous_](
-                             host::Severity severity, std::string_view text) {
+        messages.setSink([staged = std::move(staged), target = std::move(target),
+                          to = previous_](host::Severity severity, std::string_view text) {
             std::string named(text);
             for (auto at = named.find(staged); at != std::string::npos; at = named.find(staged, at + target.size()))
                 named.replace(at, staged.size(), target);
-            if (to) to(severity, named);
-            else host::sendToStandardStreams(severity, named);
+            if (to)
+                to(severity, named);
+            else
+                host::sendToStandardStreams(severity, named);
         });
     }
     ~NamesInMessages() { host::Messages::instance().setSink(previous_); }

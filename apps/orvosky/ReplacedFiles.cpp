@@ -24,8 +24,7 @@ ReplacedFiles::ReplacedFiles(const fs::path& target) {
     if (!fs::is_directory(parent, failed))
         throw Failure("Cannot write " + target.string() + ": there is no folder " + parent.string() + ".");
     std::string pattern = (parent / ".orvosky-XXXXXX").string();
-    if (!mkdtemp(pattern.data()))
-        throw Failure("Cannot write " + target.string() + ": " + std::strerror(errno) + ".");
+    if (!mkdtemp(pattern.data())) throw Failure("Cannot write " + target.string() + ": " + std::strerror(errno) + ".");
     folder_ = pattern;
 }
 
@@ -64,8 +63,10 @@ void ReplacedFiles::moveIntoPlace() {
     if (!failed) return;
     for (auto it = moved.rbegin(); it != moved.rend(); ++it) {
         std::error_code ignored;
-        if (it->replaced) fs::rename(kept / it->name, places / it->name, ignored);
-        else fs::remove(places / it->name, ignored);
+        if (it->replaced)
+            fs::rename(kept / it->name, places / it->name, ignored);
+        else
+            fs::remove(places / it->name, ignored);
     }
     throw Failure("Cannot write " + target_.string() + ": " + failed.message() + ".");
 }

@@ -5,8 +5,10 @@ namespace orvosky {
 int runCommand(const CommonOptions& common, const RunOptions& options) {
     return reported([&] {
         Session session(common);
-        if (!options.text.empty()) session.runText(options.text, options.arguments);
-        else session.runScript(options.script, options.arguments);
+        if (!options.text.empty())
+            session.runText(options.text, options.arguments);
+        else
+            session.runScript(options.script, options.arguments);
     });
 }
 

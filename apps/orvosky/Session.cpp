@@ -54,7 +54,8 @@ void Session::openScene(const fs::path& scene) {
         runScript(scene, {});
         return;
     }
-    if (extension == ".mb") throw Failure(scene.string() + ": Maya binary scenes cannot be read; save it as Maya ASCII.");
+    if (extension == ".mb")
+        throw Failure(scene.string() + ": Maya binary scenes cannot be read; save it as Maya ASCII.");
     try {
         host.interpreter().call("file", {"-force", "-open", scene.string()});
     } catch (const host::mel::Error& e) {

@@ -43,7 +43,8 @@ public:
 };
 
 /// Runs a subcommand's work: reports a Failure, and whatever else is thrown, as an error.
-template <class Work> int reported(Work&& work);
+template <class Work>
+int reported(Work&& work);
 
 /// @name Subcommands; each answers the exit status
 /// @{
@@ -70,7 +71,8 @@ int renderCommand(const CommonOptions& common, const RenderOptions& options);
 /// Shows the failure that is being handled, as the program's error.
 int reportCurrentFailure();
 
-template <class Work> int reported(Work&& work) {
+template <class Work>
+int reported(Work&& work) {
     try {
         work();
         return kWorked;

@@ -37,8 +37,10 @@ std::vector<std::string> takeScriptWords(std::vector<std::string>& words) {
     for (++at; at < words.size(); ++at) {
         const std::string& w = words[at];
         text = text || w == "-e";
-        if (valueFollows(w)) ++at;
-        else if (w.empty() || w[0] != '-') break;
+        if (valueFollows(w))
+            ++at;
+        else if (w.empty() || w[0] != '-')
+            break;
     }
     if (!text) ++at; // the script itself
     if (at >= words.size()) return {};
@@ -86,8 +88,9 @@ int main(int argc, char** argv) {
     auto* renderApp = app.add_subcommand("render", "Draw what the viewport shows into a picture");
     renderApp->add_option("scene", rendering.scene, "A Maya ASCII scene (.ma) or a MEL script (.mel)")->required();
     renderApp->add_option("picture", rendering.picture, "The picture; its extension gives the format")->required();
-    renderApp->add_option("--size", size, "Width and height in pixels")
-        ->check([&](const std::string& text) { return readSize(text, rendering.width, rendering.height); });
+    renderApp->add_option("--size", size, "Width and height in pixels")->check([&](const std::string& text) {
+        return readSize(text, rendering.width, rendering.height);
+    });
     renderApp->add_option("--camera", rendering.camera, "Camera to look through");
     auto* time = renderApp->add_option("--time", rendering.time, "Time to draw, in the scene's time unit");
 

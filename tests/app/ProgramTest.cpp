@@ -116,8 +116,12 @@ protected:
 // Faults: an exit status that scripts would misread; usage errors taken for failures.
 TEST_F(Program, WrongUsageIsStatusTwo) {
     for (const std::vector<std::string>& arguments :
-         std::vector<std::vector<std::string>>{{}, {"paint"}, {"export", "small.ma"}, {"render", "small.ma"},
-                                               {"run"}, {"render", "small.ma", "a.png", "--size", "12"},
+         std::vector<std::vector<std::string>>{{},
+                                               {"paint"},
+                                               {"export", "small.ma"},
+                                               {"render", "small.ma"},
+                                               {"run"},
+                                               {"render", "small.ma", "a.png", "--size", "12"},
                                                {"render", "small.ma", "a.png", "--size", "0x5"},
                                                {"render", "small.ma", "a.png", "--time", "noon"},
                                                {"export", "small.ma", "a.atmos", "--colour"}}) {
@@ -174,13 +178,16 @@ TEST_F(Program, ExportsTheSameBytesEveryTime) {
     EXPECT_EQ(o.status, 0) << o.error;
     EXPECT_EQ(o.out, "SaveSkySystemToXML:  Export to file [one.atmos] completed successfully.\n");
     fs::create_directory(folder_ / "deep");
-    EXPECT_EQ(run({"export", "small.ma", "deep/two.ATMOS"}, {{"LC_ALL", "de_DE.UTF-8"}, {"ORVOSKY_NO_GL", "1"}}).status, 0);
+    EXPECT_EQ(run({"export", "small.ma", "deep/two.ATMOS"}, {{"LC_ALL", "de_DE.UTF-8"}, {"ORVOSKY_NO_GL", "1"}}).status,
+              0);
     const std::string bytes = content(folder_ / "one.atmos");
     EXPECT_EQ(bytes, content(folder_ / "deep/two.ATMOS"));
     EXPECT_THAT(bytes, HasSubstr("\tsunDir = \"0.577350 0.577350 0.577350\"\n"));
     EXPECT_THAT(leftovers(), IsEmpty());
     EXPECT_EQ(std::system(("xmllint --noout --schema '" ORVO_SOURCE "/docs/atmos.xsd' '" +
-                           (folder_ / "one.atmos").string() + "' 2>/dev/null").c_str()), 0);
+                           (folder_ / "one.atmos").string() + "' 2>/dev/null")
+                              .c_str()),
+              0);
 }
 
 // Faults: a failed export that destroys an earlier one, or pretends to have worked.
@@ -251,14 +258,15 @@ TEST_F(Program, BadScenesSayWhatIsWrong) {
 
 // Faults: a scene that reaches the shell, other files or the script language.
 TEST_F(Program, ScenesRunNothing) {
-    write(folder_ / "evil.ma", std::string(smallScene) +
-                                   "system \"touch owned1\";\neval \"print \\\"owned2\\\"\";\n"
-                                   "python(\"open('owned3', 'w')\");\n"
-                                   "global proc owned4() { print \"owned4\"; }\nowned4;\n"
-                                   "setAttr \"skyShape.Enable\" `fopen \"owned5\" \"w\"`;\n"
-                                   "source \"other.mel\";\nrequires \"../evil\" \"1\";\n"
-                                   "createNode script -n \"s\";\n\tsetAttr \".b\" -type \"string\" \"print \\\"owned6\\\"\";\n"
-                                   "\tsetAttr \".st\" 1;\n");
+    write(folder_ / "evil.ma",
+          std::string(smallScene) +
+              "system \"touch owned1\";\neval \"print \\\"owned2\\\"\";\n"
+              "python(\"open('owned3', 'w')\");\n"
+              "global proc owned4() { print \"owned4\"; }\nowned4;\n"
+              "setAttr \"skyShape.Enable\" `fopen \"owned5\" \"w\"`;\n"
+              "source \"other.mel\";\nrequires \"../evil\" \"1\";\n"
+              "createNode script -n \"s\";\n\tsetAttr \".b\" -type \"string\" \"print \\\"owned6\\\"\";\n"
+              "\tsetAttr \".st\" 1;\n");
     write(folder_ / "other.mel", "print \"owned7\\n\";");
     const Outcome o = run({"export", "evil.ma", "a.atmos"});
     EXPECT_EQ(o.status, 0) << o.error;
@@ -347,7 +355,9 @@ TEST_F(Program, ExampleProject) {
         EXPECT_EQ(o.status, 0) << o.error;
         EXPECT_THAT(o.error, Not(HasSubstr("Error")));
         EXPECT_EQ(std::system(("xmllint --noout --schema '" ORVO_SOURCE "/docs/atmos.xsd' '" +
-                               (folder_ / target).string() + "' 2>/dev/null").c_str()), 0);
+                               (folder_ / target).string() + "' 2>/dev/null")
+                                  .c_str()),
+                  0);
     }
     EXPECT_GT(scenes, 0);
 }

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -23,6 +25,8 @@ protected:
         scene.reset();
     }
     void TearDown() override {
+        std::error_code ignored;
+        if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
         scene.reset();
         host::files::FileUnits().makeCurrent();
         host::Messages::instance().setSink(std::move(old_));
@@ -48,9 +52,9 @@ protected:
         std::string folder = std::string(test->test_suite_name()) + "." + test->name();
         for (char& c : folder)
             if (c == '/') c = '_';
-        const auto path = std::filesystem::path(testing::TempDir()) / folder;
-        std::filesystem::create_directories(path);
-        return path / name;
+        folder_ = std::filesystem::path(testing::TempDir()) / (folder + "-" + std::to_string(getpid()));
+        std::filesystem::create_directories(folder_);
+        return folder_ / name;
     }
     static void put(const std::filesystem::path& file, const std::string& bytes) {
         std::ofstream(file, std::ios::binary) << bytes;
@@ -66,4 +70,5 @@ protected:
 
 private:
     host::Messages::Sink old_;
+    mutable std::filesystem::path folder_; ///< of files; made when one is asked for
 };

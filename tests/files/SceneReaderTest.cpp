@@ -61,9 +61,12 @@ TEST_F(SceneReaderTest, OpensA2016Scene) {
     EXPECT_EQ(number("group1.stops[4]"), 0.75);
     EXPECT_EQ(number("group1.kind"), 4);
     EXPECT_EQ(scene.findNode("group1")->findAttribute("kind")->fieldName(4), "stratus");
-    EXPECT_EQ(std::get<Numeric>(scene.findPlug("group1.tint").attribute.defaultValue), Numeric(NumericType::Float, 3, 0, 1, 0));
+    EXPECT_EQ(std::get<Numeric>(scene.findPlug("group1.tint").attribute.defaultValue),
+              Numeric(NumericType::Float, 3, 0, 1, 0));
     EXPECT_EQ(text("group1.note"), "line 1\nsays \"hi\"\tand C:\\temp; not // a comment");
-    const auto list = [&](const char* plug) { return static_cast<ArrayData&>(*std::get<DataPtr>(scene.findPlug(plug).value)); };
+    const auto list = [&](const char* plug) {
+        return static_cast<ArrayData&>(*std::get<DataPtr>(scene.findPlug(plug).value));
+    };
     EXPECT_THAT(list("group1.names").texts, ElementsAre("a", "-b", ""));
     EXPECT_THAT(list("group1.frames").numbers, ElementsAre(-7, 2147483647));
     EXPECT_THAT(list("group1.pts").numbers, ElementsAre(1, 2, 3, 4, 5, 6));
@@ -79,8 +82,9 @@ TEST_F(SceneReaderTest, OpensA2016Scene) {
     ASSERT_EQ(cloud->keptStatements.size(), 5u);
     EXPECT_EQ(cloud->keptStatements[2], "setAttr \".seed\" 1234;");
     EXPECT_EQ(cloud->dag()->parent->fullPath(), "|group2|ball");
-    EXPECT_THAT(scene.findNode("holder")->keptStatements,
-                ElementsAre("setAttr \".aal\" -type \"attributeAlias\" {\"first\",\"weight[0]\",\"second\",\"weight[1]\"} ;"));
+    EXPECT_THAT(
+        scene.findNode("holder")->keptStatements,
+        ElementsAre("setAttr \".aal\" -type \"attributeAlias\" {\"first\",\"weight[0]\",\"second\",\"weight[1]\"} ;"));
     EXPECT_EQ(scene.keptConnections.size(), 2u);
     EXPECT_THAT(scene.keptStatements, ElementsAre(HasSubstr("relationship \"link\"")));
 }
@@ -109,7 +113,8 @@ TEST_F(SceneReaderTest, OpensA2022SceneWithAMesh) {
 // Faults: Windows files, marks and missing headers refused; block comments and old number spellings misread.
 TEST_F(SceneReaderTest, AcceptsEveryTextForm) {
     open("\xEF\xBB\xBF//Maya ASCII 2011 scene\r\ncreateNode transform -n \"a\"; // note; more\r\n"
-         "\tsetAttr \".t\" -type \"double3\" 1.5e+000\r\n\t\t-.5 +2 ;\r\n/* ; \" */ setAttr .v 0;setAttr \".s\" -type \"double3\" 1.#INF -1.#IND 1;");
+         "\tsetAttr \".t\" -type \"double3\" 1.5e+000\r\n\t\t-.5 +2 ;\r\n/* ; \" */ setAttr .v 0;setAttr \".s\" -type "
+         "\"double3\" 1.#INF -1.#IND 1;");
     EXPECT_EQ(number("a.translateX"), 1.5);
     EXPECT_EQ(number("a.translateY"), -0.5);
     EXPECT_EQ(number("a.translateZ"), 2);
@@ -121,9 +126,10 @@ TEST_F(SceneReaderTest, AcceptsEveryTextForm) {
 
 // Faults: imported names that are taken mixed up with the scene's own; prefixes put on what was there.
 TEST_F(SceneReaderTest, ImportFollowsTheFilesOwnNames) {
-    const std::string file = "createNode transform -n \"a\"; setAttr \".tx\" 5; createNode transform -n \"b\" -p \"a\";"
-                             "createNode transform -n \"c\"; createNode transform -s -n \"persp\";"
-                             "connectAttr \"a.tx\" \"c.tx\"; connectAttr \"|a|b.ty\" \"c.ty\"; parent -s \"c\" \"|a|b\";";
+    const std::string file =
+        "createNode transform -n \"a\"; setAttr \".tx\" 5; createNode transform -n \"b\" -p \"a\";"
+        "createNode transform -n \"c\"; createNode transform -s -n \"persp\";"
+        "connectAttr \"a.tx\" \"c.tx\"; connectAttr \"|a|b.ty\" \"c.ty\"; parent -s \"c\" \"|a|b\";";
     open(file);
     files::SceneReader::Options options;
     options.import = true;
@@ -157,18 +163,24 @@ TEST_P(FailingStatementTest, IsReportedWithItsLineAndSkipped) {
 INSTANTIATE_TEST_SUITE_P(
     Statements, FailingStatementTest,
     testing::Values(
-        Failure{"setAttr \".tx\" five;", "'five' is not a number"}, Failure{"setAttr \".tx\" \"5\";", "'5' is not a number"},
-        Failure{"setAttr \".ty\" 1 2;", "too many values"}, Failure{"setAttr \".t\" -type \"double3\" 1 2;", "too few values"},
-        Failure{"setAttr \".t\" -type \"float2\" 1 2;", "does not hold a float2"}, Failure{"setAttr -zz on \".tx\";", "'-zz'"},
-        Failure{"setAttr -l maybe \".tx\";", "needs on or off"}, Failure{"setAttr;", "name of the attribute is missing"},
+        Failure{"setAttr \".tx\" five;", "'five' is not a number"},
+        Failure{"setAttr \".tx\" \"5\";", "'5' is not a number"}, Failure{"setAttr \".ty\" 1 2;", "too many values"},
+        Failure{"setAttr \".t\" -type \"double3\" 1 2;", "too few values"},
+        Failure{"setAttr \".t\" -type \"float2\" 1 2;", "does not hold a float2"},
+        Failure{"setAttr -zz on \".tx\";", "'-zz'"}, Failure{"setAttr -l maybe \".tx\";", "needs on or off"},
+        Failure{"setAttr;", "name of the attribute is missing"},
         Failure{"setAttr \"nobody.tx\" 1;", "No object matches name: nobody.tx"},
-        Failure{"setAttr \".bnm[5:2]\" 1;", "not a valid one"}, Failure{"setAttr \".rlio\" -type \"stringArray\" 2000000000 \"a\";", "too few values"},
+        Failure{"setAttr \".bnm[5:2]\" 1;", "not a valid one"},
+        Failure{"setAttr \".rlio\" -type \"stringArray\" 2000000000 \"a\";", "too few values"},
         Failure{"createNode camera -n \"c\" -p \"none\";", "parent 'none' is not there"},
-        Failure{"createNode animCurve -n \"c\";", "abstract type 'animCurve'"}, Failure{"createNode;", "type of the node is missing"},
-        Failure{"addAttr -ln \"1x\" -at \"double\";", "not a valid name"}, Failure{"addAttr -ln \"tx\" -at \"double\";", "already has an attribute"},
+        Failure{"createNode animCurve -n \"c\";", "abstract type 'animCurve'"},
+        Failure{"createNode;", "type of the node is missing"},
+        Failure{"addAttr -ln \"1x\" -at \"double\";", "not a valid name"},
+        Failure{"addAttr -ln \"tx\" -at \"double\";", "already has an attribute"},
         Failure{"addAttr -ln \"kid\" -at \"double\" -p \"none\";", "no open compound attribute 'none'"},
         Failure{"parent -s -nc -r -add \"a\" \"persp\";", "Instances are not supported"},
-        Failure{"parent \"a\" \"a\";", "Cannot parent"}, Failure{"connectAttr \"a.tx\" \"b.ty\";", "No object matches name: b.ty"},
+        Failure{"parent \"a\" \"a\";", "Cannot parent"},
+        Failure{"connectAttr \"a.tx\" \"b.ty\";", "No object matches name: b.ty"},
         Failure{"connectAttr \"a.m\" \"a.tx\";", "not compatible"}, Failure{"currentUnit -l parsec;", "'parsec'"},
         Failure{"select -ne \"nobody\";", "No object matches name: nobody"}));
 
@@ -185,9 +197,12 @@ TEST_F(SceneReaderTest, LyingMeshListsFailQuickly) {
 
 // Faults: a full flood of messages; numbers beyond a hard limit taken; locks ignored.
 TEST_F(SceneReaderTest, HoldsLimitsAndLocks) {
-    open("createNode camera -n \"c\";\n setAttr \".fl\" 1;\n setAttr -c \".fl\" 1;\n setAttr -l on \".coi\" 7;\n setAttr \".coi\" 8;\n");
-    EXPECT_THAT(messages, ElementsAre(HasSubstr("line 2: Cannot set the attribute 'c.focalLength' below its minimum value of 2.5"),
-                                      HasSubstr("line 5: The attribute 'c.centerOfInterest' is locked")));
+    open("createNode camera -n \"c\";\n setAttr \".fl\" 1;\n setAttr -c \".fl\" 1;\n setAttr -l on \".coi\" 7;\n "
+         "setAttr \".coi\" 8;\n");
+    EXPECT_THAT(
+        messages,
+        ElementsAre(HasSubstr("line 2: Cannot set the attribute 'c.focalLength' below its minimum value of 2.5"),
+                    HasSubstr("line 5: The attribute 'c.centerOfInterest' is locked")));
     EXPECT_EQ(number("c.focalLength"), 2.5);
     EXPECT_EQ(number("c.centerOfInterest"), 7);
 }

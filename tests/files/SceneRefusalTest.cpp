@@ -9,7 +9,8 @@ using testing::HasSubstr;
 
 namespace {
 
-class HostileSceneTest : public SceneFixture, public testing::WithParamInterface<std::pair<const char*, const char*>> {};
+class HostileSceneTest : public SceneFixture,
+                         public testing::WithParamInterface<std::pair<const char*, const char*>> {};
 
 // Faults: a scene file runs something; what is refused swallows the next statement, or leaves no trace.
 TEST_P(HostileSceneTest, IsRefusedByNameAndNothingRuns) {
@@ -34,25 +35,35 @@ INSTANTIATE_TEST_SUITE_P(
     Scenes, HostileSceneTest,
     testing::Values(
         std::pair{"system(\"touch TRACE\");", "'system'"}, std::pair{"eval(\"system \\\"touch TRACE\\\"\");", "'eval'"},
-        std::pair{"eval \"createNode transform -n made\";", "'eval'"}, std::pair{"python(\"open('TRACE','w')\");", "'python'"},
-        std::pair{"setAttr \".tx\" `system \"touch TRACE\"`;", "'setAttr'"}, std::pair{"setAttr \".tx\" (1 + 2);", "'setAttr'"},
-        std::pair{"createNode transform -n (\"ma\" + `x; y`);", "'createNode'"}, std::pair{"createNode transform -n $made;", "'createNode'"},
-        std::pair{"global proc made() { if (1) { createNode transform -n \"made\"; } string $s = \"}\"; /* } */ }", "'global'"},
+        std::pair{"eval \"createNode transform -n made\";", "'eval'"},
+        std::pair{"python(\"open('TRACE','w')\");", "'python'"},
+        std::pair{"setAttr \".tx\" `system \"touch TRACE\"`;", "'setAttr'"},
+        std::pair{"setAttr \".tx\" (1 + 2);", "'setAttr'"},
+        std::pair{"createNode transform -n (\"ma\" + `x; y`);", "'createNode'"},
+        std::pair{"createNode transform -n $made;", "'createNode'"},
+        std::pair{"global proc made() { if (1) { createNode transform -n \"made\"; } string $s = \"}\"; /* } */ }",
+                  "'global'"},
         std::pair{"proc p(int $i) { createNode transform -n \"made\"; }", "'proc'"},
         std::pair{"for ($i = 0; $i < 3; $i++) { createNode transform -n \"made\"; }", "'for'"},
         std::pair{"if (`exists x`) { createNode transform -n \"made\"; } else { system(\"touch TRACE\"); }", "'if'"},
-        std::pair{"do { createNode transform -n \"made\"; } while (true);", "'do'"}, std::pair{"{ createNode transform -n \"made\"; }", "'{'"},
-        std::pair{"}", "'}'"}, std::pair{"$made = 5; ", "'$'"}, std::pair{"`createNode transform -n \"made\"`;", "'`'"},
-        std::pair{"string $a[] = {\"x;\", \"createNode transform -n made;\"};", "'string'"}, std::pair{"source \"evil.mel\";", "'source'"},
-        std::pair{"file -r -ns \"x\" \"other.ma\";", "'file': references"}, std::pair{"file -rename \"TRACE\";", "'file'"},
-        std::pair{"file -import \"other.ma\";", "'file'"}, std::pair{"loadPlugin \"evil\";", "'loadPlugin'"},
-        std::pair{"requires \"../evil\" \"1.0\";", "only a bare name"}, std::pair{"requires \"/tmp/evil.so\" \"1.0\";", "only a bare name"},
-        std::pair{"scriptNode -st 1 -bs \"system(\\\"touch TRACE\\\")\" -n \"s\";", "'scriptNode'"}, std::pair{"scriptJob -ie \"x\";", "'scriptJob'"},
-        std::pair{"workspace -o \"/\";", "'workspace'"}, std::pair{"delete \"a\";", "'delete'"}));
+        std::pair{"do { createNode transform -n \"made\"; } while (true);", "'do'"},
+        std::pair{"{ createNode transform -n \"made\"; }", "'{'"}, std::pair{"}", "'}'"},
+        std::pair{"$made = 5; ", "'$'"}, std::pair{"`createNode transform -n \"made\"`;", "'`'"},
+        std::pair{"string $a[] = {\"x;\", \"createNode transform -n made;\"};", "'string'"},
+        std::pair{"source \"evil.mel\";", "'source'"},
+        std::pair{"file -r -ns \"x\" \"other.ma\";", "'file': references"},
+        std::pair{"file -rename \"TRACE\";", "'file'"}, std::pair{"file -import \"other.ma\";", "'file'"},
+        std::pair{"loadPlugin \"evil\";", "'loadPlugin'"},
+        std::pair{"requires \"../evil\" \"1.0\";", "only a bare name"},
+        std::pair{"requires \"/tmp/evil.so\" \"1.0\";", "only a bare name"},
+        std::pair{"scriptNode -st 1 -bs \"system(\\\"touch TRACE\\\")\" -n \"s\";", "'scriptNode'"},
+        std::pair{"scriptJob -ie \"x\";", "'scriptJob'"}, std::pair{"workspace -o \"/\";", "'workspace'"},
+        std::pair{"delete \"a\";", "'delete'"}));
 
 // Fault: script and expression nodes are run, or a flood of refusals is told one by one.
 TEST_F(SceneFixture, ScriptsAreKeptAndRefusalsAreCounted) {
-    std::string text = "createNode script -n \"s\"; setAttr \".b\" -type \"string\" \"createNode transform -n made\"; setAttr \".st\" 1;\n";
+    std::string text = "createNode script -n \"s\"; setAttr \".b\" -type \"string\" \"createNode transform -n made\"; "
+                       "setAttr \".st\" 1;\n";
     for (int i = 0; i < 100; ++i) text += "print \"x\";\n";
     open(text);
     EXPECT_EQ(this->text("s.before"), "createNode transform -n made");
@@ -89,22 +100,27 @@ BadFile bad(const char* name, const char (&bytes)[n], const char* message) {
 
 INSTANTIATE_TEST_SUITE_P(
     Files, BadFileTest,
-    testing::Values(bad("empty.ma", "", "empty"), bad("blank.ma", " \n\n", "empty"), bad("a.mb", "FOR4\0\0\1\0", "Maya binary"),
-                    bad("b.mb", "FOR8\0\0\1\0", "Maya binary"), bad("zero.ma", "createNode\0transform;", "binary file"),
+    testing::Values(bad("empty.ma", "", "empty"), bad("blank.ma", " \n\n", "empty"),
+                    bad("a.mb", "FOR4\0\0\1\0", "Maya binary"), bad("b.mb", "FOR8\0\0\1\0", "Maya binary"),
+                    bad("zero.ma", "createNode\0transform;", "binary file"),
                     bad("quote.ma", "\n\nsetAttr \".a\" \"x;\n", "line 3: the quoted text is not closed"),
-                    bad("cut.ma", "createNode transform -n \"a\";\nsetAttr \".tx\" 5", "line 2: the file ends within a statement"),
+                    bad("cut.ma", "createNode transform -n \"a\";\nsetAttr \".tx\" 5",
+                        "line 2: the file ends within a statement"),
                     bad("comment.ma", "/* never\n", "line 1: the comment is not closed"),
                     bad("block.ma", "\nproc x() { print \"a\";\n", "line 2: the file ends within 'proc'"),
-                    bad("escape.ma", "a \"\\", "line 1: the quoted text is not closed"), bad("text.ma", "hello world\n", "missing")));
+                    bad("escape.ma", "a \"\\", "line 1: the quoted text is not closed"),
+                    bad("text.ma", "hello world\n", "missing")));
 
 // Faults: a folder, a device or a missing file hangs or crashes.
 TEST_F(SceneFixture, WhatIsNoFileIsAnError) {
     const auto fifo = temporary("fifo");
     std::filesystem::remove(fifo);
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    for (const auto& [path, message] : std::vector<std::pair<std::filesystem::path, const char*>>{
-             {temporary("none.ma"), "does not exist"}, {fifo.parent_path(), "is a folder"}, {fifo, "not a plain file"},
-             {"/dev/zero", "not a plain file"}}) {
+    for (const auto& [path, message] :
+         std::vector<std::pair<std::filesystem::path, const char*>>{{temporary("none.ma"), "does not exist"},
+                                                                    {fifo.parent_path(), "is a folder"},
+                                                                    {fifo, "not a plain file"},
+                                                                    {"/dev/zero", "not a plain file"}}) {
         try {
             files::SceneReader(scene, {}).read(path);
             FAIL() << path;
@@ -136,7 +152,8 @@ TEST_P(TruncationTest, EveryByte) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, TruncationTest, testing::Values("release2010.ma", "release2016.ma", "release2022.ma"));
+INSTANTIATE_TEST_SUITE_P(Samples, TruncationTest,
+                         testing::Values("release2010.ma", "release2016.ma", "release2022.ma"));
 
 // Fault: deep nesting in what is refused uses up the stack.
 TEST_F(SceneFixture, DeepNestingIsHarmless) {

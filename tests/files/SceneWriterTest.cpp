@@ -25,10 +25,12 @@ std::string contentsOf(Scene& scene) {
         std::string text = c.name();
         if (c.locked) text += " locked";
         if (c.keyable) text += *c.keyable ? " keyable" : " unkeyable";
-        if (c.source) text += " <- " + c.source->name();
+        if (c.source)
+            text += " <- " + c.source->name();
         else if (!c.node.isComputed(c.attribute) && c.attribute.storable) {
             if (const auto* n = std::get_if<Numeric>(&c.value))
-                for (int k = 0; k < n->count; ++k) text += " " + std::to_string(std::bit_cast<std::uint64_t>(n->get(k)));
+                for (int k = 0; k < n->count; ++k)
+                    text += " " + std::to_string(std::bit_cast<std::uint64_t>(n->get(k)));
             if (const auto* s = std::get_if<std::string>(&c.value)) text += " " + *s;
             if (const auto* m = std::get_if<MMatrix>(&c.value))
                 for (unsigned k = 0; k < 16; ++k) text += " " + std::to_string((*m)(k / 4, k % 4));
@@ -43,16 +45,19 @@ std::string contentsOf(Scene& scene) {
         for (auto& [i, e] : c.elements) describe(*e);
     };
     std::map<std::string, Node*> nodes;
-    for (const auto& [serial, node] : scene.nodes()) nodes[node->dag() ? node->dag()->fullPath() : node->name] = node.get();
+    for (const auto& [serial, node] : scene.nodes())
+        nodes[node->dag() ? node->dag()->fullPath() : node->name] = node.get();
     for (const auto& [path, node] : nodes) {
-        line(path + " is " + node->type.name + " " + node->unknownType + " " + node->uuid + (node->locked ? " locked" : ""));
+        line(path + " is " + node->type.name + " " + node->unknownType + " " + node->uuid +
+             (node->locked ? " locked" : ""));
         // Cells that the writing looks at come into being by it; their values are the defaults, so make all of them.
         for (const Attribute* a : node->attributes())
             if (!a->isCompound() || a->type == AttributeType::Tuple) node->cell(*a);
         for (Cell* c : node->cells()) describe(*c);
         for (const auto& kept : node->keptStatements) line("kept " + kept);
     }
-    for (const auto& k : scene.keptConnections) line("kept connection " + k.sourceText + " " + k.destinationText + " " + k.flags);
+    for (const auto& k : scene.keptConnections)
+        line("kept connection " + k.sourceText + " " + k.destinationText + " " + k.flags);
     for (const auto& k : scene.keptStatements) line("kept " + k);
     for (const auto& r : scene.requiredPlugins) line(r);
     for (const auto& [k, v] : scene.fileInfo) line(k + "=" + v);
@@ -95,18 +100,21 @@ TEST_F(SceneFixture, NumbersReadBackToTheBit) {
     for (int round = 0; round < 200; ++round) {
         scene.reset();
         files::FileUnits{LinearUnit::Inch, AngularUnit::Degree, {240}}.makeCurrent();
-        std::string text = "currentUnit -l inch -a degree -t pal; createNode transform -n \"a\"; setAttr \".t\" -type \"double3\"";
+        std::string text =
+            "currentUnit -l inch -a degree -t pal; createNode transform -n \"a\"; setAttr \".t\" -type \"double3\"";
         std::string rotate = "; setAttr \".r\" -type \"double3\"";
         for (int k = 0; k < 3; ++k) {
             char word[40];
-            std::snprintf(word, sizeof word, " %.17g", std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 100) - 100));
+            std::snprintf(word, sizeof word, " %.17g",
+                          std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 100) - 100));
             text += word;
             std::snprintf(word, sizeof word, " %.17g", static_cast<double>(random() % 360000) / 1000);
             rotate += word;
         }
         open(text + rotate + ";");
         const auto values = [&] {
-            return std::pair(std::get<Numeric>(scene.findPlug("a.t").value), std::get<Numeric>(scene.findPlug("a.r").value));
+            return std::pair(std::get<Numeric>(scene.findPlug("a.t").value),
+                             std::get<Numeric>(scene.findPlug("a.r").value));
         };
         const auto before = values();
         open(files::SceneWriter(scene).text("a"));
@@ -119,7 +127,8 @@ TEST_F(SceneFixture, KeptConnectionsFollowTheirNodes) {
     open("createNode transform -n \"a\"; createNode foo -n \"f\"; createNode foo -n \"g\";"
          "connectAttr \"a.tx\" \"f.in\"; connectAttr \"f.out\" \"g.in\" -na;");
     scene.rename(*scene.findNode("f"), "renamed");
-    EXPECT_THAT(files::SceneWriter(scene).text("x"), HasSubstr("connectAttr \"a.tx\" \"renamed.in\";\nconnectAttr \"renamed.out\" \"g.in\" -na;\n"));
+    EXPECT_THAT(files::SceneWriter(scene).text("x"),
+                HasSubstr("connectAttr \"a.tx\" \"renamed.in\";\nconnectAttr \"renamed.out\" \"g.in\" -na;\n"));
     scene.deleteNodes({scene.findNode("a")});
     EXPECT_THAT(files::SceneWriter(scene).text("x"), testing::Not(HasSubstr("renamed.in")));
 }

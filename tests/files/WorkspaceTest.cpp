@@ -18,8 +18,9 @@ using WorkspaceTest = SceneFixture;
 TEST_F(WorkspaceTest, ReadsRulesAndRunsNothing) {
     const fs::path root = temporary("project");
     fs::create_directories(root / "scenes/sub");
-    put(root / "workspace.mel", "//Maya 2010 Project Definition\n\nworkspace -fr \"scene\" \"scenes\";\n"
-                                "workspace -fr \"images\" \"out/images\";\nworkspace -v \"v\" \"1\";\nsystem(\"touch x\");\n");
+    put(root / "workspace.mel",
+        "//Maya 2010 Project Definition\n\nworkspace -fr \"scene\" \"scenes\";\n"
+        "workspace -fr \"images\" \"out/images\";\nworkspace -v \"v\" \"1\";\nsystem(\"touch x\");\n");
     EXPECT_EQ(files::Workspace::findUpward(root / "scenes/sub"), root);
     const files::Workspace w(root);
     EXPECT_THAT(w.fileRules, UnorderedElementsAre(Pair("scene", "scenes"), Pair("images", "out/images")));

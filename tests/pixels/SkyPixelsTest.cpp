@@ -38,8 +38,10 @@ struct Camera {
         const double film[2] = {1.41732, 0.94488};
         const double port = static_cast<double>(width) / height;
         double h = film[0] / 2 * 25.4 / focalLength, v = film[1] / 2 * 25.4 / focalLength;
-        if (port > film[0] / film[1]) v = h / port;
-        else h = v * port;
+        if (port > film[0] / film[1])
+            v = h / port;
+        else
+            h = v * port;
         const V3 local{((column + 0.5) / width * 2 - 1) * h, (1 - (row + 0.5) / height * 2) * v, -1};
         const double cp = std::cos(pitch * degree), sp = std::sin(pitch * degree);
         const V3 tilted{local.x, local.y * cp - local.z * sp, local.y * sp + local.z * cp};
@@ -98,14 +100,12 @@ protected:
     static void make(const Sky& s) {
         run("createNode transform -n OrvoSkyData; createNode transform -n sky -p OrvoSkyData;"
             "createNode orvosky_BasicSkyLocator -n skyShape -p sky; createNode orvosky_SkyRenderer;"
-            "setAttr skyShape.sunDir -type \"double3\" " + triple(s.sunDir) +
-            "; setAttr skyShape.sunColour -type \"float3\" " + triple(s.sunColour) +
-            "; setAttr skyShape.sunIntensity " + std::to_string(s.sunIntensity) +
-            "; setAttr skyShape.sunDiskSize " + std::to_string(s.sunDiskSize) +
-            "; setAttr skyShape.sunDiskFalloff " + std::to_string(s.sunDiskFalloff) +
-            "; setAttr skyShape.sunDiskWeight " + std::to_string(s.sunDiskWeight) +
-            "; setAttr skyShape.sunEnable " + std::to_string(s.sunEnable) +
-            "; setAttr skyShape.zenithColour -type \"float3\" " + triple(s.zenith) +
+            "setAttr skyShape.sunDir -type \"double3\" " +
+            triple(s.sunDir) + "; setAttr skyShape.sunColour -type \"float3\" " + triple(s.sunColour) +
+            "; setAttr skyShape.sunIntensity " + std::to_string(s.sunIntensity) + "; setAttr skyShape.sunDiskSize " +
+            std::to_string(s.sunDiskSize) + "; setAttr skyShape.sunDiskFalloff " + std::to_string(s.sunDiskFalloff) +
+            "; setAttr skyShape.sunDiskWeight " + std::to_string(s.sunDiskWeight) + "; setAttr skyShape.sunEnable " +
+            std::to_string(s.sunEnable) + "; setAttr skyShape.zenithColour -type \"float3\" " + triple(s.zenith) +
             "; setAttr skyShape.horizonColour -type \"float3\" " + triple(s.horizon) +
             "; setAttr skyShape.horizonFalloff " + std::to_string(s.horizonFalloff) +
             "; setAttr skyShape.horizonOffset " + std::to_string(s.horizonOffset) + ";");
@@ -113,18 +113,17 @@ protected:
 
     static void make(const Fog& f) {
         run("createNode transform -n fog -p OrvoSkyData; createNode orvosky_ExpHeightFog -n fogShape -p fog;"
-            "setAttr fogShape.fogHeight " + std::to_string(f.height) +
-            "; setAttr fogShape.fogHeightOffset " + std::to_string(f.offset) +
-            "; setAttr fogShape.fogDensity " + std::to_string(f.density) +
-            "; setAttr fogShape.fogAlpha " + std::to_string(f.alpha) +
-            "; setAttr fogShape.fogColour -type \"float3\" " + triple(f.colour) + ";");
+            "setAttr fogShape.fogHeight " +
+            std::to_string(f.height) + "; setAttr fogShape.fogHeightOffset " + std::to_string(f.offset) +
+            "; setAttr fogShape.fogDensity " + std::to_string(f.density) + "; setAttr fogShape.fogAlpha " +
+            std::to_string(f.alpha) + "; setAttr fogShape.fogColour -type \"float3\" " + triple(f.colour) + ";");
     }
 
     static host::viewport::Picture draw(const Camera& c, double nearClip = 0.1, double farClip = 10000) {
         run("setAttr persp.t " + triple(c.eye) + "; setAttr persp.r " + triple({c.pitch, c.yaw, 0}) +
             "; setAttr perspShape.focalLength " + std::to_string(c.focalLength) +
-            "; setAttr perspShape.nearClipPlane " + std::to_string(nearClip) +
-            "; setAttr perspShape.farClipPlane " + std::to_string(farClip) + ";");
+            "; setAttr perspShape.nearClipPlane " + std::to_string(nearClip) + "; setAttr perspShape.farClipPlane " +
+            std::to_string(farClip) + ";");
         std::string error;
         auto view = host::viewport::Viewport::create(c.width, c.height, &error);
         EXPECT_TRUE(view && view->render(&error)) << error;
@@ -155,8 +154,7 @@ protected:
 };
 
 const Camera cameras[] = {
-    {{0, 100, 0}, 0, 0, 35, 96, 54},
-    {{500, 3000, -2000}, 35, 200, 24, 80, 80},
+    {{0, 100, 0}, 0, 0, 35, 96, 54},         {{500, 3000, -2000}, 35, 200, 24, 80, 80},
     {{0, 100, 0}, 35.26, -135, 50, 60, 120}, // into the default sun, upright port
     {{-10, 20, 30}, -60, 77, 15, 128, 40},   // at the ground, wide port
     {{0, 0, 0}, 89.9, 0, 35, 64, 64},        // straight up

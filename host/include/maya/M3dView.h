@@ -26,8 +26,18 @@ class OPENMAYAUI_EXPORT M3dView {
 public:
     enum DisplayStyle { kBoundingBox, kFlatShaded, kGouraudShaded, kWireFrame, kPoints };
     enum DisplayStatus {
-        kActive, kLive, kDormant, kInvisible, kHilite, kTemplate, kActiveTemplate, kActiveComponent, kLead,
-        kIntermediateObject, kActiveAffected, kNoStatus
+        kActive,
+        kLive,
+        kDormant,
+        kInvisible,
+        kHilite,
+        kTemplate,
+        kActiveTemplate,
+        kActiveComponent,
+        kLead,
+        kIntermediateObject,
+        kActiveAffected,
+        kNoStatus
     };
     enum ColorTable { kActiveColors, kDormantColors, kTemplateColor, kBackgroundColor };
     enum TextPosition { kLeft, kCenter, kRight };

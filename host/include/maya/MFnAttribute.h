@@ -65,6 +65,6 @@ public:
     static const char* className();
 
 private:
-    bool flag(bool host::scene::Attribute::* member, MStatus* status) const;
-    MStatus setFlag(bool host::scene::Attribute::* member, bool state);
+    bool flag(bool host::scene::Attribute::*member, MStatus* status) const;
+    MStatus setFlag(bool host::scene::Attribute::*member, bool state);
 };

@@ -69,6 +69,8 @@ public:
 private:
     MStatus getLimits(int which, int count, double* values) const;
     MStatus setLimits(int which, int count, const double* values);
-    template <class T> MStatus readDefault(int count, T* values);
-    template <class T> MStatus writeDefault(int count, const T* values);
+    template <class T>
+    MStatus readDefault(int count, T* values);
+    template <class T>
+    MStatus writeDefault(int count, const T* values);
 };

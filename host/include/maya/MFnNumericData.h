@@ -5,9 +5,31 @@
 /// Function set for two to four numbers held as one value.
 class OPENMAYA_EXPORT MFnNumericData : public MFnData {
 public:
-    enum Type { kInvalid, kBoolean, kByte, kChar, kShort, k2Short, k3Short, kLong, kInt = kLong, k2Long, k2Int = k2Long,
-                k3Long, k3Int = k3Long, kInt64, kFloat, k2Float, k3Float, kDouble, k2Double, k3Double, k4Double, kAddr,
-                kLast };
+    enum Type {
+        kInvalid,
+        kBoolean,
+        kByte,
+        kChar,
+        kShort,
+        k2Short,
+        k3Short,
+        kLong,
+        kInt = kLong,
+        k2Long,
+        k2Int = k2Long,
+        k3Long,
+        k3Int = k3Long,
+        kInt64,
+        kFloat,
+        k2Float,
+        k3Float,
+        kDouble,
+        k2Double,
+        k3Double,
+        k4Double,
+        kAddr,
+        kLast
+    };
     ORVO_DECLARE_FN(MFnNumericData)
     MObject create(Type dataType, MStatus* ReturnStatus = NULL);
     MFnNumericData::Type numericType(MStatus* ReturnStatus = NULL);
@@ -51,6 +73,8 @@ public:
     static const char* className();
 
 private:
-    template <class T> MStatus read(int count, T* values);
-    template <class T> MStatus write(int count, const T* values);
+    template <class T>
+    MStatus read(int count, T* values);
+    template <class T>
+    MStatus write(int count, const T* values);
 };

@@ -148,7 +148,8 @@ public:
 
 private:
     friend struct host::api::Access;
-    template <class T> MStatus number(T& val, MDGContext& ctx) const;
+    template <class T>
+    MStatus number(T& val, MDGContext& ctx) const;
     MObject node_, attribute_;
     /// The chosen elements of the arrays on the way, by the arrays' attributes.
     std::vector<std::pair<const void*, int>> indices_;

@@ -13,8 +13,7 @@ public:
     virtual ~MPxLocatorNode();
     virtual MPxNode::Type type() const override;
     /// Draws in the node's own space: the viewport has loaded its world matrix. Between the view's beginGL and endGL.
-    virtual void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style,
-                      M3dView::DisplayStatus status);
+    virtual void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status);
     virtual bool isBounded() const;
     virtual MBoundingBox boundingBox() const;
     unsigned int color(M3dView::DisplayStatus displayStatus);

@@ -13,11 +13,35 @@ class MTypeId;
 /// Base class of the nodes that plug-ins bring.
 class OPENMAYA_EXPORT MPxNode {
 public:
-    enum Type { kDependNode, kLocatorNode, kDeformerNode, kManipContainer, kSurfaceShape, kFieldNode, kEmitterNode,
-                kSpringNode, kIkSolverNode, kHardwareShader, kHwShaderNode, kTransformNode, kObjectSet,
-                kFluidEmitterNode, kImagePlaneNode, kParticleAttributeMapperNode, kCameraSetNode, kConstraintNode,
-                kManipulatorNode, kMotionPathNode, kClientDeviceNode, kThreadedDeviceNode, kAssembly, kSkinCluster,
-                kGeometryFilter, kBlendShape, kLast };
+    enum Type {
+        kDependNode,
+        kLocatorNode,
+        kDeformerNode,
+        kManipContainer,
+        kSurfaceShape,
+        kFieldNode,
+        kEmitterNode,
+        kSpringNode,
+        kIkSolverNode,
+        kHardwareShader,
+        kHwShaderNode,
+        kTransformNode,
+        kObjectSet,
+        kFluidEmitterNode,
+        kImagePlaneNode,
+        kParticleAttributeMapperNode,
+        kCameraSetNode,
+        kConstraintNode,
+        kManipulatorNode,
+        kMotionPathNode,
+        kClientDeviceNode,
+        kThreadedDeviceNode,
+        kAssembly,
+        kSkinCluster,
+        kGeometryFilter,
+        kBlendShape,
+        kLast
+    };
 
     MPxNode();
     virtual ~MPxNode();

@@ -82,7 +82,8 @@ struct Access {
 void takeText(scene::Cell& cell);
 
 /// Runs something that may be refused, and answers a status.
-template <class F> MStatus guarded(F&& f) {
+template <class F>
+MStatus guarded(F&& f) {
     try {
         f();
         return MStatus::kSuccess;

@@ -26,7 +26,8 @@ struct MDGModifier::Steps {
     bool undone = false;
 
     /// Does something, with the changes going to `edits` in place of the scene's own queue.
-    template <class F> static MStatus capture(std::vector<scene::Edit>& edits, F&& f) {
+    template <class F>
+    static MStatus capture(std::vector<scene::Edit>& edits, F&& f) {
         auto& queue = Scene::current().undo;
         const scene::UndoQueue::Capture on(queue, edits);
         return api::guarded(f);
@@ -93,7 +94,8 @@ MStatus MDGModifier::setNodeLockState(const MObject& node, bool newState) {
 namespace {
 
 /// The cells of two plugs; throws when one is gone.
-template <class F> void withCells(const MPlug& a, const MPlug& b, F&& f) {
+template <class F>
+void withCells(const MPlug& a, const MPlug& b, F&& f) {
     std::shared_ptr<scene::Node> keepA, keepB;
     scene::Cell* ca = Access::cell(a, keepA);
     scene::Cell* cb = Access::cell(b, keepB);
@@ -163,7 +165,8 @@ MStatus MDGModifier::commandToExecute(const MString& command) {
 
 namespace {
 
-template <class T> std::function<void()> setter(const MPlug& plug, T value) {
+template <class T>
+std::function<void()> setter(const MPlug& plug, T value) {
     return [plug, value]() mutable {
         if (!MPlug(plug).setValue(value))
             throw scene::SceneError("The value of '" + toText(plug.name()) + "' cannot be set.");
@@ -190,8 +193,7 @@ MStatus MDGModifier::newPlugValueString(const MPlug& p, const MString& v) { retu
 MStatus MDGModifier::removeMultiInstance(const MPlug& plug, bool breakConnections) {
     if (!plug.isElement()) return MStatus::kInvalidParameter;
     return gather([plug, breakConnections] {
-        withCells(plug, plug,
-                  [&](scene::Cell& c, scene::Cell&) { c.node.scene.removeElement(c, breakConnections); });
+        withCells(plug, plug, [&](scene::Cell& c, scene::Cell&) { c.node.scene.removeElement(c, breakConnections); });
     });
 }
 

@@ -87,13 +87,15 @@ void takeText(Cell& cell) {
 namespace {
 
 /// What a reference to a value of the wrong type refers to: a place of its own, zero at each call.
-template <class T> T& nowhere() {
+template <class T>
+T& nowhere() {
     static thread_local T place;
     place = T();
     return place;
 }
 
-template <class T, class Handle> T& numberAt(Handle& view, NumericType type, int count = 1) {
+template <class T, class Handle>
+T& numberAt(Handle& view, NumericType type, int count = 1) {
     int k = 0;
     Numeric* n = view ? view->numbers(&k) : nullptr;
     if (!n || n->type != type || n->count - k < count) return nowhere<T>();
@@ -101,7 +103,8 @@ template <class T, class Handle> T& numberAt(Handle& view, NumericType type, int
 }
 
 /// Tuples: count numbers side by side, seen as an array.
-template <class Tuple, class Handle> Tuple& tupleAt(Handle& view, NumericType type, int count) {
+template <class Tuple, class Handle>
+Tuple& tupleAt(Handle& view, NumericType type, int count) {
     int k = 0;
     Numeric* n = view ? view->numbers(&k) : nullptr;
     if (!n || n->type != type || n->count != count || k != 0) {
@@ -132,10 +135,13 @@ MFnNumericData::Type MDataHandle::numericType() const {
     case NumericType::Bool: return MFnNumericData::kBoolean;
     case NumericType::Char: return MFnNumericData::kChar;
     case NumericType::Byte: return MFnNumericData::kByte;
-    case NumericType::Short: return count == 1 ? MFnNumericData::kShort : count == 2 ? MFnNumericData::k2Short : MFnNumericData::k3Short;
-    case NumericType::Int: return count == 1 ? MFnNumericData::kInt : count == 2 ? MFnNumericData::k2Int : MFnNumericData::k3Int;
+    case NumericType::Short:
+        return count == 1 ? MFnNumericData::kShort : count == 2 ? MFnNumericData::k2Short : MFnNumericData::k3Short;
+    case NumericType::Int:
+        return count == 1 ? MFnNumericData::kInt : count == 2 ? MFnNumericData::k2Int : MFnNumericData::k3Int;
     case NumericType::Int64: return MFnNumericData::kInt64;
-    case NumericType::Float: return count == 1 ? MFnNumericData::kFloat : count == 2 ? MFnNumericData::k2Float : MFnNumericData::k3Float;
+    case NumericType::Float:
+        return count == 1 ? MFnNumericData::kFloat : count == 2 ? MFnNumericData::k2Float : MFnNumericData::k3Float;
     case NumericType::Double:
         return count == 1   ? MFnNumericData::kDouble
                : count == 2 ? MFnNumericData::k2Double
@@ -222,8 +228,10 @@ MString& MDataHandle::asString() const {
     auto made = std::make_shared<MString>(text->data(), static_cast<int>(text->size()));
     MString& reference = *made;
     // The reference outlives this handle, as it does in the data block of the real host.
-    if (view_->cell) view_->cell->apiView = std::move(made);
-    else view_->text = std::make_unique<MString>(reference);
+    if (view_->cell)
+        view_->cell->apiView = std::move(made);
+    else
+        view_->text = std::make_unique<MString>(reference);
     return view_->cell ? reference : *view_->text;
 }
 
@@ -236,7 +244,8 @@ MObject MDataHandle::asMeshTransformed() const { return asMesh(); }
 
 namespace {
 
-template <class View, class... T> void setNumbers(View& view, T... values) {
+template <class View, class... T>
+void setNumbers(View& view, T... values) {
     int k = 0;
     Numeric* n = view ? view->numbers(&k) : nullptr;
     if (!n || n->count - k < static_cast<int>(sizeof...(T))) return;

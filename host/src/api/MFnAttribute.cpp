@@ -2,11 +2,11 @@
 
 #include "api/FnSupport.h"
 
+#include <maya/MFloatMatrix.h>
 #include <maya/MFnCompoundAttribute.h>
 #include <maya/MFnEnumAttribute.h>
 #include <maya/MFnMatrixAttribute.h>
 #include <maya/MFnTypedAttribute.h>
-#include <maya/MFloatMatrix.h>
 #include <maya/MMatrix.h>
 #include <maya/MString.h>
 
@@ -45,13 +45,13 @@ bool named(const MString& full, const MString& brief, MStatus* status) {
 
 } // namespace
 
-bool MFnAttribute::flag(bool Attribute::* member, MStatus* status) const {
+bool MFnAttribute::flag(bool Attribute::*member, MStatus* status) const {
     const auto a = Access::attribute(object_);
     setStatus(status, a ? MStatus::kSuccess : MStatus::kFailure);
     return a && (*a).*member;
 }
 
-MStatus MFnAttribute::setFlag(bool Attribute::* member, bool state) {
+MStatus MFnAttribute::setFlag(bool Attribute::*member, bool state) {
     const auto a = Access::attribute(object_);
     if (!a) return MStatus::kFailure;
     (*a).*member = state;
@@ -247,7 +247,8 @@ MObject MFnMatrixAttribute::create(const MString& fullName, const MString& brief
 
 namespace {
 
-template <class M> MStatus readMatrix(const MObject& o, M& out) {
+template <class M>
+MStatus readMatrix(const MObject& o, M& out) {
     const auto a = Access::attribute(o);
     const auto* m = a ? std::get_if<M>(&a->defaultValue) : nullptr;
     if (!m) return MStatus::kInvalidParameter;
@@ -255,7 +256,8 @@ template <class M> MStatus readMatrix(const MObject& o, M& out) {
     return MStatus::kSuccess;
 }
 
-template <class M> MStatus writeMatrix(const MObject& o, const M& in) {
+template <class M>
+MStatus writeMatrix(const MObject& o, const M& in) {
     const auto a = Access::attribute(o);
     if (!a || !std::holds_alternative<M>(a->defaultValue)) return MStatus::kInvalidParameter;
     a->defaultValue = in;

@@ -92,8 +92,10 @@ void gatherBox(DagNode& node, const MMatrix& matrix, MBoundingBox& total, bool& 
     if (node.isShape()) {
         if (!shapeBox(node, box)) return;
         box.transformUsing(matrix);
-        if (any) total.expand(box);
-        else total = box;
+        if (any)
+            total.expand(box);
+        else
+            total = box;
         any = true;
         return;
     }

@@ -30,11 +30,16 @@ Numeric* numbersOf(const MObject& o) {
     return d ? std::get_if<Numeric>(&d->value) : nullptr;
 }
 
-template <class T> constexpr NumericType typeFor() {
-    if constexpr (std::is_same_v<T, short>) return NumericType::Short;
-    else if constexpr (std::is_same_v<T, int>) return NumericType::Int;
-    else if constexpr (std::is_same_v<T, float>) return NumericType::Float;
-    else return NumericType::Double;
+template <class T>
+constexpr NumericType typeFor() {
+    if constexpr (std::is_same_v<T, short>)
+        return NumericType::Short;
+    else if constexpr (std::is_same_v<T, int>)
+        return NumericType::Int;
+    else if constexpr (std::is_same_v<T, float>)
+        return NumericType::Float;
+    else
+        return NumericType::Double;
 }
 
 } // namespace
@@ -43,15 +48,42 @@ MObject MFnNumericData::create(Type dataType, MStatus* ReturnStatus) {
     NumericType type = NumericType::None;
     int count = 0;
     switch (dataType) {
-    case k2Short: type = NumericType::Short; count = 2; break;
-    case k3Short: type = NumericType::Short; count = 3; break;
-    case k2Int: type = NumericType::Int; count = 2; break;
-    case k3Int: type = NumericType::Int; count = 3; break;
-    case k2Float: type = NumericType::Float; count = 2; break;
-    case k3Float: type = NumericType::Float; count = 3; break;
-    case k2Double: type = NumericType::Double; count = 2; break;
-    case k3Double: type = NumericType::Double; count = 3; break;
-    case k4Double: type = NumericType::Double; count = 4; break;
+    case k2Short:
+        type = NumericType::Short;
+        count = 2;
+        break;
+    case k3Short:
+        type = NumericType::Short;
+        count = 3;
+        break;
+    case k2Int:
+        type = NumericType::Int;
+        count = 2;
+        break;
+    case k3Int:
+        type = NumericType::Int;
+        count = 3;
+        break;
+    case k2Float:
+        type = NumericType::Float;
+        count = 2;
+        break;
+    case k3Float:
+        type = NumericType::Float;
+        count = 3;
+        break;
+    case k2Double:
+        type = NumericType::Double;
+        count = 2;
+        break;
+    case k3Double:
+        type = NumericType::Double;
+        count = 3;
+        break;
+    case k4Double:
+        type = NumericType::Double;
+        count = 4;
+        break;
     default: setStatus(ReturnStatus, MStatus::kInvalidParameter); return MObject();
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
@@ -78,7 +110,8 @@ MFnNumericData::Type MFnNumericData::numericType(MStatus* ReturnStatus) {
     return kInvalid;
 }
 
-template <class T> MStatus MFnNumericData::read(int count, T* values) {
+template <class T>
+MStatus MFnNumericData::read(int count, T* values) {
     const Numeric* n = numbersOf(object_);
     if (!n) return MStatus::kFailure;
     if (n->type != typeFor<T>() || n->count != count) return MStatus::kInvalidParameter;
@@ -86,7 +119,8 @@ template <class T> MStatus MFnNumericData::read(int count, T* values) {
     return MStatus::kSuccess;
 }
 
-template <class T> MStatus MFnNumericData::write(int count, const T* values) {
+template <class T>
+MStatus MFnNumericData::write(int count, const T* values) {
     Numeric* n = numbersOf(object_);
     if (!n) return MStatus::kFailure;
     if (n->type != typeFor<T>() || n->count != count) return MStatus::kInvalidParameter;
@@ -96,7 +130,8 @@ template <class T> MStatus MFnNumericData::write(int count, const T* values) {
 
 namespace {
 
-template <class Fn, class... T> MStatus readInto(Fn read, T&... out) {
+template <class Fn, class... T>
+MStatus readInto(Fn read, T&... out) {
     std::common_type_t<T...> values[sizeof...(T)] = {};
     const MStatus status = read(static_cast<int>(sizeof...(T)), values);
     int i = 0;

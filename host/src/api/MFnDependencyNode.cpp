@@ -151,8 +151,7 @@ MObject MFnDependencyNode::attribute(const MString& attrName, MStatus* ReturnSta
     return Access::object(a);
 }
 
-MFnDependencyNode::MAttrClass MFnDependencyNode::attributeClass(const MObject& attribute,
-                                                                MStatus* ReturnStatus) const {
+MFnDependencyNode::MAttrClass MFnDependencyNode::attributeClass(const MObject& attribute, MStatus* ReturnStatus) const {
     const auto n = Access::node(object_);
     const auto a = Access::attribute(attribute);
     const bool known = n && a && n->findAttribute(a->longName) == a.get();

@@ -48,9 +48,7 @@ Shape shapeOf(MFnNumericData::Type unitType) {
     }
 }
 
-int countOf(const Attribute& a) {
-    return a.type == AttributeType::Tuple ? static_cast<int>(a.children.size()) : 1;
-}
+int countOf(const Attribute& a) { return a.type == AttributeType::Tuple ? static_cast<int>(a.children.size()) : 1; }
 
 /// The attribute whose limits hold component i.
 Attribute& component(Attribute& a, int i) {
@@ -84,10 +82,9 @@ MObject MFnNumericAttribute::create(const MString& full, const MString& brief, M
         return MObject();
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
-    const AttributePtr a = shape.count == 1
-                               ? Attribute::number(text(full), text(brief), shape.type, defaultValue)
-                               : Attribute::tuple(text(full), text(brief), shape.type, shape.count, "0123",
-                                                  AttributeType::Numeric, defaultValue);
+    const AttributePtr a = shape.count == 1 ? Attribute::number(text(full), text(brief), shape.type, defaultValue)
+                                            : Attribute::tuple(text(full), text(brief), shape.type, shape.count, "0123",
+                                                               AttributeType::Numeric, defaultValue);
     object_ = Access::object(a.get());
     return object_;
 }
@@ -181,13 +178,13 @@ MStatus MFnNumericAttribute::setLimits(int which, int count, const double* value
 #define ORVO_LIMITS(Name, which)                                                                                       \
     ORVO_LIMIT(Name, which)                                                                                            \
     MStatus MFnNumericAttribute::get##Name(double& a, double& b) const {                                               \
-        double v[2] = {};                                                                                                 \
+        double v[2] = {};                                                                                              \
         const MStatus status = getLimits(which, 2, v);                                                                 \
         if (status) a = v[0], b = v[1];                                                                                \
         return status;                                                                                                 \
     }                                                                                                                  \
     MStatus MFnNumericAttribute::get##Name(double& a, double& b, double& c) const {                                    \
-        double v[3] = {};                                                                                                 \
+        double v[3] = {};                                                                                              \
         const MStatus status = getLimits(which, 3, v);                                                                 \
         if (status) a = v[0], b = v[1], c = v[2];                                                                      \
         return status;                                                                                                 \
@@ -206,27 +203,34 @@ ORVO_LIMITS(Max, kMaximum)
 ORVO_LIMIT(SoftMin, kSoftMinimum)
 ORVO_LIMIT(SoftMax, kSoftMaximum)
 
-template <class T> MStatus MFnNumericAttribute::readDefault(int count, T* values) {
+template <class T>
+MStatus MFnNumericAttribute::readDefault(int count, T* values) {
     const auto a = Access::attribute(object_);
     const Numeric* n = a ? std::get_if<Numeric>(&a->defaultValue) : nullptr;
     if (!n) return MStatus::kFailure;
     if (n->count != count) return MStatus::kInvalidParameter;
     for (int i = 0; i < count; ++i) {
-        if constexpr (std::is_same_v<T, bool>) values[i] = n->get(i) != 0;
-        else if constexpr (std::is_integral_v<T>) values[i] = static_cast<T>(n->getInt64(i));
-        else values[i] = static_cast<T>(n->get(i));
+        if constexpr (std::is_same_v<T, bool>)
+            values[i] = n->get(i) != 0;
+        else if constexpr (std::is_integral_v<T>)
+            values[i] = static_cast<T>(n->getInt64(i));
+        else
+            values[i] = static_cast<T>(n->get(i));
     }
     return MStatus::kSuccess;
 }
 
-template <class T> MStatus MFnNumericAttribute::writeDefault(int count, const T* values) {
+template <class T>
+MStatus MFnNumericAttribute::writeDefault(int count, const T* values) {
     const auto a = Access::attribute(object_);
     Numeric* n = a ? std::get_if<Numeric>(&a->defaultValue) : nullptr;
     if (!n) return MStatus::kFailure;
     if (n->count != count) return MStatus::kInvalidParameter;
     for (int i = 0; i < count; ++i) {
-        if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) n->setInt64(i, values[i]);
-        else n->set(i, static_cast<double>(values[i]));
+        if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>)
+            n->setInt64(i, values[i]);
+        else
+            n->set(i, static_cast<double>(values[i]));
         if (a->type == AttributeType::Tuple) std::get<Numeric>(component(*a, i).defaultValue).set(0, n->get(i));
     }
     return MStatus::kSuccess;
@@ -239,13 +243,13 @@ template <class T> MStatus MFnNumericAttribute::writeDefault(int count, const T*
 #define ORVO_DEFAULT3(T)                                                                                               \
     ORVO_DEFAULT1(T)                                                                                                   \
     MStatus MFnNumericAttribute::getDefault(T& a, T& b) {                                                              \
-        T v[2] = {};                                                                                                      \
+        T v[2] = {};                                                                                                   \
         const MStatus status = readDefault(2, v);                                                                      \
         if (status) a = v[0], b = v[1];                                                                                \
         return status;                                                                                                 \
     }                                                                                                                  \
     MStatus MFnNumericAttribute::getDefault(T& a, T& b, T& c) {                                                        \
-        T v[3] = {};                                                                                                      \
+        T v[3] = {};                                                                                                   \
         const MStatus status = readDefault(3, v);                                                                      \
         if (status) a = v[0], b = v[1], c = v[2];                                                                      \
         return status;                                                                                                 \

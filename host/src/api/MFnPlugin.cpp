@@ -37,7 +37,7 @@ MFn::Type MFnPlugin::type() const { return MFn::kPlugin; }
 
 namespace {
 
-MString field(const MObject& object, std::string Plugin::* member, MStatus* out) {
+MString field(const MObject& object, std::string Plugin::*member, MStatus* out) {
     const Plugin* p = Access::plugin(object);
     setStatus(out, p ? MStatus::kSuccess : MStatus::kFailure);
     return p ? fromText(p->*member) : MString();
@@ -81,9 +81,8 @@ MStatus MFnPlugin::registerCommand(const MString& commandName, MCreatorFunction 
         showError("A command with the name '" + name + "' is registered already.");
         return MStatus::kFailure;
     }
-    mel.registerCommand(name, [name, creatorFunction](mel::Call& call) {
-        return api::runPluginCommand(name, creatorFunction, call);
-    });
+    mel.registerCommand(
+        name, [name, creatorFunction](mel::Call& call) { return api::runPluginCommand(name, creatorFunction, call); });
     p->commands.push_back(name);
     return MStatus::kSuccess;
 }

@@ -99,7 +99,8 @@ MStatus run(const MString& command, bool display, bool undoable, Value& result) 
     return MStatus::kFailure;
 }
 
-template <class T> MStatus runFor(const MString& command, T& result, bool display, bool undoable) {
+template <class T>
+MStatus runFor(const MString& command, T& result, bool display, bool undoable) {
     Value v;
     const MStatus status = run(command, display, undoable, v);
     return status ? api::takeResult(v, result) : status;
@@ -131,8 +132,10 @@ MStatus adjust(const MSelectionList& list, MGlobal::ListAdjustment how) {
     case MGlobal::kRemoveFromList: std::erase_if(selection, [&](const auto& s) { return has(items, s); }); break;
     case MGlobal::kXORWithList:
         for (const auto& item : items) {
-            if (has(selection, item)) std::erase(selection, item);
-            else selection.push_back(item);
+            if (has(selection, item))
+                std::erase(selection, item);
+            else
+                selection.push_back(item);
         }
         break;
     }
@@ -158,8 +161,10 @@ MStatus MGlobal::getSelectionListByName(const MString& name, MSelectionList& lis
 MStatus MGlobal::getActiveSelectionList(MSelectionList& dest, bool) {
     dest.clear();
     for (const auto& item : Scene::current().selection()) {
-        if (item.part.empty()) dest.add(Access::object(item.node.get()));
-        else dest.add(fromText(Scene::current().displayName(*item.node) + "." + item.part));
+        if (item.part.empty())
+            dest.add(Access::object(item.node.get()));
+        else
+            dest.add(fromText(Scene::current().displayName(*item.node) + "." + item.part));
     }
     return MStatus::kSuccess;
 }
@@ -265,7 +270,8 @@ void MGlobal::displayError(const MString& theError) { showError(toText(theError)
 
 namespace {
 
-template <class T> T optionVar(const MString& name, bool* exists) {
+template <class T>
+T optionVar(const MString& name, bool* exists) {
     const auto* v = scene::optionVars().find(toText(name));
     const T* held = v ? std::get_if<T>(v) : nullptr;
     if (exists) *exists = held != nullptr;

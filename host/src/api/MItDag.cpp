@@ -46,8 +46,10 @@ MStatus MItDag::reset(const MDagPath& path, TraversalType type, MFn::Type filter
 void MItDag::advance(bool intoChildren) {
     const bool deep = type_ != kBreadthFirst;
     const Entry current = deep ? open_.back() : open_.front();
-    if (deep) open_.pop_back();
-    else open_.erase(open_.begin());
+    if (deep)
+        open_.pop_back();
+    else
+        open_.erase(open_.begin());
     const auto node = Access::dagNode(current.node);
     if (!node || !intoChildren) return;
     const auto& children = node->dag()->children;

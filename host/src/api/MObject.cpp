@@ -18,7 +18,10 @@ MFn::Type attributeType(const scene::Attribute& a) {
     case AttributeType::Tuple: {
         const bool two = a.children.size() == 2;
         switch (a.numeric) {
-        case scene::NumericType::Double: return two ? MFn::kAttribute2Double : a.children.size() == 4 ? MFn::kAttribute4Double : MFn::kAttribute3Double;
+        case scene::NumericType::Double:
+            return two                      ? MFn::kAttribute2Double
+                   : a.children.size() == 4 ? MFn::kAttribute4Double
+                                            : MFn::kAttribute3Double;
         case scene::NumericType::Float: return two ? MFn::kAttribute2Float : MFn::kAttribute3Float;
         case scene::NumericType::Short: return two ? MFn::kAttribute2Short : MFn::kAttribute3Short;
         default: return two ? MFn::kAttribute2Int : MFn::kAttribute3Int;
@@ -177,8 +180,8 @@ MObject Access::object(scene::Node* node) {
 
 MObject Access::object(const scene::Attribute* attribute) {
     if (!attribute) return MObject();
-    return object(std::make_shared<AttributeHandle>(
-        std::const_pointer_cast<scene::Attribute>(attribute->shared_from_this())));
+    return object(
+        std::make_shared<AttributeHandle>(std::const_pointer_cast<scene::Attribute>(attribute->shared_from_this())));
 }
 
 MObject Access::object(scene::Value value) { return object(std::make_shared<DataObject>(std::move(value))); }

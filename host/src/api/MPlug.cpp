@@ -51,8 +51,10 @@ Cell* Access::cell(const MPlug& plug, std::shared_ptr<scene::Node>& keep) {
         c = c ? &c->child(a.childIndex) : &keep->cell(a);
         if (!a.array) continue;
         const int i = index(plug, a);
-        if (i >= 0) c = &c->element(i);
-        else if (std::next(it) != way.rend()) return nullptr;
+        if (i >= 0)
+            c = &c->element(i);
+        else if (std::next(it) != way.rend())
+            return nullptr;
     }
     return c;
 }
@@ -449,7 +451,8 @@ MDataHandle MPlug::constructHandle(MDataBlock&) const {
     return t ? Access::dataHandle(t->value) : MDataHandle();
 }
 
-template <class T> MStatus MPlug::number(T& val, MDGContext& ctx) const {
+template <class T>
+MStatus MPlug::number(T& val, MDGContext& ctx) const {
     const Target t(*this);
     if (!t) return MStatus::kFailure;
     if (!t->attribute.isNumber() || t->isArray()) return MStatus::kInvalidParameter;
@@ -457,8 +460,10 @@ template <class T> MStatus MPlug::number(T& val, MDGContext& ctx) const {
     int k = 0;
     const scene::Numeric* n = t->numbers(&k);
     if (!n) return MStatus::kFailure;
-    if constexpr (std::is_same_v<T, bool>) val = n->get(k) != 0;
-    else if constexpr (std::is_floating_point_v<T>) val = static_cast<T>(n->get(k));
+    if constexpr (std::is_same_v<T, bool>)
+        val = n->get(k) != 0;
+    else if constexpr (std::is_floating_point_v<T>)
+        val = static_cast<T>(n->get(k));
     else {
         scene::Numeric out(sizeof(T) == 1   ? scene::NumericType::Char
                            : sizeof(T) == 2 ? scene::NumericType::Short
@@ -529,8 +534,10 @@ MStatus MPlug::getValue(MDataHandle& val, MDGContext& ctx) const {
     if (!t) return MStatus::kFailure;
     bring(*t, ctx);
     int k = 0;
-    if (t->isTupleChild()) val = Access::dataHandle(scene::Numeric(t->numbers(&k)->type, 1, t->number()));
-    else val = Access::dataHandle(t->value);
+    if (t->isTupleChild())
+        val = Access::dataHandle(scene::Numeric(t->numbers(&k)->type, 1, t->number()));
+    else
+        val = Access::dataHandle(t->value);
     return MStatus::kSuccess;
 }
 
@@ -545,8 +552,7 @@ MStatus MPlug::setValue(MObject& val) {
 MStatus MPlug::setValue(MDataHandle& handle) {
     const Target t(*this);
     if (!t) return MStatus::kFailure;
-    return api::guarded(
-        [&] { t->node.scene.setValue(*t, Access::value(handle), scene::Scene::LimitPolicy::Ignore); });
+    return api::guarded([&] { t->node.scene.setValue(*t, Access::value(handle), scene::Scene::LimitPolicy::Ignore); });
 }
 
 MStatus MPlug::setValue(double val) { return setNumber(*this, val); }
@@ -576,7 +582,8 @@ MStatus MPlug::setValue(const MString& val) {
 
 namespace {
 
-template <class T> T asValue(const MPlug& plug, MDGContext& ctx, MStatus* out) {
+template <class T>
+T asValue(const MPlug& plug, MDGContext& ctx, MStatus* out) {
     T v{};
     const MStatus status = plug.getValue(v, ctx);
     if (out) *out = status;

@@ -29,14 +29,19 @@ struct Frame {
 };
 Frame* current = nullptr;
 
-template <class T> void append(T item) {
+template <class T>
+void append(T item) {
     if (!current) return;
     Value& r = current->result;
     using Array = std::vector<T>;
-    if (r.isNone()) r = item;
-    else if (auto* one = r.get<T>()) r = Array{*one, item};
-    else if (auto* list = r.get<Array>()) list->push_back(item);
-    else r = item;
+    if (r.isNone())
+        r = item;
+    else if (auto* one = r.get<T>())
+        r = Array{*one, item};
+    else if (auto* list = r.get<Array>())
+        list->push_back(item);
+    else
+        r = item;
 }
 
 void put(Value v) {

@@ -99,8 +99,8 @@ MStatus MSelectionList::add(const MString& matchString, const bool) {
         return append({Access::object(node), Access::plug(*cell), {}}, true);
     // Components are kept as their text.
     static const char* const components[] = {"vtx[", "f[", "e[", "map[", "vtxFace["};
-    const bool component = std::any_of(std::begin(components), std::end(components),
-                                       [&](const char* c) { return part.rfind(c, 0) == 0; });
+    const bool component =
+        std::any_of(std::begin(components), std::end(components), [&](const char* c) { return part.rfind(c, 0) == 0; });
     return component ? append({Access::object(node), MPlug(), part}, true) : MStatus(MStatus::kInvalidParameter);
 }
 
@@ -143,8 +143,10 @@ bool MSelectionList::hasItem(const MPlug& plug, MStatus* ReturnStatus) const {
 MStatus MSelectionList::merge(const MSelectionList& other, const MergeStrategy strategy) {
     for (const Item& item : std::vector<Item>(other.items_)) {
         const auto at = std::find_if(items_.begin(), items_.end(), [&](const Item& i) { return same(i, item); });
-        if (at == items_.end() && strategy != kRemoveFromList) items_.push_back(item);
-        else if (at != items_.end() && strategy != kMergeNormal) items_.erase(at);
+        if (at == items_.end() && strategy != kRemoveFromList)
+            items_.push_back(item);
+        else if (at != items_.end() && strategy != kMergeNormal)
+            items_.erase(at);
     }
     return MStatus::kSuccess;
 }

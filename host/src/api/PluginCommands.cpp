@@ -1,7 +1,7 @@
 #include "Host.h"
 #include "api/PluginManager.h"
-#include "mel/commands/Commands.h"
 #include "mel/Interpreter.h"
+#include "mel/commands/Commands.h"
 #include "scene/Messages.h"
 #include "scene/OptionVars.h"
 #include "scene/Scene.h"
@@ -12,7 +12,8 @@ namespace {
 api::PluginManager& plugins() { return Host::instance().plugins(); }
 
 /// Runs something that the rooms behind may refuse.
-template <class F> Value refusable(F&& f) {
+template <class F>
+Value refusable(F&& f) {
     try {
         return f();
     } catch (const scene::SceneError& e) {
@@ -46,9 +47,17 @@ Value unloadPlugin(Call& call) {
 
 Value pluginInfo(Call& call) {
     const ParsedArguments args(call,
-                               {{"l", "loaded"}, {"v", "version"}, {"vd", "vendor"}, {"n", "name"}, {"p", "path"},
-                                {"r", "registered"}, {"ls", "listPlugins"}, {"dn", "dependNode"}, {"c", "command"},
-                                {"av", "apiVersion"}, {"a", "autoload"}},
+                               {{"l", "loaded"},
+                                {"v", "version"},
+                                {"vd", "vendor"},
+                                {"n", "name"},
+                                {"p", "path"},
+                                {"r", "registered"},
+                                {"ls", "listPlugins"},
+                                {"dn", "dependNode"},
+                                {"c", "command"},
+                                {"av", "apiVersion"},
+                                {"a", "autoload"}},
                                true);
     if (!args.query()) throw Error("pluginInfo: only queries are supported.");
     if (args.has("ls")) {
@@ -73,8 +82,11 @@ Value pluginInfo(Call& call) {
 
 Value optionVar(Call& call) {
     const ParsedArguments args(call,
-                               {{"iv", "intValue", 2}, {"fv", "floatValue", 2}, {"sv", "stringValue", 2},
-                                {"ex", "exists", 1, true}, {"rm", "remove", 1}},
+                               {{"iv", "intValue", 2},
+                                {"fv", "floatValue", 2},
+                                {"sv", "stringValue", 2},
+                                {"ex", "exists", 1, true},
+                                {"rm", "remove", 1}},
                                true);
     auto& vars = scene::optionVars();
     if (args.has("ex")) return vars.find(args.text("ex")) != nullptr;

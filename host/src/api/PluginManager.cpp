@@ -103,10 +103,12 @@ Plugin& PluginManager::loadFile(const std::filesystem::path& file) {
     plugin->loading = false;
     if (!status) {
         // What it did register stays, so its code has to stay, too.
-        if (plugin->nodeTypes.empty() && plugin->commands.empty()) dlclose(library);
-        else failed_.push_back(std::move(plugin));
-        throw scene::SceneError("Plug-in \"" + shown + "\" failed to initialize: " +
-                                std::string(status.errorString().asChar()));
+        if (plugin->nodeTypes.empty() && plugin->commands.empty())
+            dlclose(library);
+        else
+            failed_.push_back(std::move(plugin));
+        throw scene::SceneError("Plug-in \"" + shown +
+                                "\" failed to initialize: " + std::string(status.errorString().asChar()));
     }
     plugins_.push_back(std::move(plugin));
     return *plugins_.back();
@@ -127,8 +129,8 @@ void PluginManager::unload(const std::string& name) {
     const EntryPoint finish = entryPoint(p->library, "uninitializePlugin", "_Z18uninitializePlugin7MObject");
     const MStatus status = callShielded(finish, *p, "uninitializePlugin");
     if (!status)
-        throw scene::SceneError("Plug-in, \"" + p->name + "\", failed to uninitialize: " +
-                                std::string(status.errorString().asChar()));
+        throw scene::SceneError("Plug-in, \"" + p->name +
+                                "\", failed to uninitialize: " + std::string(status.errorString().asChar()));
     void* library = p->library;
     std::erase_if(plugins_, [p](const auto& q) { return q.get() == p; });
     dlclose(library);

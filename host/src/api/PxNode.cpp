@@ -23,7 +23,8 @@ namespace {
 scene::NodeType* initialising = nullptr;
 
 /// Runs plug-in code. What it throws is reported and answered as a failure.
-template <class F> MStatus shielded(scene::Node& node, const char* what, F&& f) {
+template <class F>
+MStatus shielded(scene::Node& node, const char* what, F&& f) {
     try {
         return f();
     } catch (const std::exception& e) {

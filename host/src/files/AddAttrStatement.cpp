@@ -22,16 +22,26 @@ std::optional<Kind> kindOf(std::string_view name, bool isData) {
     using T = AttributeType;
     using N = NumericType;
     static const std::map<std::string_view, Kind> attributeTypes{
-        {"bool", {T::Numeric, N::Bool}},       {"char", {T::Numeric, N::Char}},
-        {"byte", {T::Numeric, N::Byte}},       {"short", {T::Numeric, N::Short}},
-        {"long", {T::Numeric, N::Int}},        {"int", {T::Numeric, N::Int}},
-        {"Int64", {T::Numeric, N::Int64}},     {"int64", {T::Numeric, N::Int64}},
-        {"float", {T::Numeric, N::Float}},     {"double", {T::Numeric, N::Double}},
-        {"enum", {T::Enum, N::Short}},         {"doubleAngle", {T::Angle, N::Double}},
-        {"floatAngle", {T::Angle, N::Double}}, {"doubleLinear", {T::Distance, N::Double}},
-        {"floatLinear", {T::Distance, N::Double}}, {"time", {T::Time, N::Double}},
-        {"matrix", {T::Matrix}},               {"fltMatrix", {T::FloatMatrix}},
-        {"message", {T::Message}},             {"compound", {T::Compound}},
+        {"bool", {T::Numeric, N::Bool}},
+        {"char", {T::Numeric, N::Char}},
+        {"byte", {T::Numeric, N::Byte}},
+        {"short", {T::Numeric, N::Short}},
+        {"long", {T::Numeric, N::Int}},
+        {"int", {T::Numeric, N::Int}},
+        {"Int64", {T::Numeric, N::Int64}},
+        {"int64", {T::Numeric, N::Int64}},
+        {"float", {T::Numeric, N::Float}},
+        {"double", {T::Numeric, N::Double}},
+        {"enum", {T::Enum, N::Short}},
+        {"doubleAngle", {T::Angle, N::Double}},
+        {"floatAngle", {T::Angle, N::Double}},
+        {"doubleLinear", {T::Distance, N::Double}},
+        {"floatLinear", {T::Distance, N::Double}},
+        {"time", {T::Time, N::Double}},
+        {"matrix", {T::Matrix}},
+        {"fltMatrix", {T::FloatMatrix}},
+        {"message", {T::Message}},
+        {"compound", {T::Compound}},
         {"generic", {T::Generic}},
     };
     static const std::map<std::string_view, Kind> dataTypes{
@@ -63,14 +73,42 @@ class Definition {
 public:
     explicit Definition(const Statement& s) {
         static const std::map<std::string_view, std::string_view> longNames{
-            {"longName", "ln"}, {"shortName", "sn"}, {"niceName", "nn"}, {"attributeType", "at"}, {"dataType", "dt"},
-            {"enumName", "en"}, {"defaultValue", "dv"}, {"minValue", "min"}, {"maxValue", "max"}, {"softMinValue", "smn"},
-            {"softMaxValue", "smx"}, {"hasMinValue", "hnv"}, {"hasMaxValue", "hxv"}, {"hasSoftMinValue", "hsn"},
-            {"hasSoftMaxValue", "hsx"}, {"keyable", "k"}, {"hidden", "h"}, {"multi", "m"}, {"indexMatters", "im"},
-            {"cachedInternally", "ci"}, {"parent", "p"}, {"numberOfChildren", "nc"}, {"usedAsColor", "uac"},
-            {"usedAsFilename", "uaf"}, {"usedAsProxy", "uap"}, {"readable", "r"}, {"writable", "w"}, {"storable", "s"},
-            {"binaryTag", "bt"}, {"category", "ct"}, {"internalSet", "is"}, {"disconnectBehaviour", "dcb"},
-            {"proxy", "pxy"}, {"channelBox", "cb"}, {"affectsWorldspace", "aws"}, {"affectsAppearance", "aap"},
+            {"longName", "ln"},
+            {"shortName", "sn"},
+            {"niceName", "nn"},
+            {"attributeType", "at"},
+            {"dataType", "dt"},
+            {"enumName", "en"},
+            {"defaultValue", "dv"},
+            {"minValue", "min"},
+            {"maxValue", "max"},
+            {"softMinValue", "smn"},
+            {"softMaxValue", "smx"},
+            {"hasMinValue", "hnv"},
+            {"hasMaxValue", "hxv"},
+            {"hasSoftMinValue", "hsn"},
+            {"hasSoftMaxValue", "hsx"},
+            {"keyable", "k"},
+            {"hidden", "h"},
+            {"multi", "m"},
+            {"indexMatters", "im"},
+            {"cachedInternally", "ci"},
+            {"parent", "p"},
+            {"numberOfChildren", "nc"},
+            {"usedAsColor", "uac"},
+            {"usedAsFilename", "uaf"},
+            {"usedAsProxy", "uap"},
+            {"readable", "r"},
+            {"writable", "w"},
+            {"storable", "s"},
+            {"binaryTag", "bt"},
+            {"category", "ct"},
+            {"internalSet", "is"},
+            {"disconnectBehaviour", "dcb"},
+            {"proxy", "pxy"},
+            {"channelBox", "cb"},
+            {"affectsWorldspace", "aws"},
+            {"affectsAppearance", "aap"},
         };
         for (std::size_t i = 0; i < s.words.size(); ++i) {
             const Word& word = s.words[i];
@@ -80,13 +118,15 @@ public:
             }
             std::string_view flag = word.text.substr(1);
             if (const auto it = longNames.find(flag); it != longNames.end()) flag = it->second;
-            const bool known = std::any_of(longNames.begin(), longNames.end(), [&](auto& e) { return e.second == flag; });
+            const bool known =
+                std::any_of(longNames.begin(), longNames.end(), [&](auto& e) { return e.second == flag; });
             if (!known) throw SceneError("addAttr: invalid flag '" + std::string(word.text) + "'.");
             if (flag == "m" || flag == "uac" || flag == "uaf" || flag == "uap") {
                 values_[flag] = "1";
                 continue;
             }
-            if (++i == s.words.size()) throw SceneError("addAttr: flag '" + std::string(word.text) + "' needs a value.");
+            if (++i == s.words.size())
+                throw SceneError("addAttr: flag '" + std::string(word.text) + "' needs a value.");
             values_[flag] = s.words[i].text;
         }
     }
@@ -121,7 +161,8 @@ std::vector<std::pair<std::string, short>> enumFields(std::string_view text) {
         const auto colon = text.find(':');
         std::string_view field = text.substr(0, colon);
         if (const auto equals = field.rfind('='); equals != field.npos) {
-            if (const auto index = parseInteger(field.substr(equals + 1)); index && *index >= -32768 && *index <= 32767) {
+            if (const auto index = parseInteger(field.substr(equals + 1));
+                index && *index >= -32768 && *index <= 32767) {
                 next = static_cast<int>(*index);
                 field = field.substr(0, equals);
             }
@@ -218,7 +259,8 @@ void OpenCompounds::enter(Scene& scene, Node& node, const AttributePtr& attribut
             throw SceneError("The attribute '" + a.longName + "' needs " + std::to_string(whole->count) + " children.");
         for (const auto& c : a.children) {
             const auto* n = std::get_if<Numeric>(&c->defaultValue);
-            if (!n || n->count != 1) throw SceneError("The attribute '" + a.longName + "' needs numbers as its children.");
+            if (!n || n->count != 1)
+                throw SceneError("The attribute '" + a.longName + "' needs numbers as its children.");
             // The parent stores the numbers, so its type must hold those of angles and lengths, too.
             if (n->type == NumericType::Double && whole->type != NumericType::Double) {
                 a.numeric = NumericType::Double;
@@ -243,7 +285,8 @@ void OpenCompounds::add(Scene& scene, Node& node, AttributePtr attribute, int ch
         if (node.findAttribute(attribute->longName) || node.findAttribute(attribute->shortName))
             throw SceneError("Node '" + scene.displayName(node) + "' already has an attribute named '" +
                              attribute->longName + "'.");
-        std::erase_if(open_, [&](const Open& o) { return o.node.lock().get() == &node && o.root->named(attribute->longName); });
+        std::erase_if(
+            open_, [&](const Open& o) { return o.node.lock().get() == &node && o.root->named(attribute->longName); });
         Open o{node.weak_from_this(), attribute, {}};
         o.missing[attribute.get()] = children;
         open_.push_back(std::move(o));
@@ -267,7 +310,8 @@ void OpenCompounds::add(Scene& scene, Node& node, AttributePtr attribute, int ch
         }
         return;
     }
-    throw SceneError("addAttr: the node '" + scene.displayName(node) + "' has no open compound attribute '" + parent + "'.");
+    throw SceneError("addAttr: the node '" + scene.displayName(node) + "' has no open compound attribute '" + parent +
+                     "'.");
 }
 
 std::vector<std::string> OpenCompounds::close(Scene& scene) {

@@ -102,11 +102,13 @@ bool isPlainElement(const Cell& c) {
     if (a.children.empty() && !a.isNumber()) return false;
     for (const auto& part : a.children)
         if (part->array || (!part->isNumber() && !part->isCompound())) return false;
-    return std::all_of(c.children.begin(), c.children.end(), [](const auto& child) { return !child || isPlainElement(*child); });
+    return std::all_of(c.children.begin(), c.children.end(),
+                       [](const auto& child) { return !child || isPlainElement(*child); });
 }
 
 bool anyWritten(const Cell& c) {
-    return c.written || std::any_of(c.children.begin(), c.children.end(), [](const auto& k) { return k && anyWritten(*k); });
+    return c.written ||
+           std::any_of(c.children.begin(), c.children.end(), [](const auto& k) { return k && anyWritten(*k); });
 }
 
 /// Whether the mesh has more than the one empty UV set that all have.
@@ -132,25 +134,32 @@ std::string plugText(const Cell& cell, bool source) {
 }
 
 void AttributeWriter::number(const Attribute& a, double value) {
-    if (a.isUnit()) appendQuotient(out_, value, units_.factor(a.type));
-    else if (a.numeric == NumericType::Bool) out_ += value != 0 ? "yes" : "no";
-    else if (a.numeric == NumericType::Float) appendNumber(out_, static_cast<float>(value));
-    else appendNumber(out_, value);
+    if (a.isUnit())
+        appendQuotient(out_, value, units_.factor(a.type));
+    else if (a.numeric == NumericType::Bool)
+        out_ += value != 0 ? "yes" : "no";
+    else if (a.numeric == NumericType::Float)
+        appendNumber(out_, static_cast<float>(value));
+    else
+        appendNumber(out_, value);
 }
 
 void AttributeWriter::number(Cell& leaf) {
     int k = 0;
     const Numeric* n = leaf.numbers(&k);
     if (!n) return;
-    if (n->type == NumericType::Int64) appendNumber(out_, n->getInt64(k));
-    else number(leaf.attribute, n->get(k));
+    if (n->type == NumericType::Int64)
+        appendNumber(out_, n->getInt64(k));
+    else
+        number(leaf.attribute, n->get(k));
 }
 
 bool AttributeWriter::differs(Cell& c) const {
     const Attribute& a = c.attribute;
     if (anyWritten(c) && (c.node.isDefault || !c.node.type.plugin.empty() || isInArray(c))) return true;
     if (a.type == AttributeType::Compound) {
-        return std::any_of(c.children.begin(), c.children.end(), [&](const auto& child) { return child && differs(*child); });
+        return std::any_of(c.children.begin(), c.children.end(),
+                           [&](const auto& child) { return child && differs(*child); });
     }
     if (c.isTupleChild()) {
         const auto* standard = std::get_if<Numeric>(&a.defaultValue);
@@ -282,8 +291,10 @@ void AttributeWriter::cell(Cell& c) {
             Cell& child = c.child(static_cast<int>(k));
             std::string childFlags;
             states(child, childFlags);
-            if (fed && hasValue && !child.source && differs(child)) value(child, childFlags);
-            else if (!childFlags.empty()) out_ += "\tsetAttr" + childFlags + " \"." + plugText(child, false) + "\";\n";
+            if (fed && hasValue && !child.source && differs(child))
+                value(child, childFlags);
+            else if (!childFlags.empty())
+                out_ += "\tsetAttr" + childFlags + " \"." + plugText(child, false) + "\";\n";
         }
         if (!whole) statesAlone();
         return;
@@ -291,12 +302,15 @@ void AttributeWriter::cell(Cell& c) {
     const auto* data = std::get_if<DataPtr>(&c.value);
     const bool writable = !data || (*data && (*data)->kind() != DataKind::Mesh);
     const bool holds = !std::holds_alternative<std::monostate>(c.value) || c.isTupleChild();
-    if (hasValue && writable && holds && differs(c)) value(c, flags);
-    else statesAlone();
+    if (hasValue && writable && holds && differs(c))
+        value(c, flags);
+    else
+        statesAlone();
 }
 
 void AttributeWriter::define(const Attribute& a) {
-    const bool isData = a.type == AttributeType::String || a.type == AttributeType::Data || a.type == AttributeType::Matrix;
+    const bool isData =
+        a.type == AttributeType::String || a.type == AttributeType::Data || a.type == AttributeType::Matrix;
     out_ += "\taddAttr -ci " + std::string(truth(a.cached));
     if (a.hidden) out_ += " -h true";
     if (a.keyable) out_ += " -k true";
@@ -315,8 +329,10 @@ void AttributeWriter::define(const Attribute& a) {
         out_ += flag;
         number(a, *v);
     };
-    if (standard && standard->type == NumericType::Int64) out_ += " -dv " + std::to_string(standard->getInt64());
-    else if (standard && standard->get() != 0) limit(" -dv ", standard->get());
+    if (standard && standard->type == NumericType::Int64)
+        out_ += " -dv " + std::to_string(standard->getInt64());
+    else if (standard && standard->get() != 0)
+        limit(" -dv ", standard->get());
     if (a.isNumber()) {
         limit(" -min ", a.limits[0].min);
         limit(" -max ", a.limits[0].max);
@@ -381,9 +397,8 @@ void AttributeWriter::mesh(Node& node) {
             appendScaled(out_, k == 0 ? p.x : k == 1 ? p.y : p.z, scale);
         });
         const std::vector<int> edges = mesh::fileEdges(m);
-        pieces("ed", "", edges.size() / 3, 166, 3, [&](std::size_t i, std::size_t k) {
-            appendNumber(out_, static_cast<std::int64_t>(edges[3 * i + k]));
-        });
+        pieces("ed", "", edges.size() / 3, 166, 3,
+               [&](std::size_t i, std::size_t k) { appendNumber(out_, static_cast<std::int64_t>(edges[3 * i + k])); });
         const auto normals = m.explicitNormals();
         pieces("n", " -type \"float3\"", normals.size(), 166, 3, [&](std::size_t i, std::size_t k) {
             appendNumber(out_, k == 0 ? normals[i].x : k == 1 ? normals[i].y : normals[i].z);

@@ -53,7 +53,7 @@ std::vector<int> integers(std::span<const Word> words) {
 /// "vt[0:7]" or "uvst[1].uvsp[0:3]" as names and indices.
 struct MeshPath {
     std::string_view list, part;
-    int set = -1;            ///< index of the UV set
+    int set = -1; ///< index of the UV set
     int first = -1, last = -1;
 
     explicit MeshPath(std::string_view path) {
@@ -87,7 +87,8 @@ private:
 };
 
 /// Moves points of a mesh that is built already, or sets offsets. A single number is one axis of one point.
-void movePoints(Scene& scene, Node& node, MeshBehavior& b, const MeshPath& p, const std::vector<float>& xyz, bool tweak) {
+void movePoints(Scene& scene, Node& node, MeshBehavior& b, const MeshPath& p, const std::vector<float>& xyz,
+                bool tweak) {
     std::shared_ptr<const mesh::PolyMesh> own = b.own;
     auto tweaks = b.tweaks;
     std::shared_ptr<mesh::PolyMesh> moved = tweak ? nullptr : std::make_shared<mesh::PolyMesh>(*own);
@@ -95,7 +96,8 @@ void movePoints(Scene& scene, Node& node, MeshBehavior& b, const MeshPath& p, co
         if (tweak) {
             change(tweaks[vertex]);
         } else {
-            if (vertex >= moved->numVertices()) throw SceneError("The mesh has no vertex " + std::to_string(vertex) + ".");
+            if (vertex >= moved->numVertices())
+                throw SceneError("The mesh has no vertex " + std::to_string(vertex) + ".");
             mesh::Float3 v = moved->point(vertex);
             change(v);
             moved->setPoint(vertex, v);
@@ -136,8 +138,9 @@ bool setMeshList(const StatementContext& c, Node& node, std::string_view path, s
         if (values.size() == 1) b->file.setCurrentUvSet(std::string(values.front().text));
         return false; // the attribute has it, too
     }
-    const bool points = is("vt", "vrts"), offsets = is("pt", "pnts"), edges = is("ed", "edge"), faces = is("fc", "face"),
-               normals = is("n", "normals"), uvs = is("uvst", "uvSet"), oldUvs = is("uv", "uvpt");
+    const bool points = is("vt", "vrts"), offsets = is("pt", "pnts"), edges = is("ed", "edge"),
+               faces = is("fc", "face"), normals = is("n", "normals"), uvs = is("uvst", "uvSet"),
+               oldUvs = is("uv", "uvpt");
     if (!points && !offsets && !edges && !faces && !normals && !uvs && !oldUvs) return false;
     if (values.empty()) return true; // a size hint
     if (p.first < 0 && p.part != "uvsn" && p.part != "uvSetName")
@@ -154,10 +157,14 @@ bool setMeshList(const StatementContext& c, Node& node, std::string_view path, s
 
     std::string error;
     const auto first = static_cast<std::size_t>(std::max(p.first, 0));
-    if (points) b->file.appendVertices(first, floats(values, scale), &error);
-    else if (edges) b->file.appendEdges(first, integers(values), &error);
-    else if (normals) b->file.appendNormals(first, floats(values), &error);
-    else if (oldUvs) b->file.setUvs(0, first, floats(values), &error);
+    if (points)
+        b->file.appendVertices(first, floats(values, scale), &error);
+    else if (edges)
+        b->file.appendEdges(first, integers(values), &error);
+    else if (normals)
+        b->file.appendNormals(first, floats(values), &error);
+    else if (oldUvs)
+        b->file.setUvs(0, first, floats(values), &error);
     else if (faces) {
         if (type != "polyFaces") throw SceneError("Faces need the type polyFaces.");
         FaceWords words(values);
@@ -176,8 +183,8 @@ bool setMeshList(const StatementContext& c, Node& node, std::string_view path, s
     if (width > 0 && p.last >= p.first && p.first >= 0) {
         const auto promised = static_cast<std::size_t>(p.last - p.first) + 1;
         if (values.size() != promised * width)
-            throw SceneError("'" + std::string(path) + "' has " + std::to_string(promised) + " elements, with values for " +
-                             std::to_string(values.size() / width) + ".");
+            throw SceneError("'" + std::string(path) + "' has " + std::to_string(promised) +
+                             " elements, with values for " + std::to_string(values.size() / width) + ".");
     }
     return true;
 }

@@ -86,8 +86,10 @@ void appendNumber(std::string& out, float value) {
     double back = 0;
     std::from_chars(brief.data(), brief.data() + brief.size(), back);
     // Read as a double and then rounded, the shortest text of a float may end at its neighbour.
-    if (std::isfinite(value) && static_cast<float>(back) != value) appendNumber(out, static_cast<double>(value));
-    else out += brief;
+    if (std::isfinite(value) && static_cast<float>(back) != value)
+        appendNumber(out, static_cast<double>(value));
+    else
+        out += brief;
 }
 
 void appendNumber(std::string& out, std::int64_t value) { out += std::to_string(value); }

@@ -136,7 +136,9 @@ struct Split {
             flags[w.text] = takes ? s.words[++i].text : std::string_view();
         }
     }
-    bool has(std::string_view brief, std::string_view full) const { return flags.contains(brief) || flags.contains(full); }
+    bool has(std::string_view brief, std::string_view full) const {
+        return flags.contains(brief) || flags.contains(full);
+    }
     std::string value(std::string_view brief, std::string_view full) const {
         auto it = flags.find(brief);
         if (it == flags.end()) it = flags.find(full);
@@ -250,7 +252,8 @@ void Reading::connectAttr(const Statement& s) {
             auto& elements = destination->elements;
             if (!elements.empty() && elements.rbegin()->second->source)
                 destination = &destination->element(elements.rbegin()->first + 1);
-            else destination = &scene_.nextAvailable(*destination);
+            else
+                destination = &scene_.nextAvailable(*destination);
         }
         // The first element of an array stands for a node's only instance and may be left unsaid.
         if (source->isArray() && !destination->isArray()) source = &source->element(0);
@@ -289,8 +292,7 @@ void Reading::disconnectAttr(const Statement& s) {
 
 void Reading::parent(const Statement& s) {
     const Split words(s, {});
-    if (words.has("-add", "-addObject"))
-        throw SceneError("Instances are not supported: 'parent -add' is left out.");
+    if (words.has("-add", "-addObject")) throw SceneError("Instances are not supported: 'parent -add' is left out.");
     const bool toWorld = words.has("-w", "-world");
     if (words.objects.size() < (toWorld ? 1u : 2u)) throw SceneError("parent needs a child and a parent.");
     const std::size_t children = words.objects.size() - (toWorld ? 0 : 1);
@@ -382,8 +384,10 @@ void Reading::currentUnit(const Statement& s) {
         const std::string name = words.value(brief, full);
         if (name.empty()) return;
         const auto known = named(name);
-        if (known) unit = *known;
-        else unknown += " '" + name + "'";
+        if (known)
+            unit = *known;
+        else
+            unknown += " '" + name + "'";
     };
     set(context_.units.linear, "-l", "-linear", linearUnitNamed);
     set(context_.units.angular, "-a", "-angle", angularUnitNamed);
@@ -404,8 +408,10 @@ void Reading::lockNode(const Statement& s) {
     if (!context_.target) throw SceneError("lockNode: there is no node to lock.");
     const auto lock = parseBool(words.value("-l", "-lock"));
     // The lock comes last, so that it does not stand against the file's own statements.
-    if (lock.value_or(false) && words.flags.size() == 1) toLock_.push_back(context_.target->shared_from_this());
-    else keepWithNode(s);
+    if (lock.value_or(false) && words.flags.size() == 1)
+        toLock_.push_back(context_.target->shared_from_this());
+    else
+        keepWithNode(s);
 }
 
 void Reading::reference(const Statement& s) {
@@ -433,13 +439,15 @@ void Reading::execute(const Statement& s) {
     if (s.name == "else") return; // the rest of what was refused before
     const auto handler = handlers().find(s.name);
     const std::string name(s.name.substr(0, 60));
-    if (handler == handlers().end() || (s.kind == Statement::Kind::Braced && s.name != "setAttr" && s.name != "aliasAttr")) {
+    if (handler == handlers().end() ||
+        (s.kind == Statement::Kind::Braced && s.name != "setAttr" && s.name != "aliasAttr")) {
         complaints_.refused(s, "'" + name + "' is refused: a scene file may not run it.");
         return;
     }
     if (s.kind == Statement::Kind::Script) {
-        complaints_.refused(s, "'" + name + "' is refused: a scene file may not run commands, variables or expressions "
-                                            "within a statement.");
+        complaints_.refused(s, "'" + name +
+                                   "' is refused: a scene file may not run commands, variables or expressions "
+                                   "within a statement.");
         return;
     }
     try {
@@ -456,8 +464,8 @@ void Reading::summary() {
     if (n > 0) {
         std::string list;
         for (const auto& type : unknownTypes_) list += (list.empty() ? "" : ", ") + type;
-        text = fmt::format("{} {} of {} unknown {} {} kept as {}: {}.", n, n == 1 ? "node" : "nodes", unknownTypes_.size(),
-                           unknownTypes_.size() == 1 ? "type" : "types", n == 1 ? "is" : "are",
+        text = fmt::format("{} {} of {} unknown {} {} kept as {}: {}.", n, n == 1 ? "node" : "nodes",
+                           unknownTypes_.size(), unknownTypes_.size() == 1 ? "type" : "types", n == 1 ? "is" : "are",
                            n == 1 ? "it is" : "they are", list);
     }
     if (attributes > 0)

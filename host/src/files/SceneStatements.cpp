@@ -32,14 +32,20 @@ CreateRequest::CreateRequest(const Statement& s) {
             continue;
         }
         const auto value = [&]() -> std::string_view {
-            if (++i == s.words.size()) throw SceneError("createNode: flag '" + std::string(word.text) + "' needs a value.");
+            if (++i == s.words.size())
+                throw SceneError("createNode: flag '" + std::string(word.text) + "' needs a value.");
             return s.words[i].text;
         };
-        if (word.text == "-n" || word.text == "-name") name = value();
-        else if (word.text == "-p" || word.text == "-parent") parent = value();
-        else if (word.text == "-s" || word.text == "-shared") shared = true;
-        else if (word.text == "-ss" || word.text == "-skipSelect") skipSelect = true;
-        else throw SceneError("createNode: invalid flag '" + std::string(word.text) + "'.");
+        if (word.text == "-n" || word.text == "-name")
+            name = value();
+        else if (word.text == "-p" || word.text == "-parent")
+            parent = value();
+        else if (word.text == "-s" || word.text == "-shared")
+            shared = true;
+        else if (word.text == "-ss" || word.text == "-skipSelect")
+            skipSelect = true;
+        else
+            throw SceneError("createNode: invalid flag '" + std::string(word.text) + "'.");
     }
     if (type.empty()) throw SceneError("createNode: the type of the node is missing.");
 }

@@ -42,7 +42,8 @@ private:
 };
 
 std::string longName(const FileUnits& u) {
-    static constexpr const char* linear[] = {"millimeter", "centimeter", "meter", "kilometer", "inch", "foot", "yard", "mile"};
+    static constexpr const char* linear[] = {"millimeter", "centimeter", "meter", "kilometer",
+                                             "inch",       "foot",       "yard",  "mile"};
     static constexpr const char* angular[] = {"degree", "radian", "minute", "second"};
     return std::string("currentUnit -l ") + linear[static_cast<int>(u.linear)] + " -a " +
            angular[static_cast<int>(u.angular)] + " -t " + unitName(u.time) + ";\n";
@@ -58,8 +59,10 @@ void Writing::header(const std::string& name) {
     }
     if (requirement.empty()) requirement = "requires maya \"" + release + "\";";
     std::string safe = name;
-    std::replace_if(safe.begin(), safe.end(), [](unsigned char c) { return c < 32; }, '_');
-    std::replace_if(release.begin(), release.end(), [](unsigned char c) { return c < 32; }, ' ');
+    std::replace_if(
+        safe.begin(), safe.end(), [](unsigned char c) { return c < 32; }, '_');
+    std::replace_if(
+        release.begin(), release.end(), [](unsigned char c) { return c < 32; }, ' ');
     out_ += "//Maya ASCII " + release + " scene\n//Name: " + safe + "\n//Codeset: UTF-8\n";
     for (const std::string& kept : scene_.keptStatements)
         if (kept.starts_with("file ")) out_ += kept + "\n";
@@ -104,8 +107,10 @@ void Writing::connection(Cell& source, Cell& destination) {
     const bool next = destination.index >= 0 && !destination.attribute.indexMatters;
     Cell& named = next ? *destination.parent : destination;
     out_ += quotedText(nameInFile(to, scene_) + "." + plugText(named, false));
-    if (next) out_ += " -na";
-    else if (to.isDefault) out_ += " -f";
+    if (next)
+        out_ += " -na";
+    else if (to.isDefault)
+        out_ += " -f";
     out_ += ";\n";
 }
 

@@ -87,7 +87,8 @@ Request::Request(const Statement& s) {
         const auto truth = [&] {
             const std::string_view v = value();
             const auto flag = parseBool(v);
-            if (!flag) throw SceneError("setAttr: flag " + quoted(word.text) + " needs on or off, not " + quoted(v) + ".");
+            if (!flag)
+                throw SceneError("setAttr: flag " + quoted(word.text) + " needs on or off, not " + quoted(v) + ".");
             return *flag;
         };
         const std::string_view f = word.text;
@@ -182,8 +183,10 @@ DataPtr readArray(DataKind kind, Values& in) {
     const std::size_t n = in.count(tuple);
     const bool texts = kind == DataKind::StringArray || kind == DataKind::ComponentList;
     for (std::size_t i = 0; i < n * tuple; ++i) {
-        if (texts) data->texts.emplace_back(in.take().text);
-        else data->numbers.push_back(in.number());
+        if (texts)
+            data->texts.emplace_back(in.take().text);
+        else
+            data->numbers.push_back(in.number());
     }
     return data;
 }
@@ -204,8 +207,10 @@ void setMatrix(const StatementContext& c, Cell& cell, Values& in) {
     double m[4][4];
     for (auto& row : m)
         for (double& v : row) v = in.number();
-    if (cell.attribute.type == AttributeType::FloatMatrix) c.scene.setValue(cell, MFloatMatrix(m));
-    else c.scene.setValue(cell, MMatrix(m));
+    if (cell.attribute.type == AttributeType::FloatMatrix)
+        c.scene.setValue(cell, MFloatMatrix(m));
+    else
+        c.scene.setValue(cell, MMatrix(m));
 }
 
 void setTyped(const StatementContext& c, Cell& cell, const Request& r, Values& in) {
@@ -232,8 +237,10 @@ void setOne(const StatementContext& c, Cell& cell, const Request& r, Values& in)
         c.scene.setTime(in.number() * c.units.factor(AttributeType::Time));
         return;
     }
-    if (r.type.empty()) NumberFiller(c, r, in).fill(cell);
-    else setTyped(c, cell, r, in);
+    if (r.type.empty())
+        NumberFiller(c, r, in).fill(cell);
+    else
+        setTyped(c, cell, r, in);
 }
 
 UnknownHere noAttribute(const Request& r, const Node& node) {
@@ -255,8 +262,7 @@ void setRange(const StatementContext& c, Node& node, const PlugRange& range, con
             continue;
         }
         if (!range.rest.empty()) {
-            const std::string path =
-                std::string(range.array) + "[" + std::to_string(i) + "]" + std::string(range.rest);
+            const std::string path = std::string(range.array) + "[" + std::to_string(i) + "]" + std::string(range.rest);
             cell = c.scene.tryPlug(node, path);
             if (!cell) throw noAttribute(r, node);
         }
@@ -287,14 +293,18 @@ void setAttrStatement(const StatementContext& c, const Statement& s) {
     const PlugRange range(path);
     Values in(r.values);
     if (range.isRange) {
-        if (!r.values.empty()) setRange(c, node, range, r, in);
-        else if (!c.scene.tryPlug(node, range.array, false)) throw noAttribute(r, node);
+        if (!r.values.empty())
+            setRange(c, node, range, r, in);
+        else if (!c.scene.tryPlug(node, range.array, false))
+            throw noAttribute(r, node);
     } else {
         Cell* cell = c.scene.tryPlug(node, path);
         if (!cell) throw noAttribute(r, node);
         if (r.lock && !*r.lock) c.scene.setLocked(*cell, false);
-        if (!r.values.empty()) setOne(c, *cell, r, in);
-        else if (!r.type.empty()) throw SceneError("There are too few values.");
+        if (!r.values.empty())
+            setOne(c, *cell, r, in);
+        else if (!r.type.empty())
+            throw SceneError("There are too few values.");
         if (r.keyable) c.scene.setKeyable(*cell, *r.keyable);
         if (r.channelBox) c.scene.setChannelBox(*cell, *r.channelBox);
         if (r.lock && *r.lock) c.scene.setLocked(*cell, true);

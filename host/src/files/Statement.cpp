@@ -133,8 +133,10 @@ bool StatementScanner::readConcatenation(Statement& statement) {
 void StatementScanner::skipQuoted() {
     const int start = line_;
     for (++at_; at_ < text_.size() && text_[at_] != '"'; ++at_) {
-        if (text_[at_] == '\\') ++at_;
-        else if (text_[at_] == '\n') break;
+        if (text_[at_] == '\\')
+            ++at_;
+        else if (text_[at_] == '\n')
+            break;
         if (peek() == '\n') ++line_;
     }
     if (peek() != '"') throw SyntaxError("the quoted text is not closed", start);
@@ -147,16 +149,20 @@ void StatementScanner::skipScript(const Statement& statement, bool block) {
     int depth = 0;
     bool command = false;
     while (true) {
-        if (!skipSpace(true)) throw SyntaxError("the file ends within '" + std::string(statement.name) + "'", statement.line);
+        if (!skipSpace(true))
+            throw SyntaxError("the file ends within '" + std::string(statement.name) + "'", statement.line);
         const char c = text_[at_];
         if (c == '"') {
             skipQuoted();
             continue;
         }
         ++at_;
-        if (c == '`') command = !command;
-        else if (c == '(' || c == '{' || c == '[') ++depth;
-        else if (c == ')' || c == '}' || c == ']') depth = std::max(depth - 1, 0);
+        if (c == '`')
+            command = !command;
+        else if (c == '(' || c == '{' || c == '[')
+            ++depth;
+        else if (c == ')' || c == '}' || c == ']')
+            depth = std::max(depth - 1, 0);
         if (depth > 0 || command) continue;
         if (c == ';' || (block && c == '}')) return;
     }

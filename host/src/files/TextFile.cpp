@@ -47,7 +47,8 @@ void writeTextFile(const std::filesystem::path& file, std::string_view text) {
     std::error_code error;
     if (std::filesystem::is_directory(file, error)) throw FileError(name, "cannot be written: it is a folder");
     // A link stays one: what it leads to is replaced.
-    std::filesystem::path target = std::filesystem::exists(file, error) ? std::filesystem::canonical(file, error) : file;
+    std::filesystem::path target =
+        std::filesystem::exists(file, error) ? std::filesystem::canonical(file, error) : file;
     if (error || target.empty()) target = file;
     if (std::filesystem::exists(target, error) && ::access(target.c_str(), W_OK) != 0)
         throw FileError(name, std::string("cannot be written: ") + std::strerror(errno));
@@ -59,8 +60,10 @@ void writeTextFile(const std::filesystem::path& file, std::string_view text) {
     for (std::string_view rest = text; !rest.empty() && !failure;) {
         const ssize_t n = ::write(descriptor, rest.data(), rest.size());
         if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) failure = n < 0 ? errno : EIO;
-        else rest.remove_prefix(static_cast<std::size_t>(n));
+        if (n <= 0)
+            failure = n < 0 ? errno : EIO;
+        else
+            rest.remove_prefix(static_cast<std::size_t>(n));
     }
     if (!failure && ::fsync(descriptor) != 0 && errno != EINVAL) failure = errno;
     auto mode = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write |

@@ -45,8 +45,10 @@ private:
         const auto flag = [&](std::string_view brief, std::string_view full) {
             return known && w.size() == 3 && (w[0].text == brief || w[0].text == full);
         };
-        if (flag("-fr", "-fileRule")) files[std::string(w[1].text)] = w[2].text;
-        else if (flag("-v", "-variable")) variables[std::string(w[1].text)] = w[2].text;
+        if (flag("-fr", "-fileRule"))
+            files[std::string(w[1].text)] = w[2].text;
+        else if (flag("-v", "-variable"))
+            variables[std::string(w[1].text)] = w[2].text;
         else if (!known)
             showWarning(file + " line " + std::to_string(s.line) + ": '" + std::string(s.name.substr(0, 60)) +
                         "' is refused: only workspace statements are read.");
@@ -95,8 +97,10 @@ void Workspace::open(const fs::path& root) {
 
 void Workspace::save() const {
     std::string text = "//Maya Project Definition\n\n";
-    for (const auto& [name, folder] : fileRules) text += "workspace -fr " + quotedText(name) + " " + quotedText(folder) + ";\n";
-    for (const auto& [name, value] : variables) text += "workspace -v " + quotedText(name) + " " + quotedText(value) + ";\n";
+    for (const auto& [name, folder] : fileRules)
+        text += "workspace -fr " + quotedText(name) + " " + quotedText(folder) + ";\n";
+    for (const auto& [name, value] : variables)
+        text += "workspace -v " + quotedText(name) + " " + quotedText(value) + ";\n";
     writeTextFile(fs::path(root_) / "workspace.mel", text);
 }
 
@@ -112,7 +116,8 @@ std::string Workspace::expand(std::string_view path) const {
 
 std::string Workspace::sceneFolder() const {
     for (const char* rule : {"mayaAscii", "scene"})
-        if (const auto it = fileRules.find(rule); it != fileRules.end() && !it->second.empty()) return expand(it->second);
+        if (const auto it = fileRules.find(rule); it != fileRules.end() && !it->second.empty())
+            return expand(it->second);
     std::error_code error;
     const std::string usual = expand("scenes");
     return fs::is_directory(usual, error) ? usual : root_;

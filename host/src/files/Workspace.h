@@ -15,7 +15,8 @@ class Workspace {
 public:
     /// The current folder, without rules.
     Workspace() : Workspace(std::filesystem::current_path()) {}
-    /// As open(); but a root that is not there, or a broken workspace.mel, gives a workspace without rules and a warning.
+    /// As open(); but a root that is not there, or a broken workspace.mel, gives a workspace without rules and a
+    /// warning.
     explicit Workspace(const std::filesystem::path& root);
 
     /// The nearest folder from `start` upward that holds a workspace.mel; `start` itself when there is none.

@@ -162,14 +162,17 @@ void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tan
                            : plug.attribute.type == AttributeType::Time     ? "animCurveTT"
                                                                             : "animCurveTU";
         std::string name = plug.node.name + "_" + plug.attributePath();
-        std::replace_if(name.begin(), name.end(), [](char c) { return c == '.' || c == '[' || c == ']'; }, '_');
+        std::replace_if(
+            name.begin(), name.end(), [](char c) { return c == '.' || c == '[' || c == ']'; }, '_');
         curve = scene.createNode(*scene.findType(kind), name).get();
         scene.connect(curve->cell("output"), plug);
     }
     auto keys = readKeys(*curve);
     const auto it = std::find_if(keys.begin(), keys.end(), [&](const Key& k) { return k.time >= time; });
-    if (it != keys.end() && it->time == time) *it = {time, value, in, out};
-    else keys.insert(it, {time, value, in, out});
+    if (it != keys.end() && it->time == time)
+        *it = {time, value, in, out};
+    else
+        keys.insert(it, {time, value, in, out});
     writeKeys(scene, *curve, keys);
 }
 
@@ -179,8 +182,10 @@ int removeKeys(Scene& scene, Cell& plug, double first, double last) {
     auto keys = readKeys(*curve);
     const auto gone = std::erase_if(keys, [&](const Key& k) { return k.time >= first && k.time <= last; });
     if (gone == 0) return 0;
-    if (keys.empty()) scene.deleteNodes({curve});
-    else writeKeys(scene, *curve, keys);
+    if (keys.empty())
+        scene.deleteNodes({curve});
+    else
+        writeKeys(scene, *curve, keys);
     return static_cast<int>(gone);
 }
 

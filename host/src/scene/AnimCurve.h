@@ -17,7 +17,17 @@ std::unique_ptr<NodeBehavior> makeTimeBehavior(Node& node);
 std::unique_ptr<NodeBehavior> makeAnimCurve(Node& node);
 
 /// Tangent kinds by their stored number.
-enum class Tangent { Fixed = 1, Linear = 2, Flat = 3, Step = 5, Spline = 9, Clamped = 10, Plateau = 16, StepNext = 17, Auto = 18 };
+enum class Tangent {
+    Fixed = 1,
+    Linear = 2,
+    Flat = 3,
+    Step = 5,
+    Spline = 9,
+    Clamped = 10,
+    Plateau = 16,
+    StepNext = 17,
+    Auto = 18
+};
 
 /// Puts a key on the plug, making a curve of the fitting kind when it has none. Time in ticks, value in internal
 /// units; a key at the same time is replaced. Throws SceneError for plugs that cannot be animated.

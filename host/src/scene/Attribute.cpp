@@ -109,9 +109,8 @@ AttributePtr Attribute::tuple(std::string longName, std::string shortName, Numer
         const std::string suffix(1, suffixes[k]);
         const bool abbreviated = shortName != longName;
         std::string brief = shortName;
-        brief += abbreviated && suffixes[k] >= 'A' && suffixes[k] <= 'Z'
-                     ? static_cast<char>(suffixes[k] - 'A' + 'a')
-                     : suffixes[k];
+        brief += abbreviated && suffixes[k] >= 'A' && suffixes[k] <= 'Z' ? static_cast<char>(suffixes[k] - 'A' + 'a')
+                                                                         : suffixes[k];
         parts.push_back(childType == AttributeType::Numeric ? number(longName + suffix, brief, type, value)
                                                             : unit(longName + suffix, brief, childType, value));
     }

@@ -15,12 +15,12 @@ class Attribute;
 using AttributePtr = std::shared_ptr<Attribute>;
 
 enum class AttributeType : std::uint8_t {
-    Numeric,     ///< one number
-    Tuple,       ///< two to four numbers with a child attribute each
-    Angle,       ///< radians, a double
-    Distance,    ///< centimetres, a double
-    Time,        ///< ticks of 1/6000 s, a double
-    Enum,        ///< a short with named fields
+    Numeric,  ///< one number
+    Tuple,    ///< two to four numbers with a child attribute each
+    Angle,    ///< radians, a double
+    Distance, ///< centimetres, a double
+    Time,     ///< ticks of 1/6000 s, a double
+    Enum,     ///< a short with named fields
     String,
     Matrix,      ///< 4 x 4 doubles
     FloatMatrix, ///< 4 x 4 floats
@@ -47,9 +47,9 @@ public:
     bool usedAsColor = false, usedAsFilename = false, internal = false, worldSpace = false, dynamic = false;
     bool indeterminant = false, renderSource = false, affectsWorldSpace = false, affectsAppearance = false;
     bool usesArrayDataBuilder = false, proxy = false;
-    int disconnectBehavior = 2; ///< MFnAttribute::kNothing
-    Limits limits[4];           ///< Numeric, unit and Enum types use the first
-    Value defaultValue;         ///< of a leaf, or of a Tuple as a whole
+    int disconnectBehavior = 2;                        ///< MFnAttribute::kNothing
+    Limits limits[4];                                  ///< Numeric, unit and Enum types use the first
+    Value defaultValue;                                ///< of a leaf, or of a Tuple as a whole
     std::vector<std::pair<std::string, short>> fields; ///< Enum
     std::vector<AttributePtr> children;                ///< Tuple and Compound
     Attribute* parent = nullptr;

@@ -1,6 +1,6 @@
 #include "scene/AnimCurve.h"
-#include "scene/Evaluation.h"
 #include "scene/DagBehavior.h"
+#include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
 #include "scene/Scene.h"
 
@@ -91,9 +91,10 @@ constexpr auto transformKind = NodeType::Kind::Transform;
 constexpr auto shapeKind = NodeType::Kind::Shape;
 
 std::vector<AttributePtr> dagAttributes() {
-    auto groups = A::compound("objectGroups", "og",
-                              {A::data("objectGrpCompList", "gcl", DataKind::ComponentList),
-                               A::number("objectGroupId", "gid", N::Int), A::number("objectGrpColor", "gco", N::Short)});
+    auto groups =
+        A::compound("objectGroups", "og",
+                    {A::data("objectGrpCompList", "gcl", DataKind::ComponentList),
+                     A::number("objectGroupId", "gid", N::Int), A::number("objectGrpColor", "gco", N::Short)});
     auto instances = A::compound("instObjGroups", "iog", {array(groups)});
     return {
         readOnly(A::tuple("boundingBoxMin", "bbmn", N::Double, 3, "XYZ", distance)),
@@ -114,12 +115,9 @@ std::vector<AttributePtr> dagAttributes() {
         A::compound("drawOverride", "do",
                     {A::enumeration("overrideDisplayType", "ovdt", 0, {"Normal", "Template", "Reference"}),
                      A::enumeration("overrideLevelOfDetail", "ovlod", 0, {"Full", "Bounding Box"}),
-                     A::number("overrideShading", "ovs", N::Bool, 1),
-                     A::number("overrideTexturing", "ovt", N::Bool, 1),
-                     A::number("overridePlayback", "ovp", N::Bool, 1),
-                     A::number("overrideEnabled", "ove", N::Bool),
-                     A::number("overrideVisibility", "ovv", N::Bool, 1),
-                     A::number("overrideColor", "ovc", N::Byte)}),
+                     A::number("overrideShading", "ovs", N::Bool, 1), A::number("overrideTexturing", "ovt", N::Bool, 1),
+                     A::number("overridePlayback", "ovp", N::Bool, 1), A::number("overrideEnabled", "ove", N::Bool),
+                     A::number("overrideVisibility", "ovv", N::Bool, 1), A::number("overrideColor", "ovc", N::Byte)}),
         A::number("lodVisibility", "lodv", N::Bool, 1),
         A::data("renderLayerInfo", "rlio", DataKind::StringArray),
     };
@@ -254,10 +252,10 @@ std::vector<AttributePtr> setAttributes() {
 
 std::vector<AttributePtr> lambertAttributes() {
     return {
-        color("color", "c", 0.5, 0.5, 0.5), color("transparency", "it", 0, 0, 0), color("ambientColor", "ambc", 0, 0, 0),
-        color("incandescence", "ic", 0, 0, 0), A::number("diffuse", "dc", N::Float, 0.8),
-        A::number("translucence", "tc", N::Float), readOnly(color("outColor", "oc", 0, 0, 0)),
-        readOnly(color("outTransparency", "ot", 0, 0, 0)),
+        color("color", "c", 0.5, 0.5, 0.5),         color("transparency", "it", 0, 0, 0),
+        color("ambientColor", "ambc", 0, 0, 0),     color("incandescence", "ic", 0, 0, 0),
+        A::number("diffuse", "dc", N::Float, 0.8),  A::number("translucence", "tc", N::Float),
+        readOnly(color("outColor", "oc", 0, 0, 0)), readOnly(color("outTransparency", "ot", 0, 0, 0)),
     };
 }
 
@@ -265,7 +263,8 @@ void registerBase(Registrar& r) {
     auto message = A::message("message", "msg");
     message->writable = false;
     r.abstract("node", nullptr, dependency, MFn::kDependencyNode,
-               {message, A::number("caching", "cch", N::Bool), A::number("isHistoricallyInteresting", "ihi", N::Byte, 2),
+               {message, A::number("caching", "cch", N::Bool),
+                A::number("isHistoricallyInteresting", "ihi", N::Byte, 2),
                 A::enumeration("nodeState", "nds", 0, {"Normal", "HasNoEffect", "Blocking"}),
                 array(A::text("binMembership", "bnm"))});
     r.type("unknown", "node", dependency, MFn::kUnknown, {});
@@ -337,25 +336,25 @@ void registerShading(Registrar& r) {
 
 void registerAnimation(Registrar& r) {
     const auto curve = [&](const char* name, AttributePtr value, AttributePtr output, MFn::Type apiType) {
-        auto keys = array(A::compound("keyTimeValue", "ktv",
-                                      {A::unit("keyTime", "kt", AttributeType::Time), std::move(value)}));
+        auto keys = array(
+            A::compound("keyTimeValue", "ktv", {A::unit("keyTime", "kt", AttributeType::Time), std::move(value)}));
         output->writable = false;
         output->storable = false;
         auto& t = r.type(name, "animCurve", dependency, apiType, {std::move(keys), std::move(output)}, makeAnimCurve);
-        t.affects({"input", "keyTimeValue", "keyTanInType", "keyTanOutType", "preInfinity", "postInfinity",
-                   "tangentType"},
-                  {"output"});
+        t.affects(
+            {"input", "keyTimeValue", "keyTanInType", "keyTanOutType", "preInfinity", "postInfinity", "tangentType"},
+            {"output"});
     };
-    const std::vector<std::string> tangents{"fixed", "", "linear", "flat", "", "step", "", "", "", "spline",
-                                            "clamped", "", "", "", "", "", "plateau", "stepnext", "auto"};
+    const std::vector<std::string> tangents{"fixed", "", "linear",  "flat",     "",    "step", "",
+                                            "",      "", "spline",  "clamped",  "",    "",     "",
+                                            "",      "", "plateau", "stepnext", "auto"};
     const std::vector<std::string> infinity{"constant", "linear", "", "cycle", "cycleRelative", "oscillate"};
-    r.abstract("animCurve", "node", dependency, MFn::kAnimCurve,
-               {A::unit("input", "i", AttributeType::Time), A::enumeration("tangentType", "tan", 0, tangents),
-                A::number("weightedTangents", "wgt", N::Bool),
-                array(A::enumeration("keyTanInType", "kit", 0, tangents)),
-                array(A::enumeration("keyTanOutType", "kot", 0, tangents)),
-                array(A::number("keyBreakdown", "kbd", N::Bool)), A::enumeration("preInfinity", "pre", 0, infinity),
-                A::enumeration("postInfinity", "pst", 0, infinity)});
+    r.abstract(
+        "animCurve", "node", dependency, MFn::kAnimCurve,
+        {A::unit("input", "i", AttributeType::Time), A::enumeration("tangentType", "tan", 0, tangents),
+         A::number("weightedTangents", "wgt", N::Bool), array(A::enumeration("keyTanInType", "kit", 0, tangents)),
+         array(A::enumeration("keyTanOutType", "kot", 0, tangents)), array(A::number("keyBreakdown", "kbd", N::Bool)),
+         A::enumeration("preInfinity", "pre", 0, infinity), A::enumeration("postInfinity", "pst", 0, infinity)});
     curve("animCurveTL", A::unit("keyValue", "kv", distance), A::unit("output", "o", distance),
           MFn::kAnimCurveTimeToDistance);
     curve("animCurveTA", A::unit("keyValue", "kv", angle), A::unit("output", "o", angle), MFn::kAnimCurveTimeToAngular);
@@ -369,17 +368,18 @@ void registerMeshes(Registrar& r) {
     const auto mesh = [](const char* longName, const char* shortName) {
         return A::data(longName, shortName, DataKind::Mesh);
     };
-    auto uvSets = array(A::compound("uvSet", "uvst",
-                                    {A::text("uvSetName", "uvsn"), array(A::tuple("uvSetPoints", "uvsp", N::Float, 2, "UV"))}));
+    auto uvSets = array(A::compound(
+        "uvSet", "uvst", {A::text("uvSetName", "uvsn"), array(A::tuple("uvSetPoints", "uvsp", N::Float, 2, "UV"))}));
     // The lists of a mesh live in the mesh itself; these attributes only give them their names in scene files.
-    auto& t = r.type("mesh", "geometryShape", shapeKind, MFn::kMesh,
-                     {mesh("inMesh", "i"), readOnly(mesh("outMesh", "o")), worldArray(mesh("worldMesh", "w")),
-                      array(A::tuple("pnts", "pt", N::Float, 3, "xyz")), array(A::tuple("vrts", "vt", N::Float, 3, "xyz")),
-                      array(A::tuple("edge", "ed", N::Int, 3)), array(A::message("face", "fc")), uvSets,
-                      A::text("currentUVSet", "cuvs"), array(A::tuple("normals", "n", N::Float, 3, "xyz")),
-                      A::number("displayColors", "dcol", N::Bool), A::number("vertexColorSource", "vcs", N::Short, 2),
-                      A::number("displaySmoothMesh", "dsm", N::Bool)},
-                     makeMeshBehavior);
+    auto& t =
+        r.type("mesh", "geometryShape", shapeKind, MFn::kMesh,
+               {mesh("inMesh", "i"), readOnly(mesh("outMesh", "o")), worldArray(mesh("worldMesh", "w")),
+                array(A::tuple("pnts", "pt", N::Float, 3, "xyz")), array(A::tuple("vrts", "vt", N::Float, 3, "xyz")),
+                array(A::tuple("edge", "ed", N::Int, 3)), array(A::message("face", "fc")), uvSets,
+                A::text("currentUVSet", "cuvs"), array(A::tuple("normals", "n", N::Float, 3, "xyz")),
+                A::number("displayColors", "dcol", N::Bool), A::number("vertexColorSource", "vcs", N::Short, 2),
+                A::number("displaySmoothMesh", "dsm", N::Bool)},
+               makeMeshBehavior);
     t.affects({"inMesh", "pnts"}, {"outMesh", "worldMesh"});
     t.affects({"worldMatrix"}, {"worldMesh"});
 
@@ -408,8 +408,9 @@ void registerMeshes(Registrar& r) {
             {size("width", "w", 1), size("height", "h", 1), count("subdivisionsWidth", "sw", 10, 1),
              count("subdivisionsHeight", "sh", 10, 1)});
     creator("polyCube", MFn::kPolyCube,
-            {size("width", "w", 1), size("height", "h", 1), size("depth", "d", 1), count("subdivisionsWidth", "sw", 1, 1),
-             count("subdivisionsHeight", "sh", 1, 1), count("subdivisionsDepth", "sd", 1, 1)});
+            {size("width", "w", 1), size("height", "h", 1), size("depth", "d", 1),
+             count("subdivisionsWidth", "sw", 1, 1), count("subdivisionsHeight", "sh", 1, 1),
+             count("subdivisionsDepth", "sd", 1, 1)});
     creator("polySphere", MFn::kPolySphere,
             {size("radius", "r", 1), count("subdivisionsAxis", "sa", 20, 3), count("subdivisionsHeight", "sh", 20, 3)});
     creator("polyCylinder", MFn::kPolyCylinder,

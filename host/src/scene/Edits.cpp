@@ -63,8 +63,10 @@ public:
     void restore() const {
         for (const auto& [cell, value, written] : parts_) {
             int k = 0;
-            if (!cell->isTupleChild()) cell->value = value;
-            else if (Numeric* n = cell->numbers(&k)) n->set(k, std::get<Numeric>(value).get(k));
+            if (!cell->isTupleChild())
+                cell->value = value;
+            else if (Numeric* n = cell->numbers(&k))
+                n->set(k, std::get<Numeric>(value).get(k));
             cell->written = written;
         }
     }
@@ -181,8 +183,7 @@ void Scene::requireSettable(const Cell& cell) const {
             if (child && (child->source || child->locked))
                 throw SceneError("The attribute '" + cell.name() +
                                  "' contains a locked or connected child and cannot be modified.");
-    if (!cell.attribute.writable)
-        throw SceneError("The attribute '" + cell.name() + "' cannot be written.");
+    if (!cell.attribute.writable) throw SceneError("The attribute '" + cell.name() + "' cannot be written.");
 }
 
 void Scene::setNumber(Cell& cell, double value, LimitPolicy policy) {
@@ -243,10 +244,12 @@ void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
         Numeric converted(held->type, held->count);
         for (int k = 0; k < n->count; ++k) {
             const bool tuple = cell.attribute.type == AttributeType::Tuple;
-            const Limits& limits = tuple ? cell.attribute.children[static_cast<std::size_t>(k)]->limits[0]
-                                         : cell.attribute.limits[0];
-            if (n->type == NumericType::Int64) converted.setInt64(k, n->getInt64(k));
-            else converted.set(k, limited(cell, limits, n->get(k), policy));
+            const Limits& limits =
+                tuple ? cell.attribute.children[static_cast<std::size_t>(k)]->limits[0] : cell.attribute.limits[0];
+            if (n->type == NumericType::Int64)
+                converted.setInt64(k, n->getInt64(k));
+            else
+                converted.set(k, limited(cell, limits, n->get(k), policy));
         }
         value = converted;
     } else if (cell.attribute.type != AttributeType::Generic) {
@@ -260,7 +263,7 @@ void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
         return;
     }
     const auto set = [&cell, keep = undo.recording() ? cell.node.shared_from_this() : nullptr](const Value& to,
-                                                                                                 bool written) {
+                                                                                               bool written) {
         cell.value = to;
         cell.written = written;
         setClean(cell);
@@ -392,8 +395,7 @@ void Scene::connect(Cell& source, Cell& destination, bool force) {
     if (&source == &destination) throw SceneError("Cannot connect " + pair + ": an attribute to itself.");
     if (!compatible(source, destination))
         throw SceneError("Cannot connect " + pair + ": data types are not compatible.");
-    if (destination.lockedHere())
-        throw SceneError("Cannot connect " + pair + ": the destination attribute is locked.");
+    if (destination.lockedHere()) throw SceneError("Cannot connect " + pair + ": the destination attribute is locked.");
     if (destination.source) {
         if (!force)
             throw SceneError("The attribute '" + destination.name() +
@@ -447,8 +449,10 @@ Cell& Scene::nextAvailable(Cell& array) {
         const bool used = element->source || !element->destinations.empty() || element->written ||
                           std::any_of(element->children.begin(), element->children.end(),
                                       [](auto& c) { return c && (c->source || c->written); });
-        if (index == free && used) ++free;
-        else if (index > free) break;
+        if (index == free && used)
+            ++free;
+        else if (index > free)
+            break;
     }
     return array.element(free);
 }

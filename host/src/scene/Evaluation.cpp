@@ -107,8 +107,7 @@ double converted(const Attribute& from, const Attribute& to, double v) {
 }
 
 void reportCycle(Cell& cell) {
-    if (cell.node.scene.noteCycle(cell))
-        showWarning("Cycle on '" + cell.name() + "' may not evaluate as expected.");
+    if (cell.node.scene.noteCycle(cell)) showWarning("Cycle on '" + cell.name() + "' may not evaluate as expected.");
 }
 
 } // namespace
@@ -175,8 +174,10 @@ void assign(Cell& destination, Cell& source) {
         Numeric* d = destination.numbers(&k);
         const Numeric* s = source.numbers(&j);
         if (!d || !s) return;
-        if (d->type == NumericType::Int64 && s->type == NumericType::Int64) d->setInt64(k, s->getInt64(j));
-        else d->set(k, converted(from, to, s->get(j)));
+        if (d->type == NumericType::Int64 && s->type == NumericType::Int64)
+            d->setInt64(k, s->getInt64(j));
+        else
+            d->set(k, converted(from, to, s->get(j)));
     } else if (to.type == AttributeType::Compound) {
         for (std::size_t i = 0; i < to.children.size() && i < from.children.size(); ++i) {
             Cell& s = source.child(static_cast<int>(i));

@@ -45,16 +45,19 @@ private:
         const Imath::V3d axis(number("axisX"), number("axisY"), number("axisZ"));
         const std::string& kind = node_.type.name;
         if (kind == "polyPlane")
-            return mesh::polyPlane({number("width"), number("height"), count("subdivisionsWidth"),
-                                    count("subdivisionsHeight"), axis}, error);
+            return mesh::polyPlane(
+                {number("width"), number("height"), count("subdivisionsWidth"), count("subdivisionsHeight"), axis},
+                error);
         if (kind == "polyCube")
             return mesh::polyCube({number("width"), number("height"), number("depth"), count("subdivisionsWidth"),
-                                   count("subdivisionsHeight"), count("subdivisionsDepth"), axis}, error);
+                                   count("subdivisionsHeight"), count("subdivisionsDepth"), axis},
+                                  error);
         if (kind == "polySphere")
             return mesh::polySphere({number("radius"), count("subdivisionsAxis"), count("subdivisionsHeight"), axis},
                                     error);
         return mesh::polyCylinder({number("radius"), number("height"), count("subdivisionsAxis"),
-                                   count("subdivisionsHeight"), count("subdivisionsCaps"), axis}, error);
+                                   count("subdivisionsHeight"), count("subdivisionsCaps"), axis},
+                                  error);
     }
 
     Node& node_;
@@ -133,8 +136,7 @@ void setMesh(Scene& scene, Node& shape, std::shared_ptr<const mesh::PolyMesh> me
     Cell& input = shape.cell("inMesh");
     if (input.source) {
         auto base = meshIn(input);
-        if (!base || !mesh || base->numVertices() != mesh->numVertices() ||
-            base->numPolygons() != mesh->numPolygons())
+        if (!base || !mesh || base->numVertices() != mesh->numVertices() || base->numPolygons() != mesh->numPolygons())
             throw SceneError("The mesh '" + scene.displayName(shape) +
                              "' has construction history, so only its points can be changed.");
         tweaks.clear();

@@ -35,8 +35,10 @@ Messages& Messages::instance() {
 Messages::Sink Messages::setSink(Sink sink) { return std::exchange(sink_, std::move(sink)); }
 
 void Messages::send(Severity severity, std::string_view text) {
-    if (sink_) sink_(severity, text);
-    else sendToStandardStreams(severity, text);
+    if (sink_)
+        sink_(severity, text);
+    else
+        sendToStandardStreams(severity, text);
 }
 
 } // namespace host

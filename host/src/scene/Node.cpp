@@ -165,8 +165,8 @@ bool Node::addDynamic(AttributePtr attribute, std::size_t place) {
 }
 
 bool Node::removeDynamic(const Attribute& attribute) {
-    const auto it = std::find_if(dynamic_.begin(), dynamic_.end(),
-                                 [&](const AttributePtr& a) { return a.get() == &attribute; });
+    const auto it =
+        std::find_if(dynamic_.begin(), dynamic_.end(), [&](const AttributePtr& a) { return a.get() == &attribute; });
     if (it == dynamic_.end()) return false;
     const std::function<void(const Attribute&)> leave = [&](const Attribute& a) {
         dynamicByName_.erase(a.longName);

@@ -27,7 +27,8 @@ std::vector<std::string_view> splitPath(std::string_view path) {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-template <class Match> bool pathMatches(const DagNode& node, const std::vector<std::string_view>& parts, Match match) {
+template <class Match>
+bool pathMatches(const DagNode& node, const std::vector<std::string_view>& parts, Match match) {
     const DagNode* n = &node;
     for (auto it = parts.rbegin(); it != parts.rend(); ++it) {
         // An empty first part stands for the world.
@@ -112,9 +113,8 @@ bool Scene::noteCycle(const Cell& cell) { return cycles_.insert(&cell).second; }
 
 bool Scene::isValidName(std::string_view name) {
     if (name.empty() || isDigit(name.front())) return false;
-    return std::all_of(name.begin(), name.end(), [](unsigned char c) {
-        return std::isalnum(c) || c == '_' || c == ':' || c >= 0x80;
-    });
+    return std::all_of(name.begin(), name.end(),
+                       [](unsigned char c) { return std::isalnum(c) || c == '_' || c == ':' || c >= 0x80; });
 }
 
 std::string Scene::freeNumbered(const std::string& stem, const Node* self) const {
@@ -226,14 +226,15 @@ NodePtr Scene::createNode(const NodeType& type, std::string name, DagNode* paren
     node->name = freeName(first, nullptr, parent, dag != nullptr);
     enter(node);
     if (dag) attach(*dag, *parent, parent->children.size());
-    record([this, node, parent] {
-               enter(node);
-               if (DagNode* d = node->dag()) attach(*d, *parent, parent->children.size());
-           },
-           [this, node] {
-               if (DagNode* d = node->dag()) detach(*d);
-               leave(*node);
-           });
+    record(
+        [this, node, parent] {
+            enter(node);
+            if (DagNode* d = node->dag()) attach(*d, *parent, parent->children.size());
+        },
+        [this, node] {
+            if (DagNode* d = node->dag()) detach(*d);
+            leave(*node);
+        });
     if (node->behavior) node->behavior->postConstructor();
     if (!name.empty()) rename(*node, name);
     return node;
@@ -242,22 +243,25 @@ NodePtr Scene::createNode(const NodeType& type, std::string name, DagNode* paren
 NodePtr Scene::createUnknown(const std::string& typeName, const std::string& name, DagNode* parent, bool inDag) {
     const NodeType& type = *findType(inDag ? "unknownDag" : "unknown");
     NodePtr node;
-    if (inDag) node = std::make_shared<DagNode>(*this, type);
-    else node = std::make_shared<Node>(*this, type);
+    if (inDag)
+        node = std::make_shared<DagNode>(*this, type);
+    else
+        node = std::make_shared<Node>(*this, type);
     node->serial = ++nextSerial_;
     node->unknownType = typeName;
     node->name = freeName(name.empty() ? typeName + "#" : name, nullptr, parent, inDag);
     enter(node);
     DagNode* at = parent ? parent : world_;
     if (inDag) attach(*node->dag(), *at, at->children.size());
-    record([this, node, at, inDag] {
-               enter(node);
-               if (inDag) attach(*node->dag(), *at, at->children.size());
-           },
-           [this, node, inDag] {
-               if (inDag) detach(*node->dag());
-               leave(*node);
-           });
+    record(
+        [this, node, at, inDag] {
+            enter(node);
+            if (inDag) attach(*node->dag(), *at, at->children.size());
+        },
+        [this, node, inDag] {
+            if (inDag) detach(*node->dag());
+            leave(*node);
+        });
     return node;
 }
 
@@ -362,19 +366,25 @@ void Scene::reparent(DagNode& child, DagNode* newParent) {
     };
     auto keep = child.shared_from_this();
     move(child, *to, to->children.size());
-    record([=, &child] { (void)keep; move(child, *to, to->children.size()); },
-           [=, &child] { (void)keep; move(child, *from, place); });
+    record(
+        [=, &child] {
+            (void)keep;
+            move(child, *to, to->children.size());
+        },
+        [=, &child] {
+            (void)keep;
+            move(child, *from, place);
+        });
     rename(child, child.name); // a sibling may have the name
 }
 
 void Scene::reorder(DagNode& child, std::size_t place) {
     DagNode* p = child.parent;
-    const auto before = static_cast<std::size_t>(std::find(p->children.begin(), p->children.end(), &child) -
-                                                 p->children.begin());
+    const auto before =
+        static_cast<std::size_t>(std::find(p->children.begin(), p->children.end(), &child) - p->children.begin());
     const auto move = [p, &child](std::size_t at) {
         std::erase(p->children, &child);
-        p->children.insert(p->children.begin() + static_cast<std::ptrdiff_t>(std::min(at, p->children.size())),
-                           &child);
+        p->children.insert(p->children.begin() + static_cast<std::ptrdiff_t>(std::min(at, p->children.size())), &child);
     };
     auto keep = child.shared_from_this();
     move(place);
@@ -444,8 +454,7 @@ bool Scene::isUniquePath(std::string_view path, const DagNode& node) const {
     return std::none_of(it->second.begin(), it->second.end(), [&](Node* n) {
         DagNode* dag = n->dag();
         if (n == &node) return false;
-        return parts.size() == 1 ||
-               (dag && pathMatches(*dag, parts, [](auto a, const auto& b) { return a == b; }));
+        return parts.size() == 1 || (dag && pathMatches(*dag, parts, [](auto a, const auto& b) { return a == b; }));
     });
 }
 
@@ -469,8 +478,10 @@ void Scene::setTime(double ticks) {
     const auto set = [this](double t) {
         time_ = t;
         for (auto& [serial, n] : nodes_) {
-            if (n->type.name == "time") dirtyWithDependents(n->cell("outTime"));
-            else if (n->type.isA("animCurve")) dirtyWithDependents(n->cell("output"));
+            if (n->type.name == "time")
+                dirtyWithDependents(n->cell("outTime"));
+            else if (n->type.isA("animCurve"))
+                dirtyWithDependents(n->cell("output"));
         }
     };
     const double before = time_;
@@ -568,8 +579,8 @@ void Scene::createDefaults() {
         auto transform = make("transform", camera.name);
         auto shape = createNode(*findType("camera"), std::string(camera.name) + "Shape", transform->dag());
         shape->isDefault = true;
-        setValue(transform->cell("translate"), Numeric(NumericType::Double, 3, camera.translate[0],
-                                                       camera.translate[1], camera.translate[2]));
+        setValue(transform->cell("translate"),
+                 Numeric(NumericType::Double, 3, camera.translate[0], camera.translate[1], camera.translate[2]));
         setValue(transform->cell("rotate"),
                  Numeric(NumericType::Double, 3, camera.rotate[0], camera.rotate[1], camera.rotate[2]));
         setNumber(transform->cell("visibility"), 0);

@@ -58,7 +58,7 @@ public:
     /// @name Node types
     /// @{
     NodeType* registerType(std::unique_ptr<NodeType> type); ///< null when the name or id is taken
-    bool unregisterType(NodeType& type); ///< false while nodes of the type exist
+    bool unregisterType(NodeType& type);                    ///< false while nodes of the type exist
     NodeType* findType(std::string_view name) const;
     NodeType* findType(unsigned id) const;
     std::vector<const NodeType*> types() const;

@@ -6,20 +6,23 @@
 namespace host::scene {
 namespace {
 
-template <class T> T held(double v) {
+template <class T>
+T held(double v) {
     if (std::isnan(v)) return 0;
     if (v <= static_cast<double>(std::numeric_limits<T>::min())) return std::numeric_limits<T>::min();
     if (v >= static_cast<double>(std::numeric_limits<T>::max())) return std::numeric_limits<T>::max();
     return static_cast<T>(v);
 }
 
-template <class T> T held(std::int64_t v) {
+template <class T>
+T held(std::int64_t v) {
     if (v < std::numeric_limits<T>::min()) return std::numeric_limits<T>::min();
     if (v > std::numeric_limits<T>::max()) return std::numeric_limits<T>::max();
     return static_cast<T>(v);
 }
 
-template <class From> void store(Numeric& n, int k, From v) {
+template <class From>
+void store(Numeric& n, int k, From v) {
     switch (n.type) {
     case NumericType::None: break;
     case NumericType::Bool: n.b[k] = v != 0; break;

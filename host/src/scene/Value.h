@@ -48,7 +48,16 @@ struct Numeric {
 };
 
 enum class DataKind : std::uint8_t {
-    None, Mesh, StringArray, IntArray, FloatArray, DoubleArray, VectorArray, PointArray, MatrixArray, ComponentList,
+    None,
+    Mesh,
+    StringArray,
+    IntArray,
+    FloatArray,
+    DoubleArray,
+    VectorArray,
+    PointArray,
+    MatrixArray,
+    ComponentList,
 };
 
 /// Heap data that plugs pass on by reference; treated as unchangeable once it is in a plug, except through the
@@ -75,8 +84,8 @@ public:
 class ArrayData final : public Data {
 public:
     explicit ArrayData(DataKind kind) : Data(kind) {}
-    std::vector<std::string> texts;  ///< StringArray, ComponentList
-    std::vector<double> numbers;     ///< every other kind, tuples side by side
+    std::vector<std::string> texts; ///< StringArray, ComponentList
+    std::vector<double> numbers;    ///< every other kind, tuples side by side
     int tupleSize() const;
 };
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -13,7 +15,7 @@ const std::string lastLine = "Failed to export .atmos - see above for details.";
 
 class SaveSkySystem : public PluginScene {
 protected:
-    SaveSkySystem() : folder_(fs::path(testing::TempDir()) / "orvo_export") {
+    SaveSkySystem() : folder_(fs::path(testing::TempDir()) / ("orvo_export-" + std::to_string(getpid()))) {
         fs::remove_all(folder_);
         fs::create_directories(folder_);
         must("createNode transform -n \"OrvoSkyData\";");
