@@ -86,7 +86,9 @@ TEST_P(RoundTripTest, SavedScenesOpenAsTheSame) {
     files::SceneReader(scene, {}).read(file);
     meshes[1] = meshNow();
     EXPECT_EQ(contentsOf(scene), before);
-    if (meshes[0]) EXPECT_TRUE(meshes[1] && *meshes[0] == *meshes[1]);
+    if (meshes[0]) {
+        EXPECT_TRUE(meshes[1] && *meshes[0] == *meshes[1]);
+    }
     EXPECT_TRUE(files::SceneWriter(scene).text("saved.ma") == bytes) << "saved again after opening";
     EXPECT_LE(messages.size(), 2u) << allMessages();
 }

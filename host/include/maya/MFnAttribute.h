@@ -62,7 +62,9 @@ public:
     MObject parent(MStatus* ReturnStatus = NULL) const;
     MString name(MStatus* ReturnStatus = NULL) const;
     MString shortName(MStatus* ReturnStatus = NULL) const;
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 
 private:
     bool flag(bool host::scene::Attribute::*member, MStatus* status) const;

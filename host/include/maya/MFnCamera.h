@@ -105,5 +105,7 @@ public:
     bool isDisplayFilmGate(MStatus* ReturnStatus = NULL) const;
     /// @}
 
-    static const char* className();
+protected:
+    virtual const char* className() const;
+
 };

@@ -11,5 +11,7 @@ public:
     MStatus removeChild(const MObject& child);
     unsigned int numChildren(MStatus* ReturnStatus = NULL) const;
     MObject child(unsigned int index, MStatus* ReturnStatus = NULL) const;
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

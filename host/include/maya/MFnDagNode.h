@@ -54,5 +54,7 @@ public:
     virtual MStatus setObject(const MDagPath& objectPath);
     virtual MStatus setObject(MObject& object) override;
     virtual MStatus setObject(const MObject& object) override;
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

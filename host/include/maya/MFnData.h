@@ -34,5 +34,7 @@ public:
         kLast
     };
     ORVO_DECLARE_FN(MFnData)
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

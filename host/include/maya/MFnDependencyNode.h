@@ -50,5 +50,7 @@ public:
     static MString classification(const MString& nodeTypeName);
     bool isDefaultNode(MStatus* ReturnStatus = NULL) const;
     bool hasAttribute(const MString& attrName, MStatus* ReturnStatus = NULL) const;
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

@@ -18,5 +18,7 @@ public:
     MStatus getDefault(short& index) const;
     MString defaultValue(MStatus* ReturnStatus = NULL) const;
     MStatus getDefault(MString& fieldString) const;
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

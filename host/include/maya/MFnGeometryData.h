@@ -6,5 +6,8 @@
 class OPENMAYA_EXPORT MFnGeometryData : public MFnData {
 public:
     ORVO_DECLARE_FN(MFnGeometryData)
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
+
 };

@@ -16,5 +16,7 @@ public:
     MStatus getDefault(MFloatMatrix& def);
     MStatus setDefault(const MMatrix& def);
     MStatus setDefault(const MFloatMatrix& def);
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

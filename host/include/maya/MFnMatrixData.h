@@ -17,5 +17,7 @@ public:
     MObject create(MStatus* ReturnStatus = NULL);
     MObject create(const MMatrix& mat, MStatus* ReturnStatus = NULL);
     MObject create(const MTransformationMatrix& transformation, MStatus* ReturnStatus = NULL);
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

@@ -160,5 +160,6 @@ public:
     MStatus clearUVs(const MString* uvSet = NULL);
     /// @}
 
-    static const char* className();
+protected:
+    virtual const char* className() const;
 };

@@ -8,5 +8,7 @@ public:
     ORVO_DECLARE_FN(MFnMeshData)
     /// Makes data without geometry; MFnMesh::create() with it as owner fills it.
     MObject create(MStatus* ReturnStatus = NULL);
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

@@ -64,7 +64,9 @@ public:
     MStatus getSoftMax(double& max) const;
     MStatus setSoftMin(double min);
     MStatus setSoftMax(double max);
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 
 private:
     MStatus getLimits(int which, int count, double* values) const;

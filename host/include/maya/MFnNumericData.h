@@ -70,7 +70,9 @@ public:
     MStatus setData3Float(float val1, float val2, float val3);
     MStatus setData3Double(double val1, double val2, double val3);
     MStatus setData4Double(double val1, double val2, double val3, double val4);
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 
 private:
     template <class T>

@@ -12,5 +12,7 @@ public:
     MStatus set(const MString& string);
     MObject create(const MString& str, MStatus* ReturnStatus = NULL);
     MObject create(MStatus* ReturnStatus = NULL);
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

@@ -91,5 +91,6 @@ public:
     MStatus setRotatePivotTranslation(const MVector& vector, MSpace::Space space);
     /// @}
 
-    static const char* className();
+protected:
+    virtual const char* className() const;
 };

@@ -13,5 +13,7 @@ public:
     MFnData::Type attrType(MStatus* ReturnStatus = NULL) const;
     MStatus getDefault(MObject& defaultData);
     MStatus setDefault(const MObject& defaultData);
-    static const char* className();
+
+protected:
+    virtual const char* className() const;
 };

@@ -20,3 +20,7 @@
 
 #define ORVO_CLASS_NAME(ClassName)                                                                                     \
     const char* ClassName::className() { return #ClassName; }
+
+/// The same for function sets that name themselves to derived classes alone.
+#define ORVO_FN_NAME(ClassName)                                                                                        \
+    const char* ClassName::className() const { return #ClassName; }

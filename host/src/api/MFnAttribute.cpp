@@ -20,15 +20,15 @@ using scene::AttributeType;
 using scene::DataKind;
 
 ORVO_DEFINE_FN(MFnAttribute, MFn::kAttribute)
-ORVO_CLASS_NAME(MFnAttribute)
+ORVO_FN_NAME(MFnAttribute)
 ORVO_DEFINE_FN(MFnEnumAttribute, MFn::kEnumAttribute)
-ORVO_CLASS_NAME(MFnEnumAttribute)
+ORVO_FN_NAME(MFnEnumAttribute)
 ORVO_DEFINE_FN(MFnMatrixAttribute, MFn::kMatrixAttribute)
-ORVO_CLASS_NAME(MFnMatrixAttribute)
+ORVO_FN_NAME(MFnMatrixAttribute)
 ORVO_DEFINE_FN(MFnTypedAttribute, MFn::kTypedAttribute)
-ORVO_CLASS_NAME(MFnTypedAttribute)
+ORVO_FN_NAME(MFnTypedAttribute)
 ORVO_DEFINE_FN(MFnCompoundAttribute, MFn::kCompoundAttribute)
-ORVO_CLASS_NAME(MFnCompoundAttribute)
+ORVO_FN_NAME(MFnCompoundAttribute)
 
 namespace {
 

@@ -14,7 +14,7 @@ using namespace host;
 using host::api::Access;
 
 ORVO_DEFINE_FN(MFnCamera, MFn::kCamera)
-ORVO_CLASS_NAME(MFnCamera)
+ORVO_FN_NAME(MFnCamera)
 
 namespace {
 

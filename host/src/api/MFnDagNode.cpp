@@ -24,7 +24,7 @@ using scene::DagNode;
 using scene::Scene;
 
 ORVO_DEFINE_FN(MFnDagNode, MFn::kDagNode)
-ORVO_CLASS_NAME(MFnDagNode)
+ORVO_FN_NAME(MFnDagNode)
 
 MFnDagNode::MFnDagNode(const MDagPath& object, MStatus* ret) {
     const MStatus status = attach(object.node(), MFn::kDagNode);

@@ -15,13 +15,13 @@ using scene::Numeric;
 using scene::NumericType;
 
 ORVO_DEFINE_FN(MFnData, MFn::kData)
-ORVO_CLASS_NAME(MFnData)
+ORVO_FN_NAME(MFnData)
 ORVO_DEFINE_FN(MFnNumericData, MFn::kNumericData)
-ORVO_CLASS_NAME(MFnNumericData)
+ORVO_FN_NAME(MFnNumericData)
 ORVO_DEFINE_FN(MFnMatrixData, MFn::kMatrixData)
-ORVO_CLASS_NAME(MFnMatrixData)
+ORVO_FN_NAME(MFnMatrixData)
 ORVO_DEFINE_FN(MFnStringData, MFn::kStringData)
-ORVO_CLASS_NAME(MFnStringData)
+ORVO_FN_NAME(MFnStringData)
 
 namespace {
 

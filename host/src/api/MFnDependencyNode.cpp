@@ -15,7 +15,7 @@ using host::api::toText;
 using scene::Scene;
 
 ORVO_DEFINE_FN(MFnDependencyNode, MFn::kDependencyNode)
-ORVO_CLASS_NAME(MFnDependencyNode)
+ORVO_FN_NAME(MFnDependencyNode)
 
 namespace {
 

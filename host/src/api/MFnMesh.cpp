@@ -23,7 +23,7 @@ using mesh::Float3;
 using mesh::PolyMesh;
 
 ORVO_DEFINE_FN(MFnMesh, MFn::kMesh)
-ORVO_CLASS_NAME(MFnMesh)
+ORVO_FN_NAME(MFnMesh)
 
 MFnMesh::MFnMesh(const MDagPath& object, MStatus* ReturnStatus) {
     setStatus(ReturnStatus, MFnMesh::setObject(object).statusCode());

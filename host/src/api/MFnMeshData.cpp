@@ -5,9 +5,9 @@
 using namespace host;
 
 ORVO_DEFINE_FN(MFnGeometryData, MFn::kGeometryData)
-ORVO_CLASS_NAME(MFnGeometryData)
+ORVO_FN_NAME(MFnGeometryData)
 ORVO_DEFINE_FN(MFnMeshData, MFn::kMeshData)
-ORVO_CLASS_NAME(MFnMeshData)
+ORVO_FN_NAME(MFnMeshData)
 
 MObject MFnMeshData::create(MStatus* ReturnStatus) {
     setStatus(ReturnStatus, MStatus::kSuccess);

@@ -13,7 +13,7 @@ using scene::Numeric;
 using scene::NumericType;
 
 ORVO_DEFINE_FN(MFnNumericAttribute, MFn::kNumericAttribute)
-ORVO_CLASS_NAME(MFnNumericAttribute)
+ORVO_FN_NAME(MFnNumericAttribute)
 
 namespace {
 

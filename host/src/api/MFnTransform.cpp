@@ -14,7 +14,7 @@ using api::Access;
 using Order = MTransformationMatrix::RotationOrder;
 
 ORVO_DEFINE_FN(MFnTransform, MFn::kTransform)
-ORVO_CLASS_NAME(MFnTransform)
+ORVO_FN_NAME(MFnTransform)
 
 MFnTransform::MFnTransform(const MDagPath& object, MStatus* ReturnStatus) {
     setStatus(ReturnStatus, MFnTransform::setObject(object).statusCode());
