@@ -152,7 +152,11 @@ std::vector<const Attribute*> Node::attributes() const {
 }
 
 bool Node::addDynamic(AttributePtr attribute, std::size_t place) {
-    if (findAttribute(attribute->longName) || findAttribute(attribute->shortName)) return false;
+    const std::function<bool(const Attribute&)> taken = [&](const Attribute& a) {
+        return findAttribute(a.longName) || findAttribute(a.shortName) ||
+               std::any_of(a.children.begin(), a.children.end(), [&](const auto& c) { return taken(*c); });
+    };
+    if (taken(*attribute)) return false;
     const std::function<void(const Attribute&)> enter = [&](const Attribute& a) {
         dynamicByName_.emplace(a.longName, &a);
         dynamicByName_.emplace(a.shortName, &a);
@@ -324,7 +328,8 @@ void DagNode::forgetWorld(std::vector<Cell*>& stale) {
         DagNode* n = open.back();
         open.pop_back();
         n->worldValid_ = false;
-        for (const char* name : {"worldMatrix", "worldInverseMatrix", "parentMatrix", "parentInverseMatrix"}) {
+        for (const char* name :
+             {"worldMatrix", "worldInverseMatrix", "parentMatrix", "parentInverseMatrix", "worldMesh"}) {
             const Attribute* a = n->type.find(name);
             if (Cell* c = a ? n->existingCell(*a) : nullptr) stale.push_back(c);
         }
