@@ -69,7 +69,11 @@ bool UndoQueue::redo() {
     Step step = std::move(undone_.back());
     undone_.pop_back();
     for (auto& entry : step.entries) redoEntry(entry);
-    done_.push_back(std::move(step));
+    if (open_.entries.empty()) {
+        done_.push_back(std::move(step));
+    } else { // it comes after what the open chunk holds, so it goes back in there
+        for (auto& entry : step.entries) open_.entries.push_back(std::move(entry));
+    }
     return true;
 }
 
