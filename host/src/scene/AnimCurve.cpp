@@ -85,9 +85,10 @@ double at(const std::vector<Key>& keys, double t, int pre, int post) {
     if (kind == 0 || span <= 0) return end.value;
     if (kind == 1) {
         const std::size_t k = before ? 0 : keys.size() - 2;
-        const double chord = (keys[k + 1].value - keys[k].value) / (keys[k + 1].time - keys[k].time);
+        const double between = keys[k + 1].time - keys[k].time;
         const Tangent tangent = before ? end.out : end.in;
-        const double m = tangent == Tangent::Linear ? chord : 0;
+        // Files may have two keys at one time, which give no slope.
+        const double m = tangent == Tangent::Linear && between > 0 ? (keys[k + 1].value - keys[k].value) / between : 0;
         return end.value + m * (t - end.time);
     }
     const double turns = std::floor((t - first) / span);
