@@ -73,6 +73,9 @@ protected:
     Outcome run(std::vector<std::string> arguments, std::map<std::string, std::string> environment = {},
                 rlim_t fileLimit = RLIM_INFINITY) {
         const fs::path out = folder_ / ".out", error = folder_ / ".err";
+        // When a process ends that has drawn, the GL driver is unloaded before the leak check, which then cannot tell
+        // what the driver lost from what we lost. Tests that draw in their own process do check for leaks.
+        if (!arguments.empty() && arguments[0] == "render") environment["ASAN_OPTIONS"] = "detect_leaks=0";
         arguments.insert(arguments.begin(), ORVOSKY_PROGRAM);
         const pid_t child = fork();
         if (child == 0) {
