@@ -295,7 +295,7 @@ Value fileInfo(Call& call) {
         return info.contains(names[0]) ? StringArray{info[names[0]]} : StringArray{};
     }
     if (a.has("rm")) {
-        info.erase(a.text("rm"));
+        if (info.erase(a.text("rm")) > 0) theScene().modified = true;
         return {};
     }
     if (names.size() != 2) throw Error("fileInfo needs a key and a value.");
