@@ -1,0 +1,76 @@
+#pragma once
+
+#include "Host.h"
+#include "files/Workspace.h"
+#include "scene/Messages.h"
+#include "scene/Scene.h"
+#include "scene/Units.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <utility>
+
+#include <unistd.h>
+
+/// The running host with a new scene, the usual units, and a project folder of its own that is removed at the end.
+class CommandFixture : public testing::Test {
+protected:
+    CommandFixture() : project(std::filesystem::temp_directory_path() / ("orvo_commands_" + std::to_string(getpid()))) {
+        std::filesystem::remove_all(project);
+        std::filesystem::create_directories(project / "scenes");
+        previous_ = host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
+            if (severity == host::Severity::Warning) warnings += std::string(text) + '\n';
+        });
+        static const bool started = (host::Host::instance().start({project, {}, {}}), true);
+        (void)started;
+        renew();
+        host::Host::instance().workspace().open(project);
+    }
+    ~CommandFixture() override {
+        renew();
+        std::filesystem::remove_all(project);
+        host::Messages::instance().setSink(std::move(previous_));
+    }
+
+    host::mel::Value run(const std::string& mel) { return host::Host::instance().interpreter().execute(mel); }
+    std::string text(const std::string& mel) { return run(mel).toString(); }
+    double number(const std::string& mel) { return run(mel).toFloat(); }
+    bool holds(const std::string& mel) { return run(mel).toBool(); }
+    host::mel::FloatArray numbers(const std::string& mel) { return run(mel).toFloatArray(); }
+    host::mel::StringArray texts(const std::string& mel) { return run(mel).toStringArray(); }
+    /// What the script fails with; "no error" when it does not.
+    std::string failure(const std::string& mel) {
+        try {
+            run(mel);
+            return "no error";
+        } catch (const host::mel::Error& e) {
+            return e.what();
+        }
+    }
+    /// The path of a file of the project, as scripts write it.
+    std::string path(const std::string& name) const { return (project / name).generic_string(); }
+    std::string quoted(const std::string& name) const { return '"' + path(name) + '"'; }
+    void write(const std::string& name, const std::string& content) const {
+        std::ofstream(project / name, std::ios::binary) << content;
+    }
+    std::string read(const std::string& name) const {
+        std::ifstream in(project / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+
+    std::filesystem::path project;
+    std::string warnings;
+
+private:
+    static void renew() {
+        host::Host::instance().scene().reset();
+        host::setLinearUnit(host::LinearUnit::Centimetre);
+        host::setAngularUnit(host::AngularUnit::Degree);
+        host::setTimeUnit(host::filmUnit);
+    }
+    host::Messages::Sink previous_;
+};
