@@ -5,6 +5,7 @@
 #include "scene/MeshNode.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace host::files {
 
@@ -38,6 +39,7 @@ private:
     Scene& scene_;
     const SceneWriter::Options& options_;
     FileUnits units_ = FileUnits::current();
+    std::unordered_set<const Node*> omitted_; ///< nodes that are not to be saved, and those below them
     std::string out_;
 };
 
@@ -115,7 +117,8 @@ void Writing::connection(Cell& source, Cell& destination) {
 }
 
 void Writing::connections(Cell& cell) {
-    if (cell.source && cell.source->node.inScene) connection(*cell.source, cell);
+    if (cell.source && cell.source->node.inScene && !omitted_.contains(&cell.source->node))
+        connection(*cell.source, cell);
     for (auto& child : cell.children)
         if (child) connections(*child);
     for (auto& [index, element] : cell.elements) connections(*element);
@@ -137,7 +140,7 @@ void Writing::keptConnections() {
                 return true;
             }
             const auto node = owner.lock();
-            if (!node || !node->inScene) return false; // went with its node
+            if (!node || !node->inScene || omitted_.contains(node.get())) return false; // went with its node
             name = nameInFile(*node, scene_) + "." + text;
             return true;
         };
@@ -153,9 +156,18 @@ void Writing::keptConnections() {
 std::string Writing::run(const std::string& name) {
     header(name);
     std::vector<Node*> order, selected;
-    for (DagNode* dag : scene_.descendants(*scene_.world())) order.push_back(dag);
+    for (DagNode* dag : scene_.descendants(*scene_.world())) {
+        if (dag->doNotWrite || omitted_.contains(dag->parent))
+            omitted_.insert(dag);
+        else
+            order.push_back(dag);
+    }
     for (const auto& [serial, node] : scene_.nodes()) {
         if (node->dag()) continue;
+        if (node->doNotWrite) {
+            omitted_.insert(node.get());
+            continue;
+        }
         const bool makes = !node->isDefault || (!node->unknownType.empty() && !isPlaceholder(*node));
         (makes ? order : selected).push_back(node.get());
     }
