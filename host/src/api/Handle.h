@@ -78,6 +78,9 @@ struct Access {
     static void setUserNode(MPxNode& user, scene::Node& node);
 };
 
+/// Whether a node type brings the attribute.
+bool belongsToType(const scene::Attribute& root);
+
 /// Takes a text changed through a reference that a data handle gave into the cell.
 void takeText(scene::Cell& cell);
 

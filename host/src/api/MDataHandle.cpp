@@ -193,9 +193,8 @@ double& MDataHandle::asDouble() const { return numberAt<double>(view_, NumericTy
 MDistance MDataHandle::asDistance() const { return MDistance(asDouble(), MDistance::kCentimeters); }
 MAngle MDataHandle::asAngle() const { return MAngle(asDouble(), MAngle::kRadians); }
 MTime MDataHandle::asTime() const {
-    MTime t(asDouble() / ticksPerSecond, MTime::kSeconds);
-    t.setUnit(MTime::uiUnit());
-    return t;
+    const MTime time(asDouble() / ticksPerSecond, MTime::kSeconds);
+    return MTime(time.as(MTime::uiUnit()), MTime::uiUnit());
 }
 short2& MDataHandle::asShort2() const { return tupleAt<short2>(view_, NumericType::Short, 2); }
 long2& MDataHandle::asLong2() const { return tupleAt<long2>(view_, NumericType::Int, 2); }
@@ -302,6 +301,9 @@ MStatus MDataHandle::set(const MObject& object) {
     }
     const bool generic = view_->cell && view_->cell->attribute.type == scene::AttributeType::Generic;
     if (!generic && view_->value().index() != data->value.index()) return MStatus::kInvalidParameter;
+    const auto* held = std::get_if<scene::DataPtr>(&data->value);
+    if (!generic && view_->cell && held && *held && (*held)->kind() != view_->cell->attribute.dataKind)
+        return MStatus::kInvalidParameter;
     view_->value() = data->value;
     return MStatus::kSuccess;
 }

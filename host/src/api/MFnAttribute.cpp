@@ -342,6 +342,9 @@ MStatus MFnTypedAttribute::setDefault(const MObject& defaultData) {
     if (!a || !d) return MStatus::kInvalidParameter;
     if (a->type != AttributeType::Generic && a->defaultValue.index() != d->value.index())
         return MStatus::kInvalidParameter;
+    const auto* data = std::get_if<scene::DataPtr>(&d->value);
+    if (a->type == AttributeType::Data && data && *data && (*data)->kind() != a->dataKind)
+        return MStatus::kInvalidParameter;
     a->defaultValue = d->value;
     return MStatus::kSuccess;
 }
@@ -352,10 +355,18 @@ MObject MFnCompoundAttribute::create(const MString& full, const MString& brief, 
     return object_;
 }
 
+namespace {
+
+/// Whether nodes have the attribute, so that its parts have to stay as they are.
+bool inUse(const Attribute& a) { return a.root().dynamic || api::belongsToType(a.root()); }
+
+} // namespace
+
 MStatus MFnCompoundAttribute::addChild(const MObject& child) {
     const auto a = Access::attribute(object_), c = Access::attribute(child);
     if (!a || a->type != AttributeType::Compound) return MStatus::kFailure;
-    if (!c || c->parent || c == a) return MStatus::kInvalidParameter;
+    if (!c || c->parent || c.get() == &a->root()) return MStatus::kInvalidParameter;
+    if (inUse(*a) || inUse(*c)) return MStatus::kFailure;
     a->addChild(c);
     return MStatus::kSuccess;
 }
@@ -363,6 +374,7 @@ MStatus MFnCompoundAttribute::addChild(const MObject& child) {
 MStatus MFnCompoundAttribute::removeChild(const MObject& child) {
     const auto a = Access::attribute(object_), c = Access::attribute(child);
     if (!a || !c || c->parent != a.get()) return MStatus::kInvalidParameter;
+    if (inUse(*a)) return MStatus::kFailure;
     c->parent = nullptr;
     std::erase(a->children, c);
     for (std::size_t i = 0; i < a->children.size(); ++i) a->children[i]->childIndex = static_cast<int>(i);

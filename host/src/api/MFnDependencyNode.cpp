@@ -199,6 +199,7 @@ MStatus MFnDependencyNode::addAttribute(const MObject& attr) {
     const auto a = Access::attribute(attr);
     if (!n) return MStatus::kFailure;
     if (!a || a->parent) return MStatus::kInvalidParameter;
+    if (api::belongsToType(*a)) return MStatus::kFailure;
     return api::guarded([&] { n->scene.addAttribute(*n, a); });
 }
 

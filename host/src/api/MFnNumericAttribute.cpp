@@ -4,6 +4,8 @@
 
 #include <maya/MString.h>
 
+#include <algorithm>
+
 using namespace host;
 using host::api::Access;
 using scene::Attribute;
@@ -113,11 +115,16 @@ MObject MFnNumericAttribute::createPoint(const MString& full, const MString& bri
 
 MObject MFnNumericAttribute::create(const MString& full, const MString& brief, const MObject& child1,
                                     const MObject& child2, const MObject& child3, MStatus* ReturnStatus) {
+    if (full.length() == 0 || brief.length() == 0) {
+        setStatus(ReturnStatus, MStatus::kInvalidParameter);
+        return MObject();
+    }
     std::vector<AttributePtr> parts;
     for (const MObject* o : {&child1, &child2, &child3}) {
         const auto a = Access::attribute(*o);
         if (!a && o == &child3 && o->isNull()) continue;
-        if (!a || a->parent || !a->isNumber() || (!parts.empty() && a->numeric != parts.front()->numeric)) {
+        const bool twice = std::find(parts.begin(), parts.end(), a) != parts.end();
+        if (!a || a->parent || twice || !a->isNumber() || (!parts.empty() && a->numeric != parts.front()->numeric)) {
             setStatus(ReturnStatus, MStatus::kInvalidParameter);
             return MObject();
         }

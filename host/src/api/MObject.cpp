@@ -100,6 +100,10 @@ bool MObject::hasFn(MFn::Type fs) const {
         if (fs == MFn::kNumericAttribute) return a->type == scene::AttributeType::Tuple;
         if (fs == MFn::kCompoundAttribute) return a->isCompound();
         if (fs == MFn::kUnitAttribute) return a->isUnit();
+        // Both function sets make attributes that are told by another type.
+        if (fs == MFn::kMatrixAttribute) return a->type == scene::AttributeType::FloatMatrix;
+        if (fs == MFn::kTypedAttribute)
+            return a->type == scene::AttributeType::Matrix || a->type == scene::AttributeType::Generic;
         return false;
     }
     case Handle::Kind::Data:
@@ -148,7 +152,10 @@ MObjectHandle& MObjectHandle::operator=(const MObject& other) {
 MObject MObjectHandle::object() const { return isAlive() ? object_ : MObject(); }
 const MObject& MObjectHandle::objectRef() const { return object_; }
 unsigned int MObjectHandle::hashCode() const {
-    return static_cast<unsigned int>(std::hash<const void*>()(Access::handle(object_)));
+    // Each object of an attribute has a handle of its own; equal objects have equal codes.
+    const auto a = Access::attribute(object_);
+    const void* const identity = a ? static_cast<const void*>(a.get()) : Access::handle(object_);
+    return static_cast<unsigned int>(std::hash<const void*>()(identity));
 }
 bool MObjectHandle::isAlive() const {
     if (object_.isNull()) return false;
@@ -165,6 +172,12 @@ bool MObjectHandle::operator!=(const MObject& obj) const { return object_ != obj
 bool MObjectHandle::operator!=(const MObjectHandle& handle) const { return object_ != handle.object_; }
 
 namespace host::api {
+
+bool belongsToType(const scene::Attribute& root) {
+    for (const auto* type : scene::Scene::current().types())
+        if (type->find(root.longName) == &root) return true;
+    return false;
+}
 
 MObject Access::object(std::shared_ptr<Handle> handle) {
     MObject o;

@@ -145,6 +145,11 @@ MString MPlug::partialName(bool includeNodeName, bool, bool, bool, bool useFullA
         return MString();
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
+    const auto withinArray = [](const scene::Attribute* x) {
+        for (x = x->parent; x; x = x->parent)
+            if (x->array) return true;
+        return false;
+    };
     std::string path;
     for (const scene::Attribute* x = a.get(); x; x = x->parent) {
         std::string part = useLongNames ? x->longName : x->shortName;
@@ -153,8 +158,8 @@ MString MPlug::partialName(bool includeNodeName, bool, bool, bool, bool useFullA
             if (i >= 0 || x != a.get()) part += "[" + std::to_string(i) + "]";
         }
         path = path.empty() ? part : part + "." + path;
-        // Up to the innermost array the path is needed to tell the plug; beyond it only on request.
-        if (!useFullAttributePath && !(x->parent && x->parent->array)) break;
+        // Up to the outermost array the path is needed to tell the plug; beyond it only on request.
+        if (!useFullAttributePath && !withinArray(x)) break;
     }
     if (includeNodeName) path = n->scene.displayName(*n) + "." + path;
     return MString(path.c_str());
@@ -502,9 +507,8 @@ MStatus MPlug::getValue(MTime& val, MDGContext& ctx) const {
     double v = 0;
     const MStatus status = number(v, ctx);
     if (status) {
-        const MTime::Unit unit = MTime::uiUnit();
-        val = MTime(v / ticksPerSecond, MTime::kSeconds);
-        val.setUnit(unit);
+        const MTime time(v / ticksPerSecond, MTime::kSeconds);
+        val = MTime(time.as(MTime::uiUnit()), MTime::uiUnit());
     }
     return status;
 }
@@ -625,8 +629,11 @@ MPlug MPlug::operator[](MObject& attr) const { return child(attr); }
 
 bool MPlug::operator==(const MPlug& other) const {
     if (node_ != other.node_ || attribute_ != other.attribute_) return false;
-    std::shared_ptr<scene::Node> keep;
-    return indices_ == other.indices_ || Access::cell(*this, keep) == Access::cell(other, keep);
+    // Comparing must not make elements, so the indices are compared and not the cells.
+    const auto a = Access::attribute(attribute_);
+    for (const scene::Attribute* x = a.get(); x; x = x->parent)
+        if (x->array && Access::index(*this, *x) != Access::index(other, *x)) return false;
+    return true;
 }
 
 bool MPlug::operator==(const MObject& attr) const { return attribute_ == attr; }

@@ -128,7 +128,8 @@ MStatus MSelectionList::replace(unsigned int index, const MPlug& plug) {
 
 bool MSelectionList::hasItem(const MObject& item, MStatus* ReturnStatus) const {
     setStatus(ReturnStatus, MStatus::kSuccess);
-    return std::any_of(items_.begin(), items_.end(), [&](const Item& i) { return i.node == item && i.plug.isNull(); });
+    return std::any_of(items_.begin(), items_.end(),
+                       [&](const Item& i) { return i.node == item && i.plug.isNull() && i.part.empty(); });
 }
 
 bool MSelectionList::hasItem(const MDagPath& item, const MObject&, MStatus* ReturnStatus) const {

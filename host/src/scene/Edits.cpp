@@ -330,10 +330,10 @@ void Scene::removeElement(Cell& element, bool breakConnections) {
 }
 
 void Scene::addAttribute(Node& node, AttributePtr attribute) {
-    attribute->dynamic = true;
     if (!node.addDynamic(attribute))
         throw SceneError("Node '" + displayName(node) + "' already has an attribute named '" + attribute->longName +
                          "'.");
+    attribute->dynamic = true;
     auto keep = node.shared_from_this();
     auto cell = std::make_shared<std::unique_ptr<Cell>>();
     record(
