@@ -49,9 +49,14 @@ struct Request {
     std::span<const Word> values;
     std::optional<bool> lock, keyable, channelBox;
     bool clamp = false;
+    bool single = true; ///< for one cell, which takes all values; else for the elements of a range
 
     explicit Request(const Statement& s);
 };
+
+SceneError tooMany(const Request& r) {
+    return SceneError("There are too many values for '" + std::string(r.plug) + "'.");
+}
 
 /// How many words a value of the type has; 0 for lists, which take all.
 std::size_t fixedLength(std::string_view type) {
@@ -203,10 +208,11 @@ std::optional<DataKind> arrayKind(std::string_view type) {
     return std::nullopt;
 }
 
-void setMatrix(const StatementContext& c, Cell& cell, Values& in) {
+void setMatrix(const StatementContext& c, Cell& cell, const Request& r, Values& in) {
     double m[4][4];
     for (auto& row : m)
         for (double& v : row) v = in.number();
+    if (r.single && in.left() > 0) throw tooMany(r);
     if (cell.attribute.type == AttributeType::FloatMatrix)
         c.scene.setValue(cell, MFloatMatrix(m));
     else
@@ -223,9 +229,11 @@ void setTyped(const StatementContext& c, Cell& cell, const Request& r, Values& i
     } else if (r.type == "matrix" || r.type == "fltMatrix") {
         if (in.left() > 0 && r.values.front().text == "xform")
             throw UnknownHere("A matrix in the form \"xform\" is not known here.");
-        setMatrix(c, cell, in);
+        setMatrix(c, cell, r, in);
     } else if (const auto kind = arrayKind(r.type)) {
-        c.scene.setValue(cell, readArray(*kind, in));
+        DataPtr data = readArray(*kind, in);
+        if (r.single && in.left() > 0) throw tooMany(r);
+        c.scene.setValue(cell, std::move(data));
     } else {
         throw UnknownHere("Data of the type " + quoted(r.type) + " is not known here.");
     }
@@ -241,6 +249,18 @@ void setOne(const StatementContext& c, Cell& cell, const Request& r, Values& in)
         NumberFiller(c, r, in).fill(cell);
     else
         setTyped(c, cell, r, in);
+}
+
+/// How many numbers an attribute takes; 0 where values of another kind are among them.
+std::size_t numberCount(const Attribute& a) {
+    if (a.children.empty()) return a.isNumber() ? 1 : 0;
+    std::size_t count = 0;
+    for (const auto& c : a.children) {
+        const std::size_t n = c->array ? 0 : numberCount(*c);
+        if (n == 0) return 0;
+        count += n;
+    }
+    return count;
 }
 
 UnknownHere noAttribute(const Request& r, const Node& node) {
@@ -282,7 +302,7 @@ void setRange(const StatementContext& c, Node& node, const PlugRange& range, con
 } // namespace
 
 void setAttrStatement(const StatementContext& c, const Statement& s) {
-    const Request r(s);
+    Request r(s);
     std::string_view path;
     Node& node = c.plugNode(r.plug, path);
     if (!node.unknownType.empty())
@@ -291,6 +311,7 @@ void setAttrStatement(const StatementContext& c, const Statement& s) {
     if (setMeshList(c, node, path, r.type, r.values)) return;
 
     const PlugRange range(path);
+    r.single = !range.isRange;
     Values in(r.values);
     if (range.isRange) {
         if (!r.values.empty())
@@ -300,6 +321,11 @@ void setAttrStatement(const StatementContext& c, const Statement& s) {
     } else {
         Cell* cell = c.scene.tryPlug(node, path);
         if (!cell) throw noAttribute(r, node);
+        // Before anything is set: a statement that fails leaves the attribute as it was.
+        const std::size_t most = cell->isArray()  ? 0
+                                 : r.type.empty() ? numberCount(cell->attribute)
+                                                  : fixedLength(r.type);
+        if (most > 0 && in.left() > most) throw tooMany(r);
         if (r.lock && !*r.lock) c.scene.setLocked(*cell, false);
         if (!r.values.empty())
             setOne(c, *cell, r, in);
@@ -309,7 +335,7 @@ void setAttrStatement(const StatementContext& c, const Statement& s) {
         if (r.channelBox) c.scene.setChannelBox(*cell, *r.channelBox);
         if (r.lock && *r.lock) c.scene.setLocked(*cell, true);
     }
-    if (in.left() > 0) throw SceneError("There are too many values for '" + std::string(r.plug) + "'.");
+    if (in.left() > 0) throw tooMany(r);
 }
 
 } // namespace host::files

@@ -253,8 +253,10 @@ void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
         }
         value = converted;
     } else if (cell.attribute.type != AttributeType::Generic) {
-        const bool fits = cell.value.index() == value.index() || cell.attribute.type == AttributeType::Data;
         const auto* data = std::get_if<DataPtr>(&value);
+        const bool empties = std::holds_alternative<std::monostate>(value);
+        const bool fits =
+            cell.attribute.type == AttributeType::Data ? data || empties : cell.value.index() == value.index();
         if (!fits || (data && *data && (*data)->kind() != cell.attribute.dataKind))
             throw SceneError("The attribute '" + cell.name() + "' does not take a value of this type.");
     }
