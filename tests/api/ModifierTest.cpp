@@ -68,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
                   [](MDagModifier& m, Plugs p) { m.removeAttribute(p("a.tx").node(), p("a.old").attribute()); },
                   "attributeQuery -ex -n a old", "1", "0"},
         RoundTrip{"Command", [](MDagModifier& m, Plugs) { m.commandToExecute("setAttr a.tz 3; rename b z;"); },
-                  "ls b z; string $s[] = `ls b z`; $s[0] + `getAttr a.tz`", "b0", "z3"},
+                  "ls b z; string $modified[] = `ls b z`; $modified[0] + `getAttr a.tz`", "b0", "z3"},
         RoundTrip{"Reparent", [](MDagModifier& m, Plugs p) { m.reparentNode(p("c.tx").node(), p("b.tx").node()); },
                   "listRelatives -p c", "a", "b"},
         RoundTrip{"ToTheWorld", [](MDagModifier& m, Plugs p) { m.reparentNode(p("c.tx").node()); },
