@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <limits>
+
 using namespace host;
 using namespace host::scene;
 using testing::HasSubstr;

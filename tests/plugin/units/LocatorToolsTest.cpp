@@ -13,6 +13,10 @@
 #include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 
+#include <optional>
+#include <stdexcept>
+#include <tuple>
+
 using namespace orvo;
 using testing::ElementsAre;
 using testing::IsEmpty;

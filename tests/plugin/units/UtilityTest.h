@@ -14,6 +14,7 @@
 
 #include <iostream>
 #include <sstream>
+#include <string>
 
 /// A new scene, the host's messages, and what is printed on the error stream.
 class UtilityTest : public testing::Test {
