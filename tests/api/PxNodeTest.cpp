@@ -7,6 +7,7 @@
 #include <maya/MFnCompoundAttribute.h>
 #include <maya/MFnNumericAttribute.h>
 #include <maya/MFnTypedAttribute.h>
+#include <maya/MPxLocatorNode.h>
 #include <maya/MPxNode.h>
 #include <maya/MTime.h>
 
@@ -246,6 +247,29 @@ TEST_F(PxNodeTest, AttributesInUseKeepTheirParts) {
     EXPECT_FALSE(fn.addChild(MFnNumericAttribute().create("late", "la", MFnNumericData::kInt)));
     EXPECT_FALSE(fn.removeChild(SumNode::amount));
     EXPECT_EQ(run("getAttr s.weighted[0].times"), "1");
+}
+
+// Catches the box of a plug-in's locator left out of bounds, taken when it has none, or not moved into the world.
+TEST_F(PxNodeTest, BoundsOfLocators) {
+    struct Boxed : MPxLocatorNode {
+        bool isBounded() const override { return bounded; }
+        MBoundingBox boundingBox() const override { return MBoundingBox(MPoint(-1, 0, 0), MPoint(1, 4, 2)); }
+        static void*& made() {
+            static void* node = nullptr;
+            return node;
+        }
+        static void* create() { return made() = static_cast<MPxNode*>(new Boxed); }
+        static MStatus initialize() { return MStatus::kSuccess; }
+        bool bounded = true;
+    };
+    ASSERT_TRUE(
+        plugin.fn.registerNode("boxed", MTypeId(0x90001), Boxed::create, Boxed::initialize, MPxNode::kLocatorNode));
+    run("createNode transform -n bt; createNode boxed -n b -p bt; move 10 0 0 bt; scale 2 1 1 bt;");
+    EXPECT_EQ(run("exactWorldBoundingBox bt;"), "8 0 0 12 4 2");
+    MFnDagNode fn(object("bt"));
+    EXPECT_EQ(fn.boundingBox().max().x, 12);
+    static_cast<Boxed*>(static_cast<MPxNode*>(Boxed::made()))->bounded = false;
+    EXPECT_NE(run("exactWorldBoundingBox bt;"), "8 0 0 12 4 2");
 }
 
 // Fault: values of a handle in the wrong type or unit, element handles that wander off the array.

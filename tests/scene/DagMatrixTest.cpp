@@ -161,3 +161,22 @@ TEST_F(DagMatrix, ConnectedWorldMatrixFollows) {
     scene.setNumber(leaf.cell("inheritsTransform"), 0);
     expectMaps(matrix("reader.seen"), {0, 0, 0}, {1, 0, 0});
 }
+
+// Catches a locator whose world position is not computed, or misses a move of its own or of what is above it.
+TEST_F(DagMatrix, WorldPositionOfALocator) {
+    DagNode &top = make("top"), &leaf = make("leaf", &top);
+    auto shape = scene.createNode(*scene.findType("locator"), "spot", &leaf);
+    const auto at = [&] {
+        Cell& cell = scene.findPlug("spot.worldPosition[0]");
+        evaluate(cell);
+        const auto& n = std::get<Numeric>(cell.value);
+        return Triple{n.get(0), n.get(1), n.get(2)};
+    };
+    set(leaf, "translate", {1, 2, 3});
+    set(*shape->dag(), "localPosition", {10, 0, 0});
+    EXPECT_EQ(at(), (Triple{11, 2, 3}));
+    set(top, "scale", {2, 1, 1});
+    EXPECT_EQ(at(), (Triple{22, 2, 3}));
+    set(*shape->dag(), "localPosition", {0, 0, 5});
+    EXPECT_EQ(at(), (Triple{2, 2, 8}));
+}

@@ -11,7 +11,6 @@
 #include <maya/MDagPathArray.h>
 #include <maya/MMatrix.h>
 #include <maya/MPoint.h>
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 
 #include <algorithm>
@@ -78,9 +77,8 @@ bool shapeBox(DagNode& shape, MBoundingBox& box) {
         box = MBoundingBox(MPoint(b.min.x, b.min.y, b.min.z), MPoint(b.max.x, b.max.y, b.max.z));
         return true;
     }
-    if (const auto* locator = dynamic_cast<MPxLocatorNode*>(Access::userNode(shape))) {
-        if (!locator->isBounded()) return false;
-        box = locator->boundingBox();
+    if (const auto b = shape.behavior ? shape.behavior->box() : std::nullopt) {
+        box = MBoundingBox(MPoint((*b)[0], (*b)[1], (*b)[2]), MPoint((*b)[3], (*b)[4], (*b)[5]));
         return true;
     }
     return false;

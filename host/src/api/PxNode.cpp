@@ -128,6 +128,20 @@ void PxBehavior::copyFrom(scene::Node& other) {
     });
 }
 
+std::optional<std::array<double, 6>> PxBehavior::box() {
+    std::optional<std::array<double, 6>> found;
+    auto* locator = dynamic_cast<MPxLocatorNode*>(user_.get());
+    if (!locator) return found;
+    shielded(node_, "boundingBox", [&] {
+        if (!locator->isBounded()) return MStatus();
+        const MBoundingBox b = locator->boundingBox();
+        const MPoint low = b.min(), high = b.max();
+        found = {low.x, low.y, low.z, high.x, high.y, high.z};
+        return MStatus();
+    });
+    return found;
+}
+
 MStatus registerPluginType(Plugin& plugin, const std::string& name, unsigned id, MCreatorFunction create,
                            MInitializeFunction initialize, MPxNode::Type kind, const std::string& classification) {
     if (!create || name.empty()) return MStatus::kInvalidParameter;

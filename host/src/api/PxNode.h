@@ -23,6 +23,7 @@ public:
     bool setInternal(scene::Cell& cell, const scene::Value& value) override;
     bool getInternal(scene::Cell& cell) override;
     void copyFrom(scene::Node& other) override;
+    std::optional<std::array<double, 6>> box() override;
     MPxNode* user() const { return user_.get(); }
 
 private:

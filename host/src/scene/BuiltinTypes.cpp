@@ -97,8 +97,6 @@ std::vector<AttributePtr> dagAttributes() {
                      A::number("objectGroupId", "gid", N::Int), A::number("objectGrpColor", "gco", N::Short)});
     auto instances = A::compound("instObjGroups", "iog", {array(groups)});
     return {
-        readOnly(A::tuple("boundingBoxMin", "bbmn", N::Double, 3, "XYZ", distance)),
-        readOnly(A::tuple("boundingBoxMax", "bbmx", N::Double, 3, "XYZ", distance)),
         readOnly(A::matrix("matrix", "m")),
         readOnly(A::matrix("inverseMatrix", "im")),
         worldArray(A::matrix("worldMatrix", "wm")),
@@ -295,7 +293,8 @@ void registerDag(Registrar& r) {
     r.type("locator", "geometryShape", shapeKind, MFn::kLocator,
            {A::tuple("localPosition", "lp", N::Double, 3, "XYZ", distance),
             worldArray(A::tuple("worldPosition", "wp", N::Double, 3, "XYZ", distance)),
-            A::tuple("localScale", "los", N::Double, 3, "XYZ", AttributeType::Numeric, 1.0)});
+            A::tuple("localScale", "los", N::Double, 3, "XYZ", AttributeType::Numeric, 1.0)})
+        .affects({"localPosition", "worldMatrix"}, {"worldPosition"});
     r.type("camera", "shape", shapeKind, MFn::kCamera, cameraAttributes());
     r.abstract("light", "shape", shapeKind, MFn::kLight,
                {color("color", "cl", 1, 1, 1), A::number("intensity", "in", N::Float, 1),

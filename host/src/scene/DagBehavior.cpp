@@ -4,6 +4,7 @@
 #include "scene/Scene.h"
 
 #include <maya/MEulerRotation.h>
+#include <maya/MPoint.h>
 #include <maya/MVector.h>
 
 namespace host::scene {
@@ -74,6 +75,15 @@ bool DagBehavior::compute(Cell& cell) {
         }
         const MMatrix m = name[0] == 'w' ? node_.worldMatrix() : node_.parentMatrix();
         store(cell, name.find("Inverse") != std::string::npos ? m.inverse() : m);
+    } else if (name == "worldPosition") {
+        if (cell.isArray()) {
+            cell.element(0);
+            cell.dirty = false;
+            return true;
+        }
+        const MPoint p = MPoint(triple(node_, "localPosition")) * node_.worldMatrix();
+        cell.value = Numeric(NumericType::Double, 3, p.x, p.y, p.z);
+        setClean(cell);
     } else {
         return false;
     }

@@ -328,8 +328,8 @@ void DagNode::forgetWorld(std::vector<Cell*>& stale) {
         DagNode* n = open.back();
         open.pop_back();
         n->worldValid_ = false;
-        for (const char* name :
-             {"worldMatrix", "worldInverseMatrix", "parentMatrix", "parentInverseMatrix", "worldMesh"}) {
+        for (const char* name : {"worldMatrix", "worldInverseMatrix", "parentMatrix", "parentInverseMatrix",
+                                 "worldMesh", "worldPosition"}) {
             const Attribute* a = n->type.find(name);
             if (Cell* c = a ? n->existingCell(*a) : nullptr) stale.push_back(c);
         }

@@ -4,6 +4,7 @@
 
 #include <maya/MMatrix.h>
 
+#include <array>
 #include <functional>
 #include <map>
 #include <memory>
@@ -71,6 +72,9 @@ public:
     virtual bool setInternal(Cell&, const Value&) { return false; }
     virtual bool getInternal(Cell&) { return false; }
     virtual void copyFrom(Node&) {}
+    /// The box around what the node shows, in its own space: the least x, y, z, then the largest. Nothing when it shows
+    /// nothing that has bounds.
+    virtual std::optional<std::array<double, 6>> box() { return std::nullopt; }
 };
 
 /// A kind of node: its place in the type hierarchy, its attributes, and how values depend on each other.

@@ -291,9 +291,9 @@ void includeShape(Bounds& bounds, DagNode& shape, const MMatrix& matrix) {
         const MVector at = tripleOf(shape, "localPosition"), size = tripleOf(shape, "localScale");
         const MVector half(std::abs(size.x), std::abs(size.y), std::abs(size.z));
         includeBox(bounds, at - half, at + half, matrix);
-    } else {
-        const MVector low = tripleOf(shape, "boundingBoxMin"), high = tripleOf(shape, "boundingBoxMax");
-        if (low.x < high.x || low.y < high.y || low.z < high.z) includeBox(bounds, low, high, matrix);
+    } else if (const auto box = shape.behavior ? shape.behavior->box() : std::nullopt) {
+        const auto& b = *box;
+        includeBox(bounds, MVector(b[0], b[1], b[2]), MVector(b[3], b[4], b[5]), matrix);
     }
 }
 
