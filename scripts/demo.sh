@@ -22,6 +22,6 @@ Made from $scene:
 
 Go on with:
   $program --project examples/project render $scene other.png --camera horizon --time 12
-  $program run -e 'createNode orvosky_BasicSkyLocator; listAttr -st -ud;'
+  $program --help
   scripts/test.sh
 TEXT

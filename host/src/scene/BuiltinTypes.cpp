@@ -376,8 +376,8 @@ void registerMeshes(Registrar& r) {
                 array(A::tuple("pnts", "pt", N::Float, 3, "xyz")), array(A::tuple("vrts", "vt", N::Float, 3, "xyz")),
                 array(A::tuple("edge", "ed", N::Int, 3)), array(A::message("face", "fc")), uvSets,
                 A::text("currentUVSet", "cuvs"), array(A::tuple("normals", "n", N::Float, 3, "xyz")),
-                A::number("displayColors", "dcol", N::Bool), A::number("vertexColorSource", "vcs", N::Short, 2),
-                A::number("displaySmoothMesh", "dsm", N::Bool)},
+                A::number("displayColors", "dcol", N::Bool), A::text("displayColorChannel", "dcc"),
+                A::number("vertexColorSource", "vcs", N::Short, 2), A::number("displaySmoothMesh", "dsm", N::Bool)},
                makeMeshBehavior);
     t.affects({"inMesh", "pnts"}, {"outMesh", "worldMesh"});
     t.affects({"worldMatrix"}, {"worldMesh"});

@@ -42,7 +42,8 @@ constexpr std::size_t lastPlace = static_cast<std::size_t>(-1);
 void join(Cell& source, Cell& destination, std::size_t place = lastPlace) {
     destination.source = &source;
     auto& list = source.destinations;
-    list.insert(list.begin() + static_cast<std::ptrdiff_t>(std::min(place, list.size())), &destination);
+    list.push_back(&destination);
+    if (place < list.size()) std::rotate(list.begin() + static_cast<std::ptrdiff_t>(place), list.end() - 1, list.end());
     dirtyWithDependents(destination);
     tellNodes(source, destination, true);
 }
