@@ -31,6 +31,9 @@ Session::Session(const CommonOptions& common) {
     const fs::path tools = program.parent_path() / "share" / "orvosky";
     setenv("ORVOSKY_TOOL_ROOT", (tools.string() + "/").c_str(), 1);
 
+    std::error_code gone;
+    if (fs::current_path(gone).empty() || gone) throw Failure("The current folder is gone: " + gone.message() + ".");
+
     host::Host& host = host::Host::instance();
     host::Host::Options options;
     options.project = common.project;

@@ -336,6 +336,11 @@ TEST_F(Program, WorkspaceAndScripts) {
           "global proc string OrvoGetPath_ToolsRoot() { return \"T:/tools/\"; }\n");
     EXPECT_EQ(run({"--project", "proj", "run", "-e", ask}).out, "set up\nT:/tools/\n");
 
+    EXPECT_NE(std::system(("mkdir '" + folder_.string() + "/brief' && cd '" + folder_.string() +
+                           "/brief' && rmdir ../brief && '" ORVOSKY_PROGRAM "' run -e 'print 1;' 2>../said")
+                              .c_str()),
+              0);
+    EXPECT_THAT(content(folder_ / "said"), StartsWith("Error: The current folder is gone"));
     o = run({"--project", "gone", "run", "-e", "print 1;"});
     EXPECT_EQ(o.status, 1);
     EXPECT_THAT(o.error, HasSubstr("gone"));
