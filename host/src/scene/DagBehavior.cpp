@@ -38,7 +38,7 @@ MMatrix transformMatrix(DagNode& n) {
                   t = triple(n, "translate");
     Cell& order = n.cell("rotateOrder");
     evaluate(order);
-    const auto rotateOrder = static_cast<MEulerRotation::RotationOrder>(static_cast<int>(order.number()) % 6);
+    const auto rotateOrder = rotationOrder(order.number());
 
     MMatrix m;
     translate(m, sp, -1);

@@ -1,5 +1,6 @@
 #include "mel/commands/CommandSupport.h"
 
+#include "scene/DagBehavior.h"
 #include "scene/MeshNode.h"
 #include "scene/Units.h"
 
@@ -234,7 +235,7 @@ void setLocalMatrix(DagNode& node, const MMatrix& matrix, bool leaveHeld) {
     const MVector axis = tripleOf(node, "rotateAxis");
     Cell& orderCell = node.cell("rotateOrder");
     evaluate(orderCell);
-    const auto order = static_cast<MEulerRotation::RotationOrder>(static_cast<int>(orderCell.number()) % 6);
+    const auto order = scene::rotationOrder(orderCell.number());
     const MMatrix turn = MEulerRotation(axis.x, axis.y, axis.z).asMatrix().inverse() * parts.rotation().asMatrix();
     const MVector was = tripleOf(node, "rotate");
     const MEulerRotation rotation =

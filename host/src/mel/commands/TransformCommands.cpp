@@ -2,6 +2,7 @@
 #include "mel/commands/Commands.h"
 
 #include "mesh/PolyMesh.h"
+#include "scene/DagBehavior.h"
 #include "scene/MeshNode.h"
 
 #include <maya/MEulerRotation.h>
@@ -112,7 +113,7 @@ Value move(Call& call) {
 MEulerRotation::RotationOrder orderOf(DagNode& node) {
     Cell& cell = node.cell("rotateOrder");
     evaluate(cell);
-    return static_cast<MEulerRotation::RotationOrder>(static_cast<int>(cell.number()) % 6);
+    return scene::rotationOrder(cell.number());
 }
 
 /// The rotation of a matrix, scale and shear taken out.

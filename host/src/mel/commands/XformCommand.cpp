@@ -1,3 +1,4 @@
+#include "scene/DagBehavior.h"
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
 
@@ -16,7 +17,7 @@ constexpr const char* kOrders[] = {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"};
 MEulerRotation::RotationOrder orderOf(DagNode& node) {
     Cell& cell = node.cell("rotateOrder");
     evaluate(cell);
-    return static_cast<MEulerRotation::RotationOrder>(static_cast<int>(cell.number()) % 6);
+    return scene::rotationOrder(cell.number());
 }
 
 MVector flagTriple(const ParsedArguments& args, const char* flag, double factor) {
