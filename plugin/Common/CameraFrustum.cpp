@@ -47,14 +47,14 @@ CameraFrustum::Corners CameraFrustum::cornersAt(double distance, double factor) 
     const double depth = distance * factor;
     const double x = isPerspective ? std::tan(horizontalFov / 2) * depth : orthoWidth / 2;
     const double y = isPerspective ? std::tan(verticalFov / 2) * depth : orthoHeight / 2;
-    return {transformPoint(cameraToWorld, {-x, y, depth}), transformPoint(cameraToWorld, {x, y, depth}),
-            transformPoint(cameraToWorld, {x, -y, depth}), transformPoint(cameraToWorld, {-x, -y, depth})};
+    return {MatrixTransformPoint(cameraToWorld, {-x, y, depth}), MatrixTransformPoint(cameraToWorld, {x, y, depth}),
+            MatrixTransformPoint(cameraToWorld, {x, -y, depth}), MatrixTransformPoint(cameraToWorld, {-x, -y, depth})};
 }
 
 CameraFrustum::Ray CameraFrustum::rayThrough(double u, double v) const {
     if (!isPerspective) {
         const Vector3 start{(u - 0.5) * orthoWidth, (v - 0.5) * orthoHeight, 0};
-        return {transformPoint(cameraToWorld, start), transformDirection(cameraToWorld, {0, 0, 1})};
+        return {MatrixTransformPoint(cameraToWorld, start), transformDirection(cameraToWorld, {0, 0, 1})};
     }
     const Vector3 direction{(u - 0.5) * 2 * std::tan(horizontalFov / 2), (v - 0.5) * 2 * std::tan(verticalFov / 2), 1};
     return {eyePoint(), transformDirection(cameraToWorld, direction)};

@@ -181,11 +181,11 @@ TEST_F(AttributeAccess, MatricesAndWhatIsPrintedWithoutThem) {
     set("inner.translateX", 3);
     Matrix44 matrix;
     ASSERT_FALSE(nodeWorldMatrix(node("inner"), matrix).error());
-    const Vector3 p = transformPoint(matrix, {0, 1, 0}); // (3, 1), scaled (12, 1), turned (-1, 12)
+    const Vector3 p = MatrixTransformPoint(matrix, {0, 1, 0}); // (3, 1), scaled (12, 1), turned (-1, 12)
     EXPECT_NEAR(p.x, -1, 1e-12);
     EXPECT_NEAR(p.y, 12, 1e-12);
     ASSERT_FALSE(nodeInverseWorldMatrix(node("inner"), matrix).error());
-    const Vector3 q = transformPoint(matrix, {-1, 12, 0});
+    const Vector3 q = MatrixTransformPoint(matrix, {-1, 12, 0});
     EXPECT_NEAR(q.x, 0, 1e-12);
     EXPECT_NEAR(q.y, 1, 1e-12);
     EXPECT_EQ(printed(), "");

@@ -39,7 +39,7 @@ TEST(CameraFrustum, MatrixRowsAreRightUpViewEye) {
     const Matrix44 m = CameraFrustum::matrixOf({5, 0, 0}, {0, 2, 0}, {1, 2, 3});
     expectNear(transformDirection(m, {1, 0, 0}), {0, 0, 1}); // looking along +x, the right hand points to +z
     expectNear(transformDirection(m, {0, 1, 0}), {0, 1, 0});
-    expectNear(transformPoint(m, {0, 0, 7}), {8, 2, 3});
+    expectNear(MatrixTransformPoint(m, {0, 0, 7}), {8, 2, 3});
 }
 
 // Catches a wrong corner order, and a depth factor applied after the way to world space.

@@ -45,9 +45,9 @@ TEST_F(MayaUtils, WorldMatrixIncludesTheParents) {
         "createNode transform -n \"inner\" -p \"outer\"; setAttr \"inner.scaleY\" 2; setAttr \"inner.translateZ\" 3;");
     Matrix44 matrix;
     ASSERT_FALSE(nodeWorldMatrix(node("inner"), matrix).error());
-    EXPECT_EQ(transformPoint(matrix, {1, 1, 1}), (Vector3{6, 2, 4}));
+    EXPECT_EQ(MatrixTransformPoint(matrix, {1, 1, 1}), (Vector3{6, 2, 4}));
     ASSERT_FALSE(nodeInverseWorldMatrix(node("inner"), matrix).error());
-    EXPECT_EQ(transformPoint(matrix, {6, 2, 4}), (Vector3{1, 1, 1}));
+    EXPECT_EQ(MatrixTransformPoint(matrix, {6, 2, 4}), (Vector3{1, 1, 1}));
 }
 
 TEST_F(MayaUtils, AMatrixThatCannotBeHadIsTheIdentity) {

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace orvo {
+
+/// The Mersenne Twister MT19937 of Matsumoto and Nishimura (1998). The same seed gives the same numbers on every
+/// machine. Not for use by two threads at once: a worker has a generator of its own.
+class RandomGenerator {
+public:
+    RandomGenerator() { SeedRandom(5489); }
+    explicit RandomGenerator(std::uint32_t seed) { SeedRandom(seed); }
+
+    /// The generator that the main thread shares: made at the first use, kept as long as the plug-in.
+    static RandomGenerator& shared();
+
+    void SeedRandom(std::uint32_t seed);
+    /// All 32-bit values, evenly.
+    std::uint32_t RandomUInt32();
+    /// In [0, 1]: values close to 2^32 round up to exactly 1.
+    float RandomFloat() { return static_cast<float>(RandomUInt32()) * 0x1p-32f; }
+    /// In [0, 1) with 53 random bits, of two draws.
+    double RandomDouble53();
+
+private:
+    void regenerate();
+
+    std::array<std::uint32_t, 624> words_;
+    std::int32_t index_ = 0;
+};
+
+} // namespace orvo

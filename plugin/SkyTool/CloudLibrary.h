@@ -1,0 +1,48 @@
+#pragma once
+
+#include "../Common/OutputFile.h"
+#include "CloudShapes.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The XML files of clouds: one cloud ("Modeler_ParticleCloud") or a library ("Modeler_ParticleCloudLibrary").
+namespace orvo {
+
+/// An artist's settings of one cloud. Lengths are metres.
+struct CloudSettings {
+    double spriteDensity = 10000.0;  ///< candidates in a cube of 1000 metres' side
+    double spriteSize = 200.0;       ///< side of a sprite
+    double groundShadowOffset = 0.0; ///< as authored
+    bool enableGroundFade = false;
+    double groundFadeStart = 60.0; ///< height above the cloud's centre
+    double groundFadeEnd = -20.0;  ///< height above the cloud's centre
+    double domeYOffset = 0.0;
+};
+
+/// One cloud as a file holds it.
+struct CloudTemplate {
+    CloudSettings settings;
+    CloudShapeSet shapes;
+};
+
+constexpr const char* cloudFileType = "Modeler_ParticleCloud";
+constexpr const char* cloudLibraryType = "Modeler_ParticleCloudLibrary";
+
+/// The XML declaration and the opening tag of a cloud or library file.
+void writeCloudFileHeader(OutputFile& file, const char* type);
+/// The ParticleCloud element with its shapes, every line behind the indent.
+void writeParticleCloudElement(OutputFile& file, const char* indent, const CloudTemplate& cloud);
+/// The ParticleCloudSphere element. Always true.
+bool writeCloudShapeSphere(OutputFile& file, const char* indent, const CloudShapeSphere& sphere);
+void writeCloudFileFooter(OutputFile& file);
+
+/// Whether the file can be read as XML and its root says that it holds a single cloud.
+bool isCloudFile(const std::string& path);
+/// Reads the one cloud of a single-cloud file; `error`, when given, tells what is wrong with a file that is refused.
+std::optional<CloudTemplate> loadCloudFile(const std::string& path, std::string* error = nullptr);
+/// Reads all clouds of a library. A file with one bad cloud is refused as a whole.
+std::optional<std::vector<CloudTemplate>> loadCloudLibrary(const std::string& path, std::string* error = nullptr);
+
+} // namespace orvo
