@@ -50,6 +50,7 @@ int exportCommand(const CommonOptions& common, const ExportOptions& options) {
         std::unique_ptr<host::viewport::Viewport> view;
         Session session(common);
         session.openScene(options.scene);
+        session.refreshClouds();
         view = drawOnce();
         ReplacedFiles files(options.target);
         const std::string staged = files.stagedTarget().string();

@@ -1,6 +1,7 @@
 #include "SkyProgram.h"
 
 #include "../Common/Messages.h"
+#include "../Common/Paths.h"
 
 namespace orvo {
 
@@ -30,7 +31,8 @@ ShaderProgram* SkyProgram::get(const SkyShaderTexts& texts, const std::source_lo
 
 void SkyProgram::build(const SkyShaderTexts& texts, const std::source_location& where) {
     bool found = false;
-    program_ = std::make_unique<ShaderProgram>(texts.vertex, texts.fragment, false, &found);
+    const std::string folder = texts.fromFiles ? shaderDirectory() : "";
+    program_ = std::make_unique<ShaderProgram>(folder + texts.vertex, folder + texts.fragment, texts.fromFiles, &found);
     std::string log = program_->infoLog();
     if (!found) {
         log = std::string(texts.className) + ":  could not find shader files! :(";
@@ -38,7 +40,7 @@ void SkyProgram::build(const SkyShaderTexts& texts, const std::source_location& 
         buildFailed_ = false;
         return;
     } else {
-        log = std::string(texts.className) + ":  shader did not compile! :(  \n\nErrorReport:\n" + log;
+        log = std::string(texts.className) + ":  " + texts.what + " did not compile! :(  \n\nErrorReport:\n" + log;
     }
     program_.reset();
     reportPlace(where);

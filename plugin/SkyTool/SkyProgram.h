@@ -7,10 +7,12 @@
 
 namespace orvo {
 
-/// The embedded sources of a node's GLSL program.
+/// The sources of a node's GLSL program.
 struct SkyShaderTexts {
-    const char* className; ///< in front of error messages
-    const char *vertex, *fragment;
+    const char* className;         ///< in front of error messages
+    const char *vertex, *fragment; ///< the texts, or the names of their files in the shader folder
+    bool fromFiles = false;
+    const char* what = "shader"; ///< what did not compile
 };
 
 /// A node's GLSL program, built at the first use. A build that failed is reported once and not tried again until
