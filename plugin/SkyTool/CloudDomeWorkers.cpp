@@ -1,0 +1,97 @@
+#include "CloudDomeWorkers.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace orvo {
+namespace {
+
+/// All that one thread reads and writes, but for the shading parameters, which nobody writes meanwhile.
+struct Job {
+    CloudSettings settings;
+    CloudShapeSet shapes;
+    const CloudShadingParams& shading;
+    std::unique_ptr<ParticleCloudGeom> geom{}; ///< null when the generation failed
+
+    void run() noexcept {
+        try {
+            geom = GenerateSprites(shapes, settings.spriteDensity, settings.spriteSize * 100.0,
+                                   shading.enableSelfShadow, shading.sunDir, settings.enableGroundFade,
+                                   settings.groundFadeStart * 100.0, settings.groundFadeEnd * 100.0);
+        } catch (...) { // out of memory: the cloud is left out
+            geom.reset();
+        }
+    }
+};
+
+bool tryStart(const ThreadStarter& start, Job& job, std::vector<std::jthread>& threads) {
+    try {
+        threads.push_back(start([&job] { job.run(); }));
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+} // namespace
+
+std::jthread startThread(std::function<void()> work) { return std::jthread(std::move(work)); }
+
+DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std::span<const DomeCloudPlacement> placed,
+                                  const CloudShadingParams& shading, const ThreadStarter& start) {
+    DomeGeneration result;
+    std::vector<std::unique_ptr<Job>> jobs;
+    std::vector<std::jthread> threads; // after the jobs: on every way out it waits for the threads that use them
+    threads.reserve(maxDomeThreads);
+    const auto finishBatch = [&] {
+        threads.clear();
+        for (const auto& job : jobs)
+            if (job->geom && job->geom->numSprites > 0)
+                result.clouds.push_back(
+                    {job->settings, std::move(job->geom), job->shapes.boundCentre, job->shapes.boundRadius});
+        jobs.clear();
+    };
+
+    for (const DomeCloudPlacement& cloud : placed) {
+        const CloudTemplate& source = templates[static_cast<std::size_t>(cloud.templateIndex)];
+        std::unique_ptr<Job> job(
+            new Job{source.settings, placedShapes(source.shapes, cloud.position, cloud.angle), shading});
+        Job& work = *job;
+        jobs.reserve(maxDomeThreads);
+        bool started = tryStart(start, work, threads);
+        if (!started && !threads.empty()) {
+            finishBatch();
+            started = tryStart(start, work, threads);
+        }
+        if (!started) break;
+        jobs.push_back(std::move(job));
+        ++result.started;
+        if (threads.size() == maxDomeThreads) finishBatch();
+    }
+    finishBatch();
+    return result;
+}
+
+DomeBuild buildDome(std::span<const CloudTemplate> templates, const DomeLayout& layout,
+                    const CloudShadingParams& shading, const ThreadStarter& start) {
+    std::vector<double> radii(templates.size());
+    std::transform(templates.begin(), templates.end(), radii.begin(),
+                   [](const CloudTemplate& source) { return source.shapes.boundRadius; });
+    const DomePlacement placement = placeDomeClouds(radii, layout);
+    DomeGeneration generation = generateDomeClouds(templates, placement.clouds, shading, start);
+
+    // What the clouds take in an export is known once they are packed.
+    std::vector<unsigned char> packed;
+    for (const DomeCloud& cloud : generation.clouds) {
+        padCloudVertexData(packed);
+        (void)appendCloudVertexData(exportedDomeCloud(cloud), shading, packed); // one that fails takes nothing
+    }
+    for (DomeCloud& cloud : generation.clouds) scaleDomeCloud(cloud, layout.scale);
+    return {std::move(generation.clouds), generation.started, placement.limitReached, packed.size()};
+}
+
+GeneratedCloud exportedDomeCloud(const DomeCloud& cloud) {
+    return {cloud.settings, *cloud.geom, cloud.basePosition, cloud.radius, true};
+}
+
+} // namespace orvo

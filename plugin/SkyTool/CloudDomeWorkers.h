@@ -1,0 +1,48 @@
+#pragma once
+
+#include "CloudDomePlacement.h"
+#include "CloudShadingParams.h"
+#include "CloudVertexData.h"
+
+#include <functional>
+#include <span>
+#include <thread>
+#include <vector>
+
+/// Makes the clouds of a dome, each in a thread of its own. Plain data: no thread knows the host or another's record,
+/// and the same input gives the same clouds with any number of processors.
+namespace orvo {
+
+constexpr std::size_t maxDomeThreads = 64; ///< at a time
+
+/// Starts a thread that runs the work. Throws (std::system_error, from the standard library) when it cannot.
+using ThreadStarter = std::function<std::jthread(std::function<void()> work)>;
+std::jthread startThread(std::function<void()> work);
+
+struct DomeGeneration {
+    std::vector<DomeCloud> clouds; ///< in the order of their placement; a cloud that failed or has no sprites lacks
+    std::size_t started = 0;       ///< threads
+};
+
+/// Generates the placed clouds, not scaled yet, in batches of at most maxDomeThreads threads: the next batch begins
+/// when the last one has ended. When a thread cannot be started the batch ends early and the cloud is tried again; when
+/// not even the first of a batch can be started, the remaining clouds are left out.
+DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std::span<const DomeCloudPlacement> placed,
+                                  const CloudShadingParams& shading, const ThreadStarter& start = startThread);
+
+/// A dome full of clouds.
+struct DomeBuild {
+    std::vector<DomeCloud> clouds; ///< scaled
+    std::size_t started = 0;       ///< clouds whose threads were started
+    bool limitReached = false;     ///< whether maxDomeClouds ended the placement
+    std::size_t dataSize = 0;      ///< bytes of the clouds' exported vertex data
+};
+
+/// Places, generates and scales the clouds of a dome.
+DomeBuild buildDome(std::span<const CloudTemplate> templates, const DomeLayout& layout,
+                    const CloudShadingParams& shading, const ThreadStarter& start = startThread);
+
+/// A dome cloud as the export takes it. The dome cloud must outlive the answer.
+GeneratedCloud exportedDomeCloud(const DomeCloud& cloud);
+
+} // namespace orvo
