@@ -35,8 +35,9 @@ struct TextureSampling {
 };
 
 /// @name Uploads
-/// Each releases what the handle held, leaves the new texture bound and answers true; after a GL error the handle is
-/// empty and the answer false.
+/// Each releases what the handle held, leaves the new texture bound and answers true; without pixels and after a GL
+/// error (a side above GL_MAX_TEXTURE_SIZE among them) the handle is empty and the answer false. Pixels follow each
+/// other without padding, the bottom row first; how the caller unpacks pixels is left as it was.
 /// @{
 /// GL_RGBA and GL_RGB as bytes; any other format as compressed data of `byteSize` bytes.
 bool uploadTexture2D(TextureHandle& handle, int width, int height, const void* pixels, const TextureSampling& sampling,
@@ -54,18 +55,20 @@ bool uploadCubeMap(TextureHandle& handle, int size, const std::array<const void*
 /// @}
 
 /// @name Loaders: an image file by its extension (tga, dds, anything else by the host's reader), linearly filtered
-/// `path` is a full path. False, with an empty handle, when the file cannot be read or uploaded.
+/// `path` is a full path, its extension in any case. Pictures come out right side up (the bottom row first), whatever
+/// their file's order; a DDS picture that cannot go up as it is goes through the host's reader. False, with an empty
+/// handle, when the file cannot be read or uploaded.
 /// @{
 bool loadTextureRgb(TextureHandle& handle, const std::string& path, bool repeatS, bool repeatT, bool mipmaps);
 bool loadTextureRgba(TextureHandle& handle, const std::string& path, bool repeatS, bool repeatT, bool mipmaps);
-/// A DDS cube map.
+/// A DDS cube map of square faces, whatever its extension, in the file's order: +X, -X, +Y (overhead), -Y, +Z, -Z.
 bool loadCubeMap(TextureHandle& handle, const std::string& path);
 /// @}
 
 /// One value per channel, 0 to 255, or -1 for the pattern.
 using CheckerChannels = std::array<int, 4>;
-/// A checkerboard of 128 by 128 pixels in fields of 8, of 32 and 255. `channels` is the bytes of a pixel. Null when
-/// the upload fails.
+/// A checkerboard of 128 by 128 pixels in fields of 8, of 32 and 255. `channels`, 1 to 4, is how many of `values` are
+/// taken; the others are 255. Null when the upload fails.
 std::unique_ptr<TextureHandle> checkerboard(int channels, bool repeatS, bool repeatT, const CheckerChannels& values);
 std::unique_ptr<TextureHandle> checkerboardCubeMap(int channels, const CheckerChannels& values);
 
