@@ -44,7 +44,7 @@ constexpr int maxSprites = 4000;
 /// 0 up to edge0, 1 from edge1 on, and 3t^2 - 2t^3 between them. edge0 may be the greater one.
 double SmoothStep(double edge0, double edge1, double x);
 
-/// The smallest sphere that encloses the points (Welzl's algorithm, 1991); radius 0 for none.
+/// The smallest sphere that encloses the points, but for those that are not finite; radius 0 for none.
 Sphere smallestEnclosingSphere(std::span<const Vector3> points);
 
 /// The bounds of a shape set from the world matrices of its ellipsoids: the smallest sphere around 1026 points on each
@@ -61,17 +61,18 @@ std::optional<CloudSample> EvaluateShapes(const CloudShapeSet& set, const Vector
 std::optional<RayCrossing> IntersectRaySphere(const Vector3& origin, const Vector3& direction, double radius);
 
 /// The optical depth from a point to the edge of the cloud against the light.
-/// @param lightDirection towards the light, of unit length
-/// @param stepLength above 0
+/// @param lightDirection towards the light, of unit length; one that is zero, not a number, or so short that more than
+///   10,000 steps were needed gives a depth of 0
+/// @param stepLength above 0; any other gives a depth of 0
 double MarchLight(const CloudShapeSet& set, const Vector3& point, const Vector3& lightDirection, double stepLength,
                   bool groundFade, double fadeStart, double fadeEnd);
 
 /// Scatters sprites over the shapes.
-/// @param particleDensity candidates in a cube of 1000 metres' side, above 0; 1,000,000 or more candidates in the
-///   bounds' cube give a cloud without sprites
+/// @param particleDensity candidates in a cube of 1000 metres' side; a cloud without sprites comes of more than
+///   1,000,000 candidates in the bounds' cube, of a density that is not above 0, and of bounds that are not finite
 /// @param particleSize side of a sprite
 /// @param groundFadeStartOffset, groundFadeEndOffset heights above the bounds' centre
-/// @return never null
+/// @return never null. Without sprites its bounds lie around the shape set's centre
 std::unique_ptr<ParticleCloudGeom> GenerateSprites(const CloudShapeSet& set, double particleDensity,
                                                    double particleSize, bool withShadowData,
                                                    const Vector3& lightDirection, bool groundFade,
