@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../Common/OutputFile.h"
+#include "../Common/XmlFile.h"
 #include "CloudShapes.h"
 
 #include <optional>
@@ -29,6 +30,9 @@ struct CloudTemplate {
 
 constexpr const char* cloudFileType = "Modeler_ParticleCloud";
 constexpr const char* cloudLibraryType = "Modeler_ParticleCloudLibrary";
+constexpr int cloudFileVersion = 1; ///< of both
+/// The root element of all files of clouds.
+constexpr const char* cloudRootElement = "OrvoAtmosphere";
 
 /// The XML declaration and the opening tag of a cloud or library file.
 void writeCloudFileHeader(OutputFile& file, const char* type);
@@ -37,6 +41,11 @@ void writeParticleCloudElement(OutputFile& file, const char* indent, const Cloud
 /// The ParticleCloudSphere element. Always true.
 bool writeCloudShapeSphere(OutputFile& file, const char* indent, const CloudShapeSphere& sphere);
 void writeCloudFileFooter(OutputFile& file);
+
+/// Reads the one cloud, or all clouds, of a file that has been read as XML; nothing, and the file's error(), when it is
+/// refused.
+std::optional<CloudTemplate> readCloudFile(XmlFile& file);
+std::optional<std::vector<CloudTemplate>> readCloudLibrary(XmlFile& file);
 
 /// Whether the file can be read as XML and its root says that it holds a single cloud.
 bool isCloudFile(const std::string& path);

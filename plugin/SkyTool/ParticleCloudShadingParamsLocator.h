@@ -25,11 +25,13 @@ public:
     static ParticleCloudShadingParamsLocator* firstLiveInstance();
 
     void postConstructor() override;
+    void draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) override {}
     bool isBounded() const override { return false; }
     bool isEnabled() override { return true; }
 
     /// The parameters. The texture's path is brought into its stored form (project-relative, single separators) and
     /// written back into the attribute first.
+    /// A sun direction of no length counts as (0, 1, 0).
     CloudShadingParams readParams();
     /// Writes the element of the ".atmos" file. False, with a message, when the texture is not in the build folder.
     bool saveToXml(OutputFile& file, const char* indent);
@@ -42,6 +44,11 @@ public:
     bool loadParamsFile(const std::string& path, std::string* error = nullptr);
 
 private:
+    /// The parameters, with the texture's path as it is stored.
+    CloudShadingParams storedParams() const;
+    /// The same with the texture's path as files hold it.
+    CloudShadingParams fileParams() const;
+
     static MObject shadingTexture, cloudColour, shadingOpacity, shadingBrightness, sunShadowAmount, groundShadowAmount,
         spriteShadowAmount, enableSelfShadow, selfShadowAmount, selfShadowFalloff, lightingAmbient,
         lightingSunGlowAmount, lightingSunGlowHaloSize, lightingRimGlow, sunDir, sunColour, sunIntensity;

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "Vector3.h"
+
+#include <cstdint>
+#include <initializer_list>
+#include <limits>
+#include <memory>
+#include <string>
+
+class TiXmlDocument;
+class TiXmlElement;
+
+namespace orvo {
+
+/// What a number in a file may be; both ends are part of it.
+struct XmlRange {
+    double min = -std::numeric_limits<double>::max();
+    double max = std::numeric_limits<double>::max();
+};
+
+/// An XML file that is being read, and the first thing that is wrong with it.
+///
+/// Reading goes on after a problem: elements are then null, values empty or 0, and later problems are not kept. So a
+/// reader asks for all that it wants and tests ok() at the end. Numbers are read alike in every locale. Files come from
+/// anywhere: size, nesting and number of parts are limited before anything is built from them.
+class XmlFile {
+public:
+    static constexpr std::size_t maxBytes = std::size_t(64) << 20;
+    static constexpr int maxDepth = 64;              ///< elements within one another
+    static constexpr int maxAttributes = 256;        ///< of one element
+    static constexpr std::size_t maxParts = 2000000; ///< elements, attributes, comments and the like of a file
+
+    /// A file's kind and the version in which it is known.
+    struct Form {
+        const char* type;
+        int version;
+    };
+
+    XmlFile();
+    ~XmlFile();
+    XmlFile(const XmlFile&) = delete;
+    XmlFile& operator=(const XmlFile&) = delete;
+
+    /// Reads a file. @return ok()
+    bool load(const std::string& path);
+    /// Reads a text. @param name of it in messages. @return ok()
+    bool parse(std::string text, const std::string& name);
+
+    bool ok() const { return error_.empty(); }
+    /// "FILE, line 12: element Cloud: attribute \"size\" is missing", empty while all is well.
+    const std::string& error() const { return error_; }
+    /// Notes a problem with an element, which may be null.
+    void fail(const TiXmlElement* element, const std::string& problem);
+
+    /// @name Elements: the first of the name; null, and a problem, when there is none
+    /// @{
+    const TiXmlElement* root(const char* name);
+    /// A root whose attributes `type` and `version` must be, as texts, those of one of the forms.
+    const TiXmlElement* root(const char* name, std::initializer_list<Form> forms);
+    const TiXmlElement* child(const TiXmlElement* parent, const char* name);
+    /// @}
+
+    /// @name Attributes: one that is missing, or holds no such value, is a problem
+    /// What follows a number in an attribute is not looked at. Numbers must be finite and in their range.
+    /// @{
+    std::string text(const TiXmlElement* element, const char* attribute);
+    double real(const TiXmlElement* element, const char* attribute, const XmlRange& range = {});
+    /// A number in single precision, widened.
+    double single(const TiXmlElement* element, const char* attribute, const XmlRange& range = {});
+    /// Three numbers in single precision, widened.
+    Vector3 triple(const TiXmlElement* element, const char* attribute);
+    /// An integer; true when it is not 0.
+    bool flag(const TiXmlElement* element, const char* attribute);
+    /// 32 bits, as a signed or an unsigned number.
+    std::uint32_t word(const TiXmlElement* element, const char* attribute);
+    /// @}
+
+private:
+    template <class Real>
+    double number(const TiXmlElement* element, const char* attribute, const XmlRange& range);
+    const char* attribute(const TiXmlElement* element, const char* name);
+    void failAttribute(const TiXmlElement* element, const char* name, const std::string& problem);
+
+    std::unique_ptr<TiXmlDocument> document_;
+    std::string name_, error_;
+};
+
+} // namespace orvo
