@@ -1,0 +1,36 @@
+#pragma once
+
+#include "../Common/Textures.h"
+
+#include <maya/MObject.h>
+#include <memory>
+#include <string>
+
+namespace orvo {
+
+/// The texture of the image that a text attribute of a node names, loaded anew when the attribute changes. Used on the
+/// drawing thread, with the viewport's context current.
+class SkyTexture {
+public:
+    /// Fills the handle from the image at a full path. @return whether there is a picture now
+    using Load = bool (*)(TextureHandle& handle, const std::string& path);
+    /// A picture to show in place of one that cannot be loaded; null when there is none.
+    using Fallback = std::unique_ptr<TextureHandle> (*)();
+
+    /// The GL name of the texture, 0 when there is none. A path under the project root is shortened to its
+    /// project-relative form in the attribute itself. An image that cannot be loaded is not tried again before the
+    /// attribute changes.
+    std::uint32_t update(const MObject& node, const MObject& pathAttribute, Load load, Fallback fallback);
+    /// Deletes the texture and forgets where it came from.
+    void release();
+
+private:
+    std::unique_ptr<TextureHandle> texture_;
+    std::string loadedPath_; ///< the attribute's value that the texture was made from
+};
+
+/// Reads the path that a text attribute holds and shortens it to the form of exported files, relative to the build
+/// folder. For a path that is not in there `inFolder` is false, and the path comes out as it was.
+std::string buildPath(const MObject& node, const MObject& pathAttribute, bool& inFolder);
+
+} // namespace orvo
