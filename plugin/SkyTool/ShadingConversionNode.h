@@ -1,0 +1,25 @@
+#pragma once
+
+#include <maya/MPxNode.h>
+#include <maya/MTypeId.h>
+
+namespace orvo {
+
+/// Turns a transform matrix into what a shader wants: the direction that a light points along, seen backwards
+/// (directional mode), or the transform's position (position mode); a fourth component, 0 or 1, tells them apart.
+class OrvoSkyShadingConversionNode : public MPxNode {
+public:
+    static const MTypeId id;
+    /// A group of attributes that cannot be made ends it with one message and the host's status.
+    static MStatus initialize();
+
+    MStatus compute(const MPlug& plug, MDataBlock& block) override;
+
+private:
+    MStatus computeVector(MDataBlock& block) const;
+    MStatus computeW(MDataBlock& block) const;
+
+    static MObject inMatrix, inVector, mode, outVectorX, outVectorY, outVectorZ, outVector, outW;
+};
+
+} // namespace orvo

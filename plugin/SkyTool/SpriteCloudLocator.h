@@ -1,0 +1,58 @@
+#pragma once
+
+#include "../Common/InstanceList.h"
+#include "../Common/OutputFile.h"
+#include "../Common/Textures.h"
+#include "ExportNode.h"
+#include "MeshPreview.h"
+#include "SkyProgram.h"
+
+#include <maya/MDagPath.h>
+#include <maya/MPxLocatorNode.h>
+#include <maya/MTypeId.h>
+#include <optional>
+#include <string>
+
+namespace orvo {
+
+/// Textured cloud layers that the artist models as polygon meshes. The locator stands in a group together with the
+/// meshes, which it takes for one; the sky renderer shows them with the sprite texture, and the export writes them as
+/// a SpriteCloud element.
+class SpriteCloudLocator : public MPxLocatorNode, public ExportNode {
+public:
+    static const MTypeId id;
+    static MStatus initialize();
+    /// The live instance that a node's name or full path name stands for; null when there is none.
+    static SpriteCloudLocator* findInstance(const MString& name);
+
+    void postConstructor() override;
+    /// The host's draw shows nothing; it frees what a node that is switched off held.
+    void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
+    bool isBounded() const override { return false; }
+    bool isEnabled() override;
+
+    /// The viewport preview, called by the sky renderer between the view's beginGL and endGL.
+    void render(M3dView& view);
+    /// Writes the SpriteCloud element, with the meshes gathered for the preview, or gathered now.
+    /// @return false when there is no mesh, or one of the meshes has no UVs; the element then stays open
+    bool saveToXml(OutputFile& file, const char* indent);
+
+private:
+    void release();
+    /// Gathers the group's meshes, unless some are held. Afterwards the mesh is empty when the group has none, and
+    /// missing when there is no group; both are reported.
+    void refreshCloudMesh();
+    /// Loads the texture when its path has changed. A file that cannot be loaded is white.
+    void refreshTexture();
+
+    static MObject enable, alwaysUpdateMesh, spriteTexture, RenderMode, tint, brightness, alphaScale, textureMipBias;
+
+    SkyProgram program_;
+    TextureHandle texture_;
+    std::optional<std::string> texturePath_; ///< where the texture came from, as the attribute stores it
+    std::optional<TriMesh> mesh_;            ///< world space, centimetres
+    std::optional<MeshArrays> arrays_;       ///< of the mesh, once drawn
+    InstanceEntry<SpriteCloudLocator> entry_{*this};
+};
+
+} // namespace orvo
