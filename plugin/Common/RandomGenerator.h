@@ -17,16 +17,24 @@ public:
 
     void SeedRandom(std::uint32_t seed);
     /// All 32-bit values, evenly.
-    std::uint32_t RandomUInt32();
+    std::uint32_t RandomUInt32() {
+        if (index_ >= wordCount) regenerate();
+        return tempered_[static_cast<std::size_t>(index_++)];
+    }
     /// In [0, 1]: values close to 2^32 round up to exactly 1.
     float RandomFloat() { return static_cast<float>(RandomUInt32()) * 0x1p-32f; }
     /// In [0, 1) with 53 random bits, of two draws.
     double RandomDouble53();
+    /// As many calls of RandomUInt32 without their values.
+    void skip(std::uint64_t count);
 
 private:
+    static constexpr int wordCount = 624;
+
     void regenerate();
 
-    std::array<std::uint32_t, 624> words_;
+    std::array<std::uint32_t, wordCount> words_;
+    std::array<std::uint32_t, wordCount> tempered_; ///< the block's outputs
     std::int32_t index_ = 0;
 };
 

@@ -1,13 +1,114 @@
 #include "CloudGeneration.h"
 
 #include "../Common/RandomGenerator.h"
+#include "CloudKernels.h"
 
 #include <algorithm>
 
 namespace orvo {
 namespace {
 
-constexpr double minCoverage = 1e-10;
+void addShape(const CloudShapeSphere& sphere, const Vector3& point, double squaredRadius, double cap,
+              CloudSample& sum) {
+    const Vector3 q = MatrixTransformPoint(sphere.transform, point);
+    const double squaredLength = dot(q, q);
+    if (!(squaredLength <= squaredRadius)) return;
+    const double u = 1.0 - squaredLength / squaredRadius, w = std::min(u * u, cap);
+    sum.coverage += w;
+    sum.density += sphere.density * w;
+    sum.opacity += sphere.opacity * w;
+}
+
+/// Turns sums over the shapes into means; false where there is no cloud.
+bool finish(CloudSample& sum) {
+    if (sum.coverage < 1e-10) return false;
+    sum.density /= sum.coverage;
+    sum.opacity /= sum.coverage;
+    sum.coverage = std::min(sum.coverage, 1.0);
+    return true;
+}
+
+struct Fade {
+    bool on = false;
+    double start = 0.0, end = 0.0;
+};
+
+constexpr double placementRadius = 1.2, placementCap = 0.3;
+
+/// The kept candidates of a cloud's jittered grid.
+class Scattering {
+public:
+    Scattering(const CloudShapeSet& set, const ShapeTable& table, double step, const Fade& fade,
+               RandomGenerator& random)
+        : set_(set), table_(table), step_(step), fade_(fade), random_(random) {}
+
+    void run() {
+        const double extent = 2.0 * set_.boundRadius, n = std::trunc(extent / step_);
+        // A step beyond all numbers would leave one candidate, beyond all numbers too.
+        if (!(n * n * n <= 1000000.0) || !std::isfinite(step_)) return;
+        std::vector<double> grid;
+        for (double x = 0.0; x < extent; x += step_) grid.push_back(x);
+        for (const double x : grid)
+            for (const double y : grid)
+                if (!scatterRow(x, y, grid)) return;
+    }
+
+    std::vector<Vector3> positions;
+    std::vector<float> opacities;
+
+private:
+    void findSpans(double x, double y, int count) {
+        const double half = step_ / 2.0, radius = set_.boundRadius;
+        const Vector3 corner = set_.boundCentre - Vector3{radius, radius, radius};
+        if (table_.usable() && step_ < 1e70) {
+            const BoxRow row{corner + Vector3{x + half, y + half, half}, {0.0, 0.0, step_}, half, count};
+            return spansOfShapes(table_, row, placementRadius, spans_);
+        }
+        spans_.clear();
+        for (std::uint32_t i = 0; i < set_.spheres.size(); ++i) spans_.push_back({i, 0, count - 1});
+    }
+
+    /// Boxes where no shape is felt are passed over, but for their draws. @return false once the cloud is full
+    bool scatterRow(double x, double y, const std::vector<double>& grid) {
+        const int count = static_cast<int>(grid.size());
+        findSpans(x, y, count);
+        int first = count, last = -1;
+        for (const ShapeSpan& span : spans_) {
+            first = std::min(first, span.first);
+            last = std::max(last, span.last);
+        }
+        if (last < 0) {
+            random_.skip(3u * static_cast<unsigned>(count));
+            return true;
+        }
+        random_.skip(3u * static_cast<unsigned>(first));
+        for (int k = first; k <= last; ++k) {
+            const double r1 = random_.RandomFloat(), r2 = random_.RandomFloat(), r3 = random_.RandomFloat();
+            const double radius = set_.boundRadius;
+            const Vector3 jittered{x + r1 * step_, y + r2 * step_, grid[static_cast<std::size_t>(k)] + r3 * step_};
+            const Vector3 p = jittered - Vector3{radius, radius, radius} + set_.boundCentre;
+            const Vector3 out = p - set_.boundCentre;
+            if (!(dot(out, out) < radius * radius) || (fade_.on && p.y < fade_.end)) continue;
+            CloudSample sample;
+            for (const ShapeSpan& span : spans_)
+                if (span.first <= k && k <= span.last)
+                    addShape(set_.spheres[span.shape], p, placementRadius * placementRadius, placementCap, sample);
+            if (!finish(sample) || !(1.0 - sample.coverage < random_.RandomFloat() * sample.density)) continue;
+            positions.push_back(p);
+            opacities.push_back(static_cast<float>(sample.opacity));
+            if (positions.size() == maxSprites) return false;
+        }
+        random_.skip(3u * static_cast<unsigned>(count - 1 - last));
+        return true;
+    }
+
+    const CloudShapeSet& set_;
+    const ShapeTable& table_;
+    double step_;
+    Fade fade_;
+    RandomGenerator& random_;
+    std::vector<ShapeSpan> spans_;
+};
 
 } // namespace
 
@@ -19,21 +120,10 @@ double SmoothStep(double edge0, double edge1, double x) {
 std::optional<CloudSample> EvaluateShapes(const CloudShapeSet& set, const Vector3& point, double shapeRadius,
                                           bool groundFade, double fadeStart, double fadeEnd, bool shadowMode) {
     if (groundFade && point.y < fadeEnd) return std::nullopt;
-    const double squaredRadius = shapeRadius * shapeRadius, cap = shadowMode ? 0.6 : 0.3;
+    const double squaredRadius = shapeRadius * shapeRadius, cap = shadowMode ? 0.6 : placementCap;
     CloudSample sample;
-    for (const CloudShapeSphere& sphere : set.spheres) {
-        const Vector3 q = MatrixTransformPoint(sphere.transform, point);
-        const double squaredLength = dot(q, q);
-        if (!(squaredLength <= squaredRadius)) continue;
-        const double u = 1.0 - squaredLength / squaredRadius, w = std::min(u * u, cap);
-        sample.coverage += w;
-        sample.density += sphere.density * w;
-        sample.opacity += sphere.opacity * w;
-    }
-    if (sample.coverage < minCoverage) return std::nullopt;
-    sample.density /= sample.coverage;
-    sample.opacity /= sample.coverage;
-    sample.coverage = std::min(sample.coverage, 1.0);
+    for (const CloudShapeSphere& sphere : set.spheres) addShape(sphere, point, squaredRadius, cap, sample);
+    if (!finish(sample)) return std::nullopt;
     if (shadowMode && groundFade) sample.coverage *= SmoothStep(fadeEnd, fadeStart, point.y);
     return sample;
 }
@@ -71,70 +161,68 @@ double MarchLight(const CloudShapeSet& set, const Vector3& point, const Vector3&
     return depth;
 }
 
+namespace {
+
+void castShadows(const CloudShapeSet& set, const ShapeTable& table, const LightMarch& march,
+                 const std::vector<Vector3>& positions, ParticleCloudGeom& geom) {
+    geom.shadowCube0.resize(positions.size() * 16);
+    geom.shadowCube1.resize(positions.size() * 16);
+    std::vector<ShapeSpan> spans;
+    double depths[shadowSamples];
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        if (!table.usable() || !marchSprite(table, march, positions[i], spans, depths))
+            for (int s = 0; s < shadowSamples; ++s) {
+                const auto offset = [&](int bit) { return s & bit ? march.sampleOffset : -march.sampleOffset; };
+                depths[s] =
+                    MarchLight(set, positions[i] + Vector3{offset(1), offset(2), offset(4)}, march.lightDirection,
+                               march.stepLength, march.groundFade, march.fadeStart, march.fadeEnd);
+            }
+        for (std::size_t corner = 4 * i; corner < 4 * i + 4; ++corner)
+            for (std::size_t s = 0; s < 4; ++s) {
+                geom.shadowCube0[corner * 4 + s] = static_cast<float>(depths[s]);
+                geom.shadowCube1[corner * 4 + s] = static_cast<float>(depths[s + 4]);
+            }
+    }
+}
+
+} // namespace
+
 std::unique_ptr<ParticleCloudGeom> GenerateSprites(const CloudShapeSet& set, double particleDensity,
                                                    double particleSize, bool withShadowData,
                                                    const Vector3& lightDirection, bool groundFade,
                                                    double groundFadeStartOffset, double groundFadeEndOffset) {
     const double step = 1000.0 / std::pow(particleDensity, 0.3333333333333333) * 100.0;
-    const double radius = set.boundRadius, extent = 2.0 * radius;
-    const double fadeStart = groundFadeStartOffset + set.boundCentre.y;
-    const double fadeEnd = groundFadeEndOffset + set.boundCentre.y;
+    const Fade fade{groundFade, groundFadeStartOffset + set.boundCentre.y, groundFadeEndOffset + set.boundCentre.y};
+    const ShapeTable table(set);
     RandomGenerator random(set.seed);
-    std::vector<Vector3> kept;
-    std::vector<float> opacities;
-    const double n = std::trunc(extent / step);
-    const bool scatters = n * n * n <= 1000000.0;
-    const auto full = [&] { return kept.size() == maxSprites; };
-    for (double x = 0.0; scatters && x < extent && !full(); x += step)
-        for (double y = 0.0; y < extent && !full(); y += step)
-            for (double z = 0.0; z < extent && !full(); z += step) {
-                Vector3 p;
-                p.x = x + random.RandomFloat() * step;
-                p.y = y + random.RandomFloat() * step;
-                p.z = z + random.RandomFloat() * step;
-                p = p - Vector3{radius, radius, radius} + set.boundCentre;
-                const Vector3 out = p - set.boundCentre;
-                if (!(dot(out, out) < radius * radius)) continue;
-                const auto sample = EvaluateShapes(set, p, 1.2, groundFade, fadeStart, fadeEnd, false);
-                if (!sample || !(1.0 - sample->coverage < random.RandomFloat() * sample->density)) continue;
-                kept.push_back(p);
-                opacities.push_back(static_cast<float>(sample->opacity));
-            }
+    Scattering kept(set, table, step, fade, random);
+    kept.run();
 
     auto geom = std::make_unique<ParticleCloudGeom>();
-    const auto count = kept.size();
+    const auto count = kept.positions.size();
     geom->numSprites = static_cast<std::int32_t>(count);
-    const Sphere bounds = smallestEnclosingSphere(kept);
+    const Sphere bounds = smallestEnclosingSphere(kept.positions);
     if (count > 0) geom->boundCentre = bounds.centre - set.boundCentre;
     const double half = particleSize / 2.0;
     geom->boundRadius = bounds.radius + std::sqrt(half * half + half * half);
-    geom->positions.reserve(count * 12);
-    geom->uvCoords.reserve(count * 8);
-    geom->randoms.reserve(count * 4);
-    geom->opacities.reserve(count * 4);
-    if (withShadowData) {
-        geom->shadowCube0.reserve(count * 16);
-        geom->shadowCube1.reserve(count * 16);
-    }
+    geom->positions.resize(count * 12);
+    geom->uvCoords.resize(count * 8);
+    geom->randoms.resize(count * 4);
+    geom->opacities.resize(count * 4);
     for (std::size_t i = 0; i < count; ++i) {
-        float shadow[8] = {};
-        for (int corner = 0; withShadowData && corner < 8; ++corner) {
-            const auto offset = [&](int bit) { return (corner & bit ? particleSize : -particleSize) * 0.5 * 0.5; };
-            const Vector3 from = kept[i] + Vector3{offset(1), offset(2), offset(4)};
-            shadow[corner] = static_cast<float>(
-                MarchLight(set, from, lightDirection, radius / 10.0, groundFade, fadeStart, fadeEnd));
-        }
-        const float value = random.RandomFloat();
-        constexpr float corners[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-        for (const auto& corner : corners) {
-            for (const double c : {kept[i].x, kept[i].y, kept[i].z}) geom->positions.push_back(static_cast<float>(c));
-            geom->uvCoords.insert(geom->uvCoords.end(), corner, corner + 2);
-            geom->randoms.push_back(value);
-            geom->opacities.push_back(opacities[i]);
-            if (!withShadowData) continue;
-            geom->shadowCube0.insert(geom->shadowCube0.end(), shadow, shadow + 4);
-            geom->shadowCube1.insert(geom->shadowCube1.end(), shadow + 4, shadow + 8);
-        }
+        const Vector3& p = kept.positions[i];
+        const float centre[3] = {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
+        constexpr float corners[8] = {0, 0, 1, 0, 1, 1, 0, 1};
+        for (std::size_t corner = 4 * i; corner < 4 * i + 4; ++corner)
+            std::copy_n(centre, 3, &geom->positions[corner * 3]);
+        std::copy_n(corners, 8, &geom->uvCoords[i * 8]);
+        std::fill_n(&geom->randoms[i * 4], 4, random.RandomFloat());
+        std::fill_n(&geom->opacities[i * 4], 4, kept.opacities[i]);
+    }
+    if (withShadowData) {
+        const LightMarch march{set.boundCentre, lightDirection, set.boundRadius, set.boundRadius / 10.0,
+                               fade.on,         fade.start,     fade.end,        particleSize * 0.5 * 0.5};
+        castShadows(set, table, march, kept.positions, *geom);
     }
     return geom;
 }

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "CloudShapes.h"
+
+#include <vector>
+
+/// The vector code of cloud generation, for the widest unit that the machine has. Every lane does the very operations
+/// of the plain code in their order, without fused multiply-adds: no result differs in any bit.
+namespace orvo {
+
+/// A cloud's shapes by component, and how far from a line each of them can be felt.
+class ShapeTable {
+public:
+    explicit ShapeTable(const CloudShapeSet& set);
+
+    /// False when a value is not finite, or so large or small that bounds on its rounding do not hold: such a cloud
+    /// is left to the plain code.
+    bool usable() const { return usable_; }
+
+    /// Component i of shape s stands at i x stride + s: the matrix by rows, its first three columns; the density; the
+    /// most that a point moves in unit space when no coordinate moves by more than 1; a bound on rounding there.
+    const double* component(int i) const { return &values_[static_cast<std::size_t>(i) * stride_]; }
+    static constexpr int matrix = 0, density = 12, reach = 13, slack = 14, components = 15;
+
+    std::size_t count() const { return count_; }
+    /// The number of shapes, filled up to a multiple of the widest vector.
+    std::size_t stride() const { return stride_; }
+
+private:
+    std::size_t count_;
+    std::size_t stride_;
+    std::vector<double> values_;
+    bool usable_;
+};
+
+/// The points start + k x stride, k from 0, and all points around each that are no farther off along any axis.
+struct BoxRow {
+    Vector3 start, stride;
+    double halfSide = 0.0;
+    int count = 0;
+};
+
+/// The boxes of a row in which a shape may be felt.
+struct ShapeSpan {
+    std::uint32_t shape = 0;
+    int first = 0, last = 0; ///< inclusive
+};
+
+/// The shapes that may be felt in a row of boxes, in their order: outside the spans none is.
+/// @param shapeRadius of the shapes in unit space
+void spansOfShapes(const ShapeTable& shapes, const BoxRow& row, double shapeRadius, std::vector<ShapeSpan>& spans);
+
+/// What the march towards the light is like for all samples of a cloud.
+struct LightMarch {
+    Vector3 boundCentre, lightDirection;
+    double boundRadius = 0.0, stepLength = 0.0;
+    bool groundFade = false;
+    double fadeStart = 0.0, fadeEnd = 0.0;
+    double sampleOffset = 0.0; ///< of the eight samples from a sprite's centre, along each axis
+};
+
+constexpr int shadowSamples = 8;
+
+/// The optical depths at the eight samples of a sprite, sample s on the positive side of axis i when bit i of s is set.
+/// @param spans scratch space
+/// @return false, with no depths, when a sample needs what only the plain march does: an entry from outside the
+///   cloud's surroundings, or steps beyond counting
+bool marchSprite(const ShapeTable& shapes, const LightMarch& march, const Vector3& centre,
+                 std::vector<ShapeSpan>& spans, double (&depths)[shadowSamples]);
+
+} // namespace orvo
