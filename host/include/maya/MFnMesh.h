@@ -5,7 +5,9 @@
 
 class MDGModifier;
 class MFloatArray;
+class MFloatPoint;
 class MFloatPointArray;
+class MFloatVector;
 class MFloatVectorArray;
 class MIntArray;
 class MPoint;
@@ -18,6 +20,17 @@ class MVector;
 #define kMFnMeshTolerance 1.0e-10
 #define kMFnMeshPointTolerance 1.0e-3
 #define kMFnMeshInstanceUnspecified -1
+
+/// How queries of rays and nearest points are to be sped up. All kinds make the same structure here, whatever the
+/// numbers: a tree of boxes, kept with the mesh until it changes.
+class OPENMAYA_EXPORT MMeshIsectAccelParams {
+public:
+    ~MMeshIsectAccelParams() = default;
+
+private:
+    MMeshIsectAccelParams() = default;
+    friend class MFnMesh;
+};
 
 /// Function set for polygon meshes: those of mesh shapes, and mesh data (MFnMeshData).
 ///
@@ -114,6 +127,66 @@ public:
     MStatus getVertexNormals(bool angleWeighted, MFloatVectorArray& normals,
                              MSpace::Space space = MSpace::kObject) const;
     MStatus getPolygonNormal(int polygonId, MVector& normal, MSpace::Space space = MSpace::kObject) const;
+    /// @}
+
+    /// @name Rays
+    /// Source and direction are in the given space, as are hit points; the parameter of a hit is its distance from the
+    /// source in lengths of the direction. Triangles are met from both sides. `maxParam` bounds the search, backwards
+    /// too when testing both directions: parameters are negative there. `tolerance` says how far outside of a triangle
+    /// still counts, as a share of its size (0 to 1). With `faceIds`, only those faces are looked at, or with `triIds`
+    /// also, of equal length, only those of their triangles. With `accelParams` a structure for speed is made and kept
+    /// with the mesh; without them, from the second query of an unchanged mesh on. The answers are the same.
+    ///
+    /// The hit point is `hitBary1` * first + `hitBary2` * second + the rest * third corner of the triangle. Among hits
+    /// of equal parameter, that of the lowest face and then triangle comes first. Result pointers may be null.
+    /// kInvalidParameter: a ray that is not finite or has no direction, a bound or tolerance out of range, ids that do
+    /// not exist. Without a hit, the results stay as they are (arrays: are emptied).
+    /// @{
+    static MMeshIsectAccelParams uniformGridParams(int xDiv, int yDiv, int zDiv);
+    static MMeshIsectAccelParams autoUniformGridParams();
+    /// The hit nearest to the source; forward wins over backward.
+    bool closestIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
+                             const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
+                             bool testBothDirections, MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
+                             float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
+                             float tolerance = 1e-6, MStatus* ReturnStatus = NULL);
+    /// Any hit; it happens to be the nearest one.
+    bool anyIntersection(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
+                         const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
+                         bool testBothDirections, MMeshIsectAccelParams* accelParams, MFloatPoint& hitPoint,
+                         float* hitRayParam, int* hitFace, int* hitTriangle, float* hitBary1, float* hitBary2,
+                         float tolerance = 1e-6, MStatus* ReturnStatus = NULL);
+    /// All hits, sorted by their signed parameter, or by face and triangle. A ray through an edge meets both sides.
+    bool allIntersections(const MFloatPoint& raySource, const MFloatVector& rayDirection, const MIntArray* faceIds,
+                          const MIntArray* triIds, bool idsSorted, MSpace::Space space, float maxParam,
+                          bool testBothDirections, MMeshIsectAccelParams* accelParams, bool sortHits,
+                          MFloatPointArray& hitPoints, MFloatArray* hitRayParams, MIntArray* hitFaces,
+                          MIntArray* hitTriangles, MFloatArray* hitBary1s, MFloatArray* hitBary2s,
+                          float tolerance = 1e-6, MStatus* ReturnStatus = NULL);
+    /// The points where the ray enters or leaves, nearest first, and their polygons; each point once a polygon.
+    bool intersect(const MPoint& raySource, const MVector& rayDirection, MPointArray& points,
+                   double tolerance = kMFnMeshPointTolerance, MSpace::Space space = MSpace::kObject,
+                   MIntArray* polygonIds = NULL, MStatus* ReturnStatus = NULL) const;
+    /// Sorts by face, then triangle; the triangles may be left out.
+    MStatus sortIntersectionFaceTriIds(MIntArray* faceIds, MIntArray* triIds);
+    /// Frees what is kept for queries of this mesh (of all meshes), or says how much that is.
+    MStatus freeCachedIntersectionAccelerator();
+    MString cachedIntersectionAcceleratorInfo(MStatus* ReturnStatus = NULL);
+    static MString globalIntersectionAcceleratorsInfo();
+    static void clearGlobalIntersectionAcceleratorInfo();
+    /// @}
+
+    /// @name The point of the mesh nearest to another one
+    /// Among polygons equally near, the lowest counts. The normal is what the corners' normals give there. kFailure
+    /// for a mesh without polygons, kInvalidParameter for a point that is not finite.
+    /// @{
+    MStatus getClosestPointAndNormal(const MPoint& toThisPoint, MPoint& theClosestPoint, MVector& theNormal,
+                                     MSpace::Space space = MSpace::kObject, int* closestPolygon = NULL,
+                                     MMeshIsectAccelParams* accelParams = NULL) const;
+    MStatus getClosestPoint(const MPoint& toThisPoint, MPoint& theClosestPoint, MSpace::Space space = MSpace::kObject,
+                            int* closestPolygon = NULL, MMeshIsectAccelParams* accelParams = NULL) const;
+    MStatus getClosestNormal(const MPoint& toThisPoint, MVector& theNormal, MSpace::Space space = MSpace::kObject,
+                             int* closestPolygon = NULL, MMeshIsectAccelParams* accelParams = NULL) const;
     /// @}
 
     /// @name UV sets

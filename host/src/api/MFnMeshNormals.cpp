@@ -1,6 +1,7 @@
 #include <maya/MFnMesh.h>
 
 #include "api/MeshCall.h"
+#include "api/NormalSpace.h"
 
 #include <maya/MFloatVectorArray.h>
 #include <maya/MVector.h>
@@ -11,36 +12,13 @@
 using namespace host;
 using api::among;
 using api::fill;
+using api::NormalSpace;
 using api::withMesh;
 using mesh::Float3;
 using mesh::NormalWeight;
 using mesh::PolyMesh;
 
 namespace {
-
-/// Brings normals to a space: they go by the transposed inverse of what positions go by.
-class NormalSpace {
-public:
-    NormalSpace(const MObject& object, MSpace::Space space) {
-        MMatrix m;
-        status = api::matrixTo(object, space, m);
-        own_ = space != MSpace::kWorld;
-        if (!own_) matrix_ = m.inverse().transpose();
-    }
-    MVector operator()(const MVector& normal) const {
-        if (own_) return normal;
-        const MVector turned = normal * matrix_;
-        const double length = turned.length();
-        return length > 0 ? turned / length : turned;
-    }
-    MVector operator()(const Float3& n) const { return (*this)(MVector(n.x, n.y, n.z)); }
-
-    MStatus status;
-
-private:
-    MMatrix matrix_;
-    bool own_ = true;
-};
 
 MStatus fillNormals(MFloatVectorArray& out, std::span<const Float3> normals, const NormalSpace& to) {
     return fill(out, normals, [&](const Float3& n) { return MFloatVector(to(n)); });

@@ -1,5 +1,6 @@
 #include "PolyMesh.h"
 
+#include "QueryCache.h"
 #include "Triangulator.h"
 
 #include <fmt/format.h>
@@ -194,6 +195,11 @@ void PolyMesh::pointsChanged() {
     triangles_.reset();
     for (auto& normals : vertexNormals_) normals.reset();
     faceVertexNormals_.reset();
+    queryCache_.reset();
+}
+
+QueryCache& PolyMesh::queryCache() const {
+    return *queryCache_.get([] { return std::make_shared<QueryCache>(); });
 }
 
 void PolyMesh::setPoint(int vertex, const Float3& point) {

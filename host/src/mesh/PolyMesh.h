@@ -27,6 +27,8 @@ struct Edge {
     bool operator==(const Edge&) const = default;
 };
 
+class QueryCache;
+
 /// An axis-aligned box; empty (min > max) until it holds a point.
 struct Box {
     Float3 min, max;
@@ -171,6 +173,9 @@ public:
     /// Sets normals, one a face vertex, or none to drop them (else false, and nothing changes).
     bool assignNormals(std::vector<Float3> normals);
 
+    /// What is kept between queries of rays and nearest points; it goes when points move.
+    QueryCache& queryCache() const;
+
     /// The box around all points whose coordinates are finite.
     Box boundingBox() const;
 
@@ -223,6 +228,7 @@ private:
     LazyPart<std::vector<Triangle>> triangles_;
     std::array<LazyPart<std::vector<Float3>>, 3> vertexNormals_;
     LazyPart<std::vector<Float3>> faceVertexNormals_;
+    LazyPart<std::shared_ptr<QueryCache>> queryCache_;
 };
 
 } // namespace host::mesh
