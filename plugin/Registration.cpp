@@ -3,6 +3,13 @@
 #include "SkyTool/BasicSkyLocator.h"
 #include "SkyTool/ConvertFullPathToProjectRootPath.h"
 #include "SkyTool/ExpHeightFogLocator.h"
+#include "SkyTool/ParticleCloud.h"
+#include "SkyTool/ParticleCloudCommands.h"
+#include "SkyTool/ParticleCloudDome.h"
+#include "SkyTool/ParticleCloudDomeCommands.h"
+#include "SkyTool/ParticleCloudShadingParamsCommands.h"
+#include "SkyTool/ParticleCloudShadingParamsLocator.h"
+#include "SkyTool/ParticleCloudSphereLoc.h"
 #include "SkyTool/SaveSkySystemToXMLCommand.h"
 #include "SkyTool/SkyRendererLocator.h"
 #include "SkyTool/SkySceneSettingsLocator.h"
@@ -15,6 +22,17 @@ std::span<const RegistrationRow> registrationTable() {
         commandRow<OrvoSky_SaveSkySystemToXMLCommand>("orvosky_SaveSkySystemToXMLCommand"),
         locatorRow<ExpHeightFogLocator>("orvosky_ExpHeightFog"),
         locatorRow<SkySceneSettingsLocator>("orvosky_SkySceneSettings"),
+        locatorRow<ParticleCloud>("orvosky_ParticleCloud"),
+        locatorRow<ParticleCloudDome>("orvosky_ParticleCloudDome"),
+        commandRow<ParticleCloud_RenderCloudCommand>("orvosky_ParticleCloud_RenderCloudCommand"),
+        commandRow<ParticleCloud_RefreshTextureCommand>("orvosky_ParticleCloud_RefreshTextureCommand"),
+        locatorRow<ParticleCloudSphereLoc>("orvosky_ParticleCloudSphere"),
+        locatorRow<ParticleCloudShadingParamsLocator>("orvosky_ParticleCloudShadingParams"),
+        commandRow<ParticleCloudShadingParams_ExportDataCommand>("orvosky_ParticleCloudShadingParams_ExportData"),
+        commandRow<ParticleCloudShadingParams_ImportDataCommand>("orvosky_ParticleCloudShadingParams_ImportData"),
+        commandRow<ParticleCloud_ExportDataCommand>("orvosky_ParticleCloud_ExportDataCommand"),
+        commandRow<ParticleCloudDome_RefreshDataCommand>("orvosky_ParticleCloudDome_RefreshDataCommand"),
+        commandRow<ParticleCloudDome_LoadFromDiskCommand>("orvosky_ParticleCloudDome_LoadFromDiskCommand"),
         locatorRow<SkyRendererLocator>("orvosky_SkyRenderer"),
         commandRow<OrvoSky_ConvertFullPathToProjectRootPath>("orvosky_ConvertFullPathToProjectRootPath"),
     };

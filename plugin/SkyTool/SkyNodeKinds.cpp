@@ -3,6 +3,9 @@
 #include "../Common/MayaUtils.h"
 #include "BasicSkyLocator.h"
 #include "ExpHeightFogLocator.h"
+#include "ParticleCloud.h"
+#include "ParticleCloudDome.h"
+#include "ParticleCloudShadingParamsLocator.h"
 #include "SkySceneSettingsLocator.h"
 
 #include <algorithm>
@@ -41,9 +44,10 @@ const SkyNodeKindTable& skyNodeKinds() {
         {"orvosky_TexturedSkyLocator", "TexturedSky", {}},
         {"orvosky_SceneFog", "SceneFog", {}},
         {"orvosky_ExpHeightFog", "ExpHeightFog", operationsOf<ExpHeightFogLocator>()},
-        {"orvosky_ParticleCloud", "ParticleCloud", {}},
-        {"orvosky_ParticleCloudDome", "ParticleCloudDome", {}},
-        {"orvosky_ParticleCloudShadingParams", "ParticleCloudShadingParams", {}},
+        {"orvosky_ParticleCloud", "ParticleCloud", operationsOf<ParticleCloud>()},
+        {"orvosky_ParticleCloudDome", "ParticleCloudDome", operationsOf<ParticleCloudDome>()},
+        {"orvosky_ParticleCloudShadingParams", "ParticleCloudShadingParams",
+         operationsOf<ParticleCloudShadingParamsLocator>()},
         {"orvosky_SkySceneSettings", "SkySceneSettings", operationsOf<SkySceneSettingsLocator>()},
         {"orvosky_SpriteCloudLocator", "SpriteCloud", {}},
     }};

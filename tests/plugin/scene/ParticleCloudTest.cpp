@@ -1,0 +1,294 @@
+// Particle clouds in a scene: gathering, the commands, autoUpdate, and the exported files read back.
+#include "Common/Checksums.h"
+#include "PluginScene.h"
+#include "SkyTool/CloudGeneration.h"
+
+#include "viewport/Viewport.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <regex>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+/// A shape of the test cloud: an axis-aligned ellipsoid, in centimetres.
+struct Ellipsoid {
+    double centre[3], radii[3], opacity, density;
+};
+const Ellipsoid shapes[] = {
+    {{1000, 50000, -2000}, {30000, 12000, 20000}, 1.0, 1.0},
+    {{20000, 56000, 3000}, {18000, 15000, 16000}, 0.75, 0.5},
+    {{-9000, 58000, 0}, {16000, 14000, 15000}, 0.5, 1.0},
+    {{4000, 55000, 5000}, {20000, 9000, 20000}, 1.0, 1.0},
+};
+
+std::string number(double v) { return std::to_string(v); }
+
+class ParticleCloudScene : public PluginScene {
+protected:
+    ParticleCloudScene() : folder_(fs::path(testing::TempDir()) / ("orvo_cloud-" + std::to_string(getpid()))) {
+        fs::remove_all(folder_);
+        fs::create_directories(folder_);
+        must("createNode transform -n \"OrvoSkyData\"; createNode transform -n \"settings\" -p \"OrvoSkyData\";"
+             "createNode orvosky_SkySceneSettings -p \"settings\";");
+        log_.clear();
+    }
+    ~ParticleCloudScene() override { fs::remove_all(folder_); }
+
+    void shading() {
+        must("createNode transform -n \"shading\" -p \"OrvoSkyData\";"
+             "createNode orvosky_ParticleCloudShadingParams -n \"shadingShape\" -p \"shading\";"
+             "rename `listRelatives -shapes shading` shadingShape;"
+             "setAttr -type \"string\" shadingShape.shadingTexture \"build/clouds/none.dds\";");
+    }
+    /// A group with the cloud node `name` below a transform of its own, and without shapes.
+    void cloud(const std::string& name = "puff") {
+        must("createNode transform -n \"" + name + "Group\" -p \"OrvoSkyData\"; createNode transform -n \"" + name +
+             "Cloud\" -p \"" + name + "Group\"; createNode orvosky_ParticleCloud -p \"" + name +
+             "Cloud\"; rename `listRelatives -shapes " + name + "Cloud` \"" + name + "\";");
+    }
+    void shape(const Ellipsoid& e, const std::string& name = "puff") {
+        const auto three = [](const double* v) { return number(v[0]) + " " + number(v[1]) + " " + number(v[2]); };
+        must("string $t = `createNode transform -p \"" + name + "Group\"`; setAttr ($t + \".t\") " + three(e.centre) +
+             "; setAttr ($t + \".s\") " + three(e.radii) +
+             "; string $s = `createNode orvosky_ParticleCloudSphere -p $t`; $s = `rename $s \"sphere#\"`;"
+             "setAttr ($s + \".opacity\") " +
+             number(e.opacity) + "; setAttr ($s + \".density\") " + number(e.density));
+    }
+    void wholeCloud(const std::string& name = "puff") {
+        cloud(name);
+        for (const Ellipsoid& e : shapes) shape(e, name);
+    }
+    bool refresh(const std::string& names = "puff") { return mel("orvosky_ParticleCloud_RenderCloudCommand " + names); }
+    std::string exported() {
+        must("orvosky_SaveSkySystemToXMLCommand \"" + (folder_ / "sky.atmos").string() + "\"");
+        return contents(folder_ / "sky.atmos");
+    }
+    /// The numbers of an attribute of the first ParticleCloud element.
+    static std::vector<double> values(const std::string& atmos, const std::string& name) {
+        const auto element = atmos.find("<ParticleCloud\n");
+        std::smatch found;
+        const std::string text = element == std::string::npos ? "" : atmos.substr(element);
+        if (!std::regex_search(text, found, std::regex("\\b" + name + " *= \"([^\"]*)\""))) return {};
+        std::istringstream numbers(found[1].str());
+        std::vector<double> list;
+        for (double v; numbers >> v;) list.push_back(v);
+        return list;
+    }
+    static void drawOnce() {
+        std::string error;
+        auto view = host::viewport::Viewport::create(16, 9, &error);
+        ASSERT_TRUE(view && view->render(&error)) << error;
+        host::Host::instance().interpreter().execute("if (`objExists puff`) setAttr puff.enable 0;");
+        view->render(); // frees what the node holds of GL
+        host::Host::instance().interpreter().execute("if (`objExists puff`) setAttr puff.enable 1;");
+    }
+
+    fs::path folder_;
+};
+
+// Faults: a failed gathering that says nothing, the wrong thing or without its place, or that stops at one bad shape.
+TEST_F(ParticleCloudScene, SaysWhyItCannotGather) {
+    shading();
+    const auto errorsOf = [&](const char* setup) {
+        must(setup);
+        log_.clear();
+        EXPECT_TRUE(refresh("lonely"));
+        return log_.errors();
+    };
+    const std::string prefix = "ParticleCloud::GenerateSpriteData:  ";
+    const auto placed = StartsWith("In SkyTool\\ParticleCloud, line ");
+    EXPECT_THAT(errorsOf("createNode transform -n top; createNode orvosky_ParticleCloud -p top;"
+                         "rename `listRelatives -shapes top` lonely;"),
+                ElementsAre(placed, prefix + "couldn't get parents from locator\n"));
+    EXPECT_THAT(errorsOf("group -n pack top;"),
+                ElementsAre(placed, prefix + "Couldn't get enough cloud shape objects to work with.\n"));
+    EXPECT_THAT(errorsOf("createNode transform -n other -p pack;"),
+                ElementsAre(placed, prefix + "object 1 is not valid. ignoring", placed,
+                            prefix + "No cloud shape spheres found in group.\n"));
+    EXPECT_THAT(errorsOf("createNode transform -n ball -p pack; setAttr ball.s 50000 50000 50000;"
+                         "createNode orvosky_ParticleCloudSphere -p ball;"),
+                ElementsAre(placed, prefix + "object 1 is not valid. ignoring"));
+    EXPECT_THAT(log_.infos(), testing::Contains(HasSubstr("Cloud [lonely]  produced [")));
+}
+
+// Faults: a command that takes what it should refuse, or refuses it in another's words.
+TEST_F(ParticleCloudScene, CommandsRefuseWhatTheyCannotUse) {
+    cloud();
+    const std::string render = "orvosky_ParticleCloud_RenderCloudCommand ",
+                      texture = "orvosky_ParticleCloud_RefreshTextureCommand ",
+                      library = "orvosky_ParticleCloud_ExportDataCommand ";
+    const std::string unopened = (folder_ / "no" / "x.xml").string();
+    const struct {
+        std::string call, message;
+    } cases[] = {
+        {render, "BulkVegBillboard_DoDistributionCommand   No cloud names given in which to render! :("},
+        {render + "nobody", "ParticleCloud_RenderCloudCommand   Failed to find cloud instance objects! :("},
+        {render + "settings", "ParticleCloud_RenderCloudCommand   Failed to find cloud instance objects! :("},
+        {render + "puff {1}", "ParticleCloud_RenderCloudCommand   Could not get cloud names from argument list."},
+        {texture, "ParticleCloud_RefreshTextureCommand   No cloud names given in which to refresh! :("},
+        {texture + "puff", "ParticleCloud_RefreshTextureCommand   could not find particle cloud shading params."},
+        {library, "ParticleCloud_ExportDataCommand incorrect syntax given! :(  Usage: "
+                  "\"ParticleCloud_ExportDataCommand xmlPath cloudInstanceNames[]\"   bailing."},
+        {library + "\"\" puff", "ParticleCloud_ExportDataCommand   Could not get filePath."},
+        {library + "\"x.xml\"", "ParticleCloud_ExportDataCommand   No cloud names given! :("},
+        {library + "\"x.xml\" puff nobody",
+         "ParticleCloud_ExportDataCommand   Failed to find cloud instance objects! :("},
+    };
+    for (const auto& c : cases) {
+        log_.clear();
+        EXPECT_FALSE(mel(c.call)) << c.call;
+        EXPECT_THAT(log_.errors(), ElementsAre(StartsWith("In SkyTool\\ParticleCloudCommands, line "), c.message))
+            << c.call;
+    }
+    for (const Ellipsoid& e : shapes) shape(e);
+    log_.clear();
+    EXPECT_FALSE(mel(library + "\"" + unopened + "\" puff"));
+    EXPECT_THAT(log_.errors(), testing::Contains("ParticleCloud_ExportDataCommand: Error.  could not open file [" +
+                                                 unopened + "] for export."));
+    shading();
+    EXPECT_TRUE(mel(texture + "puff")) << failure_;
+}
+
+// Faults: sprites in another frame, scale, order or byte order than a reader undoes; a wrong address, size or record.
+// The reader here knows the two written files alone; where the sprites are comes from the generator.
+TEST_F(ParticleCloudScene, AReaderFindsTheSpritesWhereTheyAre) {
+    for (const bool shadow : {true, false}) {
+        host::scene::Scene::current().reset();
+        must("createNode transform -n \"OrvoSkyData\"; createNode orvosky_SkySceneSettings -p \"OrvoSkyData\";");
+        shading();
+        must("setAttr shadingShape.enableSelfShadow " + number(shadow) + "; setAttr shadingShape.selfShadowFalloff 2;");
+        wholeCloud();
+        ASSERT_TRUE(refresh());
+        const std::string atmos = exported(), data = contents(folder_ / "sky.cdata");
+
+        orvo::CloudShapeSet set;
+        std::vector<orvo::Matrix44> worlds;
+        for (const Ellipsoid& e : shapes) {
+            orvo::Matrix44 world = orvo::translationMatrix({e.centre[0], e.centre[1], e.centre[2]});
+            for (int i = 0; i < 3; ++i) world.m[i][i] = e.radii[i];
+            worlds.push_back(world);
+            set.spheres.push_back({orvo::MatrixInverse(world, 1e-10), e.opacity, e.density});
+        }
+        const orvo::Sphere bounds = orvo::boundsOfShapes(worlds);
+        set.boundCentre = bounds.centre;
+        set.boundRadius = bounds.radius;
+        set.seed = orvo::Crc32("puff");
+        const double third = 1 / std::sqrt(3.0); // the node's own sun direction, (1, 1, 1), made of unit length
+        const auto geom = orvo::GenerateSprites(set, 10000, 20000, shadow, {third, third, third}, false, 6000, -2000);
+        ASSERT_GT(geom->numSprites, 100);
+
+        ASSERT_EQ(values(atmos, "numSprites"), std::vector<double>{double(geom->numSprites)});
+        EXPECT_EQ(values(atmos, "vertexDataAddress"), std::vector<double>{0});
+        const std::size_t record = shadow ? 16 : 8;
+        ASSERT_EQ(data.size(), geom->numSprites * record + 1);
+        EXPECT_EQ(data.back(), 1);
+        const auto culling = values(atmos, "cullingSpherePos"), centre = values(atmos, "geomBoundSpherePos");
+        const double radius = values(atmos, "geomBoundSphereRadius")[0];
+        EXPECT_NEAR(values(atmos, "cullingSphereRadius")[0], set.boundRadius / 100, 1e-5);
+        for (int i = 0; i < geom->numSprites; ++i) {
+            const auto* bytes = reinterpret_cast<const unsigned char*>(data.data()) + i * record;
+            for (int k = 0; k < 3; ++k) {
+                const auto c = static_cast<std::int16_t>(bytes[2 * k] << 8 | bytes[2 * k + 1]);
+                EXPECT_NEAR(culling[k] + centre[k] + c / 32767.0 * radius, geom->positions[i * 12 + k] / 100,
+                            radius / 32767 + 2e-6)
+                    << "sprite " << i << ", coordinate " << k;
+            }
+            ASSERT_EQ(bytes[6], static_cast<int>(geom->randoms[i * 4] * 256) & 0xFF);
+        }
+    }
+}
+
+// Faults: an element or a success line lost, the seed not the name's, a library without its shading or not to be read.
+TEST_F(ParticleCloudScene, ExportsALibraryThatADomeReads) {
+    shading();
+    wholeCloud("first");
+    wholeCloud("second");
+    must("setAttr first.particleSize 120.5; setAttr first.enableGroundFade 1; setAttr first.groundFadeEnd -10;");
+    log_.clear();
+    const std::string path = (folder_ / "lib.xml").string();
+    must("orvosky_ParticleCloud_ExportDataCommand \"" + path + "\" {\"first\", \"second\"}");
+    EXPECT_THAT(log_.all(),
+                ElementsAre("Info: CloudExport: Exporting cloud [first] to file [" + path + "] success\n",
+                            "Info: CloudExport: Exporting cloud [second] to file [" + path + "] success\n"));
+    const std::string text = contents(path);
+    EXPECT_THAT(text, StartsWith("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<OrvoAtmosphere\n"
+                                 "\ttype = \"Modeler_ParticleCloudLibrary\"\n\tversion = \"1\"\n\t>\n"
+                                 "\t<ParticleCloudShadingParams\n"));
+    // CRC-32 of "first" and "second" by another tool, as signed numbers.
+    EXPECT_THAT(text, HasSubstr("randSeed = \"-1838027177\""));
+    EXPECT_THAT(text, HasSubstr("randSeed = \"-1239477911\""));
+    EXPECT_THAT(text, HasSubstr("\t\tspriteSize = \"120.500000\"\n"));
+    EXPECT_THAT(text, HasSubstr("\t\tgroundFadeStart = \"70.000000\"\n\t\tgroundFadeEnd = \"-10.000000\"\n"));
+
+    must("createNode transform -n dome -p OrvoSkyData; createNode orvosky_ParticleCloudDome -p dome;"
+         "rename `listRelatives -shapes dome` domeShape;");
+    log_.clear();
+    must("orvosky_ParticleCloudDome_LoadFromDiskCommand \"" + path + "\" domeShape");
+    EXPECT_THAT(log_.all(), ElementsAre(StartsWith("Info: CLOUDS PRODUCED [")));
+    EXPECT_THAT(exported(), HasSubstr("enableDomePositioning = \"1\""));
+}
+
+// Faults: a draw that regenerates while it should not, or does not while it should; sprites that differ from run to
+// run; a seed that does not follow the name.
+TEST_F(ParticleCloudScene, FollowsTheSceneWhileAutoUpdateIsOn) {
+    shading();
+    wholeCloud();
+    drawOnce(); // before the first refresh nothing is generated
+    EXPECT_EQ(exported().find("<ParticleCloud\n"), std::string::npos);
+    ASSERT_TRUE(refresh());
+    const std::string first = exported(), data = contents(folder_ / "sky.cdata");
+    ASSERT_TRUE(refresh());
+    EXPECT_EQ(exported(), first);
+    EXPECT_EQ(contents(folder_ / "sky.cdata"), data);
+
+    for (const char* change :
+         {"setAttr puff.particleDensity 8000", "setAttr puff.particleSize 150", "setAttr puff.enableGroundFade 1",
+          "setAttr puff.groundFadeEnd -60", "setAttr shadingShape.enableSelfShadow 0",
+          "setAttr shadingShape.enableSelfShadow 1; setAttr shadingShape.sunDir 0 1 0", "setAttr sphere1.density 0.4",
+          "move -r 0 900 0 `listRelatives -parent sphere2`"}) {
+        const std::string before = contents(folder_ / "sky.cdata") + exported();
+        const std::string still = contents(folder_ / "sky.cdata");
+        must("setAttr puff.autoUpdate 0");
+        must(change);
+        drawOnce();
+        exported();
+        EXPECT_EQ(contents(folder_ / "sky.cdata"), still) << change;
+        must("setAttr puff.autoUpdate 1");
+        drawOnce();
+        EXPECT_NE(exported() + contents(folder_ / "sky.cdata"), before) << change;
+    }
+    must("setAttr puff.autoUpdate 0; rename puff other;");
+    const std::string renamed = contents(folder_ / "sky.cdata");
+    ASSERT_TRUE(refresh("other"));
+    exported();
+    EXPECT_NE(contents(folder_ / "sky.cdata"), renamed);
+}
+
+// Faults: hostile shapes that crash or hang the generation, or candidates without end.
+TEST_F(ParticleCloudScene, StandsBadShapesAndDensities) {
+    shading();
+    cloud();
+    shape({{0, 0, 0}, {0, 0, 0}, 1, 1});             // of no size
+    shape({{0, 0, 0}, {-20000, 15000, 9000}, 1, 1}); // mirrored
+    shape({{0, 0, 0}, {1e30, 1e30, 1e30}, 1, 1});
+    EXPECT_TRUE(refresh());
+    must("delete `listRelatives -parent sphere3`; setAttr puff.particleDensity 1e15;");
+    log_.clear();
+    EXPECT_TRUE(refresh());
+    EXPECT_THAT(log_.infos(), ElementsAre("ParticleCloud_RenderCloudCommand:  Cloud [puff]  produced [0] sprites\n"));
+    EXPECT_EQ(exported().find("CloudVertData"), std::string::npos);
+    must("setAttr puff.particleDensity 10000;");
+    log_.clear();
+    EXPECT_TRUE(refresh());
+    EXPECT_THAT(log_.infos(), testing::Not(ElementsAre(HasSubstr("produced [0]"))));
+}
+
+} // namespace
