@@ -43,8 +43,11 @@ private:
     const char* walk() {
         for (std::size_t parts = 0;; ++parts) {
             const std::size_t open = std::min(text_.find('<', at_), text_.size());
-            if (depth_ == 0 && text_.substr(at_, open - at_).find_first_not_of(blanks) != std::string_view::npos)
+            const std::size_t stray = depth_ == 0 ? text_.find_first_not_of(blanks, at_) : open;
+            if (stray < open) {
+                at_ = stray;
                 return "text outside of all elements";
+            }
             at_ = open;
             if (at_ == text_.size()) return depth_ == 0 ? nullptr : "the end tag of an element is missing";
             if (parts + attributes_ > XmlFile::maxParts) return "too many elements";

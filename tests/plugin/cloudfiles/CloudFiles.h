@@ -1,0 +1,72 @@
+#pragma once
+
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+
+/// A folder for a test's files, gone after the test.
+class CloudFiles : public testing::Test {
+protected:
+    CloudFiles() : folder_(std::filesystem::path(testing::TempDir()) / ("orvo_clouds-" + std::to_string(getpid()))) {
+        std::filesystem::create_directories(folder_);
+    }
+    ~CloudFiles() override { std::filesystem::remove_all(folder_); }
+
+    static std::string contents(const std::filesystem::path& file) {
+        std::ostringstream text;
+        text << std::ifstream(file, std::ios::binary).rdbuf();
+        return text.str();
+    }
+    static std::string golden(const char* name) {
+        return contents(std::filesystem::path(ORVO_TEST_DATA) / "clouds" / name);
+    }
+    std::string path(const char* name) const { return (folder_ / name).string(); }
+    std::string write(const char* name, const std::string& text) const {
+        std::ofstream(folder_ / name, std::ios::binary) << text;
+        return path(name);
+    }
+
+    std::filesystem::path folder_;
+};
+
+/// The text with the first `from` changed to `to`; a text without it is a fault of the test.
+inline std::string changed(std::string text, const std::string& from, const std::string& to) {
+    const auto at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    if (at != std::string::npos) text.replace(at, from.size(), to);
+    return text;
+}
+
+/// The text with the first value of an attribute changed.
+inline std::string withValue(std::string text, const std::string& attribute, const std::string& value) {
+    const std::string head = '\t' + attribute + " = \"";
+    const auto at = text.find(head);
+    EXPECT_NE(at, std::string::npos) << attribute;
+    if (at == std::string::npos) return text;
+    const auto start = at + head.size();
+    return text.replace(start, text.find('"', start) - start, value);
+}
+
+/// The text without the first line of an attribute.
+inline std::string withoutAttribute(std::string text, const std::string& attribute) {
+    const auto at = text.find('\t' + attribute + " = ");
+    EXPECT_NE(at, std::string::npos) << attribute;
+    if (at == std::string::npos) return text;
+    return text.erase(at, text.find('\n', at) - at);
+}
+
+/// Numbers have a decimal comma while it lives, where the machine has such a locale.
+class CommaLocale {
+public:
+    CommaLocale() : found_(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr) {}
+    ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
+    bool found() const { return found_; }
+
+private:
+    bool found_;
+};
