@@ -1,8 +1,10 @@
 #include "Registration.h"
 
+#include "MiscMayaUtils/DropMesh.h"
 #include "SkyTool/BasicSkyLocator.h"
 #include "SkyTool/ConvertFullPathToProjectRootPath.h"
 #include "SkyTool/ExpHeightFogLocator.h"
+#include "SkyTool/GradientSkyLocator.h"
 #include "SkyTool/ParticleCloud.h"
 #include "SkyTool/ParticleCloudCommands.h"
 #include "SkyTool/ParticleCloudDome.h"
@@ -11,15 +13,23 @@
 #include "SkyTool/ParticleCloudShadingParamsLocator.h"
 #include "SkyTool/ParticleCloudSphereLoc.h"
 #include "SkyTool/SaveSkySystemToXMLCommand.h"
+#include "SkyTool/SceneFogLocator.h"
+#include "SkyTool/ShadingConversionNode.h"
 #include "SkyTool/SkyRendererLocator.h"
 #include "SkyTool/SkySceneSettingsLocator.h"
+#include "SkyTool/SpriteCloudLocator.h"
+#include "SkyTool/TexturedSkyLocator.h"
 
 namespace orvo {
 
 std::span<const RegistrationRow> registrationTable() {
     static const RegistrationRow rows[] = {
         locatorRow<BasicSkyLocator>("orvosky_BasicSkyLocator"),
+        dependencyRow<OrvoSkyShadingConversionNode>("orvosky_ShadingConversionNode"),
         commandRow<OrvoSky_SaveSkySystemToXMLCommand>("orvosky_SaveSkySystemToXMLCommand"),
+        locatorRow<TexturedSkyLocator>("orvosky_TexturedSkyLocator"),
+        locatorRow<SpriteCloudLocator>("orvosky_SpriteCloudLocator"),
+        locatorRow<GradientSkyLocator>("orvosky_GradientSkyLocator"),
         locatorRow<ExpHeightFogLocator>("orvosky_ExpHeightFog"),
         locatorRow<SkySceneSettingsLocator>("orvosky_SkySceneSettings"),
         locatorRow<ParticleCloud>("orvosky_ParticleCloud"),
@@ -33,8 +43,10 @@ std::span<const RegistrationRow> registrationTable() {
         commandRow<ParticleCloud_ExportDataCommand>("orvosky_ParticleCloud_ExportDataCommand"),
         commandRow<ParticleCloudDome_RefreshDataCommand>("orvosky_ParticleCloudDome_RefreshDataCommand"),
         commandRow<ParticleCloudDome_LoadFromDiskCommand>("orvosky_ParticleCloudDome_LoadFromDiskCommand"),
+        locatorRow<SceneFogLocator>("orvosky_SceneFog"),
         locatorRow<SkyRendererLocator>("orvosky_SkyRenderer"),
         commandRow<OrvoSky_ConvertFullPathToProjectRootPath>("orvosky_ConvertFullPathToProjectRootPath"),
+        commandRow<DropMeshCommand>("orvo_dropMesh"),
     };
     return rows;
 }

@@ -3,10 +3,14 @@
 #include "../Common/MayaUtils.h"
 #include "BasicSkyLocator.h"
 #include "ExpHeightFogLocator.h"
+#include "GradientSkyLocator.h"
 #include "ParticleCloud.h"
 #include "ParticleCloudDome.h"
 #include "ParticleCloudShadingParamsLocator.h"
+#include "SceneFogLocator.h"
 #include "SkySceneSettingsLocator.h"
+#include "SpriteCloudLocator.h"
+#include "TexturedSkyLocator.h"
 
 #include <algorithm>
 #include <maya/MFnDagNode.h>
@@ -40,16 +44,16 @@ const SkyNodeKindTable& skyNodeKinds() {
         {"", nullptr, {}},
         {"transform", nullptr, {}},
         {"orvosky_BasicSkyLocator", "BasicSky", operationsOf<BasicSkyLocator>()},
-        {"orvosky_GradientSkyLocator", "GradientSky", {}},
-        {"orvosky_TexturedSkyLocator", "TexturedSky", {}},
-        {"orvosky_SceneFog", "SceneFog", {}},
+        {"orvosky_GradientSkyLocator", "GradientSky", operationsOf<GradientSkyLocator>()},
+        {"orvosky_TexturedSkyLocator", "TexturedSky", operationsOf<TexturedSkyLocator>()},
+        {"orvosky_SceneFog", "SceneFog", operationsOf<SceneFogLocator>()},
         {"orvosky_ExpHeightFog", "ExpHeightFog", operationsOf<ExpHeightFogLocator>()},
         {"orvosky_ParticleCloud", "ParticleCloud", operationsOf<ParticleCloud>()},
         {"orvosky_ParticleCloudDome", "ParticleCloudDome", operationsOf<ParticleCloudDome>()},
         {"orvosky_ParticleCloudShadingParams", "ParticleCloudShadingParams",
          operationsOf<ParticleCloudShadingParamsLocator>()},
         {"orvosky_SkySceneSettings", "SkySceneSettings", operationsOf<SkySceneSettingsLocator>()},
-        {"orvosky_SpriteCloudLocator", "SpriteCloud", {}},
+        {"orvosky_SpriteCloudLocator", "SpriteCloud", operationsOf<SpriteCloudLocator>()},
     }};
     return table;
 }
