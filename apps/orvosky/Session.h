@@ -69,6 +69,13 @@ struct RenderOptions {
     double time = 0; ///< in the scene's time unit
 };
 int renderCommand(const CommonOptions& common, const RenderOptions& options);
+
+struct InspectOptions {
+    std::string file;
+    bool json = false; ///< for tools
+};
+/// Needs neither workspace nor plug-in.
+int inspectCommand(const InspectOptions& options);
 /// @}
 
 /// Shows the failure that is being handled, as the program's error.

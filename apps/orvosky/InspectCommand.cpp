@@ -1,0 +1,35 @@
+#include "Session.h"
+#include "inspect/InspectionText.h"
+
+#include "scene/Messages.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+
+namespace orvosky {
+namespace {
+
+std::string listed(const inspect::Inspection& found) {
+    const inspect::Problems& problems = found.problems;
+    std::string text = fmt::format("{} does not fit in {} {}:", inspect::printable(found.file), problems.count(),
+                                   problems.count() == 1 ? "place" : "places");
+    std::size_t number = 0;
+    for (const std::string& problem : problems.texts()) text += fmt::format("\n{:>4}. {}", ++number, problem);
+    if (number < problems.count()) text += fmt::format("\n      and {} more", problems.count() - number);
+    return text;
+}
+
+} // namespace
+
+int inspectCommand(const InspectOptions& options) {
+    return reported([&] {
+        const inspect::Inspection found = inspect::inspectFile(options.file);
+        const std::string text = options.json ? inspect::asJson(found) : inspect::asText(found);
+        if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+            throw Failure("Cannot write to the standard output.");
+        if (found.problems.count() > 0) throw Failure(listed(found));
+    });
+}
+
+} // namespace orvosky

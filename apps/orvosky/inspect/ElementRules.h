@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Inspection.h"
+
+#include <tinyxml.h>
+
+#include <initializer_list>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace orvosky::inspect {
+
+enum class Kind {
+    Number,
+    Triple, ///< three numbers: a vector or a colour
+    Flag,   ///< 0 or 1
+    Integer,
+    Text,
+};
+
+/// What an attribute has to be. Limits hold for each number of a triple.
+struct AttributeRule {
+    const char* name;
+    Kind kind;
+    double min = -std::numeric_limits<double>::infinity();
+    double max = std::numeric_limits<double>::infinity();
+    std::string_view unit = {};
+    const char* onlyWith = nullptr; ///< a flag before it; the attribute is there just when that is 1
+};
+
+/// An element and all of its attributes.
+struct ElementRule {
+    const char* name;
+    std::vector<AttributeRule> attributes;
+};
+
+/// Three numbers, or nothing. Digits are read in the same way in every locale.
+std::optional<Triple> readTriple(std::string_view text);
+
+/// Reads an element's attributes by its rule and adds what does not fit to the problems. Children are not looked at.
+Element readElement(const TiXmlElement& xml, const ElementRule& rule, int number, Problems& problems);
+
+/// Adds child elements that are not among the known ones, and text, to the problems.
+void checkChildren(const TiXmlElement& xml, std::initializer_list<std::string_view> known, const std::string& where,
+                   Problems& problems);
+
+} // namespace orvosky::inspect
