@@ -132,6 +132,7 @@ MStatus assignDefaultUvs(MFnMesh& shape, const TriMesh::UvSet& uvs, const MIntAr
 } // namespace
 
 void TriMesh::append(const TriMesh& other) {
+    if (&other == this) return append(TriMesh(other));
     if (other.positions.size() > std::numeric_limits<std::uint32_t>::max() - positions.size())
         throw std::length_error("a triangle mesh has more vertices than 32-bit indices can tell apart");
     const bool first = positions.empty();
@@ -185,7 +186,8 @@ MStatus CreateMayaMesh(const TriMesh& mesh, const MString& name, bool uvs, bool 
     shape.create(static_cast<int>(mesh.numVerts()), static_cast<int>(mesh.numTris()), points, counts, connects,
                  MObject::kNullObj, &status);
     if (failed(status, "TriMesh:CreateMayaMesh  Could not create output Mesh.").error()) return status;
-    const MString created = shape.name(&status);
+    // Its name alone, or as much of its path as makes that unique.
+    const MString created = shape.partialPathName(&status);
     if (failed(status, "TriMesh:CreateMayaMesh  Could not get newly created mesh name.").error()) return status;
     status = nameTransform(created, name);
     if (status.error()) return status;
@@ -199,7 +201,7 @@ MStatus CreateMayaMesh(const TriMesh& mesh, const MString& name, bool uvs, bool 
     status = failed(shape.updateSurface(), "TriMesh:CreateMayaMesh  updateSurface failed on output Mesh.");
     if (status.error()) return status;
     // Asked again: some hosts rename a shape along with its transform.
-    const MString shown = shape.name(&status);
+    const MString shown = shape.partialPathName(&status);
     if (failed(status, "TriMesh:CreateMayaMesh  Could not get newly created mesh name.").error()) return status;
     return failed(MGlobal::executeCommand("sets -e -fe initialShadingGroup " + shown), "");
 }

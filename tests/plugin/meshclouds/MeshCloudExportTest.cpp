@@ -1,0 +1,163 @@
+// Mesh clouds and scene fog in the ".atmos" file, and what the nodes say.
+#include "PluginScene.h"
+
+#include <gmock/gmock.h>
+
+#include <maya/MDagPath.h>
+#include <maya/MFnMesh.h>
+#include <maya/MSelectionList.h>
+#include <maya/MString.h>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+const std::string noMeshes = "SpriteCloudLocator::RefreshCloudMesh:  No maya meshes found in wispy cloud group.\n";
+const std::string badPath =
+    "SpriteCloudLocator::SaveToXML:  filepath bad. [] (maybe file not located in hub data directory?)\n";
+
+class MeshCloudExport : public PluginScene {
+protected:
+    MeshCloudExport() : file_(fs::path(testing::TempDir()) / ("orvo_meshes-" + std::to_string(getpid()) + ".atmos")) {
+        must("createNode transform -n \"OrvoSkyData\"; createNode transform -n \"set\" -p \"OrvoSkyData\";"
+             "createNode orvosky_SkySceneSettings -p \"set\";");
+        log_.clear();
+    }
+    ~MeshCloudExport() override { fs::remove(file_); }
+
+    /// A group "cloud" with the locator "sprite" in it.
+    void makeCloud() {
+        must("createNode transform -n \"cloud\" -p \"OrvoSkyData\"; createNode transform -n \"spriteT\" -p \"cloud\";"
+             "createNode orvosky_SpriteCloudLocator -n \"sprite\" -p \"spriteT\";");
+    }
+    /// A one-polygon plane of the cloud's group; 100 by 200 centimetres about the origin.
+    void addPlane(const std::string& name) {
+        must("polyPlane -w 100 -h 200 -sx 1 -sy 1 -n \"" + name + "\"; parent -r \"" + name + "\" \"cloud\";");
+    }
+    bool save() { return mel("orvosky_SaveSkySystemToXMLCommand \"" + file_.string() + "\""); }
+    std::string elements(const char* name) {
+        const std::string text = contents(file_);
+        const auto from = text.find(std::string("\t<") + name), to = text.find("</OrvoAtmosphere>");
+        return from == std::string::npos ? "" : text.substr(from, to - from);
+    }
+
+    fs::path file_;
+};
+
+} // namespace
+
+// By hand from the file format, with the layout of the host's plane: points by rows from -X -Z, one polygon 0 1 3 2,
+// split along its first and third corner; UVs grow with X and against Z. Catches wrong bytes and scales, and meshes
+// that are appended with their own indices.
+TEST_F(MeshCloudExport, WritesACloudOfTwoMeshes) {
+    makeCloud();
+    addPlane("a");
+    addPlane("b");
+    must("setAttr \"b.t\" 300 400 500; setAttr \"cloud.s\" 2 2 2; setAttr \"sprite.RenderMode\" 0;"
+         "setAttr \"sprite.tint\" -type \"float3\" 0.25 0.5 0.75; setAttr \"sprite.alphaScale\" 1.5;"
+         "setAttr \"sprite.brightness\" 2.5; setAttr \"sprite.textureMipBias\" -3;"
+         "setAttr \"sprite.spriteTexture\" -type \"string\" \"build\\\\sky\\\\a & b.tga\";");
+    ASSERT_TRUE(save()) << testing::PrintToString(log_.errors());
+    EXPECT_EQ(elements("SpriteCloud"), "\t<SpriteCloud\n"
+                                       "\t\trenderMode = \"0\"\n"
+                                       "\t\ttint = \"0.250000 0.500000 0.750000\"\n"
+                                       "\t\talphaScale = \"1.500000\"\n"
+                                       "\t\tbrightness = \"2.500000\"\n"
+                                       "\t\ttextureMipBias = \"-3.000000\"\n"
+                                       "\t\ttexture = \"sky\\a &amp; b.tga\"\n"
+                                       "\t\t>\n"
+                                       "\t\t<TriMesh\n"
+                                       "\t\t\tnumVerts = \"8\"\n"
+                                       "\t\t\tnumTris = \"4\"\n"
+                                       "\t\t\t>\n"
+                                       "\t\t\t<Vert pos=\"-1.000000 0.000000 2.000000\" uv=\"0.000000 0.000000\" />\n"
+                                       "\t\t\t<Vert pos=\"1.000000 0.000000 2.000000\" uv=\"1.000000 0.000000\" />\n"
+                                       "\t\t\t<Vert pos=\"-1.000000 0.000000 -2.000000\" uv=\"0.000000 1.000000\" />\n"
+                                       "\t\t\t<Vert pos=\"1.000000 0.000000 -2.000000\" uv=\"1.000000 1.000000\" />\n"
+                                       "\t\t\t<Vert pos=\"5.000000 8.000000 12.000000\" uv=\"0.000000 0.000000\" />\n"
+                                       "\t\t\t<Vert pos=\"7.000000 8.000000 12.000000\" uv=\"1.000000 0.000000\" />\n"
+                                       "\t\t\t<Vert pos=\"5.000000 8.000000 8.000000\" uv=\"0.000000 1.000000\" />\n"
+                                       "\t\t\t<Vert pos=\"7.000000 8.000000 8.000000\" uv=\"1.000000 1.000000\" />\n"
+                                       "\t\t\t<Tri indicies=\"0 1 3\" />\n"
+                                       "\t\t\t<Tri indicies=\"0 3 2\" />\n"
+                                       "\t\t\t<Tri indicies=\"4 5 7\" />\n"
+                                       "\t\t\t<Tri indicies=\"4 7 6\" />\n"
+                                       "\t\t</TriMesh>\n"
+                                       "\t</SpriteCloud>\n");
+    EXPECT_THAT(log_.errors(), ElementsAre());
+}
+
+// Catches an export that is called complete without a mesh that the game can use, and the wrong message.
+TEST_F(MeshCloudExport, FailsWithoutAMeshWithUvs) {
+    const auto expectFailure = [&](std::vector<std::string> errors) {
+        log_.clear();
+        EXPECT_FALSE(save());
+        errors.push_back("SpriteCloud failure to save to XML");
+        errors.push_back("Failed to export .atmos - see above for details.");
+        EXPECT_THAT(log_.errors(), testing::ElementsAreArray(errors));
+        EXPECT_THAT(contents(file_), Not(HasSubstr("</SpriteCloud>")));
+    };
+    const auto toggle = [&] { must("setAttr \"sprite.alwaysUpdateMesh\" 0; setAttr \"sprite.enable\" 1;"); };
+    makeCloud();
+    expectFailure({badPath, noMeshes});
+    expectFailure({badPath}); // said once
+    must("createNode transform -n \"other\" -p \"cloud\"; delete \"spriteT\"; createNode transform -n \"spriteT\" -p "
+         "\"cloud\"; createNode orvosky_SpriteCloudLocator -n \"sprite\" -p \"spriteT\";");
+    toggle();
+    expectFailure({badPath, noMeshes}); // a group of transforms
+
+    must("delete \"cloud\"; createNode orvosky_SpriteCloudLocator -n \"sprite\" -p \"OrvoSkyData\";");
+    expectFailure({badPath, "SpriteCloudLocator::RefreshCloudMesh:  couldn't get parents from locator\n"});
+
+    must("delete \"sprite\"");
+    makeCloud();
+    addPlane("a");
+    addPlane("b");
+    must("delete -ch \"b\"");
+    MSelectionList list;
+    MDagPath shape;
+    ASSERT_TRUE(list.add(MString("b")) && list.getDagPath(0, shape));
+    ASSERT_TRUE(MFnMesh(shape).clearUVs());
+    expectFailure({badPath});
+}
+
+TEST_F(MeshCloudExport, LeavesOutWhatIsSwitchedOff) {
+    makeCloud();
+    must("setAttr \"sprite.enable\" 0; createNode orvosky_SceneFog -n \"fog\" -p \"set\"; setAttr \"fog.Enable\" 0");
+    ASSERT_TRUE(save()) << testing::PrintToString(log_.errors());
+    EXPECT_THAT(contents(file_), Not(HasSubstr("SpriteCloud")));
+    EXPECT_THAT(contents(file_), Not(HasSubstr("SceneFog")));
+}
+
+// Catches distances that are written as they stand, or in centimetres.
+TEST_F(MeshCloudExport, WritesTheFogWithItsDistancesInOrder) {
+    must("createNode orvosky_SceneFog -n \"fog\" -p \"set\"; setAttr \"fog.fogStart\" 900.5; setAttr \"fog.fogEnd\" 20;"
+         "setAttr \"fog.fogAlpha\" 0.75; setAttr \"fog.fogColour\" -type \"float3\" 0.5 0.25 0.125;");
+    ASSERT_TRUE(save());
+    EXPECT_EQ(elements("SceneFog"), "\t<SceneFog\n"
+                                    "\t\tfogStart = \"20.000000\"\n"
+                                    "\t\tfogEnd = \"900.500000\"\n"
+                                    "\t\tfogAlpha = \"0.750000\"\n"
+                                    "\t\tfogColour = \"0.500000 0.250000 0.125000\"\n"
+                                    "\t/>\n");
+}
+
+// Catches limits that are missing or hard where they should be soft, and shape names.
+TEST_F(MeshCloudExport, NodesHaveTheirNamesAndLimits) {
+    must("createNode orvosky_SceneFog -p \"set\"; createNode orvosky_SpriteCloudLocator -p \"set\";");
+    for (const char* refused :
+         {"sceneFogShape1.fogStart\" 0.5", "sceneFogShape1.fogEnd\" 0.5", "sceneFogShape1.fogAlpha\" 0",
+          "sceneFogShape1.fogAlpha\" 1.5", "sceneFogShape1.sunDirX\" 2",
+          "orvosky_SpriteCloudLocatorShape1.brightness\" 3.5", "orvosky_SpriteCloudLocatorShape1.brightness\" -1",
+          "orvosky_SpriteCloudLocatorShape1.alphaScale\" 2.5"})
+        EXPECT_FALSE(mel(std::string("setAttr \"") + refused)) << refused;
+    for (const char* taken :
+         {"sceneFogShape1.fogStart\" 600", "sceneFogShape1.fogEnd\" 9000",
+          "orvosky_SpriteCloudLocatorShape1.alphaScale\" 1.5", "orvosky_SpriteCloudLocatorShape1.textureMipBias\" 9"})
+        EXPECT_TRUE(mel(std::string("setAttr \"") + taken)) << taken;
+}
