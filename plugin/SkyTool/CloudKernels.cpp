@@ -61,19 +61,20 @@ HWY_ATTR void spans(const ShapeTable& shapes, const BoxRow& row, double shapeRad
     found.clear();
     const Values3 start = spread(row.start), stride = spread(row.stride);
     const auto halfSide = hn::Set(d, row.halfSide), zero = hn::Zero(d), last = hn::Set(d, row.count - 1.0);
-    for (std::size_t s = 0; s < shapes.stride(); s += lanes) {
+    for (std::size_t s = 0; s < shapes.count(); s += lanes) {
         Matrices matrices;
         for (int i = 0; i < 12; ++i) matrices.m[i / 3][i % 3] = hn::LoadU(d, shapes.component(i) + s);
         const Values3 origin = matrices.points(start), step = matrices.directions(stride);
         const auto stepLength2 = dot(step, step);
-        const auto nearest = hn::Neg(hn::Div(dot(origin, step), stepLength2));
+        const auto inverse = hn::Div(hn::Set(d, 1.0), stepLength2);
+        const auto nearest = hn::Neg(hn::Mul(dot(origin, step), inverse));
         const Values3 gap{hn::Add(origin.x, hn::Mul(nearest, step.x)), hn::Add(origin.y, hn::Mul(nearest, step.y)),
                           hn::Add(origin.z, hn::Mul(nearest, step.z))};
         const auto radius =
             hn::Add(hn::Add(hn::Set(d, shapeRadius), hn::LoadU(d, shapes.component(ShapeTable::slack) + s)),
                     hn::Mul(halfSide, hn::LoadU(d, shapes.component(ShapeTable::reach) + s)));
         const auto reach2 = hn::Sub(hn::Mul(radius, radius), dot(gap, gap));
-        const auto half = hn::Sqrt(hn::Div(hn::Max(reach2, zero), stepLength2));
+        const auto half = hn::Sqrt(hn::Mul(hn::Max(reach2, zero), inverse));
         const auto margin = hn::Add(hn::Mul(hn::Set(d, 1e-9), hn::Add(hn::Abs(nearest), half)), hn::Set(d, 1e-6));
         auto from = hn::Max(hn::Ceil(hn::Sub(hn::Sub(nearest, half), margin)), zero);
         auto to = hn::Min(hn::Floor(hn::Add(hn::Add(nearest, half), margin)), last);

@@ -1,21 +1,18 @@
 #include "PlainClouds.h"
 #include "RandomClouds.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hwy/targets.h>
 
-#include <chrono>
 #include <cstring>
 #include <limits>
-#include <numbers>
 #include <thread>
 
 using namespace orvo;
 
 namespace {
 
-constexpr double inf = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double inf = std::numeric_limits<double>::infinity(), notANumber = std::numeric_limits<double>::quiet_NaN();
 const Vector3 slanted{0.6, 0.64, 0.48};
 
 /// Equal bits; a not-a-number matches any other.
@@ -74,13 +71,13 @@ std::vector<Case> cases() {
     all.push_back({"sprites turned inside out", randomCloud(20, 10), 2000.0, -8000.0});
     all.push_back({"light from straight above", randomCloud(20, 11), 3e4, 8000.0, {0, 1, 0}});
     all.push_back({"no light", randomCloud(5, 12), 3e4, 8000.0, {}});
-    all.push_back({"light that is not a number", randomCloud(5, 13), 3e4, 8000.0, {nan, 1, 0}});
+    all.push_back({"light that is not a number", randomCloud(5, 13), 3e4, 8000.0, {notANumber, 1, 0}});
     all.push_back({"light that is no unit vector", randomCloud(5, 14), 3e4, 8000.0, {3, -4, 5}});
     all.push_back({"a faint light, of hundreds of steps", randomCloud(5, 15), 200.0, 8000.0, {0.01, 0.02, 0.05}});
     all.push_back({"sprites of no size", randomCloud(5, 16), 3e4, 0.0});
-    all.push_back({"sprites whose size is not a number", randomCloud(5, 17), 3e3, nan});
+    all.push_back({"sprites whose size is not a number", randomCloud(5, 17), 3e3, notANumber});
     all.push_back({"few candidates, on steps as large as the shapes", randomCloud(20, 18), 60.0});
-    for (const double bad : {nan, inf, 1e200}) {
+    for (const double bad : {notANumber, inf, 1e200}) {
         all.push_back({"a matrix beyond bounds", randomCloud(6, 19), 3e4});
         all.back().cloud.set.spheres[2].transform.m[1][1] = bad;
         all.push_back({"a density beyond bounds", randomCloud(6, 20), 3e4});
@@ -103,20 +100,124 @@ TEST(GenerateSprites, MatchesThePlainLoopsToTheBitOnEveryVectorUnit) {
     for (const Case& c : all)
         for (const bool shadow : {true, false}) {
             SCOPED_TRACE(c.name);
-            const ParticleCloudGeom expected = plain::GenerateSprites(c.cloud.set, c.density, c.size, shadow, c.light,
-                                                                      c.fade, c.fadeStart, c.fadeEnd);
+            const ParticleCloudGeom expected =
+                plain::GenerateSprites(c.cloud.set, c.density, c.size, shadow, c.light, c.fade, c.fadeStart, c.fadeEnd);
             sprites += expected.numSprites;
             for (std::int64_t targets = hwy::SupportedTargets(); targets != 0; targets &= targets - 1) {
                 const std::int64_t target = targets & -targets;
                 SCOPED_TRACE(hwy::TargetName(target));
                 hwy::SetSupportedTargetsForTest(target);
                 hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-                expectSame(*GenerateSprites(c.cloud.set, c.density, c.size, shadow, c.light, c.fade, c.fadeStart,
-                                            c.fadeEnd),
-                           expected);
+                expectSame(
+                    *GenerateSprites(c.cloud.set, c.density, c.size, shadow, c.light, c.fade, c.fadeStart, c.fadeEnd),
+                    expected);
                 hwy::SetSupportedTargetsForTest(0);
                 hwy::GetChosenTarget().Update(hwy::SupportedTargets());
             }
         }
     EXPECT_GT(sprites, 50000) << "the clouds hold too little to tell";
+}
+
+// Catches shared state between worker threads.
+TEST(GenerateSprites, GivesTheSameCloudOnTwoThreadsAtOnce) {
+    const RandomCloud cloud = randomCloud(20, 31);
+    std::unique_ptr<ParticleCloudGeom> results[2];
+    std::vector<std::thread> threads;
+    for (auto& result : results)
+        threads.emplace_back([&] { result = GenerateSprites(cloud.set, 3e4, 8e3, true, slanted, true, 8e3, -8e5); });
+    for (std::thread& thread : threads) thread.join();
+    ASSERT_GT(results[0]->numSprites, 100);
+    expectSame(*results[0], *results[1]);
+    expectSame(*results[0], plain::GenerateSprites(cloud.set, 3e4, 8e3, true, slanted, true, 8e3, -8e5));
+}
+
+// Catches a density in the wrong unit, a grid of the wrong size, and a limit that is not checked: a shape of 100 metres
+// has bounds 210 metres wide.
+TEST(GenerateSprites, ScattersUpToAMillionCandidates) {
+    const auto sprites = [](double density) {
+        return GenerateSprites(puff(), density, 1000.0, false, {}, false, 0.0, 0.0)->numSprites;
+    };
+    // 101 steps of 2.079 metres are too many, 100 of 2.1 are not.
+    EXPECT_EQ(sprites(std::pow(1000.0 / 210.0 * 100.99, 3)), maxSprites);
+    EXPECT_EQ(sprites(std::pow(1000.0 / 210.0 * 101.01, 3)), 0);
+    // Of the cubic kilometre's candidates, those with r > (1 - w) are kept, w = min(0.3, (1 - q^2 / 1.44)^2); the part
+    // of bounds 1.05 wide is 4 pi (integral of w q^2 from 0 to 1.05) x 0.1^3 = 0.00107292 of it, by Simpson's rule.
+    EXPECT_NEAR(sprites(2e6), 2145.8, 4.0 * std::sqrt(2145.8));
+}
+
+// Catches hangs, crashes and conversions out of range.
+TEST(GenerateSprites, MakesNothingOfBadNumbers) {
+    CloudShapeSet set = puff();
+    const auto sprites = [&](double density) {
+        const auto geom = GenerateSprites(set, density, 1000.0, true, slanted, true, 0.0, -1e9);
+        EXPECT_EQ(geom->positions.size(), geom->numSprites * 12u);
+        EXPECT_EQ(geom->shadowCube1.size(), geom->numSprites * 16u);
+        return geom->numSprites;
+    };
+    for (const double density : {0.0, -1.0, notANumber, inf, 1e300, 1e-300, 5e-324})
+        EXPECT_EQ(sprites(density), 0) << density;
+    for (const double radius : {0.0, -10500.0, notANumber, inf, 1e300, 5e-324}) {
+        set.boundRadius = radius;
+        EXPECT_EQ(sprites(2e6), 0) << radius;
+    }
+    set = puff();
+    set.boundCentre = {notANumber, inf, 0};
+    EXPECT_EQ(sprites(2e6), 0);
+    set = puff();
+    set.spheres.clear();
+    EXPECT_EQ(sprites(2e6), 0);
+    // Without sprites there are bounds all the same: around the shapes' centre, half a sprite's diagonal wide.
+    const auto geom = GenerateSprites(set, 2e6, 1000.0, true, slanted, false, 0.0, 0.0);
+    EXPECT_EQ(geom->boundCentre, (Vector3{}));
+    EXPECT_DOUBLE_EQ(geom->boundRadius, 707.10678118654752);
+}
+
+TEST(EvaluateShapes, FollowsCoverageAndFade) {
+    CloudShapeSet set = puff(0.5);
+    const auto at = [&](double x, double y, bool fade, bool shadow) {
+        return EvaluateShapes(set, {x, y, 0}, shadow ? 1.8 : 1.2, fade, 5000.0, -5000.0, shadow);
+    };
+    // Catches the caps of placement and shadow changed over.
+    EXPECT_DOUBLE_EQ(at(0, 0, false, false)->coverage, 0.3);
+    EXPECT_DOUBLE_EQ(at(0, 0, false, true)->coverage, 0.6);
+    EXPECT_DOUBLE_EQ(at(0, 0, false, true)->density, 0.5);
+    // (1 - 1 / 1.44)^2, beyond the ellipsoid as drawn, and an end at 1.2 and 1.8 times its size.
+    EXPECT_NEAR(at(10000, 0, false, false)->coverage, 0.09336419753086422, 1e-15);
+    EXPECT_FALSE(at(12001, 0, false, false));
+    EXPECT_TRUE(at(17900, 0, false, true));
+    EXPECT_FALSE(at(18001, 0, false, true));
+    // Halfway up the ramp half the shadow is left, but all of the coverage for placement; below it there is nothing.
+    EXPECT_DOUBLE_EQ(at(0, 0, true, true)->coverage, 0.3);
+    EXPECT_DOUBLE_EQ(at(0, 0, true, false)->coverage, 0.3);
+    EXPECT_FALSE(at(0, -5001, true, false));
+    // Five shapes at a point: full coverage, and means rather than sums.
+    set.spheres.resize(5, set.spheres[0]);
+    set.spheres[4].opacity = 0.0;
+    EXPECT_DOUBLE_EQ(at(0, 0, false, false)->coverage, 1.0);
+    EXPECT_DOUBLE_EQ(at(0, 0, false, false)->opacity, 0.8);
+}
+
+TEST(MarchLight, AddsUpDepthToTheEdge) {
+    const CloudShapeSet set = puff();
+    const auto depth = [&](Vector3 from, Vector3 light, double step) {
+        return MarchLight(set, from, light, step, false, 0, 0);
+    };
+    // From the centre to 1.8 radii: the integral of min(0.6, (1 - q^2 / 3.24)^2) x 10000 / 100, q from 0 to 1.8, is
+    // 73.790 by Simpson's rule; from 300 metres below, outside of the bounds, the ray meets it twice.
+    EXPECT_NEAR(depth({}, {0, 1, 0}, 10.0), 73.79, 0.05);
+    EXPECT_NEAR(depth({0, -30000, 0}, {0, 1, 0}, 10.0), 147.58, 0.05);
+    EXPECT_EQ(depth({0, 30000, 0}, {0, 1, 0}, 10.0), 0.0) << "away from the light the cloud casts nothing";
+    EXPECT_EQ(depth({30000, 0, 0}, {0, 1, 0}, 10.0), 0.0) << "the light passes by";
+    for (const double size : {0.0, notANumber, inf, 1e-200, 1e-150, 1e-9})
+        EXPECT_EQ(depth({}, {0, size, 0}, 1000.0), 0.0) << size;
+    for (const double step : {0.0, -1.0, notANumber}) EXPECT_EQ(depth({}, {0, 1, 0}, step), 0.0) << step;
+}
+
+TEST(IntersectRaySphere, FindsBothCrossings) {
+    const auto through = IntersectRaySphere({0, 0, -5}, {0, 0, 2}, 3.0);
+    ASSERT_TRUE(through);
+    EXPECT_DOUBLE_EQ(through->t0, 1.0);
+    EXPECT_DOUBLE_EQ(through->t1, 4.0);
+    EXPECT_FALSE(IntersectRaySphere({0, 3.1, -5}, {0, 0, 2}, 3.0));
+    EXPECT_DOUBLE_EQ(IntersectRaySphere({0, 3, -5}, {0, 0, 2}, 3.0)->t1, 2.5);
 }
