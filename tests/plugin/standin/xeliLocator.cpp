@@ -36,9 +36,9 @@ MStatus XeliLocatorNode::initialize() {
     snapMeshForm = number.create("snapMeshForm", "smf", MFnNumericData::kInt, 0, &status);
     if (!status) return status;
     MFnTypedAttribute typed;
-    inMesh = typed.create("inMesh", "im", MFnData::kMesh, MObject::kNullObj, &status);
+    inMesh = typed.create("inMesh", "xim", MFnData::kMesh, MObject::kNullObj, &status);
     if (!status) return status;
-    outMesh = typed.create("outMesh", "om", MFnData::kMesh, MObject::kNullObj, &status);
+    outMesh = typed.create("outMesh", "xom", MFnData::kMesh, MObject::kNullObj, &status);
     if (!status) return status;
     typed.setStorable(false);
     typed.setWritable(false);
