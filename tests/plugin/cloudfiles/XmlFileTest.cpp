@@ -46,8 +46,8 @@ std::vector<Refused> refusedTexts() {
         {"deep nesting without an end", deep, "elements are nested too deeply"},
         // In each of these a plain count of brackets is misled: the parser would nest 100,000 elements.
         {"end tags in values", repeated("<a b='</a>'>", 100000), "elements are nested too deeply"},
-        {"end tags in comments", repeated("<a><!--</a>-->", 100000), "elements are nested too deeply"},
-        {"end tags in CDATA", repeated("<a><![CDATA[</a>]]>", 100000), "elements are nested too deeply"},
+        {"end tags in comments", repeated("<a><!--></a>-->", 100000), "elements are nested too deeply"},
+        {"end tags in CDATA", repeated("<a><![CDATA[></a>]]>", 100000), "elements are nested too deeply"},
         {"elements in a value of a nameless tag", "<1 b='>" + deep + "'/>", "a tag without a name"},
         {"elements in a value of the declaration", "<?xml b='>" + deep + "'?>",
          "the XML declaration is not well formed"},
