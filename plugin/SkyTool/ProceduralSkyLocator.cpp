@@ -213,8 +213,8 @@ void ProceduralSkyLocator::updateTables() {
     if (refused_ == wanted) return;
     std::optional<ScatteringTables> computed = scatteringTables(wanted);
     if (!computed) {
-        reportError("ProceduralSkyLocator:  %s: the layers or the camera are too high to be integrated in steps of "
-                    "%g m. Nothing is drawn.",
+        reportError("ProceduralSkyLocator:  %s has heights too large to be integrated in steps of %g m, or parameters "
+                    "that are no numbers. Nothing is drawn.",
                     name().asChar(), atmosphereModel(wanted).stepLength);
         refused_ = wanted;
         return;

@@ -124,6 +124,10 @@ RayScattering integrateRay(const AtmosphereModel& model, const Vector3& origin, 
 }
 
 std::optional<ScatteringTables> scatteringTables(const ProceduralSkyParams& params) {
+    for (const double value :
+         {params.cameraHeight, params.hazeHeight, params.hazeDecay, params.hazeBrightness, params.blueSkyHeight,
+          params.blueSkyBrightness, params.redDecayHeight, params.redDecay, params.redDecayFalloff})
+        if (!std::isfinite(value)) return std::nullopt;
     const AtmosphereModel model = atmosphereModel(params);
     const Vector3 eye{0.0, model.planetRadius + params.cameraHeight, 0.0};
     const std::size_t n = scatteringTexels(params.quality);
@@ -139,7 +143,7 @@ std::optional<ScatteringTables> scatteringTables(const ProceduralSkyParams& para
         if (endsOnGround(model, eye, direction)) continue;
         const auto exit = atmosphereExit(model, eye, direction);
         if (!exit) continue;
-        if (!(*exit / model.stepLength <= mostSteps)) return std::nullopt;
+        if (*exit / model.stepLength > mostSteps) return std::nullopt;
         rays.push_back({direction.x, direction.y, *exit});
         texels.push_back(i);
     }

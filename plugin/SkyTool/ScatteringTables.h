@@ -75,7 +75,7 @@ struct ScatteringTables {
 constexpr std::size_t scatteringTexels(int quality) { return quality == 1 ? 256 : 64; }
 
 /// The tables, each texel rounded from integrateRay. Nothing when a ray would need more than 100,000 steps, as with
-/// layers or an eye hundreds of kilometres high, or when a length is not a number.
+/// layers or an eye hundreds of kilometres high, or when a parameter is not a finite number.
 std::optional<ScatteringTables> scatteringTables(const ProceduralSkyParams& params);
 
 /// The extinction towards the sun, by the y of the sun's unit direction. The table must not be empty; a y that is not
