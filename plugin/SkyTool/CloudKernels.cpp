@@ -216,22 +216,26 @@ ShapeTable::ShapeTable(const CloudShapeSet& set)
     };
     for (std::size_t s = 0; s < set.spheres.size(); ++s) {
         const CloudShapeSphere& sphere = set.spheres[s];
-        double reach2 = 0.0, size2 = 0.0;
+        const auto& m = sphere.transform.m;
+        double size2 = 0.0;
         for (int c = 0; c < 3; ++c) {
-            double reachC = 0.0, sizeC = std::abs(sphere.transform.m[3][c]);
             for (int r = 0; r < 4; ++r) {
-                const double m = sphere.transform.m[r][c];
-                value(matrix + r * 3 + c, s) = m;
-                usable_ = usable_ && sane(m);
-                if (r == 3) continue;
-                reachC += std::abs(m);
-                sizeC += std::abs(m) * far[r];
+                value(matrix + r * 3 + c, s) = m[r][c];
+                usable_ = usable_ && sane(m[r][c]);
             }
-            reach2 += reachC * reachC;
-            size2 += sizeC * sizeC;
+            const double size = std::abs(m[3][c]) + std::abs(m[0][c]) * far[0] + std::abs(m[1][c]) * far[1] +
+                                std::abs(m[2][c]) * far[2];
+            size2 += size * size;
         }
         value(density, s) = sphere.density;
         usable_ = usable_ && sane(sphere.density);
+        // The corners of a box are the points farthest out; four of them, as the others are opposite.
+        double reach2 = 0.0;
+        for (int corner = 0; corner < 4; ++corner) {
+            const Vector3 at =
+                transformDirection(sphere.transform, {corner & 1 ? -1.0 : 1.0, corner & 2 ? -1.0 : 1.0, 1.0});
+            reach2 = std::max(reach2, dot(at, at));
+        }
         value(reach, s) = std::sqrt(reach2) * (1.0 + 1e-12);
         // Coordinates carry the rounding of a hundred steps at most, parts in 1e14 of the largest term.
         value(slack, s) = 1e-12 * (1.0 + std::sqrt(size2));
