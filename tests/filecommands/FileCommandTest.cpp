@@ -108,7 +108,7 @@ TEST_F(FileCommandTest, WhatCannotBeReadChangesNothing) {
     write("scenes/empty.ma", "");
     write("scenes/old.mb", "FOR4");
     write("scenes/binary.ma", std::string("FOR4\0\0\0\1", 8));
-    write("scenes/model.obj", "v 0 0 0\n");
+    write("scenes/model.stl", "solid\n");
     std::filesystem::create_directory(project / "scenes/folder.ma");
     run("file -open a.ma; createNode transform -n unsaved;");
     const auto nodes = texts("ls;");
@@ -121,7 +121,7 @@ TEST_F(FileCommandTest, WhatCannotBeReadChangesNothing) {
                                         {"empty.ma", "empty"},
                                         {"old.mb", "Maya binary scenes are not supported"},
                                         {"binary.ma", "binary"},
-                                        {"model.obj", "'.obj' are not supported"},
+                                        {"model.stl", "'.stl' are not supported"},
                                         {"folder.ma", "folder"}})
         for (const char* how : {"-open ", "-f -o ", "-import "}) {
             EXPECT_THAT(failure("file " + std::string(how) + name + ";"), HasSubstr(message)) << how << name;

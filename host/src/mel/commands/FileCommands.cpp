@@ -1,12 +1,15 @@
 #include "Host.h"
 #include "api/PluginManager.h"
+#include "files/MeshImport.h"
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
 #include "files/Workspace.h"
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
+#include "mel/commands/ModelImport.h"
 
 #include <algorithm>
+#include <set>
 
 namespace host::mel {
 
@@ -80,17 +83,31 @@ Value queryFile(const ParsedArguments& a) {
     throw Error("file: nothing that can be queried is named.");
 }
 
+/// The file's extension tells what it is; the type of the call needs only be one that can be imported.
+void requireImportable(const std::string& path, const std::string& type) {
+    static const std::set<std::string> known{"", "mayaAscii", "OBJ", "OBJexport", "FBX", "glTF", "GLTF", "GLB"};
+    if (!known.contains(type)) throw Error("file: the type '" + type + "' cannot be imported.");
+    const std::string extension = lowerExtension(path);
+    if (files::isModelFile(path) || extension == ".ma" || extension == ".mb" ||
+        !std::filesystem::is_regular_file(path) || files::isSceneFile(path))
+        return;
+    throw Error(path + ": files of the type '" + extension +
+                "' are not supported; Maya ASCII scenes, OBJ, glTF and FBX can be imported.");
+}
+
 Value importFile(const ParsedArguments& a, const std::string& path) {
+    requireImportable(path, a.text("typ"));
     files::SceneReader::Options options;
     options.import = true;
     if (a.has("ns"))
         options.prefix = a.text("ns") + ":";
     else if (a.has("rpr"))
         options.prefix = a.text("rpr") + "_";
-    const auto result = readScene(path, std::move(options));
+    const auto created =
+        files::isModelFile(path) ? importModel(path, options.prefix) : readScene(path, std::move(options)).created;
     if (!a.has("rnn")) return path;
     StringArray names;
-    for (const NodePtr& node : result.created) names.push_back(nameOf(*node, true));
+    for (const NodePtr& node : created) names.push_back(nameOf(*node, true));
     return names;
 }
 
