@@ -84,6 +84,29 @@ TEST_F(PictureTest, GreyImagesBecomeGreyPictures) {
     EXPECT_THAT(picture->pixels, testing::ElementsAre(0x10, 0x10, 0x10, 0x80, 0x80, 0x80));
 }
 
+/// The bytes of a grey TIFF of 64 x 64 pixels, each row a strip of its own at the end of the file, that is cut off
+/// there.
+std::string cutTiff() {
+    std::string bytes("II*\0\x08\0\0\0", 8);
+    const auto put = [&](std::uint32_t value, int size) {
+        for (int i = 0; i < size; ++i) bytes += static_cast<char>(value >> 8 * i & 0xFF);
+    };
+    // Tag, number of values, and the value or where the values are.
+    const std::uint32_t entries[][3]{{256, 1, 64},   {257, 1, 64}, {258, 1, 8}, {259, 1, 1},   {262, 1, 1},
+                                     {273, 64, 122}, {277, 1, 1},  {278, 1, 1}, {279, 64, 378}};
+    put(std::size(entries), 2);
+    for (const auto& [tag, count, value] : entries) {
+        put(tag, 2);
+        put(4, 2); // numbers of 32 bits
+        put(count, 4);
+        put(value, 4);
+    }
+    put(0, 4);
+    for (std::uint32_t row = 0; row < 64; ++row) put(634 + 64 * row, 4);
+    for (int row = 0; row < 64; ++row) put(64, 4);
+    return bytes + std::string(10 * 64, '\x40');
+}
+
 // Fault: a failure that goes unreported, or that costs the artist the picture that was there before.
 TEST_F(PictureTest, FailuresAreReportedAndLoseNothing) {
     EXPECT_FALSE(sample().write((folder / "a.nosuch").string(), &error));
@@ -100,11 +123,19 @@ TEST_F(PictureTest, FailuresAreReportedAndLoseNothing) {
 
     EXPECT_FALSE(Picture::read((folder / "none.png").string(), &error));
     EXPECT_THAT(error, HasSubstr("no such file"));
-    const auto cut = folder / "cut.bmp";
-    ASSERT_TRUE(sample().write(cut.string(), &error)) << error;
-    fs::resize_file(cut, fs::file_size(cut) - 4);
+    for (const char* name : {"cut.bmp", "cut.png"}) {
+        const auto cut = folder / name;
+        ASSERT_TRUE(sample().write(cut.string(), &error)) << error;
+        fs::resize_file(cut, fs::file_size(cut) - (fs::file_size(cut) / 4));
+        EXPECT_FALSE(Picture::read(cut.string(), &error)) << name;
+        EXPECT_THAT(error, HasSubstr(name));
+    }
+    // Its directory says that more pixels follow than there are.
+    const auto cut = folder / "cut.tif";
+    std::ofstream(cut, std::ios::binary) << cutTiff();
     EXPECT_FALSE(Picture::read(cut.string(), &error));
-    EXPECT_THAT(error, HasSubstr("cut.bmp"));
+    EXPECT_THAT(error, HasSubstr("cut.tif"));
+    EXPECT_EQ(error.find('\n'), error.npos) << error;
 }
 
 // Fault: a full disk taken for success, ending the process (some image libraries do), or ruining the earlier file. A

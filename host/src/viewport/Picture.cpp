@@ -32,8 +32,10 @@ fs::path neighbourOf(const fs::path& path) {
     return path.parent_path() / name;
 }
 
+/// The first of the library's complaints; some formats add one for every row.
 std::string reasonOf(std::string text) {
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+    text.resize(std::min(text.find('\n'), text.size()));
+    while (!text.empty() && text.back() == ' ') text.pop_back();
     return text.empty() ? "unknown reason" : text;
 }
 
@@ -135,7 +137,8 @@ std::optional<Picture> Picture::read(const std::string& path, std::string* error
         Picture picture(spec.width, spec.height, stored == 2 || stored == 4 ? 4 : 3);
         std::vector<std::uint8_t> values(static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height) *
                                          static_cast<std::size_t>(stored));
-        if (!input->read_image(0, 0, 0, stored, OIIO::TypeDesc::UINT8, values.data()))
+        // Some readers answer success for a file that is cut off, and only leave the error's text.
+        if (!input->read_image(0, 0, 0, stored, OIIO::TypeDesc::UINT8, values.data()) || input->has_error())
             return fail(reasonOf(input->geterror()));
         if (!grey) {
             picture.pixels = std::move(values);
