@@ -12,6 +12,7 @@
 #include "SkyTool/ParticleCloudShadingParamsCommands.h"
 #include "SkyTool/ParticleCloudShadingParamsLocator.h"
 #include "SkyTool/ParticleCloudSphereLoc.h"
+#include "SkyTool/ProceduralSkyLocator.h"
 #include "SkyTool/SaveSkySystemToXMLCommand.h"
 #include "SkyTool/SceneFogLocator.h"
 #include "SkyTool/ShadingConversionNode.h"
@@ -21,12 +22,23 @@
 #include "SkyTool/TexturedSkyLocator.h"
 
 namespace orvo {
+namespace {
+
+/// The row whose message of a failed unload names the class; scripts of the studios know it so.
+RegistrationRow proceduralSkyRow() {
+    RegistrationRow row = locatorRow<ProceduralSkyLocator>("orvosky_ProceduralSkyLocator");
+    row.unloadName = "ProceduralSkyLocator";
+    return row;
+}
+
+} // namespace
 
 std::span<const RegistrationRow> registrationTable() {
     static const RegistrationRow rows[] = {
         locatorRow<BasicSkyLocator>("orvosky_BasicSkyLocator"),
         dependencyRow<OrvoSkyShadingConversionNode>("orvosky_ShadingConversionNode"),
         commandRow<OrvoSky_SaveSkySystemToXMLCommand>("orvosky_SaveSkySystemToXMLCommand"),
+        proceduralSkyRow(),
         locatorRow<TexturedSkyLocator>("orvosky_TexturedSkyLocator"),
         locatorRow<SpriteCloudLocator>("orvosky_SpriteCloudLocator"),
         locatorRow<GradientSkyLocator>("orvosky_GradientSkyLocator"),

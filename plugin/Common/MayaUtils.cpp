@@ -156,6 +156,14 @@ MString fullPathName(const MObject& dagNode) {
     return status.error() ? MString() : name;
 }
 
+MObject onlyParent(const MObject& dagNode) {
+    MStatus status;
+    const MFnDagNode node(dagNode, &status);
+    if (status.error() || node.parentCount(&status) != 1 || status.error()) return MObject::kNullObj;
+    const MObject parent = node.parent(0, &status);
+    return status.error() || parent.hasFn(MFn::kWorld) ? MObject::kNullObj : parent;
+}
+
 MString shapeConnectedTo(const MPlug& plug) {
     MPlugArray sources;
     MStatus status;

@@ -44,6 +44,8 @@ MStatus dagPathByName(const MString& name, MDagPath& path);
 std::unique_ptr<MFnMesh> meshByName(const MString& name, MDagPath& path, MStatus* status = nullptr);
 /// Empty when the object is no DAG node.
 MString fullPathName(const MObject& dagNode);
+/// The only parent of a DAG node; a null object when there is none, or more than one. The world is none.
+MObject onlyParent(const MObject& dagNode);
 /// The full path name of the one NURBS curve, mesh or NURBS surface whose plug feeds this one; empty otherwise.
 MString shapeConnectedTo(const MPlug& plug);
 /// @}

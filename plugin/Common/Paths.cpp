@@ -1,5 +1,6 @@
 #include "Paths.h"
 
+#include "FileSystem.h"
 #include <algorithm>
 #include <cstdio>
 #include <maya/MGlobal.h>
@@ -89,7 +90,15 @@ const std::string& projectRoot() {
 
 bool makeProjectRelative(std::string& path) { return makeRelativeTo(projectRoot(), path); }
 
-bool makeAbsolute(std::string& path) { return joinToRoot(projectRoot(), path); }
+bool makeAbsolute(std::string& path) {
+    std::string joined = path;
+    if (!joinToRoot(projectRoot(), joined)) return false;
+#ifndef _WIN32
+    if (path.starts_with('/') && !existingPath(joined) && existingPath(path)) return false;
+#endif
+    path = std::move(joined);
+    return true;
+}
 
 std::string absoluteCopy(std::string path) {
     makeAbsolute(path);

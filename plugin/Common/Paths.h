@@ -33,7 +33,8 @@ const char* shaderDirectory();
 /// The workspace's folder without "artsource/". Asked of the host once, at the first call; empty when that failed.
 const std::string& projectRoot();
 
-/// makeRelativeTo and joinToRoot with the project root.
+/// makeRelativeTo and joinToRoot with the project root. Where paths have no drives, makeAbsolute leaves the path of a
+/// file outside of the project as it is: one that begins with "/", and is there, while none is there below the root.
 bool makeProjectRelative(std::string& path);
 bool makeAbsolute(std::string& path);
 /// The path after makeAbsolute.

@@ -34,15 +34,6 @@ ParticleCloudSphereLoc* sphereBehind(const MObject& child) {
     return ParticleCloudSphereLoc::findInstance(path.fullPathName());
 }
 
-/// The only parent of a node; a null object when there is none, or more than one.
-MObject onlyParent(const MObject& object) {
-    MStatus status;
-    const MFnDagNode node(object, &status);
-    if (status.error() || node.parentCount(&status) != 1 || status.error()) return MObject::kNullObj;
-    const MObject parent = node.parent(0, &status);
-    return status.error() ? MObject::kNullObj : parent;
-}
-
 } // namespace
 
 const MTypeId ParticleCloud::id(0x374022);

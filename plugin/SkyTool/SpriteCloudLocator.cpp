@@ -57,17 +57,6 @@ bool loadWhite(TextureHandle& texture) {
     return uploadTexture2DRgba(texture, 4, 4, white.data(), {.repeatS = kRepeat, .repeatT = kRepeat});
 }
 
-/// The node's only parent, where that is a transform of the artist's; a null object otherwise.
-MObject onlyParent(const MObject& object) {
-    MStatus status;
-    const MFnDagNode node(object, &status);
-    if (status.error()) return MObject::kNullObj;
-    const unsigned count = node.parentCount(&status);
-    if (status.error() || count != 1) return MObject::kNullObj;
-    const MObject parent = node.parent(0, &status);
-    return status.error() || parent.hasFn(MFn::kWorld) ? MObject::kNullObj : parent;
-}
-
 /// The meshes that stand directly below a path, or at it.
 std::vector<MDagPath> meshPaths(const MDagPath& path) {
     std::vector<MDagPath> meshes;

@@ -105,10 +105,10 @@ TEST_F(ParticleCloudScene, SaysWhyItCannotGather) {
     };
     const std::string prefix = "ParticleCloud::GenerateSpriteData:  ";
     const auto placed = StartsWith("In SkyTool\\ParticleCloud, line ");
-    EXPECT_THAT(errorsOf("createNode transform -n top; createNode orvosky_ParticleCloud -p top;"
-                         "rename `listRelatives -shapes top` lonely;"),
+    EXPECT_THAT(errorsOf("createNode transform -n lift; createNode orvosky_ParticleCloud -p lift;"
+                         "rename `listRelatives -shapes lift` lonely;"),
                 ElementsAre(placed, prefix + "couldn't get parents from locator\n"));
-    EXPECT_THAT(errorsOf("group -n pack top;"),
+    EXPECT_THAT(errorsOf("group -n pack lift;"),
                 ElementsAre(placed, prefix + "Couldn't get enough cloud shape objects to work with.\n"));
     EXPECT_THAT(errorsOf("createNode transform -n other -p pack;"),
                 ElementsAre(placed, prefix + "object 1 is not valid. ignoring", placed,
