@@ -10,53 +10,33 @@ namespace {
 
 constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
 
-/// What decides whether two pairs become one vertex. The UVs of absent sets are (0, 0).
-struct SplitVertex {
-    Vector3 position;
-    std::array<Uv, TriMesh::kUvSets> uvs;
-    bool operator==(const SplitVertex&) const = default;
+/// Takes the next value into a hash. Values that are equal as numbers have the same: the sum makes a negative zero
+/// positive.
+std::uint64_t mixed(std::uint64_t hash, double value) {
+    hash = (hash ^ std::bit_cast<std::uint64_t>(value + 0.0)) * 0x9e3779b97f4a7c15u;
+    return hash ^ (hash >> 32);
+}
 
-    std::array<double, 3 + 2 * TriMesh::kUvSets> values() const {
-        return {position.x, position.y, position.z, uvs[0].u, uvs[0].v, uvs[1].u, uvs[1].v, uvs[2].u, uvs[2].v};
-    }
-};
-
-/// The indices of distinct vertices: a table of open addresses, at most half full.
-class VertexTable {
-public:
-    explicit VertexTable(std::size_t most) : slots_(std::bit_ceil(2 * most + 2), kNone) {}
-
-    /// The index of the first equal vertex among `vertices`; the vertex is added when there is none.
-    std::uint32_t indexOf(const SplitVertex& vertex, std::vector<SplitVertex>& vertices) {
-        const auto next = static_cast<std::uint32_t>(vertices.size());
-        // One that is not equal to itself (not a number) would only lengthen the searches of the others.
-        if (!(vertex == vertex)) {
-            vertices.push_back(vertex);
-            return next;
+/// Numbers the distinct positions: equal ones get the same number, in the order of their first points. One that is not
+/// equal to itself gets a number of its own.
+std::vector<std::uint32_t> numberPositions(const std::vector<Vector3>& points, std::uint32_t& count) {
+    std::vector<std::uint32_t> numbers(points.size());
+    std::vector<std::uint32_t> firsts(std::bit_ceil(2 * points.size() + 2), kNone); // an open table, half full at most
+    const std::size_t mask = firsts.size() - 1;
+    count = 0;
+    for (std::uint32_t i = 0; i < points.size(); ++i) {
+        const Vector3& p = points[i];
+        if (!(p == p)) {
+            numbers[i] = count++;
+            continue;
         }
-        const std::size_t mask = slots_.size() - 1;
-        std::size_t at = hash(vertex) & mask;
-        for (; slots_[at] != kNone; at = (at + 1) & mask)
-            if (vertices[slots_[at]] == vertex) return slots_[at];
-        slots_[at] = next;
-        vertices.push_back(vertex);
-        return next;
+        std::size_t at = mixed(mixed(mixed(0, p.x), p.y), p.z) & mask;
+        while (firsts[at] != kNone && !(points[firsts[at]] == p)) at = (at + 1) & mask;
+        if (firsts[at] == kNone) firsts[at] = i;
+        numbers[i] = firsts[at] == i ? count++ : numbers[firsts[at]];
     }
-
-private:
-    /// Equal vertices have equal hashes: the sum makes a negative zero positive.
-    static std::size_t hash(const SplitVertex& vertex) {
-        std::uint64_t h = 0;
-        for (const double value : vertex.values()) {
-            h ^= std::bit_cast<std::uint64_t>(value + 0.0);
-            h *= 0x9e3779b97f4a7c15u;
-            h ^= h >> 32;
-        }
-        return static_cast<std::size_t>(h);
-    }
-
-    std::vector<std::uint32_t> slots_;
-};
+    return numbers;
+}
 
 /// The pairs of a point and a polygon that triangles refer to, in ascending order.
 class CornerPairs {
@@ -121,6 +101,38 @@ private:
     std::vector<TriMesh::Triangle> triangles_;
 };
 
+/// The vertices that were made at each position, by the hash of their UVs. A position's slots lie together, and
+/// positions follow the points: the search stays in memory that was used just before.
+class SplitTable {
+public:
+    SplitTable(const std::vector<Vector3>& points, const CornerPairs& pairs) {
+        std::uint32_t count = 0;
+        positions_ = numberPositions(points, count);
+        std::vector<std::size_t> used(count);
+        for (std::size_t pair = 0; pair < pairs.size(); ++pair) ++used[positions_[pairs.point(pair)]];
+        first_.reserve(count + 1);
+        first_.push_back(0);
+        for (const std::size_t n : used) first_.push_back(first_.back() + std::bit_ceil(2 * n));
+        slots_.assign(first_.back(), kNone);
+    }
+
+    /// The vertex at the point's position for which `isSame` holds; `next`, which is entered, when there is none.
+    template <class IsSame>
+    std::uint32_t find(std::uint32_t point, std::uint64_t hash, std::uint32_t next, IsSame isSame) {
+        std::uint32_t* const slots = &slots_[first_[positions_[point]]];
+        const std::size_t mask = first_[positions_[point] + 1] - first_[positions_[point]] - 1;
+        std::size_t at = hash & mask;
+        for (; slots[at] != kNone; at = (at + 1) & mask)
+            if (isSame(slots[at])) return slots[at];
+        return slots[at] = next;
+    }
+
+private:
+    std::vector<std::uint32_t> positions_; ///< the number of each point's position
+    std::vector<std::size_t> first_;       ///< each position's first slot, and the number of all
+    std::vector<std::uint32_t> slots_;
+};
+
 /// Stores a component of a UV. @return false when another value stands there
 bool store(double& stored, double value) {
     if (stored != 0.0 && stored != value) return false;
@@ -149,32 +161,42 @@ std::unique_ptr<TriMesh> triMeshByPoints(const PolygonMesh& mesh) {
 TriMesh triMeshBySeams(const PolygonMesh& mesh) {
     CornerPairs pairs(mesh);
     std::array<TriMesh::UvSet, TriMesh::kUvSets> pairUvs;
+    std::vector<std::size_t> sets; // those that are present
     for (std::size_t set = 0; set < TriMesh::kUvSets; ++set)
-        if (mesh.cornerUvs[set]) pairUvs[set].resize(pairs.size());
+        if (mesh.cornerUvs[set]) sets.push_back(set);
+    for (const std::size_t set : sets) pairUvs[set].resize(pairs.size());
     pairs.forEachCorner(mesh, [&](std::size_t corner, std::uint32_t pair) {
-        for (std::size_t set = 0; set < TriMesh::kUvSets; ++set)
-            if (mesh.cornerUvs[set]) pairUvs[set][pair] = (*mesh.cornerUvs[set])[corner];
+        for (const std::size_t set : sets) pairUvs[set][pair] = (*mesh.cornerUvs[set])[corner];
     });
 
-    VertexTable table(pairs.size());
-    std::vector<SplitVertex> vertices;
+    TriMesh made;
+    made.positions.reserve(pairs.size());
+    for (const std::size_t set : sets) made.uvSets[set].emplace().reserve(pairs.size());
     std::vector<std::uint32_t> indices(pairs.size());
+    SplitTable table(mesh.points, pairs);
     for (std::size_t pair = 0; pair < pairs.size(); ++pair) {
-        SplitVertex vertex{mesh.points[pairs.point(pair)], {}};
-        for (std::size_t set = 0; set < TriMesh::kUvSets; ++set)
-            if (mesh.cornerUvs[set]) vertex.uvs[set] = pairUvs[set][pair];
-        indices[pair] = table.indexOf(vertex, vertices);
+        std::uint64_t hash = 0;
+        const Vector3& position = mesh.points[pairs.point(pair)];
+        bool comparable = position == position;
+        for (const std::size_t set : sets) {
+            const Uv& uv = pairUvs[set][pair];
+            hash = mixed(mixed(hash, uv.u), uv.v);
+            comparable = comparable && uv == uv;
+        }
+        const auto isSame = [&](std::uint32_t vertex) {
+            for (const std::size_t set : sets)
+                if (!((*made.uvSets[set])[vertex] == pairUvs[set][pair])) return false;
+            return true;
+        };
+        const std::uint32_t next = made.numVerts();
+        indices[pair] = comparable ? table.find(pairs.point(pair), hash, next, isSame) : next;
+        if (indices[pair] != next) continue;
+        made.positions.push_back(position);
+        for (const std::size_t set : sets) made.uvSets[set]->push_back(pairUvs[set][pair]);
     }
 
-    TriMesh made;
-    made.positions.reserve(vertices.size());
-    for (const SplitVertex& vertex : vertices) made.positions.push_back(vertex.position);
-    for (std::size_t set = 0; set < TriMesh::kUvSets; ++set) {
-        if (!mesh.cornerUvs[set]) continue;
-        TriMesh::UvSet& uvs = made.uvSets[set].emplace();
-        uvs.reserve(vertices.size());
-        for (const SplitVertex& vertex : vertices) uvs.push_back(vertex.uvs[set]);
-    }
+    made.positions.shrink_to_fit();
+    for (const std::size_t set : sets) made.uvSets[set]->shrink_to_fit();
     made.triangles = std::move(pairs.triangles());
     for (TriMesh::Triangle& triangle : made.triangles)
         for (std::uint32_t& index : triangle) index = indices[index];

@@ -172,7 +172,7 @@ TEST(TriMeshBySeams, AgreesWithThePlainForm) {
             set.emplace(mesh.corners.size());
             for (Uv& uv : *set) uv = {few[pick(5)], few[pick(3)]};
         }
-        ASSERT_EQ(bits(orvo::triMeshBySeams(mesh)), bits(plainBySeams(mesh))) << "round " << round;
+        ASSERT_TRUE(bits(orvo::triMeshBySeams(mesh)) == bits(plainBySeams(mesh))) << "round " << round;
     }
 }
 
