@@ -30,21 +30,21 @@ bool isBlockFormat(GLenum format) {
 std::size_t blockSize(GLenum format) { return format == GL_COMPRESSED_RGBA_S3TC_DXT1_EXT ? 8 : 16; }
 
 /// Turns the first `rows` rows of a block of DXT5's alpha: two end values, then 16 indices of 3 bits, 12 bits a row.
-void flipAlphaIndices(std::uint8_t* block, unsigned rows) {
+void flipAlphaIndices(std::uint8_t* block, std::size_t rows) {
     std::uint64_t bits = 0, turned = 0;
     for (unsigned i = 0; i < 6; ++i) bits |= std::uint64_t{block[2 + i]} << (8 * i);
-    for (unsigned row = 0; row < 4; ++row) {
-        const unsigned source = row < rows ? rows - 1 - row : row;
+    for (std::size_t row = 0; row < 4; ++row) {
+        const std::size_t source = row < rows ? rows - 1 - row : row;
         turned |= (bits >> (12 * source) & 0xfff) << (12 * row);
     }
     for (unsigned i = 0; i < 6; ++i) block[2 + i] = static_cast<std::uint8_t>(turned >> (8 * i));
 }
 
-void flipBlock(std::uint8_t* block, GLenum format, unsigned rows) {
+void flipBlock(std::uint8_t* block, GLenum format, std::size_t rows) {
     std::uint8_t* colour = block;
     if (format == GL_COMPRESSED_RGBA_S3TC_DXT3_EXT) {
         // 16 alpha values of 4 bits: two bytes a row.
-        for (unsigned row = 0; row < rows / 2; ++row)
+        for (std::size_t row = 0; row < rows / 2; ++row)
             std::swap_ranges(block + 2 * row, block + 2 * row + 2, block + 2 * (rows - 1 - row));
         colour += 8;
     } else if (format == GL_COMPRESSED_RGBA_S3TC_DXT5_EXT) {
@@ -69,7 +69,7 @@ bool CSurface::flip(GLenum format) {
     }
     if (!blocks) return true;
     for (std::size_t at = 0; at + blockSize(format) <= pixels.size(); at += blockSize(format))
-        flipBlock(pixels.data() + at, format, std::min(height, std::uint32_t{4}));
+        flipBlock(pixels.data() + at, format, std::min(std::size_t{height}, std::size_t{4}));
     return height < 4 || height % 4 == 0;
 }
 
