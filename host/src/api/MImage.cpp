@@ -1,9 +1,7 @@
 #include <maya/MImage.h>
 
-#include <OpenImageIO/filesystem.h>
-#include <OpenImageIO/imagebuf.h>
-#include <OpenImageIO/imagebufalgo.h>
-#include <OpenImageIO/imageio.h>
+#include "images/ImageCodec.h"
+#include "scene/Messages.h"
 
 #include <fmt/format.h>
 
@@ -15,10 +13,12 @@
 #include <filesystem>
 #include <fstream>
 #include <new>
+#include <stdexcept>
 #include <unistd.h>
 #include <vector>
 
 namespace fs = std::filesystem;
+using host::images::ImageCodec;
 
 /// The pixels are bytes or floats, so one of the lists is empty.
 struct MImage::Pixels {
@@ -36,7 +36,9 @@ struct MImage::Pixels {
     const char* data() const { return const_cast<Pixels*>(this)->data(); }
     char* row(unsigned int y) { return data() + y * rowValues() * valueSize(); }
     const char* row(unsigned int y) const { return const_cast<Pixels*>(this)->row(y); }
-    OIIO::TypeDesc oiioType() const { return type == kFloat ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::UINT8; }
+    host::images::PixelRows rows() const {
+        return {static_cast<int>(width), static_cast<int>(height), static_cast<int>(channels), type == kFloat, data()};
+    }
 
     /// Zeros of that size; the flag for the order of the channels is kept.
     static std::unique_ptr<Pixels> make(unsigned int width, unsigned int height, unsigned int channels, MPixelType type,
@@ -61,6 +63,16 @@ namespace {
 constexpr unsigned int maxSide = 32768;
 constexpr std::uint64_t maxBytes = std::uint64_t{1} << 31;
 
+/// Null, after telling the user, when images cannot be had.
+ImageCodec* imageCodec() {
+    try {
+        return &host::images::imageCodec();
+    } catch (const std::runtime_error& e) {
+        host::showError(e.what());
+        return nullptr;
+    }
+}
+
 bool possible(std::uint64_t width, std::uint64_t height, unsigned int channels, MImage::MPixelType type) {
     if (type != MImage::kByte && type != MImage::kFloat) return false;
     const std::uint64_t valueSize = type == MImage::kFloat ? sizeof(float) : 1;
@@ -68,12 +80,9 @@ bool possible(std::uint64_t width, std::uint64_t height, unsigned int channels, 
            width * height * channels * valueSize <= maxBytes;
 }
 
-/// Keeps colours as they are stored; without this OpenImageIO multiplies them by alpha.
-void keepAlphaApart(OIIO::ImageSpec& spec) { spec.attribute("oiio:UnassociatedAlpha", 1); }
-
 /// Whether a file of that many bytes can hold so many pixels. The densest codings in use reach a few thousand to one;
 /// small pictures are not worth the doubt.
-bool credible(std::uint64_t fileBytes, const OIIO::ImageSpec& spec) {
+bool credible(std::uint64_t fileBytes, const host::images::ImageReader& spec) {
     const std::uint64_t pixels = static_cast<std::uint64_t>(spec.width) * static_cast<std::uint64_t>(spec.height);
     return pixels <= (1u << 22) || pixels / 16384 <= fileBytes;
 }
@@ -131,31 +140,23 @@ MStatus MImage::readFromFile(MString pathname, MPixelType type) {
         if (!fs::is_regular_file(path, code)) return MStatus::kFailure;
         const std::uint64_t fileBytes = fs::file_size(path, code);
         if (code || fileBytes == 0) return MStatus::kFailure;
-        OIIO::ImageSpec wishes;
-        keepAlphaApart(wishes);
-        const auto input = OIIO::ImageInput::open(path, &wishes);
-        if (!input) {
-            OIIO::geterror();
+        std::string reason;
+        ImageCodec* codec = imageCodec();
+        const auto input = codec ? codec->open(path, reason) : nullptr;
+        if (!input) return MStatus::kFailure;
+        if (type == kUnknown) type = input->floats ? kFloat : kByte;
+        if (input->width < 1 || input->height < 1 || input->channels < 1 || input->depth > 1 ||
+            !possible(static_cast<std::uint64_t>(input->width), static_cast<std::uint64_t>(input->height), 4, type) ||
+            !credible(fileBytes, *input))
             return MStatus::kFailure;
-        }
-        const OIIO::ImageSpec& spec = input->spec();
-        if (type == kUnknown) type = spec.format.is_floating_point() ? kFloat : kByte;
-        if (spec.width < 1 || spec.height < 1 || spec.nchannels < 1 || spec.depth > 1 ||
-            !possible(static_cast<std::uint64_t>(spec.width), static_cast<std::uint64_t>(spec.height), 4, type) ||
-            !credible(fileBytes, spec))
-            return MStatus::kFailure;
-        const int stored = std::min(spec.nchannels, 4);
-        auto read =
-            Pixels::make(static_cast<unsigned int>(spec.width), static_cast<unsigned int>(spec.height), 4, type, true);
+        const int stored = std::min(input->channels, 4);
+        auto read = Pixels::make(static_cast<unsigned int>(input->width), static_cast<unsigned int>(input->height), 4,
+                                 type, true);
         // The file's first row is the top one, which is the last one here.
-        const auto pixelStep = static_cast<OIIO::stride_t>(4 * read->valueSize());
-        const OIIO::stride_t rowStep = pixelStep * spec.width;
-        // Some readers answer success for a file that is cut off, and only leave the error's text.
-        if (!input->read_image(0, 0, 0, stored, read->oiioType(), read->row(read->height - 1), pixelStep, -rowStep) ||
-            input->has_error()) {
-            input->geterror();
+        const auto pixelStep = static_cast<std::ptrdiff_t>(4 * read->valueSize());
+        if (!input->read(stored, type == kFloat, read->row(read->height - 1), pixelStep, -pixelStep * input->width)
+                 .empty())
             return MStatus::kFailure;
-        }
         spread(read->bytes, stored, static_cast<unsigned char>(255));
         spread(read->floats, stored, 1.0f);
         pixels_ = std::move(read);
@@ -205,19 +206,12 @@ MStatus MImage::resize(int width, int height, bool preserveAspectRatio) {
             w = std::clamp(static_cast<int>(from.width * scale + 0.5), 1, width);
             h = std::clamp(static_cast<int>(from.height * scale + 0.5), 1, height);
         }
-        const auto channels = static_cast<int>(from.channels);
-        const OIIO::ImageBuf source(
-            OIIO::ImageSpec(static_cast<int>(from.width), static_cast<int>(from.height), channels, from.oiioType()),
-            from.data());
-        // A triangle filter has no negative lobes, which would ring around bright pixels.
-        const OIIO::ImageBuf scaled = OIIO::ImageBufAlgo::resize(source, "triangle", 0.0f, OIIO::ROI(0, w, 0, h), 1);
         auto made = Pixels::make(static_cast<unsigned int>(width), static_cast<unsigned int>(height), from.channels,
                                  from.type, from.rgba);
-        const auto pixelStep = static_cast<OIIO::stride_t>(from.channels * from.valueSize());
+        const auto pixelStep = static_cast<std::ptrdiff_t>(from.channels * from.valueSize());
         char* corner = made->row(static_cast<unsigned int>((height - h) / 2)) + pixelStep * ((width - w) / 2);
-        if (!scaled.get_pixels(OIIO::ROI(0, w, 0, h, 0, 1, 0, channels), from.oiioType(), corner, pixelStep,
-                               pixelStep * width))
-            return MStatus::kFailure;
+        ImageCodec* codec = imageCodec();
+        if (!codec || !codec->resize(from.rows(), w, h, corner, pixelStep, pixelStep * width)) return MStatus::kFailure;
         pixels_ = std::move(made);
         return MStatus::kSuccess;
     } catch (const std::exception&) {
@@ -233,35 +227,25 @@ MStatus MImage::writeToFile(MString pathname, MString outputFormat) const {
         std::string format = lower(std::string(outputFormat.asChar(), outputFormat.length()));
         if (format.empty()) format = lower(path.extension().string());
         if (!format.empty() && format.front() == '.') format.erase(0, 1);
-        // Only writers that can write into memory are taken: some others misbehave on a full disk.
         const std::string named = "image." + format;
-        const auto output = OIIO::ImageOutput::create(named);
-        if (!output) OIIO::geterror();
-        if (!output || !output->supports("ioproxy")) return MStatus::kInvalidParameter;
+        ImageCodec* codec = imageCodec();
+        ImageCodec::Alpha alpha{};
+        if (!codec) return MStatus::kFailure;
+        if (!codec->canWrite(named, alpha)) return MStatus::kInvalidParameter;
 
-        // Blue first is turned to red first, and alpha left out where the format has none.
+        // The top row comes first in files, and red before green and blue.
         const bool swapped = !p.rgba && p.channels >= 3;
-        const bool dropAlpha = (p.channels == 4 || p.channels == 2) && !output->supports("alpha");
-        const unsigned int kept = dropAlpha ? p.channels - 1 : p.channels;
-        auto top = Pixels::make(p.width, p.height, kept, p.type, true);
+        auto top = Pixels::make(p.width, p.height, p.channels, p.type, true);
         const std::size_t size = p.valueSize();
         for (unsigned int y = 0; y < p.height; ++y) {
             const char* from = p.row(p.height - 1 - y);
             char* to = top->row(y);
             for (unsigned int x = 0; x < p.width; ++x, from += p.channels * size)
-                for (unsigned int c = 0; c < kept; ++c, to += size)
+                for (unsigned int c = 0; c < p.channels; ++c, to += size)
                     std::copy_n(from + (swapped && c < 3 ? 2 - c : c) * size, size, to);
         }
-        OIIO::ImageSpec spec(static_cast<int>(p.width), static_cast<int>(p.height), static_cast<int>(kept),
-                             p.oiioType());
-        keepAlphaApart(spec);
         std::vector<unsigned char> file;
-        OIIO::Filesystem::IOVecOutput memory(file);
-        if (!output->set_ioproxy(&memory) || !output->open(named, spec) ||
-            !output->write_image(p.oiioType(), top->data()) || !output->close()) {
-            output->geterror();
-            return MStatus::kFailure;
-        }
+        if (!codec->encode(named, top->rows(), file).empty()) return MStatus::kFailure;
         return store(file, path) ? MStatus::kSuccess : MStatus::kFailure;
     } catch (const std::exception&) {
         return MStatus::kFailure;

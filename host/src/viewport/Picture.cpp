@@ -1,7 +1,6 @@
 #include "viewport/Picture.h"
 
-#include <OpenImageIO/filesystem.h>
-#include <OpenImageIO/imageio.h>
+#include "images/ImageCodec.h"
 
 #include <algorithm>
 #include <atomic>
@@ -21,45 +20,12 @@ namespace fs = std::filesystem;
 
 constexpr std::int64_t maxPixels = std::int64_t{1} << 28;
 
-/// Keep alpha as it is stored; without this OpenImageIO multiplies the colours by it.
-void keepAlphaApart(OIIO::ImageSpec& spec) { spec.attribute("oiio:UnassociatedAlpha", 1); }
-
 /// A name beside `path`, unlike that of any other writer.
 fs::path neighbourOf(const fs::path& path) {
     static std::atomic<unsigned> serial{0};
     fs::path name = path.filename();
     name += fmt::format(".part-{}-{}", ::getpid(), serial++);
     return path.parent_path() / name;
-}
-
-/// The first of the library's complaints; some formats add one for every row.
-std::string reasonOf(std::string text) {
-    text.resize(std::min(text.find('\n'), text.size()));
-    while (!text.empty() && text.back() == ' ') text.pop_back();
-    return text.empty() ? "unknown reason" : text;
-}
-
-/// The writer of the format that the path's extension names; null when there is none. Only writers that can write
-/// into memory are taken: some of the others end the process, or say nothing, when the disk is full.
-std::unique_ptr<OIIO::ImageOutput> writerFor(const std::string& path) {
-    auto output = OIIO::ImageOutput::create(path);
-    if (!output) OIIO::geterror(); // the caller has a clearer text
-    return output && output->supports("ioproxy") ? std::move(output) : nullptr;
-}
-
-/// Puts `picture` into `file` as the bytes of a file named `path`; the answer is empty when all went well.
-std::string encode(const Picture& picture, const std::string& path, std::vector<unsigned char>& file) {
-    auto output = writerFor(path);
-    OIIO::Filesystem::IOVecOutput memory(file);
-    const bool dropAlpha = picture.channels == 4 && !output->supports("alpha");
-    OIIO::ImageSpec spec(picture.width, picture.height, dropAlpha ? 3 : picture.channels, OIIO::TypeDesc::UINT8);
-    keepAlphaApart(spec);
-    if (!output->set_ioproxy(&memory) || !output->open(path, spec)) return reasonOf(output->geterror());
-    const bool written = output->write_image(OIIO::TypeDesc::UINT8, picture.pixels.data(), picture.channels,
-                                             static_cast<OIIO::stride_t>(picture.rowBytes()));
-    std::string reason = written ? "" : reasonOf(output->geterror());
-    if (!output->close() && reason.empty()) reason = reasonOf(output->geterror());
-    return reason;
 }
 
 /// Writes a whole file; the answer is empty when all of it reached the disk's hands.
@@ -89,8 +55,6 @@ bool Picture::write(const std::string& path, std::string* error) const {
         return fail("it holds no pixels");
     const fs::path target(path);
     if (target.extension().empty()) return fail("its name has no extension that tells the format");
-    if (!writerFor(path)) return fail(fmt::format("unknown format \"{}\"", target.extension().string()));
-
     std::error_code code;
     if (fs::is_directory(target, code)) return fail("a folder of that name is there");
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
@@ -99,8 +63,12 @@ bool Picture::write(const std::string& path, std::string* error) const {
     const fs::path part = neighbourOf(target);
     std::string reason;
     try {
+        auto& codec = images::imageCodec();
+        images::ImageCodec::Alpha alpha{};
+        if (!codec.canWrite(path, alpha))
+            return fail(fmt::format("unknown format \"{}\"", target.extension().string()));
         std::vector<unsigned char> file;
-        reason = encode(*this, path, file);
+        reason = codec.encode(path, {width, height, channels, false, pixels.data()}, file);
         if (reason.empty()) reason = store(file, part);
     } catch (const std::exception& problem) {
         reason = problem.what();
@@ -123,23 +91,20 @@ std::optional<Picture> Picture::read(const std::string& path, std::string* error
     try {
         std::error_code code;
         if (!fs::is_regular_file(path, code)) return fail("there is no such file");
-        OIIO::ImageSpec wishes;
-        keepAlphaApart(wishes);
-        auto input = OIIO::ImageInput::open(path, &wishes);
-        if (!input) return fail(reasonOf(OIIO::geterror()));
-        const OIIO::ImageSpec& spec = input->spec();
-        if (spec.width < 1 || spec.height < 1 || spec.nchannels < 1 || spec.depth > 1 ||
-            std::int64_t{spec.width} * spec.height > maxPixels)
+        std::string reason;
+        const auto input = images::imageCodec().open(path, reason);
+        if (!input) return fail(reason);
+        if (input->width < 1 || input->height < 1 || input->channels < 1 || input->depth > 1 ||
+            std::int64_t{input->width} * input->height > maxPixels)
             return fail(fmt::format("its size of {} x {} x {} pixels and {} channels is not one of a flat picture",
-                                    spec.width, spec.height, spec.depth, spec.nchannels));
-        const int stored = std::min(spec.nchannels, 4);
+                                    input->width, input->height, input->depth, input->channels));
+        const int stored = std::min(input->channels, 4);
         const bool grey = stored < 3;
-        Picture picture(spec.width, spec.height, stored == 2 || stored == 4 ? 4 : 3);
-        std::vector<std::uint8_t> values(static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height) *
-                                         static_cast<std::size_t>(stored));
-        // Some readers answer success for a file that is cut off, and only leave the error's text.
-        if (!input->read_image(0, 0, 0, stored, OIIO::TypeDesc::UINT8, values.data()) || input->has_error())
-            return fail(reasonOf(input->geterror()));
+        Picture picture(input->width, input->height, stored == 2 || stored == 4 ? 4 : 3);
+        std::vector<std::uint8_t> values(static_cast<std::size_t>(input->width) *
+                                         static_cast<std::size_t>(input->height) * static_cast<std::size_t>(stored));
+        reason = input->read(stored, false, values.data(), stored, std::ptrdiff_t{stored} * input->width);
+        if (!reason.empty()) return fail(reason);
         if (!grey) {
             picture.pixels = std::move(values);
             return picture;
