@@ -68,6 +68,15 @@ private:
         for (std::uint32_t i = 0; i < set_.spheres.size(); ++i) spans_.push_back({i, 0, count - 1});
     }
 
+    /// The sums over the shapes felt in box k of the row.
+    CloudSample sumsAt(const Vector3& p, int k) const {
+        CloudSample sums;
+        for (const ShapeSpan& span : spans_)
+            if (span.first <= k && k <= span.last)
+                addShape(set_.spheres[span.shape], p, placementRadius * placementRadius, placementCap, sums);
+        return sums;
+    }
+
     /// Boxes where no shape is felt are passed over, but for their draws. @return false once the cloud is full
     bool scatterRow(double x, double y, const std::vector<double>& grid) {
         const int count = static_cast<int>(grid.size());
@@ -81,6 +90,9 @@ private:
             random_.skip(3u * static_cast<unsigned>(count));
             return true;
         }
+        // Of many shapes in a row few are felt in one box.
+        const bool fewShapes = table_.usable() && spans_.size() <= 32;
+        if (fewShapes) selection_.select(table_, spans_);
         random_.skip(3u * static_cast<unsigned>(first));
         for (int k = first; k <= last; ++k) {
             const double r1 = random_.RandomFloat(), r2 = random_.RandomFloat(), r3 = random_.RandomFloat();
@@ -89,10 +101,7 @@ private:
             const Vector3 p = jittered - Vector3{radius, radius, radius} + set_.boundCentre;
             const Vector3 out = p - set_.boundCentre;
             if (!(dot(out, out) < radius * radius) || (fade_.on && p.y < fade_.end)) continue;
-            CloudSample sample;
-            for (const ShapeSpan& span : spans_)
-                if (span.first <= k && k <= span.last)
-                    addShape(set_.spheres[span.shape], p, placementRadius * placementRadius, placementCap, sample);
+            CloudSample sample = fewShapes ? selection_.sums(p, placementRadius, placementCap) : sumsAt(p, k);
             if (!finish(sample) || !(1.0 - sample.coverage < random_.RandomFloat() * sample.density)) continue;
             positions.push_back(p);
             opacities.push_back(static_cast<float>(sample.opacity));
@@ -107,7 +116,8 @@ private:
     double step_;
     Fade fade_;
     RandomGenerator& random_;
-    std::vector<ShapeSpan> spans_;
+    std::vector<ShapeSpan> spans_; ///< of the current row
+    ShapeSelection selection_;
 };
 
 } // namespace

@@ -46,6 +46,14 @@ struct Matrices {
     }
 };
 
+/// Of the points in the unit spaces of the shapes whose matrices' elements stand a stride apart.
+HWY_INLINE HWY_ATTR Values squaredLength(const double* elements, std::size_t stride, const Values3& p) {
+    Matrices matrices;
+    for (std::size_t i = 0; i < 12; ++i) matrices.m[i / 3][i % 3] = hn::LoadU(d, elements + i * stride);
+    const Values3 q = matrices.points(p);
+    return dot(q, q);
+}
+
 HWY_INLINE HWY_ATTR Values smoothStep(Values edge0, Values edge1, Values x) {
     const auto zero = hn::Zero(d), one = hn::Set(d, 1.0);
     auto t = hn::Div(hn::Sub(x, edge0), hn::Sub(edge1, edge0));
@@ -93,6 +101,29 @@ HWY_ATTR void spans(const ShapeTable& shapes, const BoxRow& row, double shapeRad
                 found.push_back(
                     {static_cast<std::uint32_t>(s + i), static_cast<int>(froms[i]), static_cast<int>(tos[i])});
     }
+}
+
+/// The weights of several shapes at a time; their sums in the shapes' order.
+HWY_ATTR CloudSample weigh(const ShapeSelection& shapes, const Vector3& point, double shapeRadius, double cap) {
+    const Values3 p = spread(point);
+    const auto one = hn::Set(d, 1.0), radius2 = hn::Set(d, shapeRadius * shapeRadius);
+    const double *densities = shapes.component(ShapeTable::density), *opacities = shapes.component(ShapeTable::opacity);
+    CloudSample sums;
+    for (std::size_t s = 0; s < shapes.count(); s += lanes) {
+        const auto length2 = squaredLength(shapes.component(0) + s, shapes.stride(), p);
+        const auto inside = hn::Le(length2, radius2);
+        if (hn::AllFalse(d, inside)) continue;
+        const auto u = hn::Sub(one, hn::Div(length2, radius2));
+        HWY_ALIGN double weights[lanes];
+        hn::Store(hn::IfThenElseZero(inside, hn::Min(hn::Mul(u, u), hn::Set(d, cap))), d, weights);
+        // A shape that is not felt, and the filling after the last one, adds nothing: finite numbers times 0.
+        for (std::size_t i = 0; i < lanes; ++i) {
+            sums.coverage += weights[i];
+            sums.density += densities[s + i] * weights[i];
+            sums.opacity += opacities[s + i] * weights[i];
+        }
+    }
+    return sums;
 }
 
 /// Eight marches side by side, shape by shape: a step gets its shapes in their order, as in the plain code.
@@ -198,6 +229,7 @@ HWY_AFTER_NAMESPACE();
 namespace orvo {
 
 HWY_EXPORT(spans);
+HWY_EXPORT(weigh);
 HWY_EXPORT(marchOne);
 
 ShapeTable::ShapeTable(const CloudShapeSet& set)
@@ -228,7 +260,8 @@ ShapeTable::ShapeTable(const CloudShapeSet& set)
             size2 += size * size;
         }
         value(density, s) = sphere.density;
-        usable_ = usable_ && sane(sphere.density);
+        value(opacity, s) = sphere.opacity;
+        usable_ = usable_ && sane(sphere.density) && sane(sphere.opacity);
         // The corners of a box are the points farthest out; four of them, as the others are opposite.
         double reach2 = 0.0;
         for (int corner = 0; corner < 4; ++corner) {
@@ -244,6 +277,24 @@ ShapeTable::ShapeTable(const CloudShapeSet& set)
 
 void spansOfShapes(const ShapeTable& shapes, const BoxRow& row, double shapeRadius, std::vector<ShapeSpan>& found) {
     HWY_DYNAMIC_DISPATCH(spans)(shapes, row, shapeRadius, found);
+}
+
+void ShapeSelection::select(const ShapeTable& shapes, const std::vector<ShapeSpan>& found) {
+    constexpr std::size_t selected = ShapeTable::opacity + 1;
+    count_ = found.size();
+    stride_ = (count_ + shadowSamples - 1) / shadowSamples * shadowSamples;
+    if (values_.size() < stride_ * selected) values_.resize(stride_ * selected);
+    for (std::size_t i = 0; i < selected; ++i) {
+        const double* from = shapes.component(static_cast<int>(i));
+        double* to = &values_[i * stride_];
+        for (std::size_t s = 0; s < count_; ++s) to[s] = from[found[s].shape];
+        // The filling is far from every point, and weighs nothing.
+        std::fill(to + count_, to + stride_, i == 9 ? 1e70 : 0.0);
+    }
+}
+
+CloudSample ShapeSelection::sums(const Vector3& point, double shapeRadius, double cap) const {
+    return HWY_DYNAMIC_DISPATCH(weigh)(*this, point, shapeRadius, cap);
 }
 
 bool marchSprite(const ShapeTable& shapes, const LightMarch& march, const Vector3& centre,

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "CloudShapes.h"
-
-#include <vector>
+#include "CloudGeneration.h"
 
 /// The vector code of cloud generation, for the widest unit that the machine has. Every lane does the very operations
 /// of the plain code in their order, without fused multiply-adds: no result differs in any bit.
@@ -17,10 +15,11 @@ public:
     /// is left to the plain code.
     bool usable() const { return usable_; }
 
-    /// Component i of shape s stands at i x stride + s: the matrix by rows, its first three columns; the density; the
-    /// most that a point moves in unit space when no coordinate moves by more than 1; a bound on rounding there.
+    /// Component i of shape s stands at i x stride + s: the matrix by rows, its first three columns; density and
+    /// opacity; the most that a point moves in unit space when no coordinate moves by more than 1; a bound on rounding
+    /// there.
     const double* component(int i) const { return &values_[static_cast<std::size_t>(i) * stride_]; }
-    static constexpr int matrix = 0, density = 12, reach = 13, slack = 14, components = 15;
+    static constexpr int matrix = 0, density = 12, opacity = 13, reach = 14, slack = 15, components = 16;
 
     std::size_t count() const { return count_; }
     /// The number of shapes, filled up to a multiple of the widest vector.
@@ -49,6 +48,25 @@ struct ShapeSpan {
 /// The shapes that may be felt in a row of boxes, in their order: outside the spans none is.
 /// @param shapeRadius of the shapes in unit space
 void spansOfShapes(const ShapeTable& shapes, const BoxRow& row, double shapeRadius, std::vector<ShapeSpan>& spans);
+
+/// Some of a cloud's shapes side by side, to be weighed at point after point.
+class ShapeSelection {
+public:
+    /// Takes the shapes of the spans, in their order.
+    void select(const ShapeTable& shapes, const std::vector<ShapeSpan>& spans);
+
+    /// Sums over the selected shapes, before they are turned into means: shapes reach as far as shapeRadius in unit
+    /// space, and none weighs more than cap.
+    CloudSample sums(const Vector3& point, double shapeRadius, double cap) const;
+
+    const double* component(int i) const { return &values_[static_cast<std::size_t>(i) * stride_]; }
+    std::size_t count() const { return count_; }
+    std::size_t stride() const { return stride_; }
+
+private:
+    std::size_t count_ = 0, stride_ = 0;
+    std::vector<double> values_; ///< components as in the table, up to opacity
+};
 
 /// What the march towards the light is like for all samples of a cloud.
 struct LightMarch {
