@@ -375,7 +375,7 @@ TEST_F(OtherSkies, TheSunsColourComesFromTheTables) {
     draw(towards(0, 0));
     must(
         "setAttr s.sunLightDir -type \"double3\" 0 1 0; setAttr s.sunLightIntensity 3; setAttr s.dummyInputTrigger 1;");
-    const auto& last = plain::skyTables(plain::defaultSky(false)).extinction.back();
+    const auto last = plain::skyTables(plain::defaultSky(false)).extinction.back();
     const char* const plugs[3] = {"rval", "gval", "bval"};
     const auto outputs = [&] {
         std::vector<double> values;
