@@ -156,6 +156,7 @@ TEST_F(Inspect, NamesWhatDoesNotFitInAScene) {
         {"fogStart = \"100.000000\"", "fogStart = \"500.000001\"", "SceneFog: fogStart lies behind fogEnd"},
         {"numVerts = \"4\"", "numVerts = \"5\"", "TriMesh: numVerts is 5, but there are 4"},
         {"indicies=\"0 2 3\"", "indicies=\"0 2 4\"", "Tri 2: there is no vertex 4"},
+        {"<Tri indicies=\"0 2 3\" />", "<Vert pos=\"0 0 0\" uv=\"0 0\" />", "Vert 5: it stands behind a triangle"},
         {"uv=\"1.000000 1.000000\"", "uv=\"1.000000\"", "Vert 3: uv is not 2 numbers"},
         {"<SceneFog", "<sceneFog", "unknown element <sceneFog>"},
         {"<SkySceneSettings", "stray<SkySceneSettings", "text that is part of no element: 'stray'"},

@@ -137,6 +137,8 @@ Element readMesh(const TiXmlElement& xml, Problems& problems) {
     int vertices = 0, triangles = 0;
     for (auto* v = xml.FirstChildElement("Vert"); v; v = v->NextSiblingElement("Vert")) {
         const Element vertex = readElement(*v, vertexRule, ++vertices, problems);
+        if (v->PreviousSibling() && v->PreviousSibling()->ValueStr() == "Tri")
+            problems.add(vertex, "it stands behind a triangle");
         if (const auto uv = vertex.get<std::string>("uv"); uv && !readTriple(*uv + " 0"))
             problems.add(vertex, "uv is not 2 numbers: '" + printable(*uv, 60) + "'");
         if (const auto p = vertex.get<Triple>("pos"))
@@ -149,7 +151,6 @@ Element readMesh(const TiXmlElement& xml, Problems& problems) {
             for (const double c : *corners)
                 if (c != std::floor(c) || c >= vertices)
                     problems.add(triangle, fmt::format("there is no vertex {}", c));
-        if (t->NextSiblingElement("Vert")) problems.add(triangle, "it stands before a vertex");
     }
     const auto compare = [&](const char* attribute, int counted) {
         if (const auto told = mesh.get<std::int64_t>(attribute); told && *told != counted)
