@@ -30,7 +30,7 @@ std::vector<std::string> takeScriptWords(std::vector<std::string>& words) {
     std::size_t at = 0;
     const auto valueFollows = [](const std::string& w) { return w == "-e" || w == "--project"; };
     while (at < words.size() && words[at] != "run") {
-        if (words[at] == "export" || words[at] == "render") return {};
+        if (words[at] == "export" || words[at] == "render" || words[at] == "inspect") return {};
         at += valueFollows(words[at]) ? 2 : 1;
     }
     bool text = false;
@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
 
-    CLI::App app("Runs, exports and renders the skies of Maya scenes, without Maya.", "orvosky");
+    CLI::App app("Runs, exports, renders and inspects the skies of Maya scenes, without Maya.", "orvosky");
     app.set_version_flag("--version", "orvosky " ORVOSKY_VERSION);
     app.require_subcommand(1);
     app.fallthrough();
@@ -94,6 +94,12 @@ int main(int argc, char** argv) {
     renderApp->add_option("--camera", rendering.camera, "Camera to look through");
     auto* time = renderApp->add_option("--time", rendering.time, "Time to draw, in the scene's time unit");
 
+    InspectOptions inspecting;
+    auto* inspectApp = app.add_subcommand("inspect", "Show what an exported file holds, and whether it fits together");
+    inspectApp->add_option("file", inspecting.file, "A sky scene (.atmos), or the XML file of clouds or their shading")
+        ->required();
+    inspectApp->add_flag("--json", inspecting.json, "For tools: JSON");
+
     std::vector<std::string> words(argv + 1, argv + argc);
     run.arguments = takeScriptWords(words);
     std::reverse(words.begin(), words.end()); // as CLI11 takes them
@@ -106,6 +112,7 @@ int main(int argc, char** argv) {
     }
     if (runApp->parsed()) return runCommand(common, run);
     if (exportApp->parsed()) return exportCommand(common, exporting);
+    if (inspectApp->parsed()) return inspectCommand(inspecting);
     rendering.timeGiven = time->count() > 0;
     return renderCommand(common, rendering);
 }
