@@ -47,7 +47,11 @@ public:
         // A step beyond all numbers would leave one candidate, beyond all numbers too.
         if (!(n * n * n <= 1000000.0) || !std::isfinite(step_)) return;
         std::vector<double> grid;
-        for (double x = 0.0; x < extent; x += step_) grid.push_back(x);
+        double at = 0.0;
+        while (at < extent) {
+            grid.push_back(at);
+            at += step_;
+        }
         for (const double x : grid)
             for (const double y : grid)
                 if (!scatterRow(x, y, grid)) return;
@@ -68,6 +72,9 @@ private:
         for (std::uint32_t i = 0; i < set_.spheres.size(); ++i) spans_.push_back({i, 0, count - 1});
     }
 
+    /// Three draws a box.
+    void skipBoxes(int count) { random_.skip(3 * static_cast<std::uint64_t>(count)); }
+
     /// The sums over the shapes felt in box k of the row.
     CloudSample sumsAt(const Vector3& p, int k) const {
         CloudSample sums;
@@ -87,13 +94,13 @@ private:
             last = std::max(last, span.last);
         }
         if (last < 0) {
-            random_.skip(3u * static_cast<unsigned>(count));
+            skipBoxes(count);
             return true;
         }
         // Of many shapes in a row few are felt in one box.
         const bool fewShapes = table_.usable() && spans_.size() <= 32;
         if (fewShapes) selection_.select(table_, spans_);
-        random_.skip(3u * static_cast<unsigned>(first));
+        skipBoxes(first);
         for (int k = first; k <= last; ++k) {
             const double r1 = random_.RandomFloat(), r2 = random_.RandomFloat(), r3 = random_.RandomFloat();
             const double radius = set_.boundRadius;
@@ -107,7 +114,7 @@ private:
             opacities.push_back(static_cast<float>(sample.opacity));
             if (positions.size() == maxSprites) return false;
         }
-        random_.skip(3u * static_cast<unsigned>(count - 1 - last));
+        skipBoxes(count - 1 - last);
         return true;
     }
 
