@@ -1,6 +1,7 @@
 #include "SkyTool/ScatteringTables.h"
 
 #include "PlainScattering.h"
+#include "SkyTool/ScatteringKernels.h"
 #include "SkyTool/TexturedSkyLocator.h"
 
 #include <gtest/gtest.h>
@@ -112,6 +113,11 @@ TEST(ScatteringTables, AreThePlainLoopsBitByBit) {
         in.*extreme.field = extreme.value;
         expectPlainBits(in, extreme.what);
     }
+    // Below the horizon the density passes what a double holds, where the light is gone already: no number times 0.
+    plain::SkyInputs thin = plain::defaultSky(true);
+    thin.hazeHeight = 6;
+    expectPlainBits(thin, "haze beyond all numbers");
+
     std::mt19937 random(5489);
     const auto within = [&](double low, double high) {
         return low + (high - low) * static_cast<double>(random()) / 4294967296.0;
@@ -129,6 +135,36 @@ TEST(ScatteringTables, AreThePlainLoopsBitByBit) {
                                   .redDecay = slider(15),
                                   .redDecayFalloff = slider(30)};
         expectPlainBits(in, "random atmosphere " + std::to_string(i));
+    }
+}
+
+// Catches exponentials less exact than the bounds say, which almost no float shows: shallow layers have few steps, and
+// so the tightest bounds. And bounds so wide that the vectors are of no use.
+TEST(ScatteringTables, TheFastIntegralKeepsItsBounds) {
+    for (const double scaleHeight : {3.0, 7.0, 20.0, 200.0}) {
+        AtmosphereModel model = steppedModel(50);
+        model.haze.scaleHeight = model.blueSky.scaleHeight = scaleHeight;
+        model.redDecay.scaleHeight = scaleHeight * 0.7;
+        model.hazeExtinction = model.hazeExtinction * 100.0;
+        const Vector3 eye{0, model.planetRadius + 1, 0};
+        std::vector<TableRay> rays;
+        for (double mu = 0.01; mu < 1; mu += 0.01) {
+            const Vector3 direction{std::sqrt(1 - mu * mu), mu, 0};
+            rays.push_back({direction.x, direction.y, atmosphereExit(model, eye, direction).value_or(0)});
+        }
+        std::vector<NearScattering> near(rays.size());
+        ASSERT_TRUE(integrateRays(model, eye.y, rays, near));
+        for (std::size_t i = 0; i < rays.size(); ++i) {
+            const RayScattering wanted = integrateRay(model, eye, {rays[i].x, rays[i].y, 0});
+            const auto expectWithin = [&](const Vector3& value, const Vector3& exact, const Vector3& error) {
+                EXPECT_LE(std::abs(value.x - exact.x), exact.x * error.x) << scaleHeight << ", ray " << i;
+                EXPECT_LE(std::abs(value.z - exact.z), exact.z * error.z) << scaleHeight << ", ray " << i;
+                EXPECT_LT(std::max(error.x, error.z), 1e-10) << scaleHeight << ", ray " << i;
+            };
+            expectWithin(near[i].value.blueSky, wanted.blueSky, near[i].error.blueSky);
+            expectWithin(near[i].value.haze, wanted.haze, near[i].error.haze);
+            expectWithin(near[i].value.extinction, wanted.extinction, near[i].error.extinction);
+        }
     }
 }
 
