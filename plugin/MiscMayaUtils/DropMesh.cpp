@@ -190,8 +190,14 @@ MStatus DropMeshCommand::dropPoints(MPointArray& points, const Statics& statics,
     for (const auto& mesh : statics) surfaces.push_back({mesh.get()});
     const Rays rays{static_cast<float>(staticTop_ + kRayMargin),
                     static_cast<float>((staticTop_ - staticBottom_) + 2 * kRayMargin)};
+    unsigned nowhere = 0;
     for (moved = 0; moved < points.length(); ++moved) {
         MPoint& point = points[moved];
+        // Nothing lies below a vertex that is nowhere; it must not keep the others from falling.
+        if (!std::isfinite(point.x) || !std::isfinite(point.y) || !std::isfinite(point.z)) {
+            ++nowhere;
+            continue;
+        }
         std::optional<MFloatPoint> hit;
         MStatus status = highestHit(point, rays, surfaces, hit);
         if (status.error()) return status;
@@ -204,6 +210,7 @@ MStatus DropMeshCommand::dropPoints(MPointArray& points, const Statics& statics,
         if (status.error()) return status;
         point.y = nearest.y + offset_;
     }
+    if (nowhere) reportWarning("DropMeshCommand: %d vertices have no position and are left alone\n", nowhere);
     return MStatus::kSuccess;
 }
 

@@ -16,7 +16,8 @@ namespace orvo {
 ///
 /// Drapes a mesh onto others: each vertex goes straight down (or up) onto the highest surface of the static meshes at
 /// its place, and then up by the offset (world units along Y). A vertex beside all of them takes the height of the
-/// point nearest to it. A drop object that is among the static ones falls onto the surface that it had before.
+/// point nearest to it, and one whose position is no number stays as it is. A drop object that is among the static ones
+/// falls onto the surface that it had before.
 class DropMeshCommand : public MPxCommand {
 public:
     MStatus doIt(const MArgList& args) override;

@@ -216,3 +216,15 @@ TEST_F(DropMesh, OntoItselfTakesTheSurfaceAsItWas) {
     must("undo");
     EXPECT_NEAR(heights("drop")[0], -1, 1e-6);
 }
+
+// Catches one bad vertex that keeps a mesh from being dropped, or leaves it half dropped without an undo.
+TEST_F(DropMesh, LeavesVerticesWithoutAPositionAlone) {
+    plane("ground", 100, 1, 0, 0, 0);
+    plane("drop", 10, 1, 0, 20, 0);
+    ASSERT_TRUE(mesh("drop")->setPoint(1, MPoint(std::nan(""), 1, 2)));
+    ASSERT_TRUE(drop("{\"ground\"}", "1")) << failure_;
+    EXPECT_THAT(log_.all(), ElementsAre("Warning: DropMeshCommand: 1 vertices have no position and are left alone\n"));
+    const auto after = heights("drop");
+    EXPECT_TRUE(std::isnan(after[1]));
+    for (const std::size_t i : {0, 2, 3}) EXPECT_NEAR(after[i], 1, 1e-4);
+}
