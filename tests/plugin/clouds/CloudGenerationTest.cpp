@@ -75,6 +75,7 @@ struct Case {
 std::vector<Case> cases() {
     std::vector<Case> all;
     all.push_back({"one shape", randomCloud(1, 1), 1e6});
+    all.back().cloud.set.spheres[0].density = 1.0; // less than 0.7 would keep nothing
     all.push_back({"twenty", randomCloud(20, 2)});
     all.push_back({"twenty to the limit, with fade", randomCloud(20, 3), 200000.0, 8000.0, slanted, true});
     all.push_back({"a fade upside down", randomCloud(9, 4), 3e4, 8000.0, slanted, true, -10000.0, 0.0});
