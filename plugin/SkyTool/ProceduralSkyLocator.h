@@ -11,9 +11,11 @@
 namespace orvo {
 
 /// A sky integrated from a few parameters of an atmosphere: haze, blue sky, red decay. It draws itself in the host's
-/// draw, is no part of what the sky renderer draws, and is not exported. Its output is the colour of the sun behind the
-/// atmosphere, for other nodes to be lit by: that of the tables drawn last, and brought up to date only when the
-/// trigger input changes.
+/// draw, is no part of what the sky renderer draws, and is not exported. A host that draws locators in the order of the
+/// scene wants it before the sky renderer, or it hides what that has drawn.
+///
+/// Its output is the colour of the sun behind the atmosphere, for other nodes to be lit by: that of the tables drawn
+/// last, and brought up to date only when the trigger input changes.
 class ProceduralSkyLocator : public MPxLocatorNode {
 public:
     static const MTypeId id;

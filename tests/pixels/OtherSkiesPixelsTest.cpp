@@ -268,6 +268,24 @@ TEST_F(OtherSkies, GradientImageIsLoadedOnceAPath) {
     EXPECT_TRUE(image(0)) << "another path";
 }
 
+// Catches sizes that trip the loader, and files of another kind than their names say.
+TEST_F(OtherSkies, GradientSkyTakesImagesOfAnySizeAndNothingElse) {
+    make("GradientSkyLocator");
+    set("sunEnable", 0);
+    const std::array<int, 3> colour{64, 128, 192};
+    for (const int width : {1, 16384}) {
+        host::viewport::Picture picture(width, 1, 3);
+        for (int i = 0; i < width; ++i) std::copy_n(colour.begin(), 3, picture.row(0) + std::ptrdiff_t{3} * i);
+        const auto path = project() / folder_ / (std::to_string(width) + ".png");
+        ASSERT_TRUE(picture.write(path.string()));
+        setText("gradientTexture", path.string());
+        EXPECT_THAT(colours(towards(20, 0)), ElementsAre(colour)) << width;
+    }
+    std::ofstream(project() / folder_ / "text.png") << "no picture";
+    setText("gradientTexture", (project() / folder_ / "text.png").string());
+    EXPECT_EQ(colours(towards(60, 0)).count({32, 32, 32}), 1U);
+}
+
 // Catches a face, or the quarters of one, in the wrong place; a rotation about another axis or the wrong way round;
 // alpha that does not divide the linear colour; a brightness outside linear light.
 TEST_F(OtherSkies, TexturedSkyShowsEachFaceInItsPlace) {
