@@ -9,6 +9,7 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <exception>
 #include <span>
@@ -117,6 +118,8 @@ private:
 
 /// What the process that reads does. It never returns, and runs nothing that the host has set up for its own end.
 [[noreturn]] void readAndSend(const std::filesystem::path& file, int pipe) {
+    // What the host does when it crashes is not for this process.
+    for (const int crash : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) std::signal(crash, SIG_DFL);
     const rlimit noCore{0, 0}, seconds{kMostSeconds, kMostSeconds};
     setrlimit(RLIMIT_CORE, &noCore);
     setrlimit(RLIMIT_CPU, &seconds);

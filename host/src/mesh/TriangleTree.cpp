@@ -9,6 +9,7 @@
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <vector>
 
 namespace host::mesh {
 namespace {
@@ -44,9 +45,6 @@ RTCDevice device() {
 }
 
 double spread(const V3d& v) { return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)}); }
-
-float up(double value) { return std::nextafter(static_cast<float>(value), std::numeric_limits<float>::infinity()); }
-float down(double value) { return std::nextafter(static_cast<float>(value), -std::numeric_limits<float>::infinity()); }
 
 bool finite(const V3d& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
 
@@ -108,8 +106,8 @@ struct TriangleTree::Tree {
     double scale = 1; // a power of two
     double slack = 0;
     std::size_t bytes = 0;
-    // Of the lists while the tree is built.
-    std::span<const V3d> points;
+    // While the tree is built: the points in its coordinates, and their triangles.
+    std::vector<Imath::V3f> places;
     std::span<const std::array<int, 3>> triangles;
 
     ~Tree() {
@@ -117,29 +115,25 @@ struct TriangleTree::Tree {
     }
 
     void bounds(unsigned int triangle, RTCBounds& box) const {
-        V3d low(std::numeric_limits<double>::infinity()), high = -low;
-        for (const int vertex : triangles[triangle]) {
-            const V3d p = (points[static_cast<std::size_t>(vertex)] - centre) * scale;
-            if (!finite(p)) { // turned inside out: Embree leaves it out
-                low = V3d(1.0);
-                high = V3d(-1.0);
-                break;
-            }
-            for (int k = 0; k < 3; ++k) {
-                low[k] = std::min(low[k], p[k]);
-                high[k] = std::max(high[k], p[k]);
-            }
+        const auto& [a, b, c] = triangles[triangle];
+        const Imath::V3f &p = places[static_cast<std::size_t>(a)], &q = places[static_cast<std::size_t>(b)],
+                         &r = places[static_cast<std::size_t>(c)];
+        if (!std::isfinite(p.x + p.y + p.z + q.x + q.y + q.z + r.x + r.y + r.z)) {
+            box = {1, 1, 1, 0, -1, -1, -1, 0}; // turned inside out: Embree leaves it out
+            return;
         }
-        if (low.x <= high.x) {
-            const V3d wider = (high - low) * slack + V3d(kMargin);
-            low -= wider;
-            high += wider;
-        }
-        box.lower_x = down(low.x), box.lower_y = down(low.y), box.lower_z = down(low.z);
-        box.upper_x = up(high.x), box.upper_y = up(high.y), box.upper_z = up(high.z);
+        const auto bound = [this](float x, float y, float z, float& low, float& high) {
+            const float least = std::min({x, y, z}), most = std::max({x, y, z});
+            const float wider = (most - least) * static_cast<float>(slack) + static_cast<float>(kMargin);
+            low = least - wider;
+            high = most + wider;
+        };
+        bound(p.x, q.x, r.x, box.lower_x, box.upper_x);
+        bound(p.y, q.y, r.y, box.lower_y, box.upper_y);
+        bound(p.z, q.z, r.z, box.lower_z, box.upper_z);
     }
 
-    void place() {
+    void place(std::span<const V3d> points) {
         V3d low(std::numeric_limits<double>::infinity()), high = -low;
         for (const auto& triangle : triangles)
             for (const int vertex : triangle) {
@@ -150,22 +144,26 @@ struct TriangleTree::Tree {
                     high[k] = std::max(high[k], p[k]);
                 }
             }
-        if (!(low.x <= high.x)) return;
+        places.resize(points.size());
+        if (!(low.x <= high.x)) {
+            std::ranges::fill(places, Imath::V3f(std::numeric_limits<float>::quiet_NaN()));
+            return;
+        }
         centre = low + (high - low) * 0.5;
         const double half = spread(high - low) * 0.5;
         int exponent = 0;
         std::frexp(half, &exponent);
         if (half > 0) scale = std::ldexp(1.0, std::clamp(-exponent, -1000, 1000));
+        for (std::size_t i = 0; i < points.size(); ++i) places[i] = Imath::V3f((points[i] - centre) * scale);
     }
 };
 
 TriangleTree::TriangleTree(std::span<const V3d> points, std::span<const std::array<int, 3>> triangles, double slack)
     : tree_(std::make_unique<Tree>()) {
     Tree& tree = *tree_;
-    tree.points = points;
     tree.triangles = triangles;
     tree.slack = slack;
-    tree.place();
+    tree.place(points);
     const std::ptrdiff_t before = embreeBytes;
     tree.scene = rtcNewScene(device());
     const RTCGeometry geometry = rtcNewGeometry(device(), RTC_GEOMETRY_TYPE_USER);
@@ -184,7 +182,7 @@ TriangleTree::TriangleTree(std::span<const V3d> points, std::span<const std::arr
     rtcAttachGeometry(tree.scene, geometry);
     rtcReleaseGeometry(geometry);
     rtcCommitScene(tree.scene);
-    tree.points = {};
+    tree.places = {};
     tree.triangles = {};
     tree.bytes = static_cast<std::size_t>(std::max<std::ptrdiff_t>(embreeBytes - before, 0));
     if (rtcGetDeviceError(device()) != RTC_ERROR_NONE) throw std::bad_alloc();
