@@ -174,6 +174,22 @@ TEST_F(DropMesh, UndoesAndRedoes) {
     EXPECT_THAT(log_.errors(), ElementsAre());
 }
 
+// A redo falls from where the first run did, and its undo goes back to where that began, whatever moved since.
+TEST_F(DropMesh, RedoKeepsWhatTheFirstRunMeasured) {
+    plane("low", 100, 1, 0, 0, 0);
+    plane("high", 100, 1, 0, 1, 0);
+    plane("drop", 10, 1, 0, 20, 0);
+    const auto before = points("drop");
+    ASSERT_TRUE(drop("{\"low\", \"high\"}", "0"));
+    EXPECT_THAT(heights("drop"), testing::Each(testing::DoubleNear(1, 1e-4)));
+    must("undo; undoInfo -swf 0; setAttr \"high.ty\" 5000");
+    ASSERT_TRUE(mesh("drop")->setPoint(0, MPoint(0, 7, 0)));
+    must("undoInfo -swf 1; redo");
+    EXPECT_THAT(heights("drop"), testing::Each(testing::DoubleNear(0, 1e-4)));
+    must("undo");
+    EXPECT_EQ(points("drop"), before);
+}
+
 TEST_F(DropMesh, UndoRefusesAnotherMesh) {
     plane("ground", 100, 1, 0, 0, 0);
     plane("drop", 10, 1, 0, 20, 0);
