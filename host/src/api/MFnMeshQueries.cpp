@@ -170,8 +170,11 @@ bool MFnMesh::closestIntersection(const MFloatPoint& raySource, const MFloatVect
         if (!found) return;
         hitPoint = singlePoint(hit->point);
         give(hitRayParam, hit->param);
-        give(hitFace, queries.faceOf(hit->triangle));
-        give(hitTriangle, triangleInFace(queries, hit->triangle));
+        if (hitFace || hitTriangle) {
+            const int face = queries.faceOf(hit->triangle);
+            give(hitFace, face);
+            give(hitTriangle, hit->triangle - queries.firstTriangle(face));
+        }
         give(hitBary1, hit->bary1);
         give(hitBary2, hit->bary2);
     };
@@ -316,7 +319,7 @@ MStatus MFnMesh::getClosestPoint(const MPoint& toThisPoint, MPoint& theClosestPo
                            const auto nearest = q.nearest(point);
                            if (!nearest) return MStatus::kFailure;
                            theClosestPoint = MPoint(nearest->point.x, nearest->point.y, nearest->point.z);
-                           give(closestPolygon, q.faceOf(nearest->triangle));
+                           if (closestPolygon) *closestPolygon = q.faceOf(nearest->triangle);
                            return MStatus::kSuccess;
                        });
 }
