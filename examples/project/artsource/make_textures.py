@@ -129,7 +129,8 @@ def aurora(direction):
     u, v = azimuth * 60, math.asin(y) * 60
     if value(math.floor(u) * 7.31, math.floor(v) * 3.77) > 0.86:
         star = 0.8 * smooth(1 - 2.6 * math.hypot(u - math.floor(u) - 0.5, (v - math.floor(v) - 0.5)))
-    return tuple(s + 0.85 * g + star * (1 - min(1, 2 * sum(glow))) for s, g in zip(sky, glow))
+    star *= smooth(1 - 8 * sum(glow))
+    return tuple(s + 0.85 * g + star for s, g in zip(sky, glow))
 
 
 # What the column and row of each face of a cube map look at, from -1 to 1, rows downward.
@@ -170,7 +171,7 @@ def main():
         faces = [tga("face%d" % i, 256, 256, aurora_face(look, 256)) for i, look in enumerate(FACES.values())]
         cube = os.path.join(work, "cube.dds")
         run("nvassemble", "-cube", *faces, "-o", cube)
-        run("nvcompress", "-nomips", "-bc1", cube, os.path.join(build, "skies", "aurora.dds"))
+        run("nvcompress", "-nomips", "-fast", "-bc1", cube, os.path.join(build, "skies", "aurora.dds"))
 
 
 if __name__ == "__main__":

@@ -3,20 +3,21 @@
 //Codeset: UTF-8
 requires maya "2010";
 requires "orvosky" "RVX v1.40.0";
+requires "xeliLocator" "1.0";
 currentUnit -l centimeter -a degree -t film;
 fileInfo "application" "maya";
 fileInfo "product" "Maya Unlimited 2010";
 fileInfo "version" "2010 x64";
 createNode transform -s -n "persp";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" 0 900 5200;
-	setAttr ".r" -type "double3" 15 8 0;
+	setAttr ".t" -type "double3" 0 1400 5200;
+	setAttr ".r" -type "double3" 13 4 0;
 createNode camera -s -n "perspShape" -p "persp";
 	setAttr -k off ".v" no;
 	setAttr ".rnd" yes;
-	setAttr ".fl" 24;
+	setAttr ".fl" 21;
 	setAttr ".coi" 5200;
-	setAttr ".ncp" 10;
+	setAttr ".ncp" 100;
 	setAttr ".fcp" 3e+06;
 	setAttr ".o" no;
 	setAttr ".imn" -type "string" "persp";
@@ -74,91 +75,254 @@ createNode orvosky_SkySceneSettings -n "skySettingsShape" -p "skySettings";
 	setAttr -k off ".v";
 	setAttr ".useGameSunDir" no;
 	setAttr ".cloudBackBufferRes" 1;
-createNode transform -n "daySky" -p "OrvoSkyData";
-createNode orvosky_BasicSkyLocator -n "daySkyShape" -p "daySky";
-	setAttr -k off ".v";
-	setAttr ".sunDir" -type "double3" 0.55 0.5 -0.67;
-	setAttr ".sunColour" -type "float3" 1 0.93 0.8;
-	setAttr ".sunIntensity" 1;
-	setAttr ".sunDiskSize" 0.16;
-	setAttr ".sunDiskFalloff" 9;
-	setAttr ".sunDiskWeight" 0.9;
-	setAttr ".zenithColour" -type "float3" 0.1 0.26 0.58;
-	setAttr ".horizonColour" -type "float3" 0.66 0.79 0.92;
-	setAttr ".horizonFalloff" 4;
-	setAttr ".horizonOffset" 0.02;
 createNode transform -n "valleyFog" -p "OrvoSkyData";
 createNode orvosky_ExpHeightFog -n "valleyFogShape" -p "valleyFog";
 	setAttr -k off ".v";
 	setAttr ".fogHeight" 30;
 	setAttr ".fogHeightOffset" 2;
-	setAttr ".fogDensity" 5;
-	setAttr ".fogColour" -type "float3" 0.74 0.83 0.92;
-	setAttr ".fogAlpha" 0.85;
+	setAttr ".fogDensity" 0.8;
+	setAttr ".fogColour" -type "float3" 0.86 0.9 0.94;
+	setAttr ".fogAlpha" 0.95;
+createNode transform -n "daySky" -p "OrvoSkyData";
+createNode orvosky_GradientSkyLocator -n "daySkyShape" -p "daySky";
+	setAttr ".sunDir" -type "double3" 0.62 0.42 -0.66;
+	setAttr ".sunColour" -type "float3" 1 0.93 0.8;
+	setAttr ".sunDiskWeight" 0.8;
+	setAttr ".gradientTexture" -type "string" "build\\skies\\times_of_day.png";
+	setAttr ".xcoord" 0.6;
+createNode transform -n "cirrus" -p "OrvoSkyData";
+createNode transform -n "cirrusLayer" -p "cirrus";
+createNode orvosky_SpriteCloudLocator -n "cirrusLayerShape" -p "cirrusLayer";
+	setAttr ".alwaysUpdateMesh" no;
+	setAttr ".spriteTexture" -type "string" "build\\clouds\\wisps.dds";
+	setAttr ".alphaScale" 0.75;
+createNode transform -n "cirrusMesh" -p "cirrus";
+	setAttr ".v" no;
+	setAttr ".t" -type "double3" 1e+05 420000 -5e+05;
+createNode mesh -n "cirrusMeshShape" -p "cirrusMesh";
+	setAttr ".uvst[0].uvsn" -type "string" "map1";
+	setAttr -s 81 ".uvst[0].uvsp[0:80]" -type "float2" 0 0 0.125 0 0.25 0 0.375 0 0.5 0 0.625 0 0.75 0 0.875 0 1 0 0 0.125 0.125 0.125 0.25 0.125 0.375 0.125 0.5 0.125
+		0.625 0.125 0.75 0.125 0.875 0.125 1 0.125 0 0.25 0.125 0.25 0.25 0.25 0.375 0.25 0.5 0.25 0.625 0.25 0.75 0.25
+		0.875 0.25 1 0.25 0 0.375 0.125 0.375 0.25 0.375 0.375 0.375 0.5 0.375 0.625 0.375 0.75 0.375 0.875 0.375 1 0.375
+		0 0.5 0.125 0.5 0.25 0.5 0.375 0.5 0.5 0.5 0.625 0.5 0.75 0.5 0.875 0.5 1 0.5 0 0.625 0.125 0.625 0.25 0.625 0.375
+		0.625 0.5 0.625 0.625 0.625 0.75 0.625 0.875 0.625 1 0.625 0 0.75 0.125 0.75 0.25 0.75 0.375 0.75 0.5 0.75 0.625
+		0.75 0.75 0.75 0.875 0.75 1 0.75 0 0.875 0.125 0.875 0.25 0.875 0.375 0.875 0.5 0.875 0.625 0.875 0.75 0.875 0.875
+		0.875 1 0.875 0 1 0.125 1 0.25 1 0.375 1 0.5 1 0.625 1 0.75 1 0.875 1 1 1;
+	setAttr ".cuvs" -type "string" "map1";
+	setAttr -s 81 ".vt[0:80]" -1200000 0 1200000 -9e+05 0 1200000 -6e+05 0 1200000 -3e+05 0 1200000 0 0 1200000 3e+05 0 1200000 6e+05 0 1200000
+		9e+05 0 1200000 1200000 0 1200000 -1200000 0 9e+05 -9e+05 0 9e+05 -6e+05 0 9e+05 -3e+05 0 9e+05 0 0 9e+05 3e+05
+		0 9e+05 6e+05 0 9e+05 9e+05 0 9e+05 1200000 0 9e+05 -1200000 0 6e+05 -9e+05 0 6e+05 -6e+05 0 6e+05 -3e+05 0 6e+05
+		0 0 6e+05 3e+05 0 6e+05 6e+05 0 6e+05 9e+05 0 6e+05 1200000 0 6e+05 -1200000 0 3e+05 -9e+05 0 3e+05 -6e+05 0 3e+05
+		-3e+05 0 3e+05 0 0 3e+05 3e+05 0 3e+05 6e+05 0 3e+05 9e+05 0 3e+05 1200000 0 3e+05 -1200000 0 0 -9e+05 0 0 -6e+05
+		0 0 -3e+05 0 0 0 0 0 3e+05 0 0 6e+05 0 0 9e+05 0 0 1200000 0 0 -1200000 0 -3e+05 -9e+05 0 -3e+05 -6e+05 0 -3e+05
+		-3e+05 0 -3e+05 0 0 -3e+05 3e+05 0 -3e+05 6e+05 0 -3e+05 9e+05 0 -3e+05 1200000 0 -3e+05 -1200000 0 -6e+05 -9e+05
+		0 -6e+05 -6e+05 0 -6e+05 -3e+05 0 -6e+05 0 0 -6e+05 3e+05 0 -6e+05 6e+05 0 -6e+05 9e+05 0 -6e+05 1200000 0 -6e+05
+		-1200000 0 -9e+05 -9e+05 0 -9e+05 -6e+05 0 -9e+05 -3e+05 0 -9e+05 0 0 -9e+05 3e+05 0 -9e+05 6e+05 0 -9e+05 9e+05
+		0 -9e+05 1200000 0 -9e+05 -1200000 0 -1200000 -9e+05 0 -1200000 -6e+05 0 -1200000 -3e+05 0 -1200000 0 0 -1200000
+		3e+05 0 -1200000 6e+05 0 -1200000 9e+05 0 -1200000 1200000 0 -1200000;
+	setAttr -s 144 ".ed[0:143]" 0 1 0 1 10 1 10 9 1 9 0 0 1 2 0 2 11 1 11 10 1 2 3 0 3 12 1 12 11 1 3 4 0 4 13 1 13 12 1 4 5 0 5 14 1 14 13 1
+		5 6 0 6 15 1 15 14 1 6 7 0 7 16 1 16 15 1 7 8 0 8 17 0 17 16 1 10 19 1 19 18 1 18 9 0 11 20 1 20 19 1 12 21 1 21
+		20 1 13 22 1 22 21 1 14 23 1 23 22 1 15 24 1 24 23 1 16 25 1 25 24 1 17 26 0 26 25 1 19 28 1 28 27 1 27 18 0 20
+		29 1 29 28 1 21 30 1 30 29 1 22 31 1 31 30 1 23 32 1 32 31 1 24 33 1 33 32 1 25 34 1 34 33 1 26 35 0 35 34 1 28
+		37 1 37 36 1 36 27 0 29 38 1 38 37 1 30 39 1 39 38 1 31 40 1 40 39 1 32 41 1 41 40 1 33 42 1 42 41 1 34 43 1 43
+		42 1 35 44 0 44 43 1 37 46 1 46 45 1 45 36 0 38 47 1 47 46 1 39 48 1 48 47 1 40 49 1 49 48 1 41 50 1 50 49 1 42
+		51 1 51 50 1 43 52 1 52 51 1 44 53 0 53 52 1 46 55 1 55 54 1 54 45 0 47 56 1 56 55 1 48 57 1 57 56 1 49 58 1 58
+		57 1 50 59 1 59 58 1 51 60 1 60 59 1 52 61 1 61 60 1 53 62 0 62 61 1 55 64 1 64 63 1 63 54 0 56 65 1 65 64 1 57
+		66 1 66 65 1 58 67 1 67 66 1 59 68 1 68 67 1 60 69 1 69 68 1 61 70 1 70 69 1 62 71 0 71 70 1 64 73 1 73 72 0 72
+		63 0 65 74 1 74 73 0 66 75 1 75 74 0 67 76 1 76 75 0 68 77 1 77 76 0 69 78 1 78 77 0 70 79 1 79 78 0 71 80 0 80
+		79 0;
+	setAttr -s 64 -ch 256 ".fc[0:63]" -type "polyFaces"
+		f 4 0 1 2 3
+		mu 0 4 0 1 10 9
+		f 4 4 5 6 -2
+		mu 0 4 1 2 11 10
+		f 4 7 8 9 -6
+		mu 0 4 2 3 12 11
+		f 4 10 11 12 -9
+		mu 0 4 3 4 13 12
+		f 4 13 14 15 -12
+		mu 0 4 4 5 14 13
+		f 4 16 17 18 -15
+		mu 0 4 5 6 15 14
+		f 4 19 20 21 -18
+		mu 0 4 6 7 16 15
+		f 4 22 23 24 -21
+		mu 0 4 7 8 17 16
+		f 4 -3 25 26 27
+		mu 0 4 9 10 19 18
+		f 4 -7 28 29 -26
+		mu 0 4 10 11 20 19
+		f 4 -10 30 31 -29
+		mu 0 4 11 12 21 20
+		f 4 -13 32 33 -31
+		mu 0 4 12 13 22 21
+		f 4 -16 34 35 -33
+		mu 0 4 13 14 23 22
+		f 4 -19 36 37 -35
+		mu 0 4 14 15 24 23
+		f 4 -22 38 39 -37
+		mu 0 4 15 16 25 24
+		f 4 -25 40 41 -39
+		mu 0 4 16 17 26 25
+		f 4 -27 42 43 44
+		mu 0 4 18 19 28 27
+		f 4 -30 45 46 -43
+		mu 0 4 19 20 29 28
+		f 4 -32 47 48 -46
+		mu 0 4 20 21 30 29
+		f 4 -34 49 50 -48
+		mu 0 4 21 22 31 30
+		f 4 -36 51 52 -50
+		mu 0 4 22 23 32 31
+		f 4 -38 53 54 -52
+		mu 0 4 23 24 33 32
+		f 4 -40 55 56 -54
+		mu 0 4 24 25 34 33
+		f 4 -42 57 58 -56
+		mu 0 4 25 26 35 34
+		f 4 -44 59 60 61
+		mu 0 4 27 28 37 36
+		f 4 -47 62 63 -60
+		mu 0 4 28 29 38 37
+		f 4 -49 64 65 -63
+		mu 0 4 29 30 39 38
+		f 4 -51 66 67 -65
+		mu 0 4 30 31 40 39
+		f 4 -53 68 69 -67
+		mu 0 4 31 32 41 40
+		f 4 -55 70 71 -69
+		mu 0 4 32 33 42 41
+		f 4 -57 72 73 -71
+		mu 0 4 33 34 43 42
+		f 4 -59 74 75 -73
+		mu 0 4 34 35 44 43
+		f 4 -61 76 77 78
+		mu 0 4 36 37 46 45
+		f 4 -64 79 80 -77
+		mu 0 4 37 38 47 46
+		f 4 -66 81 82 -80
+		mu 0 4 38 39 48 47
+		f 4 -68 83 84 -82
+		mu 0 4 39 40 49 48
+		f 4 -70 85 86 -84
+		mu 0 4 40 41 50 49
+		f 4 -72 87 88 -86
+		mu 0 4 41 42 51 50
+		f 4 -74 89 90 -88
+		mu 0 4 42 43 52 51
+		f 4 -76 91 92 -90
+		mu 0 4 43 44 53 52
+		f 4 -78 93 94 95
+		mu 0 4 45 46 55 54
+		f 4 -81 96 97 -94
+		mu 0 4 46 47 56 55
+		f 4 -83 98 99 -97
+		mu 0 4 47 48 57 56
+		f 4 -85 100 101 -99
+		mu 0 4 48 49 58 57
+		f 4 -87 102 103 -101
+		mu 0 4 49 50 59 58
+		f 4 -89 104 105 -103
+		mu 0 4 50 51 60 59
+		f 4 -91 106 107 -105
+		mu 0 4 51 52 61 60
+		f 4 -93 108 109 -107
+		mu 0 4 52 53 62 61
+		f 4 -95 110 111 112
+		mu 0 4 54 55 64 63
+		f 4 -98 113 114 -111
+		mu 0 4 55 56 65 64
+		f 4 -100 115 116 -114
+		mu 0 4 56 57 66 65
+		f 4 -102 117 118 -116
+		mu 0 4 57 58 67 66
+		f 4 -104 119 120 -118
+		mu 0 4 58 59 68 67
+		f 4 -106 121 122 -120
+		mu 0 4 59 60 69 68
+		f 4 -108 123 124 -122
+		mu 0 4 60 61 70 69
+		f 4 -110 125 126 -124
+		mu 0 4 61 62 71 70
+		f 4 -112 127 128 129
+		mu 0 4 63 64 73 72
+		f 4 -115 130 131 -128
+		mu 0 4 64 65 74 73
+		f 4 -117 132 133 -131
+		mu 0 4 65 66 75 74
+		f 4 -119 134 135 -133
+		mu 0 4 66 67 76 75
+		f 4 -121 136 137 -135
+		mu 0 4 67 68 77 76
+		f 4 -123 138 139 -137
+		mu 0 4 68 69 78 77
+		f 4 -125 140 141 -139
+		mu 0 4 69 70 79 78
+		f 4 -127 142 143 -141
+		mu 0 4 70 71 80 79;
 createNode transform -n "cloudShading" -p "OrvoSkyData";
 createNode orvosky_ParticleCloudShadingParams -n "cloudShadingShape" -p "cloudShading";
 	setAttr ".shadingTexture" -type "string" "build\\clouds\\cloud_sprite.dds";
 	setAttr ".shadingOpacity" 0.85;
-	setAttr ".shadingBrightness" 1.05;
+	setAttr ".shadingBrightness" 1.36;
 	setAttr ".sunShadowAmount" 0.35;
 	setAttr ".groundShadowAmount" 0.4;
-	setAttr ".spriteShadowAmount" 0.12;
+	setAttr ".spriteShadowAmount" 0.08;
 	setAttr ".selfShadowAmount" 0.6;
-	setAttr ".selfShadowFalloff" 0.9;
-	setAttr ".lightingAmbient" -type "double3" 0.34 0.42 0.56;
+	setAttr ".selfShadowFalloff" 1.1;
+	setAttr ".lightingAmbient" -type "double3" 0.36 0.43 0.55;
 	setAttr ".lightingSunGlowAmount" 0.35;
-	setAttr ".sunDir" -type "double3" 0.55 0.5 -0.67;
+	setAttr ".sunDir" -type "double3" 0.62 0.42 -0.66;
 	setAttr ".sunColour" -type "double3" 1 0.95 0.86;
-	setAttr ".sunIntensity" 1.05;
 createNode transform -n "towering" -p "OrvoSkyData";
-	setAttr ".t" -type "double3" -70000 62000 -260000;
+	setAttr ".t" -type "double3" -130000 60000 -360000;
 createNode transform -n "towering_cloud" -p "towering";
 createNode orvosky_ParticleCloud -n "towering_cloudShape" -p "towering_cloud";
-	setAttr ".particleDensity" 9000;
-	setAttr ".particleSize" 210;
+	setAttr ".particleDensity" 12000;
+	setAttr ".particleSize" 180;
 createNode transform -n "towering_base1" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" 25711.47800697748 15915.968019791766 3943.1359854373823;
+	setAttr ".t" -type "double3" 25711.47800697748 13926.472017317796 3943.1359854373823;
 	setAttr ".r" -type "double3" 0 49.29013758377814 0;
-	setAttr ".s" -type "double3" 23546.253111975922 17332.258956190217 18837.002489580736;
+	setAttr ".s" -type "double3" 23546.253111975922 15165.72658666644 18837.002489580736;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere1" -p "towering_base1";
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_base2" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" -4315.724445546887 13078.622012718803 7771.857999123765;
+	setAttr ".t" -type "double3" -4315.724445546887 11443.79426112895 7771.857999123765;
 	setAttr ".r" -type "double3" 0 137.6615763094728 0;
-	setAttr ".s" -type "double3" 18542.39560084553 16572.158185715638 14833.916480676427;
+	setAttr ".s" -type "double3" 18542.39560084553 14500.638412501181 14833.916480676427;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere2" -p "towering_base2";
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_base3" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" -17615.707526712955 10843.43032799373 1539.9140329723946;
+	setAttr ".t" -type "double3" -17615.707526712955 9488.001536994514 1539.9140329723946;
 	setAttr ".r" -type "double3" 0 22.526380116723786 0;
-	setAttr ".s" -type "double3" 18316.485413902104 18858.620697425737 14653.188331121682;
+	setAttr ".s" -type "double3" 18316.485413902104 16501.293110247516 14653.188331121682;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere3" -p "towering_base3";
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_base4" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" -17164.36251987545 11313.238697938199 -13751.158675651575;
+	setAttr ".t" -type "double3" -17164.36251987545 9899.083860695924 -13751.158675651575;
 	setAttr ".r" -type "double3" 0 297.35654506306713 0;
-	setAttr ".s" -type "double3" 20036.239745479903 18606.201626460086 16028.991796383923;
+	setAttr ".s" -type "double3" 20036.239745479903 16280.426423152576 16028.991796383923;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere4" -p "towering_base4";
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_base5" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" 9725.713326925776 15836.619849536468 -8145.393409370664;
+	setAttr ".t" -type "double3" 9725.713326925776 13857.04236834441 -8145.393409370664;
 	setAttr ".r" -type "double3" 0 87.21798214518681 0;
-	setAttr ".s" -type "double3" 20449.355669418197 17179.549306370314 16359.484535534557;
+	setAttr ".s" -type "double3" 20449.355669418197 15032.105643074025 16359.484535534557;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere5" -p "towering_base5";
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_tower1" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" -1917.8091955430887 23787.662520868726 6100.846181317289;
+	setAttr ".t" -type "double3" -1917.8091955430887 20814.204705760134 6100.846181317289;
 	setAttr ".r" -type "double3" 0 84.24599302289538 0;
 	setAttr ".s" -type "double3" 17089.60969183586 13964.708265165704 17089.60969183586;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere6" -p "towering_tower1";
@@ -166,7 +330,7 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere6" -p "towering_to
 	setAttr ".density" 1;
 createNode transform -n "towering_tower2" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" -17644.980062392067 29723.202989113117 -12540.447556856365;
+	setAttr ".t" -type "double3" -17644.980062392067 26007.802615473975 -12540.447556856365;
 	setAttr ".r" -type "double3" 0 327.9252239500008 0;
 	setAttr ".s" -type "double3" 14301.071032396669 12364.135552608679 14301.071032396669;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere7" -p "towering_tower2";
@@ -174,7 +338,7 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere7" -p "towering_to
 	setAttr ".density" 1;
 createNode transform -n "towering_tower3" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" -1028.0559420775205 38278.34521412427 8597.521904105964;
+	setAttr ".t" -type "double3" -1028.0559420775205 33493.552062358736 8597.521904105964;
 	setAttr ".r" -type "double3" 0 29.38899502398309 0;
 	setAttr ".s" -type "double3" 16593.94532791275 14202.0539065515 16593.94532791275;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere8" -p "towering_tower3";
@@ -182,7 +346,7 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere8" -p "towering_to
 	setAttr ".density" 1;
 createNode transform -n "towering_tower4" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" -5876.137514922796 41389.96010201743 -4154.055740326581;
+	setAttr ".t" -type "double3" -5876.137514922796 36216.21508926525 -4154.055740326581;
 	setAttr ".r" -type "double3" 0 208.6068120398112 0;
 	setAttr ".s" -type "double3" 14723.85126423091 11800.833800866749 14723.85126423091;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere9" -p "towering_tower4";
@@ -190,7 +354,7 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere9" -p "towering_to
 	setAttr ".density" 1;
 createNode transform -n "towering_tower5" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" -6305.875276785322 51369.059093854616 -3794.074600353007;
+	setAttr ".t" -type "double3" -6305.875276785322 44947.926707122795 -3794.074600353007;
 	setAttr ".r" -type "double3" 0 128.80373375634193 0;
 	setAttr ".s" -type "double3" 12611.709193763538 12006.657466288727 12611.709193763538;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere10" -p "towering_tower5";
@@ -198,7 +362,7 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere10" -p "towering_t
 	setAttr ".density" 1;
 createNode transform -n "towering_tower6" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" 4791.340595109104 56408.96623422011 2278.560090901162;
+	setAttr ".t" -type "double3" 4791.340595109104 49357.8454549426 2278.560090901162;
 	setAttr ".r" -type "double3" 0 151.22875033126593 0;
 	setAttr ".s" -type "double3" 13206.06665887457 11614.566120303594 13206.06665887457;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere11" -p "towering_tower6";
@@ -206,7 +370,7 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere11" -p "towering_t
 	setAttr ".density" 1;
 createNode transform -n "towering_tower7" -p "towering";
 	setAttr ".v" no;
-	setAttr ".t" -type "double3" 1553.9996151612133 64179.615870160065 973.9696919652872;
+	setAttr ".t" -type "double3" 1553.9996151612133 56157.16388639006 973.9696919652872;
 	setAttr ".r" -type "double3" 0 115.43723410692222 0;
 	setAttr ".s" -type "double3" 10680.917113235142 8702.906299503233 10680.917113235142;
 createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere12" -p "towering_tower7";
@@ -216,17 +380,26 @@ createNode transform -n "cloudDome" -p "OrvoSkyData";
 createNode orvosky_ParticleCloudDome -n "cloudDomeShape" -p "cloudDome";
 	setAttr ".renderWireFrame" no;
 	setAttr ".windDir" 70;
-	setAttr ".domeHeight" 750;
-	setAttr ".domeCurvature" 16000;
-	setAttr ".domeInnerRadius" 4200;
-	setAttr ".domeOuterRadius" 6000;
-	setAttr ".placementDensity" 0.75;
-	setAttr ".cloudScale" 1.5;
+	setAttr ".domeHeight" 900;
+	setAttr ".domeCurvature" 20000;
+	setAttr ".domeInnerRadius" 4800;
+	setAttr ".domeOuterRadius" 6500;
+	setAttr ".placementDensity" 0.62;
+	setAttr ".cloudScale" 1.4;
 	setAttr ".cloudDataDir" -type "string" "build\\clouds\\cumulus.xml";
+createNode transform -n "distanceFog" -p "OrvoSkyData";
+createNode orvosky_SceneFog -n "distanceFogShape" -p "distanceFog";
+	setAttr ".fogStart" 30;
+	setAttr ".fogEnd" 1600;
+	setAttr ".fogAlpha" 0.9;
+	setAttr ".fogColour" -type "float3" 0.74 0.82 0.89;
+	setAttr ".previewGeomColour" -type "float3" 0.27 0.33 0.17;
+	setAttr ".sunDir" -type "double3" 0.62 0.42 -0.66;
 createNode transform -n "skyRenderer";
 createNode orvosky_SkyRenderer -n "skyRendererShape" -p "skyRenderer";
 	setAttr -k off ".v";
 createNode transform -n "hills";
+	setAttr ".v" no;
 createNode mesh -n "hillsShape" -p "hills";
 	setAttr ".uvst[0].uvsn" -type "string" "map1";
 	setAttr -s 429 ".uvst[0].uvsp[0:249]" -type "float2" 0 0 0.03125 0 0.0625 0 0.09375 0 0.125 0 0.1562 0 0.1875 0 0.2188 0 0.25 0 0.2812 0 0.3125 0 0.3438 0 0.375 0
@@ -1187,6 +1360,8 @@ createNode mesh -n "hillsShape" -p "hills";
 	setAttr ".vir" yes;
 	setAttr ".vif" yes;
 	setAttr ".dcc" -type "string" "Ambient+Diffuse";
+createNode transform -n "terrain";
+createNode XeliLocatorNode -n "terrainShape" -p "terrain";
 createNode lightLinker -n "lightLinker1";
 	setAttr -s 2 ".lnk";
 	setAttr -s 2 ".slnk";
@@ -1213,7 +1388,9 @@ select -ne :renderPartition;
 select -ne :hardwareRenderGlobals;
 	setAttr ".fn" -type "string" "%s/%s.%e";
 select -ne :lightList1;
+connectAttr "hillsShape.o" "terrainShape.xim";
 connectAttr "hillsShape.iog" ":initialShadingGroup.dsm" -na;
+connectAttr "cirrusMeshShape.iog" ":initialShadingGroup.dsm" -na;
 connectAttr ":defaultLightSet.msg" "lightLinker1.lnk[0].llnk";
 connectAttr ":initialShadingGroup.msg" "lightLinker1.lnk[0].olnk";
 connectAttr "layerManager.dli[0]" "defaultLayer.id";

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
+#include <unistd.h>
 
 /// A test in an empty scene, in a project of its own, with the plug-in loaded. The host is started once a process.
 class PluginScene : public testing::Test {
@@ -21,8 +22,18 @@ protected:
         log_.clear();
     }
 
-    /// `artsource` below it is the workspace.
-    static std::filesystem::path project() { return std::filesystem::path(testing::TempDir()) / "orvo_project"; }
+    /// The process's own; `artsource` below it is the workspace. Gone when the process ends.
+    static const std::filesystem::path& project() {
+        static const struct Folder {
+            std::filesystem::path path =
+                std::filesystem::path(testing::TempDir()) / ("orvo_project-" + std::to_string(getpid()));
+            ~Folder() {
+                std::error_code ignored;
+                std::filesystem::remove_all(path, ignored);
+            }
+        } folder;
+        return folder.path;
+    }
 
     /// Runs MEL; false when it fails.
     bool mel(const std::string& script) {
