@@ -138,7 +138,7 @@ V3 gradient(double u, double v) {
     return colour * (1 / alpha);
 }
 
-/// The texel of faces.dds in a direction, by the cube-map selection of the OpenGL specification: per face the major
+/// The texel of faces.dds in a direction, by the cube-map selection of OpenGL: per face the major
 /// axis and the axes of s and t. Nothing near a border of colours.
 std::optional<V3> face(const V3& v) {
     const double axes[3] = {std::abs(v.x), std::abs(v.y), std::abs(v.z)};
