@@ -20,4 +20,12 @@ inline std::string stringArgument(const MArgList& args, unsigned index) {
     return text.asChar();
 }
 
+/// Reports, with its place, why a command goes no further.
+/// @return MStatus::kFailure, which the command answers
+template <class... Arguments>
+MStatus refused(const PlacedFormat& format, const Arguments&... arguments) {
+    reportPlacedError(format, arguments...);
+    return MStatus::kFailure;
+}
+
 } // namespace orvo

@@ -15,8 +15,7 @@ Vector3 vectorOf(const MVector& v) { return {v.x, v.y, v.z}; }
 bool had(const MStatus& status, const char* message,
          const std::source_location& where = std::source_location::current()) {
     if (!status.error()) return true;
-    reportPlace(where);
-    reportError(message);
+    reportPlacedError({message, where});
     return false;
 }
 

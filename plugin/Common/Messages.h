@@ -40,6 +40,21 @@ std::string sourcePath(const std::source_location& where);
 /// "In %s, line %d", at error level.
 void reportPlace(const std::source_location& where);
 
+/// A message's format, with the place of the call that it stands in.
+struct PlacedFormat {
+    const char* text;
+    std::source_location where;
+    PlacedFormat(const char* format, const std::source_location& place = std::source_location::current())
+        : text(format), where(place) {}
+};
+
+/// "In %s, line %d" and then the message, each as one error.
+template <class... Arguments>
+void reportPlacedError(const PlacedFormat& format, const Arguments&... arguments) {
+    reportPlace(format.where);
+    reportError(format.text, arguments...);
+}
+
 /// Reports a failed host call: its place, the host's text for the status, its place again, and the caller's own
 /// message (possibly empty), each as one error.
 void reportFailure(const MStatus& status, const std::string& message = "",

@@ -20,8 +20,7 @@ namespace {
 
 /// Reports what a mesh lacks, with the place of the call.
 bool refuse(const char* message, const std::source_location& where = std::source_location::current()) {
-    reportPlace(where);
-    reportError("CreateTriMeshFromMayaMesh: mesh has no %s! :(", message);
+    reportPlacedError({"CreateTriMeshFromMayaMesh: mesh has no %s! :(", where}, message);
     return false;
 }
 

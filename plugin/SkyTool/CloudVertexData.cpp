@@ -71,8 +71,7 @@ bool saveCloudToXml(OutputFile& file, const char* indent, std::vector<unsigned c
     padCloudVertexData(cloudVertices);
     const std::size_t address = cloudVertices.size();
     if (!appendCloudVertexData(cloud, shading, cloudVertices)) {
-        reportPlace(std::source_location::current());
-        reportError("ParticleCloud::SaveToXML:  could not save vertex data\n");
+        reportPlacedError("ParticleCloud::SaveToXML:  could not save vertex data\n");
         return false;
     }
     const auto real = [&](const char* format, double value) { file.print(format, indent, value); };

@@ -153,10 +153,9 @@ bool GradientSkyLocator::saveToXml(OutputFile& file, const char* indent) {
     bool inBuildFolder = false;
     std::string image = buildPath(node, gradientTexture, inBuildFolder);
     if (!inBuildFolder) {
-        reportPlace(std::source_location::current());
-        reportError("GradientSkyLocator::SaveToXML:  filepath bad. [%s] (maybe file not located in hub data "
-                    "directory?)\n",
-                    image);
+        reportPlacedError("GradientSkyLocator::SaveToXML:  filepath bad. [%s] (maybe file not located in hub data "
+                          "directory?)\n",
+                          image);
         image.clear();
     }
     file.print("%s<GradientSky\n", indent);

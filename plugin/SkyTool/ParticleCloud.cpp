@@ -20,10 +20,8 @@ constexpr double groundFadeSpan = 80.0; ///< metres from the end of the ground f
 
 /// Reports a failure of gathering, with its place, unless the caller only wants to look.
 template <class... Arguments>
-void gatherError(bool quiet, const std::source_location& where, const char* format, const Arguments&... arguments) {
-    if (quiet) return;
-    reportPlace(where);
-    reportError(format, arguments...);
+void gatherError(bool quiet, const PlacedFormat& format, const Arguments&... arguments) {
+    if (!quiet) reportPlacedError(format, arguments...);
 }
 
 /// The shape-sphere node behind a child of the cloud's group; null when it is another kind of node.
@@ -104,18 +102,17 @@ CloudSettings ParticleCloud::settings() const {
 }
 
 std::optional<std::vector<ParticleCloud::ShapeInput>> ParticleCloud::gatherShapes(bool quiet) const {
-    using Where = std::source_location;
     const MObject own = onlyParent(thisMObject());
     const MObject group = own.isNull() ? own : onlyParent(own);
     if (group.isNull()) {
-        gatherError(quiet, Where::current(), "ParticleCloud::GenerateSpriteData:  couldn't get parents from locator\n");
+        gatherError(quiet, "ParticleCloud::GenerateSpriteData:  couldn't get parents from locator\n");
         return std::nullopt;
     }
     MStatus status;
     const MFnDagNode groupNode(group, &status);
     const unsigned count = status.error() ? 0 : groupNode.childCount();
     if (count <= 1) {
-        gatherError(quiet, Where::current(),
+        gatherError(quiet,
                     "ParticleCloud::GenerateSpriteData:  Couldn't get enough cloud shape objects to work with.\n");
         return std::nullopt;
     }
@@ -125,14 +122,12 @@ std::optional<std::vector<ParticleCloud::ShapeInput>> ParticleCloud::gatherShape
         if (!status.error() && child == own) continue;
         Matrix44 world;
         if (status.error() || nodeWorldMatrix(child, world).error()) {
-            gatherError(quiet, Where::current(),
-                        "ParticleCloud::GenerateSpriteData:  Couldn't get matrix for shape object %i", i);
+            gatherError(quiet, "ParticleCloud::GenerateSpriteData:  Couldn't get matrix for shape object %i", i);
             continue;
         }
         const ParticleCloudSphereLoc* sphere = sphereBehind(child);
         if (!sphere) {
-            gatherError(quiet, Where::current(), "ParticleCloud::GenerateSpriteData:  object %i is not valid. ignoring",
-                        i);
+            gatherError(quiet, "ParticleCloud::GenerateSpriteData:  object %i is not valid. ignoring", i);
             continue;
         }
         const MObject node = sphere->thisMObject();
@@ -140,8 +135,7 @@ std::optional<std::vector<ParticleCloud::ShapeInput>> ParticleCloud::gatherShape
                           readDouble(node, ParticleCloudSphereLoc::density)});
     }
     if (shapes.empty()) {
-        gatherError(quiet, Where::current(),
-                    "ParticleCloud::GenerateSpriteData:  No cloud shape spheres found in group.\n");
+        gatherError(quiet, "ParticleCloud::GenerateSpriteData:  No cloud shape spheres found in group.\n");
         return std::nullopt;
     }
     return shapes;

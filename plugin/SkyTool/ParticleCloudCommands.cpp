@@ -1,5 +1,6 @@
 #include "ParticleCloudCommands.h"
 
+#include "../Common/CommandArguments.h"
 #include "CloudLibrary.h"
 #include "ParticleCloud.h"
 #include "ParticleCloudShadingParamsLocator.h"
@@ -11,15 +12,6 @@
 
 namespace orvo {
 namespace {
-
-using Where = std::source_location;
-
-template <class... Arguments>
-MStatus failed(const Where& where, const char* format, const Arguments&... arguments) {
-    reportPlace(where);
-    reportError(format, arguments...);
-    return MStatus::kFailure;
-}
 
 /// The texts from an argument on: plain words, or arrays of them. Nothing when one cannot be read as a text.
 std::optional<std::vector<std::string>> namesFrom(const MArgList& args, unsigned first) {
@@ -73,20 +65,16 @@ MStatus ParticleCloud_RenderCloudCommand::doIt(const MArgList& args) {
     return guarded("ParticleCloud_RenderCloudCommand", MStatus(MStatus::kFailure), [&]() -> MStatus {
         try {
             if (hasFlags(args))
-                return failed(Where::current(), "ParticleCloud_RenderCloudCommand incorrect syntax given! :(  Usage: "
-                                                "\"ParticleCloud_RenderCloudCommand cloudInstanceNames[]\"   bailing.");
+                return refused("ParticleCloud_RenderCloudCommand incorrect syntax given! :(  Usage: "
+                               "\"ParticleCloud_RenderCloudCommand cloudInstanceNames[]\"   bailing.");
             const auto names = namesFrom(args, 0);
             if (!names)
-                return failed(Where::current(),
-                              "ParticleCloud_RenderCloudCommand   Could not get cloud names from argument list.");
+                return refused("ParticleCloud_RenderCloudCommand   Could not get cloud names from argument list.");
             // The other command's name is what scripts know this message by.
             if (names->empty())
-                return failed(Where::current(),
-                              "BulkVegBillboard_DoDistributionCommand   No cloud names given in which to render! :(");
+                return refused("BulkVegBillboard_DoDistributionCommand   No cloud names given in which to render! :(");
             const auto clouds = cloudsOf(*names);
-            if (!clouds)
-                return failed(Where::current(),
-                              "ParticleCloud_RenderCloudCommand   Failed to find cloud instance objects! :(");
+            if (!clouds) return refused("ParticleCloud_RenderCloudCommand   Failed to find cloud instance objects! :(");
             for (ParticleCloud* cloud : *clouds) {
                 cloud->refresh();
                 reportInfo("ParticleCloud_RenderCloudCommand:  Cloud [%s]  produced [%d] sprites\n",
@@ -94,11 +82,9 @@ MStatus ParticleCloud_RenderCloudCommand::doIt(const MArgList& args) {
             }
             return MStatus::kSuccess;
         } catch (const std::exception&) {
-            return failed(Where::current(),
-                          "ParticleCloud_RenderCloudCommand::doIt  Unknown Internal Error has occured! :(");
+            return refused("ParticleCloud_RenderCloudCommand::doIt  Unknown Internal Error has occured! :(");
         } catch (...) {
-            return failed(Where::current(),
-                          "ParticleCloud_RenderCloudCommand::doIt   Unknown Internal Error has occured! :(");
+            return refused("ParticleCloud_RenderCloudCommand::doIt   Unknown Internal Error has occured! :(");
         }
     });
 }
@@ -106,22 +92,17 @@ MStatus ParticleCloud_RenderCloudCommand::doIt(const MArgList& args) {
 MStatus ParticleCloud_RefreshTextureCommand::doIt(const MArgList& args) {
     return guarded("ParticleCloud_RefreshTextureCommand", MStatus(MStatus::kFailure), [&]() -> MStatus {
         if (hasFlags(args))
-            return failed(Where::current(), "ParticleCloud_RefreshTextureCommand incorrect syntax given! :(  Usage: "
-                                            "\"ParticleCloud_RefreshTextureCommand cloudInstanceNames[]\"   bailing.");
+            return refused("ParticleCloud_RefreshTextureCommand incorrect syntax given! :(  Usage: "
+                           "\"ParticleCloud_RefreshTextureCommand cloudInstanceNames[]\"   bailing.");
         const auto names = namesFrom(args, 0);
         if (!names)
-            return failed(Where::current(),
-                          "ParticleCloud_RefreshTextureCommand   Could not get cloud names from argument list.");
+            return refused("ParticleCloud_RefreshTextureCommand   Could not get cloud names from argument list.");
         if (names->empty())
-            return failed(Where::current(),
-                          "ParticleCloud_RefreshTextureCommand   No cloud names given in which to refresh! :(");
+            return refused("ParticleCloud_RefreshTextureCommand   No cloud names given in which to refresh! :(");
         if (!ParticleCloudShadingParamsLocator::firstLiveInstance())
-            return failed(Where::current(),
-                          "ParticleCloud_RefreshTextureCommand   could not find particle cloud shading params.");
+            return refused("ParticleCloud_RefreshTextureCommand   could not find particle cloud shading params.");
         const auto clouds = cloudsOf(*names);
-        if (!clouds)
-            return failed(Where::current(),
-                          "ParticleCloud_RefreshTextureCommand   Failed to find cloud instance objects! :(");
+        if (!clouds) return refused("ParticleCloud_RefreshTextureCommand   Failed to find cloud instance objects! :(");
         for (ParticleCloud* cloud : *clouds) cloud->reloadTexture();
         return MStatus::kSuccess;
     });
@@ -130,31 +111,24 @@ MStatus ParticleCloud_RefreshTextureCommand::doIt(const MArgList& args) {
 MStatus ParticleCloud_ExportDataCommand::doIt(const MArgList& args) {
     return guarded("ParticleCloud_ExportDataCommand", MStatus(MStatus::kFailure), [&]() -> MStatus {
         if (args.length() == 0 || hasFlags(args))
-            return failed(Where::current(),
-                          "ParticleCloud_ExportDataCommand incorrect syntax given! :(  Usage: "
-                          "\"ParticleCloud_ExportDataCommand xmlPath cloudInstanceNames[]\"   bailing.");
+            return refused("ParticleCloud_ExportDataCommand incorrect syntax given! :(  Usage: "
+                           "\"ParticleCloud_ExportDataCommand xmlPath cloudInstanceNames[]\"   bailing.");
         MString pathText;
         if (args.get(0, pathText).error() || pathText.length() == 0)
-            return failed(Where::current(), "ParticleCloud_ExportDataCommand   Could not get filePath.");
+            return refused("ParticleCloud_ExportDataCommand   Could not get filePath.");
         const std::string path = pathText.asChar();
         const auto names = namesFrom(args, 1);
-        if (!names)
-            return failed(Where::current(),
-                          "ParticleCloud_ExportDataCommand   Could not get cloud names from argument list.");
-        if (names->empty())
-            return failed(Where::current(), "ParticleCloud_ExportDataCommand   No cloud names given! :(");
+        if (!names) return refused("ParticleCloud_ExportDataCommand   Could not get cloud names from argument list.");
+        if (names->empty()) return refused("ParticleCloud_ExportDataCommand   No cloud names given! :(");
         const auto clouds = cloudsOf(*names);
-        if (!clouds)
-            return failed(Where::current(),
-                          "ParticleCloud_ExportDataCommand   Failed to find cloud instance objects! :(");
+        if (!clouds) return refused("ParticleCloud_ExportDataCommand   Failed to find cloud instance objects! :(");
 
         // Gathered before the file is opened: a cloud that cannot be had leaves no half-written element.
         std::vector<std::unique_ptr<CloudShapeSet>> shapes;
         for (ParticleCloud* cloud : *clouds) shapes.push_back(cloud->GenerateSpriteData());
         OutputFile file(path, "wt");
         if (!file.isOpen())
-            return failed(Where::current(),
-                          "ParticleCloud_ExportDataCommand: Error.  could not open file [%s] for export.", path);
+            return refused("ParticleCloud_ExportDataCommand: Error.  could not open file [%s] for export.", path);
         writeCloudFileHeader(file, cloudLibraryType);
         if (auto* params = ParticleCloudShadingParamsLocator::firstLiveInstance())
             params->writeParamsElement(file, "\t");

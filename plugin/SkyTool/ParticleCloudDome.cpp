@@ -17,12 +17,6 @@ namespace {
 
 constexpr double centimetres = 100.0;
 
-template <class... Arguments>
-void reportPlacedError(const std::source_location& where, const char* format, const Arguments&... arguments) {
-    reportPlace(where);
-    reportError(format, arguments...);
-}
-
 bool isXmlFile(const FolderEntry& entry) {
     return !entry.isFolder && entry.name.size() >= 4 && toLowerCase(entry.name.substr(entry.name.size() - 4)) == ".xml";
 }
@@ -165,21 +159,18 @@ void ParticleCloudDome::loadTemplates() {
             reportInfo("ParticleCloudDome:  [%s]: %s\n", location, reason);
     }
     if (templates_.empty())
-        reportPlacedError(std::source_location::current(),
-                          "VolumeCloudDome::RefreshSpriteData:  Could not load any .xml files from location [%s]\n",
+        reportPlacedError("VolumeCloudDome::RefreshSpriteData:  Could not load any .xml files from location [%s]\n",
                           location);
 }
 
 void ParticleCloudDome::loadFolder(const std::string& folder) {
     auto entries = listFolder(folder);
     if (!entries)
-        return reportPlacedError(std::source_location::current(),
-                                 "ParticleCloudDome::RefreshCloudGeomData:  Could not search dir [%s] for .xml files\n",
+        return reportPlacedError("ParticleCloudDome::RefreshCloudGeomData:  Could not search dir [%s] for .xml files\n",
                                  folder);
     std::erase_if(*entries, [](const FolderEntry& entry) { return !isXmlFile(entry); });
     if (entries->empty())
         return reportPlacedError(
-            std::source_location::current(),
             "ParticleCloudDome::RefreshCloudGeomData:  Could not find any .xml files in dir [%s]\n", folder);
 
     for (const FolderEntry& entry : *entries) {
@@ -271,8 +262,7 @@ void ParticleCloudDome::drawClouds(const DomeParams& params, const MayaCamera& c
 bool ParticleCloudDome::saveToXml(OutputFile& file, const char* indent, std::vector<unsigned char>& cloudVertices) {
     auto* shadingNode = ParticleCloudShadingParamsLocator::firstLiveInstance();
     if (!shadingNode) {
-        reportPlacedError(std::source_location::current(),
-                          "ParticleCloudDome::SaveToXML:  can't find shading parameters node\n");
+        reportPlacedError("ParticleCloudDome::SaveToXML:  can't find shading parameters node\n");
         return false;
     }
     const CloudShadingParams shading = shadingNode->readParams();
@@ -287,8 +277,7 @@ bool ParticleCloudDome::saveToXml(OutputFile& file, const char* indent, std::vec
     file.print("%s/>\n", indent);
     for (std::size_t i = 0; i < clouds_.size(); ++i) {
         if (saveCloudToXml(file, indent, cloudVertices, exportedDomeCloud(clouds_[i]), shading)) continue;
-        reportPlacedError(std::source_location::current(),
-                          "ParticleCloudDome::SaveToXML:  failed to export cloud [%d]\n", i);
+        reportPlacedError("ParticleCloudDome::SaveToXML:  failed to export cloud [%d]\n", i);
         return false;
     }
     return true;

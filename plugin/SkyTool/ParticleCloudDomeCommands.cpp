@@ -1,18 +1,10 @@
 #include "ParticleCloudDomeCommands.h"
 
-#include "../Common/Messages.h"
+#include "../Common/CommandArguments.h"
 #include "ParticleCloudDome.h"
-
-#include <maya/MArgList.h>
 
 namespace orvo {
 namespace {
-
-MStatus refused(const char* message, const std::source_location& where = std::source_location::current()) {
-    reportPlace(where);
-    reportError("%s", message);
-    return MStatus::kFailure;
-}
 
 /// Reads a text; false when it cannot be read or is empty.
 bool readText(const MArgList& args, unsigned index, MString& text) {

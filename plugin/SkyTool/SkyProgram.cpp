@@ -43,9 +43,8 @@ void SkyProgram::build(const SkyShaderTexts& texts, const std::source_location& 
         log = std::string(texts.className) + ":  " + texts.what + " did not compile! :(  \n\nErrorReport:\n" + log;
     }
     program_.reset();
-    reportPlace(where);
     // The log is the message's format: a doubled per cent sign in a driver's log becomes one.
-    reportError(log.c_str());
+    reportPlacedError({log.c_str(), where});
 }
 
 void SkyProgram::release() {

@@ -3,6 +3,7 @@
 #include "../Common/GlStateScope.h"
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaUtils.h"
+#include "CameraSpace.h"
 #include "SkyNodeKinds.h"
 
 #include <algorithm>
@@ -15,24 +16,6 @@ namespace {
 const std::vector<SkyNodeKind> layers[] = {
     {kBasicSkyKind, kGradientSkyKind, kTexturedSkyKind}, {kSpriteCloudKind}, {kExpHeightFogKind},
     {kParticleCloudKind, kParticleCloudDomeKind},        {kSceneFogKind},
-};
-
-/// The view's GL context, from its beginning to its end.
-class GlDrawing {
-public:
-    explicit GlDrawing(M3dView& view) : view_(view), begun_(succeeded(view.beginGL())) {}
-    ~GlDrawing() {
-        guarded("M3dView::endGL", [&] {
-            if (begun_) succeeded(view_.endGL());
-        });
-    }
-    GlDrawing(const GlDrawing&) = delete;
-    GlDrawing& operator=(const GlDrawing&) = delete;
-    bool begun() const { return begun_; }
-
-private:
-    M3dView& view_;
-    bool begun_;
 };
 
 void drawNode(const SkyNodeRecord& record, M3dView& view) {
