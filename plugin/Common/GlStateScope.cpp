@@ -2,6 +2,8 @@
 
 #include "GlFunctions.h"
 
+#include <cstring>
+
 namespace orvo {
 
 GlStateScope::GlStateScope() {
@@ -20,6 +22,11 @@ GlMatrixScope::GlMatrixScope(const Matrix44& matrix) {
 }
 
 GlMatrixScope::~GlMatrixScope() { glPopMatrix(); }
+
+void enableDepthClamp() {
+    const auto* extensions = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS));
+    if (extensions && std::strstr(extensions, "_depth_clamp")) glEnable(GL_DEPTH_CLAMP);
+}
 
 void disableClientArrays() {
     for (const GLenum array :

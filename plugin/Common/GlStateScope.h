@@ -23,6 +23,9 @@ public:
     GlMatrixScope& operator=(const GlMatrixScope&) = delete;
 };
 
+/// Draws what lies beyond the clipping planes at their depth, where the driver can; nothing otherwise.
+void enableDepthClamp();
+
 /// Turns the fixed-function client arrays off: texture coordinates, vertices, normals, indices, colours, edge flags.
 void disableClientArrays();
 

@@ -34,6 +34,9 @@ void setState(const ViewQuadStyle& style) {
     const auto set = [](GLenum capability, bool on) { on ? glEnable(capability) : glDisable(capability); };
     glDepthMask(style.writeDepth ? GL_TRUE : GL_FALSE);
     glEnable(GL_DEPTH_TEST);
+    // Between a near plane of millimetres and a far one of kilometres single precision cannot tell the quad from the
+    // far plane: some of its corners would be cut off.
+    enableDepthClamp();
     set(GL_BLEND, style.blend);
     glDisable(GL_LIGHTING);
     glDisable(GL_CULL_FACE);

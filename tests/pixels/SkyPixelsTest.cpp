@@ -207,11 +207,17 @@ TEST_F(SkyPixels, HeightFogComposesOverTheSky) {
 // Faults: a quad that the far plane or the depth buffer cuts at other clipping distances.
 TEST_F(SkyPixels, ClippingDistancesDoNotMatter) {
     const Sky sky;
-    for (const auto& [nearClip, farClip] : {std::pair{0.01, 50.0}, {10.0, 1e6}, {1.0, 2.0}}) {
+    // The last two are too much for single precision where the camera is tilted.
+    const struct {
+        double nearClip, farClip;
+        int camera;
+    } cases[] = {{0.01, 50, 0}, {10, 1e6, 0}, {1, 2, 0}, {0.1, 1e6, 1}, {0.1, 1e7, 2}};
+    for (const auto& k : cases) {
         SetUp();
         make(sky);
-        EXPECT_LE(worst(draw(cameras[0], nearClip, farClip), cameras[0], [&](const V3& v) { return sky.colour(v); }), 1)
-            << nearClip << " to " << farClip;
+        const Camera& c = cameras[k.camera];
+        EXPECT_LE(worst(draw(c, k.nearClip, k.farClip), c, [&](const V3& v) { return sky.colour(v); }), 1)
+            << k.nearClip << " to " << k.farClip;
     }
 }
 
