@@ -3,6 +3,7 @@
 #include "../Common/GlStateScope.h"
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaUtils.h"
+#include "CameraSpace.h"
 
 #include <GL/glu.h>
 
@@ -49,9 +50,8 @@ void ParticleCloudSphereLoc::postConstructor() {
 
 void ParticleCloudSphereLoc::draw(M3dView& view, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
     guarded("ParticleCloudSphereLoc::draw", [&] {
-        if (!succeeded(view.beginGL())) return;
-        drawWireSphere();
-        succeeded(view.endGL());
+        const GlDrawing drawing(view);
+        if (drawing.begun()) drawWireSphere();
     });
 }
 
