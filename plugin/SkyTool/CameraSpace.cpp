@@ -1,6 +1,5 @@
 #include "CameraSpace.h"
 
-#include "../Common/MayaCamera.h"
 #include "../Common/Messages.h"
 
 namespace orvo {
@@ -13,16 +12,11 @@ GlDrawing::~GlDrawing() {
     });
 }
 
-Matrix44 worldToGlCamera(const Matrix44& cameraToWorld) {
-    Matrix44 towards = cameraToWorld;
-    for (double& component : towards.m[2]) component = -component;
-    return MatrixInverse(towards, 0.0);
-}
-
-void loadViewMatrix(M3dView& view) {
-    const MayaCamera camera(view);
+void loadViewMatrix(const MayaCamera& camera) {
     if (!camera.isValid()) return;
-    const Matrix44 matrix = worldToGlCamera(camera.frustum().cameraToWorld);
+    Matrix44 glCamera = camera.frustum().cameraToWorld;
+    for (double& component : glCamera.m[2]) component = -component;
+    const Matrix44 matrix = MatrixInverse(glCamera, 0.0);
     glLoadMatrixd(&matrix.m[0][0]);
 }
 

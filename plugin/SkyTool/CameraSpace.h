@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Common/Matrix44.h"
+#include "../Common/MayaCamera.h"
 
 #include <maya/M3dView.h>
 
@@ -21,12 +21,9 @@ private:
     bool begun_;
 };
 
-/// The matrix from world space to that of GL's camera, which looks along its negative z axis, given the matrix of a
-/// CameraFrustum.
-Matrix44 worldToGlCamera(const Matrix44& cameraToWorld);
-
-/// Replaces the current GL matrix by the one from world space to the view's camera, whatever object is being drawn.
-/// Nothing happens when the camera cannot be had, which is reported.
-void loadViewMatrix(M3dView& view);
+/// Replaces the current GL matrix by the one from world space to the camera (which in GL looks along its negative z
+/// axis), whatever object is being drawn. Scale above the camera does not count, as in the host's own drawing. Nothing
+/// happens for a camera that is not valid.
+void loadViewMatrix(const MayaCamera& camera);
 
 } // namespace orvo

@@ -1,10 +1,7 @@
 #include "MeshPreview.h"
 
 #include "../Common/GlStateScope.h"
-#include "../Common/MayaCamera.h"
-#include "../Common/Messages.h"
-
-#include <maya/MMatrix.h>
+#include "CameraSpace.h"
 
 namespace orvo {
 namespace {
@@ -46,15 +43,6 @@ private:
     std::vector<GLuint> enabled_;
 };
 
-/// The matrix from world space to the view's camera.
-bool viewMatrix(M3dView& view, MMatrix& matrix) {
-    MDagPath camera;
-    if (!succeeded(view.getCamera(camera))) return false;
-    MStatus status;
-    matrix = camera.inclusiveMatrixInverse(&status);
-    return succeeded(status);
-}
-
 } // namespace
 
 MeshArrays meshArrays(const TriMesh& mesh, MeshArrayKinds kinds) {
@@ -72,12 +60,12 @@ MeshArrays meshArrays(const TriMesh& mesh, MeshArrayKinds kinds) {
 void drawWorldMeshes(M3dView& view, ShaderProgram& program, std::span<const MeshArrays> meshes,
                      const std::function<void()>& setState,
                      const std::function<void(const Vector3& eyePoint)>& setUniforms) {
-    MMatrix matrix;
+    const MayaCamera camera(view);
     Vector3 eye;
-    if (!viewMatrix(view, matrix) || MayaCamera(view).eyePoint(eye).error()) return;
+    if (camera.eyePoint(eye).error()) return;
 
     const GlStateScope state;
-    glLoadMatrixd(&matrix.matrix[0][0]);
+    loadViewMatrix(camera);
     glEnable(GL_DEPTH_TEST);
     glDisable(GL_LIGHTING);
     glDisable(GL_CULL_FACE);

@@ -250,7 +250,7 @@ void ProceduralSkyLocator::draw(M3dView& view, const MDagPath&, M3dView::Display
 void ProceduralSkyLocator::render(M3dView& view, ShaderProgram& program) {
     const MObject node = thisMObject();
     const auto setSpaceAndTextures = [&] {
-        loadViewMatrix(view);
+        loadViewMatrix(MayaCamera(view));
         bindTable(GL_TEXTURE2, tables_->extinction);
         bindTable(GL_TEXTURE1, tables_->haze);
         bindTable(GL_TEXTURE0, tables_->blueSky);

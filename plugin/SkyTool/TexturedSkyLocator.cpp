@@ -94,7 +94,7 @@ void TexturedSkyLocator::render(M3dView& view) {
     if (texture == 0) return;
     const std::array<float, 4> turned = skyRotation(readDouble(node, rotation));
     const auto setSpaceAndTexture = [&view, texture] {
-        loadViewMatrix(view);
+        loadViewMatrix(MayaCamera(view));
         gl().activeTexture(GL_TEXTURE0);
         glBindTexture(GL_TEXTURE_CUBE_MAP, texture);
     };
