@@ -6,9 +6,13 @@
 namespace orvo {
 
 std::uint32_t SkyTexture::update(const MObject& node, const MObject& pathAttribute, Load load, Fallback fallback) {
-    std::string path = readString(node, pathAttribute).asChar();
-    if (texture_ && path == loadedPath_) return texture_->name();
-    if (makeProjectRelative(path)) writeString(node, pathAttribute, path.c_str());
+    const std::string stored = readString(node, pathAttribute).asChar();
+    if (texture_ && stored == loadedPath_) return texture_->name();
+    std::string path = stored;
+    if (!makeProjectRelative(path))
+        path = stored;
+    else if (path != stored)
+        writeString(node, pathAttribute, path.c_str());
 
     release();
     auto texture = std::make_unique<TextureHandle>();

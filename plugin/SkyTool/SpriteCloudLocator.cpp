@@ -2,7 +2,6 @@
 
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaUtils.h"
-#include "../Common/Paths.h"
 #include "../Common/TriMeshXml.h"
 #include "ViewQuad.h"
 
@@ -52,9 +51,15 @@ const SkyShaderTexts shaders{"SpriteCloudLocator", vertexShader, fragmentShader}
 /// Cloud layers are modelled with UVs beyond the texture's borders.
 constexpr bool kRepeat = true, kMipmaps = true;
 
-bool loadWhite(TextureHandle& texture) {
+bool loadSprite(TextureHandle& texture, const std::string& path) {
+    return loadTextureRgba(texture, path, kRepeat, kRepeat, kMipmaps);
+}
+
+std::unique_ptr<TextureHandle> whiteTexture() {
     const std::vector<unsigned char> white(4 * 4 * 4, 255);
-    return uploadTexture2DRgba(texture, 4, 4, white.data(), {.repeatS = kRepeat, .repeatT = kRepeat});
+    auto texture = std::make_unique<TextureHandle>();
+    if (!uploadTexture2DRgba(*texture, 4, 4, white.data(), {.repeatS = kRepeat, .repeatT = kRepeat})) texture.reset();
+    return texture;
 }
 
 /// The meshes that stand directly below a path, or at it.
@@ -116,7 +121,6 @@ bool SpriteCloudLocator::isEnabled() { return readBool(thisMObject(), enable); }
 void SpriteCloudLocator::release() {
     program_.release();
     texture_.release();
-    texturePath_.reset();
     mesh_.reset();
     arrays_.reset();
 }
@@ -151,17 +155,6 @@ void SpriteCloudLocator::refreshCloudMesh() {
     if (!found) reportError("SpriteCloudLocator::RefreshCloudMesh:  No maya meshes found in wispy cloud group.\n");
 }
 
-void SpriteCloudLocator::refreshTexture() {
-    const MObject node = thisMObject();
-    const std::string stored = readString(node, spriteTexture).asChar();
-    if (texturePath_ == stored) return;
-    std::string path = stored;
-    makeProjectRelative(path);
-    if (path != stored) writeString(node, spriteTexture, path.c_str());
-    texturePath_ = path;
-    if (path.empty() || !loadTextureRgba(texture_, absoluteCopy(path), kRepeat, kRepeat, kMipmaps)) loadWhite(texture_);
-}
-
 void SpriteCloudLocator::render(M3dView& view) {
     if (!isEnabled()) return release();
     ShaderProgram* program = program_.get(shaders);
@@ -169,15 +162,15 @@ void SpriteCloudLocator::render(M3dView& view) {
     const MObject node = thisMObject();
     if (readBool(node, alwaysUpdateMesh)) mesh_.reset();
     refreshCloudMesh();
-    refreshTexture();
-    if (!mesh_ || mesh_->triangles.empty() || !texture_) return;
+    const std::uint32_t texture = texture_.update(node, spriteTexture, loadSprite, whiteTexture);
+    if (!mesh_ || mesh_->triangles.empty() || texture == 0) return;
     if (!arrays_) arrays_ = meshArrays(*mesh_, MeshArrayKinds::WithUvs);
 
     const bool opaque = readInt(node, RenderMode) == kOpaque;
     const auto setState = [&] {
         gl().activeTexture(GL_TEXTURE0);
         glEnable(GL_TEXTURE_2D);
-        glBindTexture(GL_TEXTURE_2D, texture_.name());
+        glBindTexture(GL_TEXTURE_2D, texture);
         glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
         if (opaque) return glDisable(GL_BLEND);
         glEnable(GL_BLEND);
@@ -195,12 +188,13 @@ void SpriteCloudLocator::render(M3dView& view) {
 bool SpriteCloudLocator::saveToXml(OutputFile& file, const char* indent) {
     const MObject node = thisMObject();
     const Vector3 colour = readFloat3(node, tint);
-    std::string path = readString(node, spriteTexture).asChar();
-    if (!stripBuildFolder(path)) {
+    bool inBuildFolder = false;
+    std::string image = buildPath(node, spriteTexture, inBuildFolder);
+    if (!inBuildFolder) {
         reportError("SpriteCloudLocator::SaveToXML:  filepath bad. [%s] (maybe file not located in hub data "
                     "directory?)\n",
-                    path);
-        path.clear();
+                    image);
+        image.clear();
     }
     file.print("%s<SpriteCloud\n", indent);
     file.print("%s\trenderMode = \"%d\"\n", indent, readInt(node, RenderMode));
@@ -208,7 +202,7 @@ bool SpriteCloudLocator::saveToXml(OutputFile& file, const char* indent) {
     file.print("%s\talphaScale = \"%f\"\n", indent, readDouble(node, alphaScale));
     file.print("%s\tbrightness = \"%f\"\n", indent, readDouble(node, brightness));
     file.print("%s\ttextureMipBias = \"%f\"\n", indent, readDouble(node, textureMipBias));
-    file.print("%s\ttexture = \"%s\"\n", indent, xmlEscaped(path));
+    file.print("%s\ttexture = \"%s\"\n", indent, xmlEscaped(image));
     file.print("%s\t>\n", indent);
     refreshCloudMesh();
     if (!mesh_ || !writeTriMeshXml(*mesh_, file, (std::string(indent) + "\t").c_str())) return false;

@@ -2,16 +2,15 @@
 
 #include "../Common/InstanceList.h"
 #include "../Common/OutputFile.h"
-#include "../Common/Textures.h"
 #include "ExportNode.h"
 #include "MeshPreview.h"
 #include "SkyProgram.h"
+#include "SkyTexture.h"
 
 #include <maya/MDagPath.h>
 #include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 #include <optional>
-#include <string>
 
 namespace orvo {
 
@@ -42,16 +41,13 @@ private:
     /// Gathers the group's meshes, unless some are held. Afterwards the mesh is empty when the group has none, and
     /// missing when there is no group; both are reported.
     void refreshCloudMesh();
-    /// Loads the texture when its path has changed. A file that cannot be loaded is white.
-    void refreshTexture();
 
     static MObject enable, alwaysUpdateMesh, spriteTexture, RenderMode, tint, brightness, alphaScale, textureMipBias;
 
     SkyProgram program_;
-    TextureHandle texture_;
-    std::optional<std::string> texturePath_; ///< where the texture came from, as the attribute stores it
-    std::optional<TriMesh> mesh_;            ///< world space, centimetres
-    std::optional<MeshArrays> arrays_;       ///< of the mesh, once drawn
+    SkyTexture texture_;               ///< white for an image that cannot be loaded
+    std::optional<TriMesh> mesh_;      ///< world space, centimetres
+    std::optional<MeshArrays> arrays_; ///< of the mesh, once drawn
     InstanceEntry<SpriteCloudLocator> entry_{*this};
 };
 
