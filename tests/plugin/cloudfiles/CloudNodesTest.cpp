@@ -1,5 +1,6 @@
 #include "CloudFiles.h"
 #include "PluginScene.h"
+#include "Schema.h"
 
 #include "scene/Evaluation.h"
 #include "viewport/Viewport.h"
@@ -110,6 +111,7 @@ TEST_F(CloudNodes, ParametersGoFromNodeToNode) {
          "\"d:/other//sky.dds\";");
     log_.clear();
     must(exportCommand + quoted(file) + " \"one\"");
+    EXPECT_TRUE(followsSchema(file, "shading-params.xsd"));
     must(importCommand + quoted(path("pARAMS.xml")) + " \"two\"");
     must(importCommand + quoted(file) + " \"two\" 1");
     EXPECT_THAT(
@@ -134,6 +136,7 @@ TEST_F(CloudNodes, ParametersGoFromNodeToNode) {
 TEST_F(CloudNodes, ExportsTheDefaults) {
     must("createNode orvosky_ParticleCloudShadingParams -n \"one\";");
     must(exportCommand + quoted(path("p.xml")) + " \"one\"");
+    EXPECT_TRUE(followsSchema(path("p.xml"), "shading-params.xsd"));
     EXPECT_EQ(contents(path("p.xml")), "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
                                        "<OrvoAtmosphere\n"
                                        "\ttype = \"Modeler_ParticleCloudShadingParams\"\n"

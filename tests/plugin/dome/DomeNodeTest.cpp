@@ -1,4 +1,5 @@
 #include "PluginScene.h"
+#include "Schema.h"
 #include "viewport/Viewport.h"
 
 #include <gmock/gmock.h>
@@ -89,6 +90,7 @@ protected:
     std::string exported() {
         const std::string path = (project() / "dome.atmos").string();
         must("orvosky_SaveSkySystemToXMLCommand \"" + path + "\"");
+        EXPECT_TRUE(followsSchema(path, "atmos.xsd"));
         return contents(path);
     }
 

@@ -1,5 +1,6 @@
 // Mesh clouds and scene fog in the ".atmos" file, and what the nodes say.
 #include "PluginScene.h"
+#include "Schema.h"
 
 #include <gmock/gmock.h>
 
@@ -39,7 +40,11 @@ protected:
     void addPlane(const std::string& name) {
         must("polyPlane -w 100 -h 200 -sx 1 -sy 1 -n \"" + name + "\"; parent -r \"" + name + "\" \"cloud\";");
     }
-    bool save() { return mel("orvosky_SaveSkySystemToXMLCommand \"" + file_.string() + "\""); }
+    bool save() {
+        const bool saved = mel("orvosky_SaveSkySystemToXMLCommand \"" + file_.string() + "\"");
+        if (saved) EXPECT_TRUE(followsSchema(file_, "atmos.xsd"));
+        return saved;
+    }
     std::string elements(const char* name) {
         const std::string text = contents(file_);
         const auto from = text.find(std::string("\t<") + name), to = text.find("</OrvoAtmosphere>");

@@ -1,6 +1,7 @@
 // Particle clouds in a scene: gathering, the commands, autoUpdate, and the exported files read back.
 #include "Common/Checksums.h"
 #include "PluginScene.h"
+#include "Schema.h"
 #include "SkyTool/CloudGeneration.h"
 
 #include "viewport/Viewport.h"
@@ -69,6 +70,7 @@ protected:
     bool refresh(const std::string& names = "puff") { return mel("orvosky_ParticleCloud_RenderCloudCommand " + names); }
     std::string exported() {
         must("orvosky_SaveSkySystemToXMLCommand \"" + (folder_ / "sky.atmos").string() + "\"");
+        EXPECT_TRUE(followsSchema(folder_ / "sky.atmos", "atmos.xsd"));
         return contents(folder_ / "sky.atmos");
     }
     /// The numbers of an attribute of the first ParticleCloud element.
@@ -218,6 +220,7 @@ TEST_F(ParticleCloudScene, ExportsALibraryThatADomeReads) {
     EXPECT_THAT(log_.all(),
                 ElementsAre("Info: CloudExport: Exporting cloud [first] to file [" + path + "] success\n",
                             "Info: CloudExport: Exporting cloud [second] to file [" + path + "] success\n"));
+    EXPECT_TRUE(followsSchema(path, "particle-cloud-library.xsd"));
     const std::string text = contents(path);
     EXPECT_THAT(text, StartsWith("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<OrvoAtmosphere\n"
                                  "\ttype = \"Modeler_ParticleCloudLibrary\"\n\tversion = \"1\"\n\t>\n"

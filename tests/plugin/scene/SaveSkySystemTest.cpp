@@ -1,4 +1,5 @@
 #include "PluginScene.h"
+#include "Schema.h"
 
 #include <gmock/gmock.h>
 
@@ -38,7 +39,9 @@ protected:
 
     fs::path file(const char* name = "scene.atmos") const { return folder_ / name; }
     bool save(const char* name = "scene.atmos") {
-        return mel("orvosky_SaveSkySystemToXMLCommand \"" + file(name).string() + "\"");
+        const bool saved = mel("orvosky_SaveSkySystemToXMLCommand \"" + file(name).string() + "\"");
+        if (saved) EXPECT_TRUE(followsSchema(file(name), "atmos.xsd"));
+        return saved;
     }
     /// The export must fail with these errors before the last line.
     void expectFailure(std::vector<std::string> errors, const char* name = "scene.atmos") {

@@ -1,4 +1,5 @@
 #include "PluginScene.h"
+#include "Schema.h"
 
 #include <gmock/gmock.h>
 
@@ -24,6 +25,7 @@ protected:
     std::string element() {
         log_.clear();
         must("orvosky_SaveSkySystemToXMLCommand \"" + file_.string() + "\"");
+        EXPECT_TRUE(followsSchema(file_, "atmos.xsd"));
         const std::string text = contents(file_);
         const std::string before = "cloudBackBufferRes  = \"0\"\n\t/>\n", after = "</OrvoAtmosphere>";
         const auto start = text.find(before), end = text.find(after);
