@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Failure.h"
+
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -14,12 +15,6 @@ enum ExitStatus : int { kWorked = 0, kFailed = 1, kWrongUsage = 2 };
 struct CommonOptions {
     std::string project;   ///< workspace root; empty: found from the current folder upward
     bool noPlugin = false; ///< run the bare host
-};
-
-/// A failure whose text is for the user.
-class Failure : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
 };
 
 /// The host as the program runs it: workspace and search paths set, plug-in loaded, userSetup.mel sourced.

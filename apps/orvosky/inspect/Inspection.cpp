@@ -1,6 +1,6 @@
 #include "Inspection.h"
 
-#include "../Session.h"
+#include "../Failure.h"
 #include "CloudFile.h"
 #include "SceneFile.h"
 #include "XmlFile.h"

@@ -1,6 +1,6 @@
 #include "SceneFile.h"
 
-#include "../Session.h"
+#include "../Failure.h"
 #include "CloudData.h"
 #include "ElementRules.h"
 #include "XmlFile.h"

@@ -1,6 +1,6 @@
 #include "XmlFile.h"
 
-#include "../Session.h"
+#include "../Failure.h"
 #include "Inspection.h"
 
 #include <nlohmann/json.hpp>

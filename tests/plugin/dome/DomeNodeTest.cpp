@@ -45,13 +45,8 @@ protected:
     DomeNode() {
         std::filesystem::remove_all(folder());
         std::filesystem::create_directories(folder());
-        const auto shaders = project() / "ArtTools/Maya/OrvoSkyTool/shaders";
-        std::filesystem::create_directories(shaders);
-        using enum std::filesystem::copy_options;
-        std::filesystem::copy(ORVO_SHADERS, shaders, overwrite_existing | recursive);
-        must("global proc string OrvoGetPath_ToolsRoot() { return \"" + project().string() +
-             "/\"; }"
-             "createNode transform -n OrvoSkyData; createNode transform -n d -p OrvoSkyData;"
+        makeToolsRoot(ORVO_SHADERS);
+        must("createNode transform -n OrvoSkyData; createNode transform -n d -p OrvoSkyData;"
              "createNode orvosky_ParticleCloudDome -n dome -p d; createNode orvosky_SkySceneSettings -p d;"
              "createNode orvosky_ParticleCloudShadingParams -n shading -p d; createNode orvosky_SkyRenderer;"
              "setAttr -type \"string\" shading.shadingTexture \"build\\\\none.dds\";");

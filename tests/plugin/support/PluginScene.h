@@ -48,6 +48,15 @@ protected:
     /// Runs MEL that must work.
     void must(const std::string& script) { ASSERT_TRUE(mel(script)) << failure_ << "\n" << script; }
 
+    /// Makes the project the tools' root too, with the plug-in's shader files in it.
+    void makeToolsRoot(const std::filesystem::path& shaders) {
+        const auto folder = project() / "ArtTools/Maya/OrvoSkyTool/shaders";
+        std::filesystem::create_directories(folder);
+        using enum std::filesystem::copy_options;
+        std::filesystem::copy(shaders, folder, overwrite_existing | recursive);
+        must("global proc string OrvoGetPath_ToolsRoot() { return \"" + project().string() + "/\"; }");
+    }
+
     static std::string contents(const std::filesystem::path& file) {
         std::ostringstream text;
         text << std::ifstream(file, std::ios::binary).rdbuf();
