@@ -13,8 +13,8 @@
 
 #include <unistd.h>
 
-/// The inspection of any bytes: the text up to the first zero byte is the file, what follows it is the cloud data beside
-/// it; without a zero byte there are none. A file is refused with a message for people, or told of in full.
+/// The inspection of any bytes: the text up to the first zero byte is the file, what follows it is the cloud data
+/// beside it; without a zero byte there are none. A file is refused with a message for people, or told of in full.
 namespace {
 
 namespace fs = std::filesystem;
