@@ -3,6 +3,7 @@
 #include "../Common/MayaUtils.h"
 
 #include <cmath>
+#include <limits>
 #include <maya/MArgList.h>
 #include <maya/MFloatPoint.h>
 #include <maya/MFloatVector.h>
@@ -102,8 +103,8 @@ MStatus DropMeshCommand::readArguments(const MArgList& args) {
     if (status.error() || staticNames_.length() == 0)
         return failed(status, "DropMeshCommand: Could not get staticObjectNameArray argument");
     offset_ = args.asDouble(2, &status);
-    // An offset that is not a number would take the mesh's shape away.
-    if (status.error() || !std::isfinite(offset_))
+    // An offset that points cannot take, or none at all, would take the mesh's shape away.
+    if (status.error() || !(std::fabs(offset_) <= std::numeric_limits<float>::max()))
         return failed(status, "DropMeshCommand: Could not get offset argument");
     return MStatus::kSuccess;
 }

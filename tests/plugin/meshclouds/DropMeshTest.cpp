@@ -96,6 +96,18 @@ TEST_F(DropMesh, FallsOrRisesOntoTheHighestSurface) {
     EXPECT_THAT(log_.errors(), ElementsAre());
 }
 
+// Catches rays that begin or end at another static mesh than the highest and the lowest.
+TEST_F(DropMesh, StaticsMayBeFarApart) {
+    plane("low", 100, 1, 0, 0, 0);
+    for (const auto& [x, height] : {std::pair{60, 0}, {0, 3000}}) {
+        plane("high", 100, 1, x, 3000, 0);
+        plane("drop", 10, 1, 0, 2990, 0);
+        ASSERT_TRUE(drop("{\"low\", \"high\"}", "0")) << failure_;
+        EXPECT_THAT(heights("drop"), testing::Each(testing::DoubleNear(height, 1e-2)));
+        must("delete drop high");
+    }
+}
+
 // Catches a vertex beside all statics that takes the wrong one's height, or moves to the nearest point itself.
 TEST_F(DropMesh, BesideAllSurfacesTakesTheNearestHeight) {
     plane("left", 10, 1, -50, 7, 0);
@@ -182,10 +194,16 @@ TEST_F(DropMesh, RedoKeepsWhatTheFirstRunMeasured) {
     const auto before = points("drop");
     ASSERT_TRUE(drop("{\"low\", \"high\"}", "0"));
     EXPECT_THAT(heights("drop"), testing::Each(testing::DoubleNear(1, 1e-4)));
-    must("undo; undoInfo -swf 0; setAttr \"high.ty\" 5000");
-    ASSERT_TRUE(mesh("drop")->setPoint(0, MPoint(0, 7, 0)));
-    must("undoInfo -swf 1; redo");
-    EXPECT_THAT(heights("drop"), testing::Each(testing::DoubleNear(0, 1e-4)));
+    // Rays fall from 1001 to -1000.
+    const std::pair<const char*, double> moves[] = {{"setAttr high.ty 5000", 0},
+                                                    {"setAttr high.ty 900", 900},
+                                                    {"setAttr high.t 60 15 0; setAttr low.ty -900", -900}};
+    for (const auto& [move, height] : moves) {
+        must(std::string("undo; undoInfo -swf 0; ") + move);
+        ASSERT_TRUE(mesh("drop")->setPoint(0, MPoint(0, 7, 0)));
+        must("undoInfo -swf 1; redo");
+        EXPECT_THAT(heights("drop"), testing::Each(testing::DoubleNear(height, 1e-3))) << move;
+    }
     must("undo");
     EXPECT_EQ(points("drop"), before);
 }
@@ -215,7 +233,7 @@ TEST_F(DropMesh, RefusesBadArguments) {
     expectFailure("string $none[]; orvo_dropMesh \"drop\" $none 1",
                   said("Could not get staticObjectNameArray argument"));
     expectFailure("orvo_dropMesh \"drop\" {\"ground\"} \"up\"", said("Could not get offset argument"));
-    expectFailure("orvo_dropMesh \"drop\" {\"ground\"} (1e308 * 10)", said("Could not get offset argument"));
+    expectFailure("orvo_dropMesh \"drop\" {\"ground\"} 1e39", said("Could not get offset argument"));
     expectFailure("orvo_dropMesh \"gone\" {\"ground\"} 1", said("Trouble getting dropObject MFnMesh"));
     expectFailure("orvo_dropMesh \"bare\" {\"ground\"} 1", said("Trouble getting dropObject MFnMesh"));
     expectFailure("orvo_dropMesh \"drop\" {\"gone\", \"bare\"} 1",
