@@ -92,10 +92,11 @@ TEST_F(MeshRays, MissesAndBadArguments) {
 
     const MFloatPoint from(0.5f, 0.5f, 3);
     const MFloatVector along(0, 0, -1);
-    for (const Hit& bad : {cast(from, {0, 0, 0}), cast(from, {0, kNan, 0}), cast({kNan, 0, 0}, along),
-                           cast(from, along, MSpace::kInvalid), cast(from, along, MSpace::kObject, -1),
-                           cast(from, along, MSpace::kObject, kNan), cast(from, along, MSpace::kObject, 9, false, -1),
-                           cast(from, along, MSpace::kObject, 9, false, kNan)}) {
+    for (const Hit& bad :
+         {cast(from, {0, 0, 0}), cast(from, {0, kNan, 0}), cast({kNan, 0, 0}, along),
+          cast(from, along, MSpace::kInvalid), cast(from, along, MSpace::kObject, -1),
+          cast(from, along, MSpace::kObject, kNan), cast(from, along, MSpace::kObject, 9, false, -1),
+          cast(from, along, MSpace::kObject, 9, false, 1.5f), cast(from, along, MSpace::kObject, 9, false, kNan)}) {
         EXPECT_FALSE(bad.found);
         EXPECT_EQ(bad.status, MStatus::kInvalidParameter);
     }

@@ -1,5 +1,6 @@
 #include "mesh/MeshQueries.h"
 #include "mesh/QueryCache.h"
+#include "mesh/TriangleTests.h"
 
 #include <gmock/gmock.h>
 
@@ -147,7 +148,7 @@ TEST(MeshQueries, TreeAnswersAsEveryTriangleWould) {
             if (i % 4 == 1) direction = V3d(0, -1, 0);
             if (i % 16 == 2) direction *= 1e-20;
             if (i % 16 == 6) direction *= 1e15;
-            const double away = (i % 7 == 3 ? 1e7 : 2) * size / direction.length();
+            const double away = (i % 7 == 3 ? (i % 2 ? 1e11 : 1e7) : 2) * size / direction.length();
             Ray ray;
             const V3d origin = target - direction * away;
             for (int k = 0; k < 3; ++k)
@@ -250,6 +251,22 @@ TEST(MeshQueries, LowestTriangleWinsTies) {
     EXPECT_EQ(two.fast.nearest(V3d(1, 0, 1))->triangle, 0);
 }
 
+// Catches points on an edge that differ between the two triangles that share it, so that no tie is one; and weights of
+// triangles without area that are those of another edge than the longest.
+TEST(MeshQueries, EdgesAreTheSameFromBothSides) {
+    std::mt19937 random(23);
+    std::uniform_real_distribution<double> unit(-1, 1);
+    for (int i = 0; i < 500; ++i) {
+        const auto any = [&] { return V3d(unit(random), unit(random), unit(random)); };
+        const V3d a = any(), b = any(), away = (b - a).cross(any()), c = a + away, d = b + away * 2.0;
+        const V3d p = a + (b - a) * (0.5 + 0.4 * unit(random)) - away;
+        EXPECT_EQ(nearestOnTriangle(p, a, b, c), nearestOnTriangle(p, b, a, d)) << i;
+    }
+    double w[3];
+    weightsAt(V3d(3, 0, 0), V3d(0, 0, 0), V3d(1, 0, 0), V3d(4, 0, 0), w);
+    EXPECT_THAT(w, ElementsAre(0.25, 0, 0.75));
+}
+
 // Catches limits that leave out their end or the origin, and rays from the other side that see nothing.
 TEST(MeshQueries, Limits) {
     Pair pair(grid(4, [](int, int) { return 0; }), M44d());
@@ -321,6 +338,9 @@ TEST(QueryCache, FollowsTheMesh) {
     EXPECT_EQ(height(mesh, M44d(), true), 1);
     EXPECT_EQ(height(mesh, raised, true), 11);
     EXPECT_EQ(height(mesh, M44d(), true), 1);
+    M44d higher = raised;
+    higher[3][1] = 20;
+    EXPECT_EQ(height(mesh, higher, true), 21);
     EXPECT_EQ(mesh.queryCache().usage().trees, 2u);
 
     const PolyMesh copy = mesh;

@@ -1,4 +1,5 @@
 // Mesh clouds and scene fog, drawn, against the same formulas evaluated in plain C++, in double precision.
+#define GL_GLEXT_PROTOTYPES
 #include "Host.h"
 #include "MessageLog.h"
 #include "api/PluginManager.h"
@@ -7,6 +8,13 @@
 
 #include <gmock/gmock.h>
 
+#include <GL/gl.h>
+#include <GL/glext.h>
+#include <maya/MDagPath.h>
+#include <maya/MFnDependencyNode.h>
+#include <maya/MPxLocatorNode.h>
+#include <maya/MSelectionList.h>
+#include <maya/MString.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -60,15 +68,19 @@ protected:
     }
 
     /// Draws with the camera at a place (in centimetres) along -Z, then lets the nodes free what they hold while their
-    /// context is there.
-    static host::viewport::Picture draw(const std::string& eye = "0 0 0", int frames = 1) {
+    /// context is there. `between` is run after each frame but the last.
+    static host::viewport::Picture draw(const std::string& eye = "0 0 0", int frames = 1,
+                                        const std::string& between = "") {
         run("setAttr persp.t " + eye +
             "; setAttr persp.r 0 0 0; setAttr perspShape.focalLength 35;"
-            "setAttr perspShape.nearClipPlane 1; setAttr perspShape.farClipPlane 1000000;");
+            "setAttr perspShape.nearClipPlane 1; setAttr perspShape.farClipPlane 80000;");
         std::string error;
         auto view = host::viewport::Viewport::create(width, height, &error);
         host::viewport::Picture picture;
-        for (int i = 0; i < frames; ++i) EXPECT_TRUE(view && view->render(&error)) << error;
+        for (int i = 0; i < frames; ++i) {
+            if (i > 0) run(between);
+            EXPECT_TRUE(view && view->render(&error)) << error;
+        }
         if (view) picture = view->picture();
         const auto enableAll = [](const char* value) {
             for (const char* plug : {"sprite.enable", "fog.Enable", "height.Enable"})
@@ -156,7 +168,8 @@ TEST_F(MeshPixels, CloudsFollowTheirFormula) {
         makeCloud("build\\\\plain.tga");
         run("setAttr sprite.RenderMode " + std::to_string(!c.opaque) + "; setAttr sprite.brightness " +
             std::to_string(c.brightness) + "; setAttr sprite.alphaScale " + std::to_string(c.alphaScale) +
-            "; setAttr sprite.tint -type \"float3\" " + numbers(tint));
+            "; setAttr sprite.tint -type \"float3\" " + numbers(tint) +
+            (c.brightness > 1 ? "" : "; setAttr wall.rx -90")); // seen from behind
         Colour expected;
         for (int k = 0; k < 3; ++k) {
             const double shown = texture[k] * tint[k] * c.brightness;
@@ -187,12 +200,11 @@ TEST_F(MeshPixels, CloudsLieWhereTheirMeshesAre) {
             return u < 0.5 ? Colour{1, 0, 0} : Colour{0, 1, 0};
         };
     };
-    EXPECT_LE(worst(draw(), wall(100)), 1);
-
     // The mesh is kept or gathered again, as the artist has it. The frames of a draw share what the node holds.
+    EXPECT_LE(worst(draw("0 0 0", 2, "setAttr wall.tx -150"), wall(100)), 1);
     // How large the camera is does not matter.
-    run("setAttr sprite.alwaysUpdateMesh 1; setAttr wall.tx -150; setAttr persp.s 2 3 4;");
-    EXPECT_LE(worst(draw("0 0 0", 2), wall(-150)), 1);
+    run("setAttr sprite.alwaysUpdateMesh 1; setAttr persp.s 2 3 4;");
+    EXPECT_LE(worst(draw("0 0 0", 2, "setAttr wall.tx 50"), wall(50)), 1);
 }
 
 TEST_F(MeshPixels, AMissingTextureIsWhiteAndAPathIsStoredAsTheProjectHasIt) {
@@ -302,6 +314,12 @@ TEST_F(FogPixels, FollowsItsFormula) {
         run("createNode transform -n OrvoSkyData; createNode transform -n set -p OrvoSkyData;"
             "createNode orvosky_SkyRenderer;");
         makeGround();
+        // Neither what is hidden counts, nor what lies below, nor a height fog (in front of some of it) that has no
+        // depth.
+        makeGround("hidden");
+        makeGround("deep");
+        run("setAttr hiddenT.t 0 500 0; setAttr hiddenT.v 0; setAttr deepT.ty -900; createNode transform -n h -p "
+            "OrvoSkyData; createNode orvosky_ExpHeightFog -n height -p h; setAttr height.fogAlpha 0.0001");
         make(f);
         EXPECT_LE(worstOf(f, draw("0 700 0")), 1) << f.start << " to " << f.end;
         EXPECT_EQ(number("xeli.snapMeshForm"), 4);
@@ -354,4 +372,65 @@ TEST_F(FogPixels, TakesItsColourFromTheHeightFog) {
     run("setAttr fog.getColourFromExpHeightFog 0; setAttr fog.fogColour -type \"float3\" 0 0.25 0;");
     draw();
     EXPECT_THAT(colours("height"), testing::ElementsAre(0, 0.25, 0));
+}
+
+namespace {
+
+/// What a locator's draw may change in GL, and the rest of the host's drawing relies on.
+std::vector<double> glState() {
+    std::vector<double> state(16);
+    glGetDoublev(GL_MODELVIEW_MATRIX, state.data());
+    for (const GLenum name :
+         {GL_ATTRIB_STACK_DEPTH, GL_MODELVIEW_STACK_DEPTH, GL_MATRIX_MODE, GL_CURRENT_PROGRAM, GL_DEPTH_TEST,
+          GL_DEPTH_WRITEMASK, GL_DEPTH_CLAMP, GL_BLEND, GL_BLEND_SRC, GL_BLEND_DST, GL_LIGHTING, GL_CULL_FACE,
+          GL_TEXTURE_2D, GL_TEXTURE_BINDING_2D, GL_TEXTURE_BINDING_CUBE_MAP, GL_ACTIVE_TEXTURE, GL_VERTEX_ARRAY})
+        glGetDoublev(name, &state.emplace_back());
+    for (GLuint i = 0; i < 8; ++i) glGetVertexAttribdv(i, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &state.emplace_back());
+    return state;
+}
+
+} // namespace
+
+// Catches a state that is set and not taken back. The host of the tests puts it right after each locator; others do
+// not.
+TEST_F(FogPixels, DrawingLeavesGlAsItWas) {
+    loadStandIn();
+    for (const std::string kind : {"BasicSkyLocator", "GradientSkyLocator", "TexturedSkyLocator", "ExpHeightFog",
+                                   "ProceduralSkyLocator", "SpriteCloudLocator", "SceneFog"}) {
+        host::Host::instance().scene().reset();
+        run("createNode transform -n OrvoSkyData; createNode transform -n set -p OrvoSkyData;"
+            "createNode orvosky_SkyRenderer -n renderer -p set; setAttr persp.t 0 0 0; setAttr persp.r 0 0 0");
+        if (kind == "SpriteCloudLocator") {
+            makeCloud("");
+        } else if (kind == "SceneFog") {
+            makeGround();
+            make({});
+        } else {
+            run("createNode orvosky_" + kind + " -n sky -p set");
+        }
+        auto view = host::viewport::Viewport::create(width, height);
+        ASSERT_TRUE(view && view->render());
+        MSelectionList list;
+        MDagPath path;
+        ASSERT_TRUE(list.add(kind == "ProceduralSkyLocator" ? "sky" : "renderer") && list.getDagPath(0, path));
+        auto* const locator = dynamic_cast<MPxLocatorNode*>(MFnDependencyNode(path.node()).userNode());
+        ASSERT_TRUE(locator && view->beginGL());
+        for (const GLenum name : {GL_LIGHTING, GL_CULL_FACE, GL_BLEND}) glEnable(name);
+        glClearColor(0, 0, 1, 1);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        glDisable(GL_DEPTH_TEST);
+        glDepthMask(GL_FALSE);
+        glBlendFunc(GL_DST_COLOR, GL_SRC_COLOR);
+        glActiveTexture(GL_TEXTURE3);
+        glTranslated(1, 2, 3);
+        const auto before = glState();
+        M3dView api = view->apiView();
+        locator->draw(api, path, M3dView::kGouraudShaded, M3dView::kDormant);
+        EXPECT_EQ(glState(), before) << kind;
+        unsigned char pixel[4];
+        glReadPixels(width / 2, 2, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
+        EXPECT_FALSE(pixel[0] == 0 && pixel[2] == 255) << "nothing was drawn: " << kind;
+        view->endGL();
+        host::Host::instance().scene().reset(); // while the context is there
+    }
 }

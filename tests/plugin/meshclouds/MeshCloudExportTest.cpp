@@ -42,7 +42,7 @@ protected:
     }
     bool save() {
         const bool saved = mel("orvosky_SaveSkySystemToXMLCommand \"" + file_.string() + "\"");
-        if (saved) EXPECT_TRUE(followsSchema(file_, "atmos.xsd"));
+        EXPECT_TRUE(!saved || followsSchema(file_, "atmos.xsd"));
         return saved;
     }
     std::string elements(const char* name) {
@@ -63,7 +63,9 @@ TEST_F(MeshCloudExport, WritesACloudOfTwoMeshes) {
     makeCloud();
     addPlane("a");
     addPlane("b");
-    must("setAttr \"b.t\" 300 400 500; setAttr \"cloud.s\" 2 2 2; setAttr \"sprite.RenderMode\" 0;"
+    addPlane("history"); // not shown, and not written
+    must("string $s[] = `listRelatives -s history`; setAttr ($s[0] + \".intermediateObject\") 1;"
+         "setAttr \"b.t\" 300 400 500; setAttr \"cloud.s\" 2 2 2; setAttr \"sprite.RenderMode\" 0;"
          "setAttr \"sprite.tint\" -type \"float3\" 0.25 0.5 0.75; setAttr \"sprite.alphaScale\" 1.5;"
          "setAttr \"sprite.brightness\" 2.5; setAttr \"sprite.textureMipBias\" -3;"
          "setAttr \"sprite.spriteTexture\" -type \"string\" \"build\\\\sky\\\\a & b.tga\";");
@@ -152,15 +154,38 @@ TEST_F(MeshCloudExport, WritesTheFogWithItsDistancesInOrder) {
                                     "\t/>\n");
 }
 
-// Catches limits that are missing or hard where they should be soft, and shape names.
-TEST_F(MeshCloudExport, NodesHaveTheirNamesAndLimits) {
+// Catches other defaults, limits that are missing or hard where they should be soft, and shape names.
+TEST_F(MeshCloudExport, NodesHaveTheirNamesDefaultsAndLimits) {
     must("createNode orvosky_SceneFog -p \"set\"; createNode orvosky_SpriteCloudLocator -p \"set\";");
+    const std::string fog = "sceneFogShape1.", sprite = "orvosky_SpriteCloudLocatorShape1.";
+    const std::pair<std::string, double> defaults[] = {{fog + "Enable", 1},
+                                                       {fog + "getColourFromExpHeightFog", 0},
+                                                       {fog + "fogStart", 100},
+                                                       {fog + "fogEnd", 500},
+                                                       {fog + "fogAlpha", 1},
+                                                       {fog + "fogColourG", 1},
+                                                       {fog + "previewGeomColourB", 0.5},
+                                                       {fog + "sunDir0", 0},
+                                                       {fog + "sunDir1", 1},
+                                                       {sprite + "enable", 1},
+                                                       {sprite + "alwaysUpdateMesh", 1},
+                                                       {sprite + "RenderMode", 1},
+                                                       {sprite + "tintR", 1},
+                                                       {sprite + "brightness", 1},
+                                                       {sprite + "alphaScale", 1},
+                                                       {sprite + "textureMipBias", 0}};
+    for (const auto& [plug, value] : defaults) {
+        must("getAttr " + plug);
+        EXPECT_EQ(result_.toFloat(), value) << plug;
+    }
     for (const char* refused :
          {"sceneFogShape1.fogStart\" 0.5", "sceneFogShape1.fogEnd\" 0.5", "sceneFogShape1.fogAlpha\" 0",
-          "sceneFogShape1.fogAlpha\" 1.5", "sceneFogShape1.sunDirX\" 2",
+          "sceneFogShape1.fogAlpha\" 1.5", "sceneFogShape1.sunDir0\" 2",
           "orvosky_SpriteCloudLocatorShape1.brightness\" 3.5", "orvosky_SpriteCloudLocatorShape1.brightness\" -1",
-          "orvosky_SpriteCloudLocatorShape1.alphaScale\" 2.5"})
+          "orvosky_SpriteCloudLocatorShape1.alphaScale\" 2.5"}) {
         EXPECT_FALSE(mel(std::string("setAttr \"") + refused)) << refused;
+        EXPECT_THAT(failure_, HasSubstr("imum value of ")) << refused;
+    }
     for (const char* taken :
          {"sceneFogShape1.fogStart\" 600", "sceneFogShape1.fogEnd\" 9000",
           "orvosky_SpriteCloudLocatorShape1.alphaScale\" 1.5", "orvosky_SpriteCloudLocatorShape1.textureMipBias\" 9"})

@@ -99,6 +99,8 @@ TEST_F(ShadingConversion, AnswersThePositionInItsMode) {
     must("setAttr \"n.mode\" 1");
     expectOutput({1, 2, 3}, "position");
     EXPECT_EQ(number("n.outW"), 1.0);
+    must("getAttr -asString \"n.mode\"");
+    EXPECT_EQ(result_.toString(), "position");
     must("setAttr \"n.mode\" 0"); // a change of the mode reaches all outputs
     EXPECT_EQ(number("n.outW"), 0.0);
     EXPECT_NE(output(), (Triple{1, 2, 3}));

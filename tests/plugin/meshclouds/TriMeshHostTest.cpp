@@ -169,7 +169,8 @@ TEST_F(TriMeshHost, MakesHostMeshes) {
 
     mesh.uvSets[0]->pop_back(); // fewer UVs than corners need
     log_.clear();
-    EXPECT_TRUE(orvo::CreateMayaMesh(mesh, "other", true, false).error());
+    EXPECT_TRUE(orvo::CreateMayaMesh(mesh, "bare", false, true)) << "UVs that nobody asked for";
+    EXPECT_TRUE(orvo::CreateMayaMesh(mesh, "other", true, true).error());
     EXPECT_EQ(errors().back(), "TriMesh:CreateMayaMesh  Could not assign default UV's to output Mesh.");
     mesh.triangles = {{0, 1, 9}};
     log_.clear();

@@ -145,7 +145,7 @@ TEST(ScatteringTables, TheFastIntegralKeepsItsBounds) {
         AtmosphereModel model = steppedModel(50);
         model.haze.scaleHeight = model.blueSky.scaleHeight = scaleHeight;
         model.redDecay.scaleHeight = scaleHeight * 0.7;
-        model.hazeExtinction = model.hazeExtinction * 100.0;
+        model.hazeExtinction = model.hazeExtinction * 300.0;
         const Vector3 eye{0, model.planetRadius + 1, 0};
         std::vector<TableRay> rays;
         for (double mu = 0.01; mu < 1; mu += 0.01) {

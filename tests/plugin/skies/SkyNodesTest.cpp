@@ -177,8 +177,12 @@ TEST_F(SkyNodes, HardLimitsHoldAndSoftOnesDoNot) {
                                 "p.blueSkyBrightness -0.1",
                                 "p.redDecay -0.1",
                                 "p.redDecayFalloff -0.1",
-                                "p.rval 0.5"})
+                                "g.sunDir1 -1.5",
+                                "p.sunLightDir2 1.5"}) {
         EXPECT_FALSE(mel(std::string("setAttr ") + refused)) << refused;
+        EXPECT_THAT(failure_, HasSubstr("imum value of ")) << refused;
+    }
+    EXPECT_FALSE(mel("setAttr p.rval 0.5"));
     for (const char* taken : {"p.cameraHeight 900", "p.hazeHeight 3000", "p.hazeBrightness 2", "p.hazeDecay 2",
                               "p.hazeHaloBrightness 20", "p.redDecayFalloff 2", "p.redDecayHeight 2500"})
         EXPECT_TRUE(mel(std::string("setAttr ") + taken)) << taken;
