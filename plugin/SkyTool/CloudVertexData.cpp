@@ -35,7 +35,7 @@ void padCloudVertexData(std::vector<unsigned char>& bytes) {
 
 bool appendCloudVertexData(const ParticleCloudGeom& geom, const Matrix44& toBounds, double radius, double falloff,
                            std::vector<unsigned char>& bytes) {
-    if (geom.numSprites <= 0 || geom.positions.empty()) return false;
+    if (geom.numSprites <= 0 || geom.positions.empty() || !std::isfinite(radius)) return false;
     const bool withShadow = !geom.shadowCube0.empty() && !geom.shadowCube1.empty();
     const std::size_t start = bytes.size(), recordSize = withShadow ? 16 : 8;
     bytes.resize(start + recordSize * static_cast<std::size_t>(geom.numSprites));

@@ -19,7 +19,7 @@ void padCloudVertexData(std::vector<unsigned char>& bytes);
 /// @param toBounds takes sprite centres into the frame of the geometry's bounding sphere
 /// @param radius of the bounding sphere, in centimetres
 /// @param falloff k, per unit of optical depth
-/// @return false, and nothing written, for a geometry without sprites or positions
+/// @return false, and nothing written, for a geometry without sprites or positions, or without a finite radius
 bool appendCloudVertexData(const ParticleCloudGeom& geom, const Matrix44& toBounds, double radius, double falloff,
                            std::vector<unsigned char>& bytes);
 

@@ -156,7 +156,7 @@ void ParticleCloudDome::loadTemplates() {
         if (auto library = loadCloudLibrary(location, &reason))
             templates_ = std::move(*library);
         else
-            reportInfo("ParticleCloudDome:  [%s]: %s\n", location, reason);
+            reportInfo("ParticleCloudDome:  %s\n", reason);
     }
     if (templates_.empty())
         reportPlacedError("VolumeCloudDome::RefreshSpriteData:  Could not load any .xml files from location [%s]\n",

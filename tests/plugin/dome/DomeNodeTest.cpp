@@ -1,3 +1,4 @@
+#include "GlPrograms.h"
 #include "PluginScene.h"
 #include "Schema.h"
 #include "viewport/Viewport.h"
@@ -87,6 +88,18 @@ protected:
         must("orvosky_SaveSkySystemToXMLCommand \"" + path + "\"");
         EXPECT_TRUE(followsSchema(path, "atmos.xsd"));
         return contents(path);
+    }
+
+    /// Where the exported clouds stand, in metres.
+    std::vector<std::pair<double, double>> places() {
+        const std::string text = exported(), name = "cullingSpherePos = \"";
+        std::vector<std::pair<double, double>> found;
+        for (auto at = text.find(name); at != std::string::npos; at = text.find(name, at + 1)) {
+            double x = 0, z = 0;
+            EXPECT_EQ(std::sscanf(text.c_str() + at + name.size(), "%lf %*f %lf", &x, &z), 2);
+            found.emplace_back(x, z);
+        }
+        return found;
     }
 
     std::unique_ptr<host::viewport::Viewport> view_;
@@ -225,11 +238,13 @@ TEST_F(DomeNode, LimitsAreHardWhereTheyAreMeantTo) {
 }
 
 // Catches a wind of the wrong direction or speed, and clouds that are drawn beside their place or culled in view: the
-// wind blows the dome's one cloud from its exported place over a known one, where the camera looks.
+// wind blows the dome's one cloud from its exported place over a known one, where the camera looks. Dome and camera
+// stand beside the scene's origin.
 TEST_F(DomeNode, DrawsCloudsWhereTheWindCarriesThem) {
     write("a.xml", fileOf(single, cloud()));
-    must("setAttr dome.renderWireFrame 0; setAttr dome.placementDensity 0.05; setAttr dome.domeInnerRadius 4000;"
-         "setAttr persp.t 0 0 0; setAttr perspShape.farClipPlane 10000000;");
+    must("setAttr dome.renderWireFrame 0; setAttr dome.placementDensity 0.05; setAttr dome.domeInnerRadius 500;"
+         "setAttr d.t 300000 -20000 70000; setAttr persp.t 300000 -20000 70000; setAttr perspShape.farClipPlane "
+         "10000000;");
     ASSERT_TRUE(load(folder().string()));
     const std::string text = exported();
     ASSERT_EQ(count(text, "<ParticleCloud\n"), 1u);
@@ -247,6 +262,13 @@ TEST_F(DomeNode, DrawsCloudsWhereTheWindCarriesThem) {
              std::to_string(std::atan2(-toX, -toZ) * degrees) + " 0;");
         EXPECT_GT(lit(), 100);
         EXPECT_TRUE(isLit(48, 32));
+        const auto offset = left::uniform("domeoffset", "selfShadowFalloff", "none");
+        ASSERT_TRUE(offset);
+        EXPECT_NEAR((*offset)[0], (toX - x) * 100, 1);
+        EXPECT_NEAR((*offset)[1], (height - y) * 100, 1);
+        EXPECT_NEAR((*offset)[2], (toZ - z) * 100, 1);
+        const auto fade = left::uniform("domeopacity", "selfShadowFalloff", "none");
+        EXPECT_NEAR(fade.value()[0], (4000 - distance) / (4000 - 500), 1e-4);
         must("setAttr persp.rx -45;");
         EXPECT_EQ(lit(), 0);
     }
@@ -279,9 +301,35 @@ TEST_F(DomeNode, DrawsItsCloudsAndOutline) {
     must("setAttr dome.cloudScale 0.7;");
     EXPECT_NE(lit(), clouds);
     EXPECT_EQ(placed(), 1);
-    must("setAttr shading.enableSelfShadow 0;");
+    for (const char* change :
+         {"shading.enableSelfShadow 0", "dome.placementDensity 0.5", "dome.domeOuterRadius 4100"}) {
+        must(std::string("setAttr ") + change);
+        lit();
+        EXPECT_EQ(placed(), 1) << change;
+    }
+    // The cloud that is drawn last is the nearest one in view.
+    const auto last = left::uniform("cloudCenter", "groundShadowOffset", "selfShadowFalloff").value();
+    double nearest = 1e9;
+    for (const auto& [x, z] : places()) {
+        const double away = std::hypot(x, z), y = 700 - (20000 - std::sqrt(4e8 - away * away));
+        const double ahead = 0.5 * y - 0.866 * z, up = 0.866 * y + 0.5 * z;
+        if (away < 4100 && std::abs(x) < 0.4 * ahead && std::abs(up) < 0.25 * ahead) nearest = std::min(nearest, away);
+    }
+    ASSERT_LT(nearest, 1e9);
+    EXPECT_LE(std::hypot(last[0], last[2]) / 100, nearest + 0.01);
+    // What stands before the clouds hides them, and their outline, only where they are tested for depth.
+    must("polyCube -n wall -w 9000 -h 9000 -d 10; setAttr wall.t 0 300 -600; setAttr wall.rx 30; setAttr "
+         "dome.renderWireFrame 1; delete `ls -type orvosky_SkyRenderer`; createNode orvosky_SkyRenderer;"
+         "setAttr dome.Enable 0;");
+    EXPECT_TRUE(view_->render(&error_)) << error_;
+    background_ = view_->picture();
+    must("setAttr dome.Enable 1; setAttr dome.renderDepthTest 1;");
+    EXPECT_EQ(lit(), 0);
+    must("setAttr dome.renderDepthTest 0;");
+    EXPECT_GT(lit(), 100);
+    must("delete wall; setAttr dome.Enable 0;");
     lit();
-    EXPECT_EQ(placed(), 1);
+    background_ = picture_;
 
     must("setAttr dome.Enable 0; setAttr dome.renderWireFrame 1;");
     EXPECT_EQ(lit(), 0);

@@ -1,5 +1,6 @@
 // Particle clouds in a scene: gathering, the commands, autoUpdate, and the exported files read back.
 #include "Common/Checksums.h"
+#include "GlPrograms.h"
 #include "PixelCamera.h"
 #include "PluginScene.h"
 #include "Schema.h"
@@ -307,7 +308,8 @@ TEST_F(ParticleCloudScene, LooksLikeItsFormulas) {
     wholeCloud();
     // Where the cloud's own transform is does not matter.
     must("for ($s in `ls -type orvosky_ParticleCloudSphere`) setAttr ($s + \".v\") 0;"
-         "setAttr puff.particleDensity 1500; setAttr puff.particleSize 400; setAttr puffCloud.t 900 -700 50;"
+         "setAttr puff.particleDensity 1500; setAttr puff.particleSize 400; setAttr puff.renderDepthTest 1;"
+         "setAttr puffCloud.t 900 -700 50;"
          "setAttr puffCloud.r 10 20 30; setAttr persp.t 3000 50000 130000; setAttr persp.r 2 4 0;"
          "setAttr perspShape.farClipPlane 10000000;");
     ASSERT_TRUE(refresh());
@@ -354,6 +356,93 @@ TEST_F(ParticleCloudScene, LooksLikeItsFormulas) {
         }
     }
     EXPECT_GT(covered, 2000);
+}
+
+// Faults: a value that goes into another's uniform or in the wrong unit, the wrong one of the two programs, a texture
+// that is not loaded, not changed with its path, or not read again on command, a switch without effect, and bounds
+// beside the sprites. The light's own formulas are tested with the shaders.
+TEST_F(ParticleCloudScene, DrawsWithTheNodesValues) {
+    makeToolsRoot(ORVO_SHADERS);
+    shading();
+    must("setAttr shadingShape.sunShadowAmount 0.125; setAttr shadingShape.groundShadowAmount 0.25;"
+         "setAttr shadingShape.selfShadowAmount 0.75; setAttr shadingShape.selfShadowFalloff 2;"
+         "setAttr shadingShape.sunDir 0 0 -1;");
+    wholeCloud();
+    must("for ($s in `ls -type orvosky_ParticleCloudSphere`) setAttr ($s + \".v\") 0;"
+         "setAttr puff.particleDensity 1500; setAttr puff.particleSize 150; setAttr puff.groundShadowOffset 30;"
+         "setAttr puff.enableGroundFade 1; setAttr puff.groundFadeEnd -60; setAttr puffCloud.t 900 -700 50;"
+         "setAttr puffCloud.s 2 3 4; setAttr persp.t 3000 50000 130000; setAttr persp.r 0 0 0;"
+         "setAttr perspShape.farClipPlane 10000000;");
+    must("exactWorldBoundingBox puffCloud");
+    EXPECT_THAT(result_.toFloatArray(), ElementsAre(900, -700, 50, 902, -697, 54)) << "the unit box";
+    ASSERT_TRUE(refresh());
+    const orvo::CloudShapeSet set = shapeSet();
+    const auto geom = orvo::GenerateSprites(set, 1500, 15000, false, {0, 0, -1}, true, 2000, -6000);
+    ASSERT_GT(geom->numSprites, 4);
+    const orvo::Vector3 centre = set.boundCentre + geom->boundCentre;
+    must("exactWorldBoundingBox puffCloud");
+    const double r = geom->boundRadius;
+    using testing::DoubleNear;
+    EXPECT_THAT(result_.toFloatArray(), ElementsAre(DoubleNear(centre.x - r, 0.1), DoubleNear(centre.y - r, 0.1),
+                                                    DoubleNear(centre.z - r, 0.1), DoubleNear(centre.x + r, 0.1),
+                                                    DoubleNear(centre.y + r, 0.1), DoubleNear(centre.z + r, 0.1)));
+
+    std::string error;
+    const auto view = host::viewport::Viewport::create(96, 54, &error);
+    ASSERT_TRUE(view) << error;
+    const auto picture = [&](const std::string& change) {
+        must(change);
+        EXPECT_TRUE(view->render(&error)) << error;
+        const auto drawn = view->picture();
+        return std::vector<unsigned char>(drawn.at(0, 0), drawn.at(0, 0) + 96 * 54 * 3);
+    };
+    const auto c = [](double v) { return static_cast<float>(v); };
+    const std::vector<float> eye{3000, 50000, 130000},
+        at{c(set.boundCentre.x), c(set.boundCentre.y), c(set.boundCentre.z)};
+    const char *cube = "selfShadowFalloff", *any = "groundShadowOffset", *none = "none";
+    for (const bool shadow : {true, false}) {
+        picture("setAttr shadingShape.enableSelfShadow " + number(shadow));
+        const auto value = [&](const char* name) {
+            return left::uniform(name, shadow ? cube : any, shadow ? none : cube).value_or(std::vector<float>());
+        };
+        EXPECT_EQ(value("eyePoint"), eye) << shadow;
+        EXPECT_EQ(value("cloudCenter"), at);
+        EXPECT_EQ(value("domeoffset"), (std::vector<float>{0, 0, 0}));
+        EXPECT_EQ(value("sunDir"), (std::vector<float>{0, 0, -1}));
+        for (const auto& [name, expected] :
+             std::initializer_list<std::pair<const char*, float>>{{"spriteSize", 15000.0f},
+                                                                  {"domeopacity", 1.0f},
+                                                                  {"sunShadowAmount", 0.125f},
+                                                                  {"groundShadowAmount", 0.25f},
+                                                                  {"groundShadowOffset", 3000.0f},
+                                                                  {"enableGroundFade", 1.0f},
+                                                                  {"groundFadeStart", 2000.0f},
+                                                                  {"groundFadeEnd", -6000.0f}})
+            EXPECT_EQ(value(name), (std::vector<float>{expected, 0, 0})) << name;
+        if (!shadow) continue;
+        EXPECT_EQ(value("selfShadowAmount"), (std::vector<float>{0.75f, 0, 0}));
+        EXPECT_EQ(value("selfShadowFalloff"), (std::vector<float>{0.02f, 0, 0}));
+        EXPECT_EQ(left::uniform("spriteSize", any, cube), (std::vector<float>{0, 0, 0})) << "the other program";
+    }
+
+    EXPECT_EQ(left::texturesOfWidth(64), 1) << "the puff";
+    fs::create_directories(project() / "build");
+    fs::copy_file(ORVO_TEST_DATA "/textures/alpha-TopLeft-RLE.tga", project() / "build/small.tga");
+    const auto textured = picture("setAttr -type \"string\" shadingShape.shadingTexture \"build/small.tga\"");
+    EXPECT_EQ(left::texturesOfWidth(64), 0);
+    EXPECT_EQ(left::texturesOfWidth(8), 1);
+    fs::remove(project() / "build/small.tga");
+    EXPECT_EQ(picture(""), textured);
+    picture("orvosky_ParticleCloud_RefreshTextureCommand puff");
+    EXPECT_EQ(left::texturesOfWidth(64), 1);
+
+    const auto cloud = picture("setAttr puff.renderDepthTest 1"), wires = picture("setAttr puff.renderWireFrame 1");
+    EXPECT_NE(cloud, wires);
+    const auto hidden = picture("polyCube -n wall -w 900000 -h 900000 -d 100; setAttr wall.tz 100000;"
+                                "delete `ls -type orvosky_SkyRenderer`; createNode orvosky_SkyRenderer;");
+    const auto over = picture("setAttr puff.renderDepthTest 0"), wall = picture("setAttr puff.enable 0");
+    EXPECT_EQ(hidden, wall);
+    EXPECT_NE(over, wall);
 }
 
 // Faults: hostile shapes that crash or hang the generation, or candidates without end.
