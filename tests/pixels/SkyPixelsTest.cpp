@@ -1,5 +1,6 @@
 // The rendered sky and fog against the same formulas evaluated in plain C++, in double precision.
 #include "Host.h"
+#include "PixelCamera.h"
 #include "api/PluginManager.h"
 #include "scene/Scene.h"
 #include "viewport/Viewport.h"
@@ -11,44 +12,12 @@
 #include <memory>
 #include <string>
 
+using namespace twin;
+using Camera = PixelCamera;
+
 namespace {
 
-struct V3 {
-    double x = 0, y = 0, z = 0;
-};
-V3 operator*(const V3& a, double s) { return {a.x * s, a.y * s, a.z * s}; }
-V3 operator+(const V3& a, const V3& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-double dot(const V3& a, const V3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-V3 unit(const V3& a) { return a * (1.0 / std::sqrt(dot(a, a))); }
-double saturate(double v) { return std::clamp(v, 0.0, 1.0); }
 V3 mix(const V3& a, const V3& b, double t) { return a * (1 - t) + b * t; }
-
-constexpr double degree = M_PI / 180;
-
-/// A camera as the test sets it: rotation about X, then Y (degrees), no roll.
-struct Camera {
-    V3 eye;
-    double pitch = 0, yaw = 0;
-    double focalLength = 35;
-    int width = 96, height = 54;
-
-    /// The unit direction through the centre of a pixel, counted from the top left. The film gate is 1.41732 x 0.94488
-    /// inches, and fills the port: the tighter of the two directions decides.
-    V3 direction(int column, int row) const {
-        const double film[2] = {1.41732, 0.94488};
-        const double port = static_cast<double>(width) / height;
-        double h = film[0] / 2 * 25.4 / focalLength, v = film[1] / 2 * 25.4 / focalLength;
-        if (port > film[0] / film[1])
-            v = h / port;
-        else
-            h = v * port;
-        const V3 local{((column + 0.5) / width * 2 - 1) * h, (1 - (row + 0.5) / height * 2) * v, -1};
-        const double cp = std::cos(pitch * degree), sp = std::sin(pitch * degree);
-        const V3 tilted{local.x, local.y * cp - local.z * sp, local.y * sp + local.z * cp};
-        const double cy = std::cos(yaw * degree), sy = std::sin(yaw * degree);
-        return unit({tilted.x * cy + tilted.z * sy, tilted.y, -tilted.x * sy + tilted.z * cy});
-    }
-};
 
 struct Sky {
     V3 sunDir{1, 1, 1}, sunColour{1.0, 0.95, 0.763};
@@ -81,8 +50,6 @@ struct Fog {
         return colour * extinction + held * (1 - extinction);
     }
 };
-
-std::string triple(const V3& v) { return std::to_string(v.x) + " " + std::to_string(v.y) + " " + std::to_string(v.z); }
 
 class SkyPixels : public testing::Test {
 protected:
