@@ -5,6 +5,8 @@
 #include "../Common/TriMeshXml.h"
 #include "ViewQuad.h"
 
+#include <algorithm>
+#include <cmath>
 #include <maya/MFnDagNode.h>
 #include <maya/MFnMesh.h>
 
@@ -60,6 +62,13 @@ std::unique_ptr<TextureHandle> whiteTexture() {
     auto texture = std::make_unique<TextureHandle>();
     if (!uploadTexture2DRgba(*texture, 4, 4, white.data(), {.repeatS = kRepeat, .repeatT = kRepeat})) texture.reset();
     return texture;
+}
+
+/// Vertices whose position is no number are written as they are; a game will hardly read them.
+void warnOfLostVertices(const TriMesh& mesh) {
+    const auto isLost = [](const Vector3& p) { return !std::isfinite(p.x + p.y + p.z); };
+    const auto lost = std::ranges::count_if(mesh.positions, isLost);
+    if (lost > 0) reportWarning("SpriteCloudLocator::SaveToXML:  %d vertices have no position\n", lost);
 }
 
 /// The meshes that stand directly below a path, or at it.
@@ -205,6 +214,7 @@ bool SpriteCloudLocator::saveToXml(OutputFile& file, const char* indent) {
     file.print("%s\ttexture = \"%s\"\n", indent, xmlEscaped(image));
     file.print("%s\t>\n", indent);
     refreshCloudMesh();
+    if (mesh_) warnOfLostVertices(*mesh_);
     if (!mesh_ || !writeTriMeshXml(*mesh_, file, (std::string(indent) + "\t").c_str())) return false;
     file.print("%s</SpriteCloud>\n", indent);
     return true;

@@ -6,10 +6,13 @@
 
 #include <maya/MDagPath.h>
 #include <maya/MFnMesh.h>
+#include <maya/MPoint.h>
 #include <maya/MSelectionList.h>
 #include <maya/MString.h>
 
 #include <unistd.h>
+
+#include <cmath>
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
@@ -131,6 +134,20 @@ TEST_F(MeshCloudExport, FailsWithoutAMeshWithUvs) {
     ASSERT_TRUE(list.add(MString("b")) && list.getDagPath(0, shape));
     ASSERT_TRUE(MFnMesh(shape).clearUVs());
     expectFailure({badPath});
+}
+
+// Catches an export that says nothing of positions that no game can read.
+TEST_F(MeshCloudExport, TellsOfVerticesWithoutAPosition) {
+    makeCloud();
+    addPlane("a");
+    must("setAttr \"sprite.spriteTexture\" -type \"string\" \"build/a.tga\"");
+    MSelectionList list;
+    MDagPath shape;
+    ASSERT_TRUE(list.add(MString("a")) && list.getDagPath(0, shape));
+    ASSERT_TRUE(MFnMesh(shape).setPoint(1, MPoint(std::nan(""), 0, 0)));
+    must("orvosky_SaveSkySystemToXMLCommand \"" + file_.string() + "\"");
+    EXPECT_THAT(log_.all(),
+                testing::Contains("Warning: SpriteCloudLocator::SaveToXML:  1 vertices have no position\n"));
 }
 
 TEST_F(MeshCloudExport, LeavesOutWhatIsSwitchedOff) {
