@@ -317,8 +317,8 @@ TEST_F(FogPixels, FollowsItsFormula) {
         // Neither what is hidden counts, nor what lies below, nor a height fog (in front of some of it) that has no
         // depth.
         makeGround("hidden");
-        makeGround("deep");
-        run("setAttr hiddenT.t 0 500 0; setAttr hiddenT.v 0; setAttr deepT.ty -900; createNode transform -n h -p "
+        makeGround("zDeep");
+        run("setAttr hiddenT.t 0 500 0; setAttr hiddenT.v 0; setAttr zDeepT.ty -900; createNode transform -n h -p "
             "OrvoSkyData; createNode orvosky_ExpHeightFog -n height -p h; setAttr height.fogAlpha 0.0001");
         make(f);
         EXPECT_LE(worstOf(f, draw("0 700 0")), 1) << f.start << " to " << f.end;
