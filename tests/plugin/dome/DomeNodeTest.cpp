@@ -272,6 +272,14 @@ TEST_F(DomeNode, DrawsCloudsWhereTheWindCarriesThem) {
         must("setAttr persp.rx -45;");
         EXPECT_EQ(lit(), 0);
     }
+    // Carried there by its node in place of the wind, the cloud looks the same: its sprites hide each other alike.
+    must("setAttr dome.domeCurvature 1e9; setAttr dome.domeInnerRadius 4000; setAttr persp.rx 35;");
+    EXPECT_GT(lit(), 100);
+    const auto carried = picture_;
+    must("setAttr dome.time 0; setAttr d.tx " + std::to_string(300000 + (-1100 - x) * 100) + "; setAttr d.tz " +
+         std::to_string(70000 + (200 - z) * 100));
+    lit();
+    for (int i = 0; i < 96 * 64 * 3; ++i) ASSERT_NEAR(picture_.at(0, 0)[i], carried.at(0, 0)[i], 3) << i;
     must("setAttr dome.Enable 0;");
     lit(); // the node's programs go while their context is there
 }
