@@ -127,6 +127,14 @@ TEST_F(CloudNodes, ParametersGoFromNodeToNode) {
     EXPECT_EQ(number("two.sunIntensity"), 1) << "the sun stays";
     must("getAttr \"two.shadingTexture\"");
     EXPECT_EQ(result_.toString(), "d:/other//sky.dds") << "outside of the project: as it was given";
+    const std::string inside = (project() / "Build/Sky.dds").string();
+    must("setAttr \"one.shadingTexture\" -type \"string\" " + quoted(inside));
+    must(exportCommand + quoted(file) + " \"one\"");
+    EXPECT_THAT(contents(file), testing::HasSubstr("shading_tex_filepath = \"build\\sky.dds\""));
+    must(importCommand + quoted(write("full.xml", withValue(contents(file), "shading_tex_filepath", inside))) +
+         " \"two\"");
+    must("getAttr \"two.shadingTexture\"");
+    EXPECT_EQ(result_.toString(), "build\\sky.dds") << "inside of the project: relative to it";
     must(importCommand + quoted(ORVO_TEST_DATA "/clouds/library.xml") + " \"two\"");
     EXPECT_EQ(number("two.shadingBrightness"), 2.5);
     EXPECT_EQ(number("two.lightingSunGlowHaloSize"), 99.5);

@@ -143,7 +143,7 @@ TEST_F(ShadingParams, ATextureOutsideTheBuildFolderIsNotExported) {
     }
 }
 
-// Catches a node that is half loaded because one of its attributes cannot be set.
+// Catches a node that is half loaded because one of its attributes cannot be set, and values that change places.
 TEST_F(ShadingParams, LoadingChangesAllOrNothing) {
     const std::string file = ORVO_TEST_DATA "/clouds/shading.xml";
     for (const char* name : {"params.cloudColour", "params.shadingTexture", "params.lightingAmbient1"}) {
@@ -155,5 +155,13 @@ TEST_F(ShadingParams, LoadingChangesAllOrNothing) {
         scene.setLocked(scene.findPlug(name), false);
     }
     EXPECT_TRUE(params().loadParamsFile(file));
-    EXPECT_EQ(params().readParams().cloudColour, (Vector3{0.25, 0.5, 0.75}));
+    const CloudShadingParams p = params().readParams();
+    EXPECT_EQ(p.cloudColour, (Vector3{0.25, 0.5, 0.75}));
+    EXPECT_EQ(p.lightingAmbient, (Vector3{-0.5, 0.03125, 4}));
+    EXPECT_FALSE(p.enableSelfShadow);
+    const double numbers[] = {p.shadingOpacity,     p.shadingBrightness,     p.sunShadowAmount,
+                              p.groundShadowAmount, p.spriteShadowAmount,    p.selfShadowAmount,
+                              p.selfShadowFalloff,  p.lightingSunGlowAmount, p.lightingSunGlowHaloSize};
+    EXPECT_THAT(numbers, ElementsAre(0.875, 2.5, 0.125, 0.375, 0.625, 0.0625, 7.5, 1.5, 99.5));
+    EXPECT_EQ(texture(), "build\\clouds\\salt & \"pepper\".dds");
 }

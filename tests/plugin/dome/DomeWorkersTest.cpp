@@ -117,6 +117,29 @@ TEST_F(DomeWorkers, GiveTheSameCloudsWithAnyNumberOfThreads) {
     expectSame(together.clouds, oneByOne.clouds);
 }
 
+// Catches settings that do not reach the generation, or reach it in metres, and shapes of another template or place.
+TEST_F(DomeWorkers, GenerateWhatTheTemplatesSettingsSay) {
+    shading_.sunDir = {0.6, 0, -0.8};
+    for (CloudTemplate& cloud : templates_) {
+        cloud.settings.enableGroundFade = true;
+        cloud.settings.groundFadeStart = 70;
+        cloud.settings.groundFadeEnd = -10;
+    }
+    const auto clouds = generate(4).clouds;
+    ASSERT_EQ(clouds.size(), 4u);
+    for (std::size_t i = 0; i < 4; ++i) {
+        const DomeCloudPlacement place = places(4)[i];
+        const CloudTemplate& source = templates_[i % 2];
+        const auto geom =
+            GenerateSprites(placedShapes(source.shapes, place.position, place.angle), source.settings.spriteDensity,
+                            i % 2 ? 2800 : 1800, true, {0.6, 0, -0.8}, true, 7000, -1000);
+        EXPECT_GT(geom->numSprites, 5);
+        EXPECT_EQ(clouds[i].geom->positions, geom->positions);
+        EXPECT_EQ(clouds[i].geom->boundRadius, geom->boundRadius);
+        EXPECT_EQ(clouds[i].geom->shadowCube1, geom->shadowCube1);
+    }
+}
+
 // Catches more than 64 threads at a time, and a batch that begins before the last one has ended.
 TEST_F(DomeWorkers, RunInBatchesOf64) {
     CountingStarter counting;

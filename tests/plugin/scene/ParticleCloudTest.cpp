@@ -194,13 +194,14 @@ TEST_F(ParticleCloudScene, AReaderFindsTheSpritesWhereTheyAre) {
         shading();
         must("setAttr shadingShape.enableSelfShadow " + number(shadow) + "; setAttr shadingShape.selfShadowFalloff 2;");
         wholeCloud();
+        must("setAttr puff.enableGroundFade 1;");
         ASSERT_TRUE(refresh());
         const std::string atmos = exported(), data = contents(folder_ / "sky.cdata");
 
         const double third = 1 / std::sqrt(3.0); // the node's own sun direction, (1, 1, 1), made of unit length
         const orvo::CloudShapeSet set = shapeSet();
-        const auto geom = orvo::GenerateSprites(set, 10000, 20000, shadow, {third, third, third}, false, 6000, -2000);
-        ASSERT_GT(geom->numSprites, 100);
+        const auto geom = orvo::GenerateSprites(set, 10000, 20000, shadow, {third, third, third}, true, 6000, -2000);
+        ASSERT_GT(geom->numSprites, 50);
 
         ASSERT_EQ(values(atmos, "numSprites"), std::vector<double>{double(geom->numSprites)});
         EXPECT_EQ(values(atmos, "vertexDataAddress"), std::vector<double>{0});
@@ -219,6 +220,10 @@ TEST_F(ParticleCloudScene, AReaderFindsTheSpritesWhereTheyAre) {
                     << "sprite " << i << ", coordinate " << k;
             }
             ASSERT_EQ(bytes[6], static_cast<int>(geom->randoms[i * 4] * 256) & 0xFF);
+            for (int s = 0; shadow && s < 8; ++s) {
+                const double depth = (s < 4 ? geom->shadowCube0 : geom->shadowCube1)[i * 16 + s % 4];
+                ASSERT_EQ(bytes[8 + s], static_cast<int>(std::exp(-0.02 * depth) * 256) & 0xFF);
+            }
         }
     }
 }
@@ -443,6 +448,33 @@ TEST_F(ParticleCloudScene, DrawsWithTheNodesValues) {
     const auto over = picture("setAttr puff.renderDepthTest 0"), wall = picture("setAttr puff.enable 0");
     EXPECT_EQ(hidden, wall);
     EXPECT_NE(over, wall);
+}
+
+// Faults: shaders that are missing or do not compile without a word, or in another's words.
+TEST_F(ParticleCloudScene, SaysWhatIsWrongWithItsShaders) {
+    shading();
+    wholeCloud();
+    ASSERT_TRUE(refresh());
+    const fs::path shaders = folder_ / "shaders";
+    fs::copy(ORVO_SHADERS, shaders);
+    const std::pair<const char*, const char*> stages[] = {{"FixedDir", "fixed dir"}, {"ShadowCube", "shadow cube"}};
+    for (const auto& [file, name] : stages) {
+        const fs::path stage = shaders / (std::string("ParticleCloudSprite") + file + ".vert");
+        const std::string good = contents(stage);
+        std::ofstream(stage) << "void main() { nonsense }";
+        makeToolsRoot(shaders);
+        log_.clear();
+        drawOnce();
+        EXPECT_THAT(log_.errors(), ElementsAre(StartsWith("In SkyTool"),
+                                               StartsWith("ParticleCloud:  sprite " + std::string(name) +
+                                                          " shader did not compile! :(  \n\nErrorReport:\n")));
+        std::ofstream(stage) << good;
+    }
+    must("global proc string OrvoGetPath_ToolsRoot() { return \"" + folder_.string() + "/\"; }");
+    log_.clear();
+    drawOnce();
+    EXPECT_THAT(log_.errors(), testing::Contains("ParticleCloud:  could not find shader files! :("));
+    makeToolsRoot(ORVO_SHADERS);
 }
 
 // Faults: hostile shapes that crash or hang the generation, or candidates without end.
