@@ -47,6 +47,7 @@ struct DomeLayout {
     double scale = 1.0;       ///< of every cloud, above 0
     double density = 1.0;     ///< divides the clouds' distances, above 0
     double outerRadius = 0.0; ///< half the side of the square
+    bool operator==(const DomeLayout&) const = default;
 };
 
 /// One cloud of a dome.

@@ -55,11 +55,6 @@ MObject ParticleCloudDome::Enable, ParticleCloudDome::renderWireFrame, ParticleC
     ParticleCloudDome::domeCurvature, ParticleCloudDome::domeInnerRadius, ParticleCloudDome::domeOuterRadius,
     ParticleCloudDome::placementDensity, ParticleCloudDome::cloudScale, ParticleCloudDome::cloudDataDir;
 
-bool ParticleCloudDome::BuildInputs::operator==(const BuildInputs& other) const {
-    return layout.scale == other.layout.scale && layout.density == other.layout.density &&
-           layout.outerRadius == other.layout.outerRadius && selfShadow == other.selfShadow;
-}
-
 MStatus ParticleCloudDome::initialize() {
     return guarded("ParticleCloudDome::initialize", MStatus(MStatus::kFailure), [] {
         using A = LocatorAttributes;

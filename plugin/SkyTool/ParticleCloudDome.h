@@ -54,7 +54,7 @@ private:
     struct BuildInputs {
         DomeLayout layout;
         bool selfShadow = false;
-        bool operator==(const BuildInputs& other) const;
+        bool operator==(const BuildInputs&) const = default;
     };
 
     static MObject Enable, renderWireFrame, renderDepthTest, time, windVelocity, windDir, domeHeight, domeCurvature,

@@ -22,8 +22,7 @@ TEST_F(SceneReaderTest, OpensA2010Scene) {
     files::SceneReader(scene, {}).read(sample("release2010.ma"));
     ASSERT_EQ(messages.size(), 2u) << allMessages();
     EXPECT_THAT(messages[0], HasSubstr("release2010.ma line 6: The plug-in 'stereoCamera' is required"));
-    EXPECT_THAT(messages[1], HasSubstr("5 nodes of 5 unknown types are kept as they are: displayLayer, "
-                                       "displayLayerManager, lightLinker, renderLayer, renderLayerManager."));
+    EXPECT_THAT(messages[1], HasSubstr("release2010.ma: 3 statements about attributes that are not known here"));
     EXPECT_EQ(number("persp.translateX"), 12.5);
     EXPECT_EQ(number("persp.visibility"), 0);
     EXPECT_EQ(number("perspShape.focalLength"), 34.999999999999993);
@@ -79,6 +78,7 @@ TEST_F(SceneReaderTest, OpensA2016Scene) {
     EXPECT_EQ(scene.time(), 30 * 200.0) << "ntsc: 30 frames a second";
     Node* cloud = scene.findNode("cloudShape");
     EXPECT_EQ(cloud->unknownType, "orvoTestCloud");
+    EXPECT_THAT(allMessages(), HasSubstr("of 2 unknown types are kept as they are: attributeHolder, orvoTestCloud"));
     ASSERT_EQ(cloud->keptStatements.size(), 5u);
     EXPECT_EQ(cloud->keptStatements[2], "setAttr \".seed\" 1234;");
     EXPECT_EQ(cloud->dag()->parent->fullPath(), "|group2|ball");
@@ -198,11 +198,12 @@ TEST_F(SceneReaderTest, LyingMeshListsFailQuickly) {
 // Faults: a full flood of messages; numbers beyond a hard limit taken; locks ignored.
 TEST_F(SceneReaderTest, HoldsLimitsAndLocks) {
     open("createNode camera -n \"c\";\n setAttr \".fl\" 1;\n setAttr -c \".fl\" 1;\n setAttr -l on \".coi\" 7;\n "
-         "setAttr \".coi\" 8;\n");
+         "setAttr \".coi\" 8;\n setAttr -c \".fl\" nan;\n");
     EXPECT_THAT(
         messages,
         ElementsAre(HasSubstr("line 2: Cannot set the attribute 'c.focalLength' below its minimum value of 2.5"),
-                    HasSubstr("line 5: The attribute 'c.centerOfInterest' is locked")));
+                    HasSubstr("line 5: The attribute 'c.centerOfInterest' is locked"),
+                    HasSubstr("line 6: Cannot set the attribute 'c.focalLength' to a value that is not a number")));
     EXPECT_EQ(number("c.focalLength"), 2.5);
     EXPECT_EQ(number("c.centerOfInterest"), 7);
 }

@@ -33,6 +33,11 @@ TEST_F(WorkspaceTest, ReadsRulesAndRunsNothing) {
     put(root / "scenes/s.ma", "x");
     EXPECT_EQ(w.findScene("s.ma"), (root / "scenes/s.ma").generic_string());
     EXPECT_EQ(w.findScene("scenes/s.ma"), (root / "scenes/s.ma").generic_string());
+
+    // An empty file still marks a project.
+    put(root / "workspace.mel", "");
+    EXPECT_THAT(files::Workspace(root).fileRules, testing::IsEmpty());
+    EXPECT_EQ(messages.size(), 1u);
 }
 
 // Faults: a project that went away crashes what asks for it, or is opened again without a word.

@@ -40,6 +40,17 @@ private:
     int failed_ = 0, refused_ = 0;
 };
 
+/// Whether an unknown type is one of those in which Maya's own panels and editors keep what they show. Every scene has
+/// some of their nodes; that they are only kept is nothing to warn of.
+bool isBookkeeping(std::string_view type) {
+    static const std::set<std::string_view> types{
+        "displayLayer",       "displayLayerManager", "hyperGraphInfo",
+        "hyperLayout",        "hyperView",           "lightLinker",
+        "renderLayer",        "nodeGraphEditorInfo", "poseInterpolatorManager",
+        "renderLayerManager", "shapeEditorManager"};
+    return types.contains(type);
+}
+
 /// One reading of a file.
 class Reading {
 public:
@@ -176,7 +187,7 @@ void Reading::createNode(const Statement& s) {
     names_.add(node, fileName.empty() ? node.name : fileName);
     for (auto it = scene_.nodes().upper_bound(before); it != scene_.nodes().end(); ++it)
         result_.created.push_back(it->second);
-    if (!node.unknownType.empty()) {
+    if (!node.unknownType.empty() && !isBookkeeping(node.unknownType)) {
         ++unknownNodes_;
         unknownTypes_.insert(node.unknownType);
     }
@@ -492,7 +503,9 @@ SceneReader::Result Reading::run(std::string_view text) {
 SceneReader::SceneReader(Scene& scene, Options options) : scene_(scene), options_(std::move(options)) {}
 
 SceneReader::Result SceneReader::read(const std::filesystem::path& file) {
-    return readText(readTextFile(file), file.generic_string());
+    const std::string text = readTextFile(file), name = file.generic_string();
+    if (text.find_first_not_of(" \t\r\n") == text.npos) throw FileError(name, "the file is empty");
+    return readText(text, name);
 }
 
 SceneReader::Result SceneReader::readText(std::string_view text, const std::string& name) {

@@ -35,7 +35,6 @@ std::string readTextFile(const std::filesystem::path& file) {
     char block[1 << 16];
     while (const std::size_t n = std::fread(block, 1, sizeof block, in.get())) text.append(block, n);
     if (std::ferror(in.get())) throw FileError(name, std::string("cannot be read: ") + std::strerror(errno));
-    if (text.find_first_not_of(" \t\r\n") == text.npos) throw FileError(name, "the file is empty");
     if (text.starts_with("FOR4") || text.starts_with("FOR8"))
         throw FileError(name, "is a Maya binary scene; only Maya ASCII scenes can be opened");
     if (text.find('\0') != text.npos) throw FileError(name, "is a binary file, not a Maya ASCII scene");

@@ -8,7 +8,7 @@
 
 namespace host::files {
 
-/// The whole text file. Throws FileError when it is missing, no plain file, unreadable, empty or binary.
+/// The whole text file. Throws FileError when it is missing, no plain file, unreadable or binary.
 std::string readTextFile(const std::filesystem::path& file);
 
 /// Writes the text beside the file and puts it into its place when all of it is on the disk: whatever fails, the old

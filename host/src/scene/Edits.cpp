@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <tuple>
 
 namespace host::scene {
@@ -17,6 +18,8 @@ std::string formatLimit(double v) {
 /// Holds the number against the limits, or throws.
 double limited(const Cell& cell, const Limits& limits, double value, Scene::LimitPolicy policy) {
     if (policy == Scene::LimitPolicy::Ignore) return value;
+    if (std::isnan(value) && (limits.min || limits.max))
+        throw SceneError("Cannot set the attribute '" + cell.name() + "' to a value that is not a number.");
     // Limits are in internal units, the text for the user is in his.
     if (limits.min && value < *limits.min) {
         if (policy == Scene::LimitPolicy::Clamp) return *limits.min;
