@@ -1,5 +1,6 @@
 // `orvosky inspect`: what it reads out of hand-made files, and every fault that it is there to find. The files are
 // written by hand from the documentation; nothing here was made by the plug-in.
+#include "Schema.h"
 #include "Session.h"
 #include "inspect/InspectionText.h"
 #include "inspect/XmlFile.h"
@@ -16,6 +17,8 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -35,10 +38,10 @@ const std::string samples = ORVO_TEST_DATA "/inspect/";
 /// The data of everything.atmos: three sprites with shadow, padding, two without, the end mark. 21182 units are what
 /// the bounding spheres leave beside half the diagonal of a sprite: (400 - 200 sqrt(1/2)) / 400 x 32767.
 std::string sampleData() {
-    const std::string shadow(8, '\xFA'), rest = "\x80\xFF"; // random value 1/2, opacity 1
+    const std::string shadow = std::string(7, '\xFA') + '\0', rest = "\x80\xFF"; // random value 1/2, opacity 1
     std::string bytes = std::string(6, '\0') + rest + shadow;
-    bytes += std::string("\x52\xBE\0\0\0\0", 6) + rest + shadow;     // 21182 0 0
-    bytes += std::string("\0\0\xC0\0\0\0", 6) + "\x80\x33" + shadow; // 0 -16384 0; opacity 51
+    bytes += std::string("\x52\xBE\0\0\0\0", 6) + "\x80\x33" + shadow; // 21182 0 0; opacity 51
+    bytes += std::string("\0\0\xC0\0\0\0", 6) + rest + shadow;         // 0 -16384 0
     bytes.resize(128);
     bytes += std::string(6, '\0') + rest;
     bytes += std::string("\0\0\0\0\xAD\x42", 6) + rest; // 0 0 -21182
@@ -113,15 +116,15 @@ TEST_F(Inspect, ReadsASceneAndItsSprites) {
     ASSERT_TRUE(found.data);
     EXPECT_TRUE(found.data->endMark);
     EXPECT_EQ(found.data->size, 145u);
+    const Element& mesh = found.elements.at(6).children.at(0);
+    expectNear(derived(mesh, "verticesFrom"), {0, 100, -20}, 0);
+    expectNear(derived(mesh, "verticesTo"), {10, 100, 0}, 0);
 }
 
 // Fault: a schema that has fallen behind the elements, or lets through what is none.
 TEST_F(Inspect, TheSchemaKnowsAllElements) {
     const auto valid = [&](const std::string& text) {
-        const std::string file = write("sky.atmos", text);
-        return std::system(
-                   ("xmllint --noout --schema '" ORVO_SOURCE "/docs/atmos.xsd' '" + file + "' 2>/dev/null").c_str()) ==
-               0;
+        return static_cast<bool>(followsSchema(write("sky.atmos", text), "atmos.xsd"));
     };
     const std::string scene = sample("everything.atmos");
     EXPECT_TRUE(valid(scene));
@@ -141,6 +144,7 @@ TEST_F(Inspect, NamesWhatDoesNotFitInAScene) {
     const Fault faults[] = {
         {"version = \"7\"", "version = \"6\"", "line 2, OrvoAtmosphere: the version is '6', not '7'"},
         {"\tversion = \"7\"\n", "", "the attribute 'version' is missing"},
+        {"version = \"7\"", "version = \"7\" author = \"me\"", "OrvoAtmosphere: unknown attribute 'author'"},
         {"useGameSunDir  = \"1\"", "useGameSunDir  = \"2\"",
          "line 6, SkySceneSettings: useGameSunDir is neither 0 nor 1: '2'"},
         {"cloudBackBufferRes  = \"2\"", "cloudBackBufferRes  = \"1.5\"",
@@ -151,13 +155,20 @@ TEST_F(Inspect, NamesWhatDoesNotFitInAScene) {
         {"sunIntensity  = \"1.000000\"", "sunIntensity  = \"1,5\"", "sunIntensity is not a number: '1,5'"},
         {"sunIntensity  = \"1.000000\"", "sunIntensity  = \"5.000001\"", "sunIntensity is outside of 0 to 5"},
         {"sunDir = \"0.000000 0.600000 0.800000\"", "sunDir = \"0.000000 0.600000\"", "sunDir is not 3 numbers"},
+        {"sunDir = \"0.000000 0.600000", "sunDir = \"0.0 0.0 0.600000", "sunDir is not 3 numbers"},
         {"sunDir = \"0.000000 0.600000 0.800000\"", "sunDir = \"0.000000 0.600000 0.700000\"", "not of unit length"},
         {"xcoord", "ycoord", "GradientSky 1: unknown attribute 'ycoord'"},
         {"fogStart = \"100.000000\"", "fogStart = \"500.000001\"", "SceneFog: fogStart lies behind fogEnd"},
-        {"numVerts = \"4\"", "numVerts = \"5\"", "TriMesh: numVerts is 5, but there are 4"},
+        {"useGameSunDir  = \"1\"\n\t\tcloudBackBufferRes  = \"2\"\n\t/>",
+         "useGameSunDir=\"1\" cloudBackBufferRes=\"2\"><a/></SkySceneSettings>",
+         "SkySceneSettings: unknown element <a>"},
+        {"numVerts = \"4\"", "numVerts = \"5\"", "TriMesh: numVerts is 5, but the elements are 4"},
+        {"numTris = \"2\"", "numTris = \"1\"", "TriMesh: numTris is 1, but the elements are 2"},
+        {"</TriMesh>", "</TriMesh><TriMesh/>", "SpriteCloud 1: there is more than one <TriMesh>"},
         {"indicies=\"0 2 3\"", "indicies=\"0 2 4\"", "Tri 2: there is no vertex 4"},
+        {"indicies=\"0 2 3\"", "indicies=\"0 2 1.5\"", "Tri 2: there is no vertex 1.5"},
         {"<Tri indicies=\"0 2 3\" />", "<Vert pos=\"0 0 0\" uv=\"0 0\" />", "Vert 5: it stands behind a triangle"},
-        {"uv=\"1.000000 1.000000\"", "uv=\"1.000000\"", "Vert 3: uv is not 2 numbers"},
+        {"uv=\"1.000000 1.000000\"", "uv=\"1.000000\"", "Vert 4: uv is not 2 numbers"},
         {"<SceneFog", "<sceneFog", "unknown element <sceneFog>"},
         {"<SkySceneSettings", "stray<SkySceneSettings", "text that is part of no element: 'stray'"},
         {"\t<BasicSky", "\t<SkySceneSettings useGameSunDir=\"1\" cloudBackBufferRes=\"0\"/>\n\t<BasicSky",
@@ -178,9 +189,8 @@ TEST_F(Inspect, NamesWhatDoesNotFitInAScene) {
         {"numSprites= \"3\"", "numSprites= \"9\"",
          "end at byte 144, beyond the start of ParticleCloud 2 at 128; records of 8 bytes"},
         {"numSprites= \"2\"", "numSprites= \"1\"",
-         "ParticleCloud 2: its 1 records of 8 bytes (cloudSelfShadowEnable is 0) end at byte 136, but the end mark "
-         "lies "
-         "at 144: 8 bytes"},
+         "ParticleCloud 2: its 1 record of 8 bytes (cloudSelfShadowEnable is 0) ends at byte 136, but the end mark "
+         "lies at 144: 8 bytes belong to no cloud"},
         {"vertexDataAddress = \"128\"", "vertexDataAddress = \"136\"", "vertexDataAddress 136 is no multiple of 128"},
         {"vertexDataAddress = \"128\"", "vertexDataAddress = \"256\"", "from byte 256 on, lie beyond the 144 bytes"},
         {"vertexDataAddress = \"128\"", "vertexDataAddress = \"2147483648\"", "vertexDataAddress is outside of 0 to"},
@@ -188,7 +198,7 @@ TEST_F(Inspect, NamesWhatDoesNotFitInAScene) {
         {"vertexDataAddress = \"128\"", "vertexDataAddress = \"0\"",
          "begin at byte 0, not behind those of ParticleCloud 1"},
         {"vertexDataAddress = \"0\"", "vertexDataAddress = \"64\"",
-         "ParticleCloud 1: its records begin at byte 64; the first 64"},
+         "ParticleCloud 1: its records begin at byte 64; before them, 64 bytes belong"},
         {"cloudSelfShadowEnable  = \"0\"", "cloudSelfShadowEnable  = \"1\"",
          "ParticleCloud 2: the attribute 'cloudSelfShadowAmount'"},
         {"cloudSelfShadowEnable  = \"0\"", "cloudSelfShadowEnable  = \"1\"",
@@ -213,17 +223,19 @@ TEST_F(Inspect, NamesWhatDoesNotFitInTheData) {
     };
     EXPECT_THAT(
         problems([](std::string& d) { d[16] = '\x80', d[17] = 0; }),
-        ElementsAre(HasSubstr("ParticleCloud 1: 1 of its 3 sprites lie outside of the bounding sphere; the first is "
+        ElementsAre(HasSubstr("ParticleCloud 1: 1 of its 3 sprites lies outside of the bounding sphere; the first is "
                               "sprite 1 at byte 16")));
-    EXPECT_THAT(problems([](std::string& d) { d[18] = '\x72', d[20] = '\x72'; }),
+    // 21182 and 25135 units: 32870 from the centre.
+    EXPECT_THAT(problems([](std::string& d) { d[18] = '\x62', d[19] = '\x2F'; }),
                 Contains(HasSubstr("1 of its 3 sprites")));
     EXPECT_THAT(problems([](std::string& d) { d[127] = 1; }),
                 ElementsAre(HasSubstr("end at byte 48; the padding from there to 128 is not zero")));
     EXPECT_THAT(problems([](std::string& d) { d.back() = 2; }), ElementsAre(HasSubstr("is 2, not the end mark 1")));
-    EXPECT_THAT(problems([](std::string& d) { d += '\1'; }), Contains(HasSubstr("holds 146 bytes")));
+    EXPECT_THAT(problems([](std::string& d) { d += '\1'; }),
+                testing::IsSupersetOf({HasSubstr("holds 146 bytes"), HasSubstr("145: 1 byte belongs to no cloud")}));
     for (std::size_t size = 0; size < sampleData().size(); ++size)
         EXPECT_THAT(problems([&](std::string& d) { d.resize(size); }),
-                    Contains(HasSubstr("sky.cdata holds " + std::to_string(size) + " bytes")));
+                    Contains(HasSubstr("sky.cdata holds " + std::to_string(size) + (size == 1 ? " byte" : " bytes"))));
 
     fs::remove(folder_ / "sky.cdata");
     EXPECT_THAT(inspectFile((folder_ / "sky.atmos").string()).problems.texts(),
@@ -242,11 +254,112 @@ TEST_F(Inspect, SpacesAndStaleData) {
                 ElementsAre(HasSubstr("ParticleCloud 2 begins at 256: padding takes less than 128 bytes")));
 
     scene = sample("everything.atmos");
+    std::string mixed = replaced(scene, "enableDomePositioning = \"0\"", "enableDomePositioning = \"1\"");
+    mixed = replaced(mixed, "enableDomePositioning = \"1\"", "enableDomePositioning = \"0\"");
+    EXPECT_THAT(inspectFile(writeScene(mixed, sampleData())).problems.texts(),
+                ElementsAre(HasSubstr("ParticleCloud 2: it belongs to the dome, but stands behind a free cloud")));
+
+    std::string cloudless = scene;
+    for (const char* name : {"<ParticleCloud\n", "<ParticleCloud\n"}) cloudless = replaced(cloudless, name, "<Cloud\n");
+    EXPECT_THAT(inspectFile(writeScene(cloudless, sampleData())).problems.texts(),
+                Contains(HasSubstr("CloudVertData: there is CloudVertData, but no ParticleCloud")));
+
+    fs::remove(folder_ / "sky.atmos");
+    fs::remove(folder_ / "sky.cdata");
+    write("Sky.cdata", sampleData());
+    EXPECT_THAT(inspectFile(write("Sky.Atmos", scene)).problems.texts(), IsEmpty());
+
     scene.erase(scene.find("\t<ParticleCloud\n"));
     scene += "</OrvoAtmosphere>\n";
     const Inspection found = inspectFile(writeScene(scene, data));
     EXPECT_THAT(found.problems.texts(), IsEmpty());
     EXPECT_THAT(found.notes, ElementsAre(HasSubstr("sky.cdata lies beside the scene")));
+}
+
+// Faults: spheres measured from the wrong centre, in the wrong unit or not at all; lost textures passed over.
+TEST_F(Inspect, NotesWhatIsOddInAScene) {
+    const auto notes = [&](const std::string& from, const std::string& to) {
+        return inspectFile(writeScene(replaced(sample("everything.atmos"), from, to), sampleData())).notes;
+    };
+    EXPECT_THAT(notes("skies\\cube.dds", ""), ElementsAre("TexturedSky 1: texture is empty."));
+    // The farthest sprite is 258.577 m from the centre, and half of a sprite's diagonal 201 sqrt(1/2) m.
+    EXPECT_THAT(notes("spriteSize = \"200", "spriteSize = \"201"),
+                ElementsAre(HasSubstr("ParticleCloud 1: its sprites reach 400.706 m from the centre of the bounding "
+                                      "sphere, whose radius is 400 m.")));
+    // It lies at (258.577 + 10, 20, 30) m in the culling sphere.
+    EXPECT_THAT(notes("cullingSphereRadius = \"500", "cullingSphereRadius = \"270"),
+                ElementsAre(HasSubstr("ParticleCloud 1: sprites lie up to 270.987 m from the centre of the culling "
+                                      "sphere, whose radius is 270 m.")));
+}
+
+/// An attribute in a table of a format's documentation.
+struct Documented {
+    std::string element, attribute, type, range;
+};
+
+std::vector<Documented> documentedAttributes(const std::string& document) {
+    std::vector<Documented> found;
+    std::istringstream lines(readBytes(ORVO_SOURCE "/docs/" + document, 1 << 20));
+    std::string element;
+    std::vector<std::string> head;
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch name;
+        if (std::regex_search(line, name, std::regex("^## (\\w+)"))) element = name[1];
+        if (!line.starts_with("|")) head.clear();
+        if (!line.starts_with("| ")) continue;
+        std::vector<std::string> cells;
+        std::istringstream row(line.substr(2));
+        for (std::string cell; std::getline(row, cell, '|') && cells.size() < 5;)
+            cells.push_back(std::regex_replace(cell, std::regex("^ +| +$|`"), ""));
+        if (cells[0] == "attribute") head = cells;
+        const auto range = std::ranges::find(head, "range") - head.begin();
+        if (cells[0] == "attribute" || range == std::ssize(head) || std::ssize(cells) <= range) continue;
+        found.push_back({element, cells[0], cells[1], cells[static_cast<std::size_t>(range)]});
+    }
+    return found;
+}
+
+// Faults: an attribute or a limit that the documentation and the inspection do not agree on.
+TEST_F(Inspect, HoldsValuesToTheDocumentedRanges) {
+    int limits = 0;
+    const auto check = [&](const Documented& a, const std::string& text, double value, bool allowed) {
+        const std::string shown = a.type == "integer" || a.type == "flag"
+                                      ? std::to_string(static_cast<long long>(value))
+                                      : std::to_string(value);
+        const std::regex place("(<" + a.element + "\n[^<]*?\\s" + a.attribute + " *= \")[^\"]*");
+        ASSERT_TRUE(std::regex_search(text, place)) << a.element << " has no " << a.attribute << " in the sample";
+        const std::string whole = a.type == "3 numbers" ? shown + " 0 0" : shown;
+        write("sky.cdata", sampleData());
+        const auto problems =
+            inspectFile(write("sky.atmos",
+                              std::regex_replace(text, place, "$01" + whole, std::regex_constants::format_first_only)))
+                .problems.texts();
+        const auto refused =
+            testing::ContainsRegex(" " + a.element + "( 1)?: " + a.attribute + " is (outside|below|neither)");
+        if (allowed)
+            EXPECT_THAT(problems, testing::Each(Not(refused))) << a.attribute << " " << whole;
+        else
+            EXPECT_THAT(problems, Contains(refused)) << a.attribute << " " << whole;
+        ++limits;
+    };
+    const std::pair<const char*, std::string> documents[] = {{"atmos-format.md", sample("everything.atmos")},
+                                                             {"cloud-files.md", sample("library.xml")}};
+    for (const auto& [document, text] : documents)
+        for (const Documented& a : documentedAttributes(document)) {
+            std::smatch m;
+            const double step = a.type == "integer" || a.type == "flag" ? 1 : 0.00001;
+            if (std::regex_search(a.range, m, std::regex("(-?[0-9.]+) to (-?[0-9.]+)|^([0-9]), (?:1, )?([0-9])$"))) {
+                const std::size_t first = m[1].matched ? 1 : 3;
+                const double low = std::stod(m[first]), high = std::stod(m[first + 1]);
+                check(a, text, low, true), check(a, text, high, true);
+                check(a, text, low - step, false), check(a, text, high + step, false);
+            } else if (std::regex_search(a.range, m, std::regex("^(from|above) ([0-9.]+)"))) {
+                const double low = std::stod(m[2]);
+                check(a, text, m[1] == "from" ? low : low + step, true);
+                check(a, text, m[1] == "from" ? low - step : low, false);
+            }
+        }
+    EXPECT_GT(limits, 150);
 }
 
 // Faults: a matrix read by columns, axes or centre from the wrong space; seeds that are refused in one of their forms.
@@ -261,9 +374,30 @@ TEST_F(Inspect, ReadsCloudsAndLibraries) {
     const Element& sphere = cloud.elements.at(0).children.at(0);
     expectNear(derived(sphere, "semiAxes"), {300, 100, 50}, 1e-2);
     expectNear(derived(sphere, "centre"), {1000, 200, -400}, 1e-2);
-    for (const Element& e : {library.elements[1], cloud.elements[0]}) // "-1" and "4294967295"
-        EXPECT_THAT(asJson(cloud), HasSubstr("\"seed\": 4294967295")) << e.line;
-    EXPECT_THAT(asJson(library), HasSubstr("\"seed\": 4294967295"));
+    EXPECT_THAT(asText(cloud), HasSubstr("  > boundRadius              315 m\n"));
+    for (const std::string& text : {asText(library), asText(cloud)}) // "-1" and "4294967295"
+        EXPECT_THAT(text, HasSubstr("  > seed                     4294967295\n"));
+    EXPECT_THAT(cloud.notes, IsEmpty());
+    // Semi-axes of a million metres: of single numbers of ten decimals, only those in metres tell it from a flat one.
+    std::string large = replaced(sample("cloud.xml"), "0.0002000000", "0.0000000100");
+    large = replaced(large, "-20.0000000000", "-0.0010000000");
+    EXPECT_THAT(inspectFile(write("large.xml", large)).problems.texts(), IsEmpty());
+}
+
+// Faults: what makes a cloud odd, but not wrong, told as a fault or not at all.
+TEST_F(Inspect, NotesWhatIsOddInClouds) {
+    const auto notes = [&](const std::string& from, const std::string& to) {
+        const Inspection found = inspectFile(write("cloud.xml", replaced(sample("cloud.xml"), from, to)));
+        EXPECT_THAT(found.problems.texts(), IsEmpty());
+        return found.notes;
+    };
+    // Steps of 1000 and 584.8 cm in a cube of 63000 cm: 63 and 107 candidates a side.
+    EXPECT_THAT(notes("10000.000000", "1000000.000000"), IsEmpty());
+    EXPECT_THAT(notes("10000.000000", "5000000.000000"), ElementsAre(HasSubstr("above a million")));
+    EXPECT_THAT(notes("-20.000000", "-30.000000"), ElementsAre(HasSubstr("its ground fade spans 90 m")));
+    const std::string whole = sample("cloud.xml");
+    const auto begin = whole.find("\t\t<ParticleCloudSphere"), end = whole.find("\t</ParticleCloud>");
+    EXPECT_THAT(notes(whole.substr(begin, end - begin), ""), ElementsAre(HasSubstr("it gets no sprites")));
 }
 
 TEST_F(Inspect, NamesWhatDoesNotFitInClouds) {
@@ -277,17 +411,27 @@ TEST_F(Inspect, NamesWhatDoesNotFitInClouds) {
         {"cloud.xml",
          {"randSeed = \"4294967295\"", "randSeed = \"4294967296\"", "ParticleCloud 1: randSeed is outside of"}},
         {"cloud.xml", {"spriteDensity = \"10000.000000\"", "spriteDensity = \"inf\"", "spriteDensity is not finite"}},
-        {"cloud.xml", {"spriteDensity = \"10000.000000\"", "spriteDensity = \"0.5\"", "spriteDensity is below 1"}},
+        {"cloud.xml",
+         {"spriteDensity = \"10000.000000\"", "spriteDensity = \"0\"", "spriteDensity is below 1e-06: '0'"}},
         {"cloud.xml", {"<Transform", "<Transforms", "ParticleCloudSphere 1: the element <Transform> is missing"}},
         {"cloud.xml", {"z_vec", "w_vec", "the attribute 'z_vec' is missing"}},
         {"cloud.xml",
          {"-0.0000333333 0.0000000000", "0.0000000000 0.0000000000",
           "the matrix of ParticleCloudSphere 1 cannot be inverted"}},
         {"cloud.xml",
-         {"pos_vec = \"-1.3", "pos_vec = \"-3.3",
+         {"pos_vec = \"-1.3", "pos_vec = \"-2.4",
           "ParticleCloudSphere 1: its centre lies outside of the bounding sphere"}},
         {"cloud.xml", {"density = \"0.500000\"", "density = \"1.500000\"", "density is outside of 0 to 1"}},
-        {"cloud.xml", {"<ParticleCloudSphere", "<ParticleCloudCube", "it has no <ParticleCloudSphere>"}},
+        {"cloud.xml",
+         {"0.0002000000\"\n\t\t\t\ty_vec = \"0.0000000000 0.0001000000", "0.0000000001\" y_vec = \"0 0.0000000001",
+          "the matrix of ParticleCloudSphere 1 cannot be inverted"}},
+        {"cloud.xml", {"</ParticleCloudSphere>", "<Transform/></ParticleCloudSphere>", "more than one <Transform>"}},
+        {"cloud.xml", {"-20.0000000000\"\n\t\t\t/>", "-20\"><a/></Transform>", "Transform: unknown element <a>"}},
+        {"shading.xml", {"_ParticleCloudShadingParams\"", "_ParticleCloudLibrary\"", "there is no <ParticleCloud>"}},
+        {"shading.xml",
+         {"</Orvo", "<ParticleCloudShadingParams/></Orvo", "there is more than one <ParticleCloudShadingParams>"}},
+        {"library.xml",
+         {"\t<ParticleCloudShading", "<ParticleCloud/><ParticleCloudShading", "it does not stand before the clouds"}},
         {"cloud.xml", {"_ParticleCloud\"", "_ParticleCloudLibrary\"", ""}},
         {"library.xml",
          {"_ParticleCloudLibrary\"", "_ParticleCloud\"", "unknown element <ParticleCloudShadingParams>"}},
@@ -297,18 +441,13 @@ TEST_F(Inspect, NamesWhatDoesNotFitInClouds) {
         {"shading.xml", {"<ParticleCloudShadingParams", "<Params", "there is no <ParticleCloudShadingParams>"}},
     };
     for (const auto& [name, fault] : faults) {
-        std::string text = replaced(sample(name), fault.from, fault.to);
-        if (std::string(fault.from).front() == '<' && std::string(fault.from) != "<ParticleCloudShadingParams" &&
-            std::string(fault.from) != "<Transform")
-            text = replaced(text, "</" + std::string(fault.from + 1), "</" + std::string(fault.to + 1));
+        const std::string text = replaced(sample(name), fault.from, fault.to);
         const auto problems = inspectFile(write("cloud.xml", text)).problems.texts();
         if (*fault.named)
             EXPECT_THAT(problems, Contains(HasSubstr(fault.named))) << fault.from << " -> " << fault.to;
         else
             EXPECT_THAT(problems, IsEmpty());
     }
-    const std::string dense = replaced(sample("cloud.xml"), "10000.000000", "90000000.000000");
-    EXPECT_THAT(inspectFile(write("cloud.xml", dense)).notes, Contains(HasSubstr("above a million")));
 }
 
 // Faults: crashes, endless recursion or silence on what is no file of ours; a refusal that does not name the file.
@@ -335,12 +474,17 @@ TEST_F(Inspect, RefusesWhatItCannotRead) {
         {deep, "nested more than 64 deep"},
         {wide + "/>", "too many attributes"},
         {"<\x1B[31mred/>", "no XML"},
+        {"<?xml version=\"1.0\"><a/>", "the XML declaration does not end"},
+        {"<a b=\"1\"c=\"2\"/>", "a blank is missing in <a>"},
+        {"<a b=\"<c>\"/>", "'b' is not quoted, or does not end"},
+        {std::string((64 << 20) + 1, ' '), "is larger than 64 MiB"},
     };
     for (const auto& [text, named] : texts) {
         const std::string said = failure(write("odd.atmos", text));
         EXPECT_THAT(said, HasSubstr(named)) << text.substr(0, 60);
         EXPECT_THAT(said, HasSubstr("odd.atmos"));
     }
+    EXPECT_THAT(inspectFile(write("marked.xml", "\xEF\xBB\xBF" + sample("shading.xml"))).problems.texts(), IsEmpty());
     EXPECT_THAT(failure(folder_.string()), HasSubstr("is a folder"));
     EXPECT_THAT(failure((folder_ / "none.atmos").string()), HasSubstr("none.atmos: the file does not exist"));
     ASSERT_EQ(mkfifo((folder_ / "pipe.atmos").c_str(), 0600), 0);
@@ -357,7 +501,7 @@ TEST_F(Inspect, RefusesWhatItCannotRead) {
 // Faults: JSON that other tools cannot read; decimal commas; names and texts that steer the terminal.
 TEST_F(Inspect, SaysItAsTextAndAsJson) {
     const char* const comma = std::setlocale(LC_ALL, "de_DE.UTF-8"); // where there is none, "C" is tried
-    std::string scene = replaced(sample("everything.atmos"), "skies\\evening.tga", "a&quot;b&#27;[2J\xC2\x9B");
+    std::string scene = replaced(sample("everything.atmos"), "skies\\evening.tga", "a&quot;b&#27;[2J\x7F\xC2\x9B");
     scene = replaced(scene, "fogAlpha = \"1.000000\"", "fogAlpha = \"half\"");
     const Inspection found = inspectFile(writeScene(scene, sampleData()));
     const std::string text = asText(found), json = asJson(found);
@@ -365,7 +509,11 @@ TEST_F(Inspect, SaysItAsTextAndAsJson) {
 
     EXPECT_THAT(text, HasSubstr("    sunColour                1 0.95 0.763\n"));
     EXPECT_THAT(text, HasSubstr("    fogHeight                40 m\n"));
-    EXPECT_THAT(text, HasSubstr("'a\"b\\x1B[2J\\x9B'"));
+    EXPECT_THAT(text, HasSubstr("  > recordsEnd               48 bytes\n"));
+    EXPECT_THAT(text, HasSubstr("  > farthestSprite           258.577 m\n"));
+    EXPECT_THAT(text, HasSubstr("  > zeroShadowBytes          3\n"));
+    EXPECT_THAT(text, HasSubstr("sky.cdata: 145 bytes, with its end mark\n"));
+    EXPECT_THAT(text, HasSubstr("'a\"b\\x1B[2J\\x7F\\x9B'"));
     EXPECT_THAT(text, HasSubstr("Not OK: 1 thing does not fit.\n"));
     EXPECT_THAT(text, Not(HasSubstr("\x1B")));
 
@@ -377,6 +525,17 @@ TEST_F(Inspect, SaysItAsTextAndAsJson) {
     EXPECT_EQ(parsed["elements"][9]["attributes"]["cullingSpherePos"], nlohmann::json({-500.0, 0.0, 250.0}));
     EXPECT_EQ(parsed["elements"][9]["derived"]["recordSize"], 16);
     EXPECT_EQ(parsed["data"]["size"], 145);
+
+    const Inspection other{.file = "\xFF.xml",
+                           .type = "Modeler_ParticleCloudLibrary",
+                           .data = DataFile{.file = "a", .size = 1, .endMark = false},
+                           .notes = {"Odd."}};
+    EXPECT_THAT(asText(other), HasSubstr(": cloud library (type Modeler_ParticleCloudLibrary, version missing)\n"));
+    EXPECT_THAT(asText(other), HasSubstr("a: 1 byte, without an end mark\n\nNote: Odd.\nOK: 0 elements"));
+    const auto otherJson = nlohmann::json::parse(asJson(other));
+    EXPECT_EQ(otherJson["data"]["endMark"], false);
+    EXPECT_EQ(otherJson["notes"], nlohmann::json({"Odd."}));
+    EXPECT_EQ(otherJson["ok"], true);
 }
 
 // Faults: exit statuses that scripts would misread; the list on the wrong stream; a plug-in that is needed or loaded.

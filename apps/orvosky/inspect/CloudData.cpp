@@ -38,6 +38,8 @@ bool fits(const Records& r, const Room& room, Bytes bytes) {
     return room.last ? r.end() == room.end : room.end - r.end() < alignment && allZero(bytes, r.end(), room.end);
 }
 
+std::string belonging(std::uint64_t bytes) { return counted(bytes, "byte") + (bytes == 1 ? " belongs" : " belong"); }
+
 /// Says what is wrong with how a cloud's records fill the space up to what follows. Readers know the size of a record
 /// from the flag alone; that the other size would do is worth saying.
 void checkRoom(const Records& r, const Room& room, const Element* next, Bytes bytes, Problems& problems) {
@@ -49,12 +51,13 @@ void checkRoom(const Records& r, const Room& room, const Element* next, Bytes by
             ? fmt::format("; records of {} bytes, without regard to the flag, would fit", other.size)
             : std::string();
     const std::string follows = next ? next->described() : "the end mark";
-    std::string what = fmt::format("its {} records of {} bytes (cloudSelfShadowEnable is {}) end at byte {}", r.sprites,
-                                   r.size, r.size == shadowedRecord ? 1 : 0, r.end());
+    std::string what =
+        fmt::format("its {} of {} bytes (cloudSelfShadowEnable is {}) {} at byte {}", counted(r.sprites, "record"),
+                    r.size, r.size == shadowedRecord ? 1 : 0, r.sprites == 1 ? "ends" : "end", r.end());
     if (r.end() > room.end)
         what += fmt::format(", beyond the start of {} at {}", follows, room.end);
     else if (room.last)
-        what += fmt::format(", but the end mark lies at {}: {} bytes belong to no cloud", room.end, room.end - r.end());
+        what += fmt::format(", but the end mark lies at {}: {} to no cloud", room.end, belonging(room.end - r.end()));
     else if (room.end - r.end() >= alignment)
         what += fmt::format(", but {} begins at {}: padding takes less than {} bytes", follows, room.end, alignment);
     else
@@ -135,9 +138,11 @@ void measure(const Records& r, Bytes bytes, Inspection& found) {
                                                       bytes.begin() + static_cast<std::ptrdiff_t>(at + 16), 0));
     }
     if (outside > 0)
-        found.problems.add(cloud, fmt::format("{} of its {} sprites lie outside of the bounding sphere; the first is "
-                                              "sprite {} at byte {}",
-                                              outside, r.sprites, firstOutside, r.address + firstOutside * r.size));
+        found.problems.add(cloud,
+                           fmt::format("{} of its {} {} outside of the bounding sphere; the first is sprite {} at "
+                                       "byte {}",
+                                       outside, counted(r.sprites, "sprite"), outside == 1 ? "lies" : "lie",
+                                       firstOutside, r.address + firstOutside * r.size));
 
     const auto whole = [](std::uint64_t v) { return static_cast<std::int64_t>(v); };
     cloud.derived.push_back({"recordSize", whole(r.size), "bytes"});
@@ -182,15 +187,14 @@ void checkCloudData(std::span<Element*> clouds, Bytes bytes, Inspection& found) 
         if (r.address % alignment != 0)
             problems.add(*r.cloud, fmt::format("vertexDataAddress {} is no multiple of {}", r.address, alignment));
         if (i == 0 && r.address != 0)
-            problems.add(*r.cloud, fmt::format("its records begin at byte {}; the first {} bytes belong to no cloud",
-                                               r.address, r.address));
+            problems.add(*r.cloud, fmt::format("its records begin at byte {}; before them, {} to no cloud", r.address,
+                                               belonging(r.address)));
         if (i > 0 && all[i - 1] && r.address <= all[i - 1]->address)
             problems.add(*r.cloud, fmt::format("its records begin at byte {}, not behind those of {} at {}", r.address,
                                                all[i - 1]->cloud->described(), all[i - 1]->address));
         if (r.address >= recordsEnd) {
-            problems.add(*r.cloud,
-                         fmt::format("its records, from byte {} on, lie beyond the {} bytes that the data hold",
-                                     r.address, recordsEnd));
+            problems.add(*r.cloud, fmt::format("its records, from byte {} on, lie beyond the {} that the data hold",
+                                               r.address, counted(recordsEnd, "byte")));
             continue;
         }
         const bool last = i + 1 == all.size();
@@ -200,9 +204,8 @@ void checkCloudData(std::span<Element*> clouds, Bytes bytes, Inspection& found) 
             checkRoom(r, {all[i + 1]->address, false}, all[i + 1]->cloud, bytes, problems);
         else if (r.end() > recordsEnd)
             problems.add(*r.cloud,
-                         fmt::format("its {} records of {} bytes end at byte {}, beyond the {} bytes that the "
-                                     "data hold",
-                                     r.sprites, r.size, r.end(), recordsEnd));
+                         fmt::format("its records of {} bytes end at byte {}, beyond the {} that the data hold", r.size,
+                                     r.end(), counted(recordsEnd, "byte")));
         if (r.end() <= recordsEnd) measure(r, bytes, found);
     }
 }

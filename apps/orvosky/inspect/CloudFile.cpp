@@ -34,14 +34,14 @@ const ElementRule& shadingRule() {
 
 const ElementRule& cloudRule() {
     static const ElementRule rule{"ParticleCloud",
-                                  {{"spriteDensity", Kind::Number, 1, infinite, "a cubic kilometre"},
-                                   {"spriteSize", Kind::Number, 1, infinite, "m"},
-                                   {"groundShadowOffset", Kind::Number},
+                                  {{"spriteDensity", Kind::Number, above0, infinite, "a cubic kilometre"},
+                                   {"spriteSize", Kind::Number, above0, infinite, "m"},
+                                   {"groundShadowOffset", Kind::Number, -infinite, infinite, "m"},
                                    {"enableGroundFade", Kind::Flag},
                                    {"groundFadeStart", Kind::Number, -infinite, infinite, "m"},
                                    {"groundFadeEnd", Kind::Number, -infinite, infinite, "m"},
                                    {"domeYOffset", Kind::Number, -infinite, infinite, "m"},
-                                   {"geomBoundSphereRadius", Kind::Number, above0, infinite, "cm"},
+                                   {"geomBoundSphereRadius", Kind::Number, 0, infinite, "cm"},
                                    {"geomBoundSpherePos", Kind::Triple, -infinite, infinite, "cm"},
                                    {"randSeed", Kind::Integer, -2147483648.0, 4294967295.0}}};
     return rule;
@@ -130,7 +130,8 @@ void readClouds(const TiXmlElement& root, Inspection& found) {
              s = s->NextSiblingElement("ParticleCloudSphere"))
             cloud.children.push_back(
                 readSphere(*s, static_cast<int>(cloud.children.size()) + 1, cloud, found.problems));
-        if (cloud.children.empty()) found.problems.add(cloud, "it has no <ParticleCloudSphere>, so it would be empty");
+        if (cloud.children.empty())
+            found.notes.push_back(cloud.described() + ": without <ParticleCloudSphere> it gets no sprites.");
 
         cloud.derived.push_back({"shapes", static_cast<std::int64_t>(cloud.children.size())});
         if (const auto radius = cloud.get<double>("geomBoundSphereRadius"))
@@ -140,7 +141,7 @@ void readClouds(const TiXmlElement& root, Inspection& found) {
         noteDensity(cloud, found);
         const auto start = cloud.get<double>("groundFadeStart"), end = cloud.get<double>("groundFadeEnd");
         if (start && end && std::abs(*start - *end - 80) > 1e-5)
-            found.notes.push_back(fmt::format("{}: its ground fade spans {} m; the tools always write 80 m.",
+            found.notes.push_back(fmt::format("{}: its ground fade spans {:.6g} m; the tools always write 80 m.",
                                               cloud.described(), *start - *end));
         found.elements.push_back(std::move(cloud));
     }

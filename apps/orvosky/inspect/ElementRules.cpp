@@ -52,7 +52,6 @@ std::string readNumbers(std::string_view text, std::span<double> values) {
 std::string outside(const AttributeRule& rule, double value) {
     if (value >= rule.min && value <= rule.max) return {};
     if (std::isinf(rule.max)) return fmt::format("is below {}", rule.min);
-    if (std::isinf(rule.min)) return fmt::format("is above {}", rule.max);
     return fmt::format("is outside of {} to {}", rule.min, rule.max);
 }
 

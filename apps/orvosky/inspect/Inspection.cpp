@@ -13,6 +13,10 @@ void Problems::add(int line, std::string_view where, std::string_view what) {
     if (++count_ <= kept) texts_.push_back(fmt::format("line {}, {}: {}", line, where, what));
 }
 
+std::string counted(std::uint64_t count, std::string_view noun) {
+    return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
+}
+
 std::string printable(std::string_view text, std::size_t limit) {
     std::string shown;
     for (std::size_t i = 0; i < text.size(); ++i) {

@@ -77,6 +77,9 @@ struct Inspection {
 /// Throws Failure, which names the file, when it cannot be read at all or is none of these.
 Inspection inspectFile(const std::string& file);
 
+/// "1 byte", "2 bytes"
+std::string counted(std::uint64_t count, std::string_view noun);
+
 /// The text with what would steer a terminal shown as \xNN; long ones are cut where `limit` is given.
 std::string printable(std::string_view text, std::size_t limit = std::string_view::npos);
 

@@ -68,12 +68,11 @@ std::string asText(const Inspection& found) {
         text += "\n";
     }
     if (found.data)
-        text += fmt::format("{}: {} bytes, {}\n\n", printable(found.data->file), found.data->size,
+        text += fmt::format("{}: {}, {}\n\n", printable(found.data->file), counted(found.data->size, "byte"),
                             found.data->endMark ? "with its end mark" : "without an end mark");
     for (const std::string& note : found.notes) text += "Note: " + note + "\n";
     if (found.problems.count() == 0)
-        text += fmt::format("OK: {} {}, everything fits.\n", found.elements.size(),
-                            found.elements.size() == 1 ? "element" : "elements");
+        text += fmt::format("OK: {}, everything fits.\n", counted(found.elements.size(), "element"));
     else
         text += fmt::format("Not OK: {} {} not fit.\n", found.problems.count(),
                             found.problems.count() == 1 ? "thing does" : "things do");

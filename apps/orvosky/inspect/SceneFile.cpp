@@ -107,7 +107,7 @@ const std::vector<SceneElement>& sceneElements() {
            {"geomBoundSpherePos", Kind::Triple, -infinite, infinite, "m"},
            metres("cullingSphereRadius", above0),
            {"cullingSpherePos", Kind::Triple, -infinite, infinite, "m"},
-           {"groundShadowOffset", Kind::Number},
+           metres("groundShadowOffset"),
            {"enableDomePositioning", Kind::Flag},
            metres("domeYOffset"),
            {"enableGroundFade", Kind::Flag},
@@ -152,9 +152,9 @@ Element readMesh(const TiXmlElement& xml, Problems& problems) {
                 if (c != std::floor(c) || c >= vertices)
                     problems.add(triangle, fmt::format("there is no vertex {}", c));
     }
-    const auto compare = [&](const char* attribute, int counted) {
-        if (const auto told = mesh.get<std::int64_t>(attribute); told && *told != counted)
-            problems.add(mesh, fmt::format("{} is {}, but there are {}", attribute, *told, counted));
+    const auto compare = [&](const char* attribute, int found) {
+        if (const auto told = mesh.get<std::int64_t>(attribute); told && *told != found)
+            problems.add(mesh, fmt::format("{} is {}, but the elements are {}", attribute, *told, found));
     };
     compare("numVerts", vertices);
     compare("numTris", triangles);
@@ -276,8 +276,8 @@ void checkData(std::span<Element*> clouds, Inspection& found) {
     }
     const auto size = declared->get<std::int64_t>("size");
     if (size && static_cast<std::uint64_t>(*size) != bytes.size())
-        found.problems.add(*declared,
-                           fmt::format("size is {}, but {} holds {} bytes", *size, printable(*path), bytes.size()));
+        found.problems.add(*declared, fmt::format("size is {}, but {} holds {}", *size, printable(*path),
+                                                  counted(bytes.size(), "byte")));
     found.data = {.file = *path, .size = bytes.size(), .endMark = !bytes.empty() && bytes.back() == 1};
     if (!found.data->endMark)
         found.problems.add(*declared, bytes.empty()
