@@ -131,6 +131,26 @@ TEST_F(Inspect, TheSchemaKnowsAllElements) {
     EXPECT_FALSE(valid(replaced(scene, "numSprites= \"3\"", "numSprites= \"4001\"")));
     EXPECT_FALSE(valid(replaced(scene, "indicies", "indices")));
     EXPECT_FALSE(valid(replaced(scene, "<SceneFog", "<SceneFogs")));
+
+    const std::pair<std::string, bool> elements[] = {
+        {"SkySceneSettings", false},  {"BasicSky", true},
+        {"GradientSky", true},        {"TexturedSky", true},
+        {"ExpHeightFog", false},      {"SceneFog", false},
+        {"SpriteCloud", true},        {"ParticleCloudShadingParams", false},
+        {"ParticleCloudDome", false}, {"ParticleCloud", true},
+        {"CloudVertData", false}};
+    for (const auto& [name, many] : elements) {
+        std::smatch m;
+        ASSERT_TRUE(std::regex_search(scene, m, std::regex("\t<" + name + "\n[^]*?\n\t(/>|</" + name + ">)\n")))
+            << name;
+        const std::string element = m[0], twice = replaced(scene, element, element + element);
+        EXPECT_EQ(valid(twice), many) << name;
+        EXPECT_THAT(inspectFile(writeScene(twice, sampleData())).problems.texts(),
+                    Contains(HasSubstr(name + " 2: a scene has at most one " + name)).Times(many ? 0 : 1));
+        const auto line = element.find('\n') + 1;
+        const std::string lacking = element.substr(0, line) + element.substr(element.find('\n', line) + 1);
+        EXPECT_FALSE(valid(replaced(scene, element, lacking))) << name;
+    }
 }
 
 struct Fault {
@@ -171,8 +191,6 @@ TEST_F(Inspect, NamesWhatDoesNotFitInAScene) {
         {"uv=\"1.000000 1.000000\"", "uv=\"1.000000\"", "Vert 4: uv is not 2 numbers"},
         {"<SceneFog", "<sceneFog", "unknown element <sceneFog>"},
         {"<SkySceneSettings", "stray<SkySceneSettings", "text that is part of no element: 'stray'"},
-        {"\t<BasicSky", "\t<SkySceneSettings useGameSunDir=\"1\" cloudBackBufferRes=\"0\"/>\n\t<BasicSky",
-         "SkySceneSettings 2: a scene has at most one SkySceneSettings"},
         {"<SkySceneSettings\n", "<SkySceneSetting\n", "there is no SkySceneSettings"},
         {"\t<CloudVertData", "\t<TexturedSky brightness=\"1\" rotation=\"0\" texture=\"a\"/>\n\t<CloudVertData",
          "TexturedSky 2: it stands behind ParticleCloud, but belongs before it"},
@@ -322,7 +340,14 @@ std::vector<Documented> documentedAttributes(const std::string& document) {
 // Faults: an attribute or a limit that the documentation and the inspection do not agree on.
 TEST_F(Inspect, HoldsValuesToTheDocumentedRanges) {
     int limits = 0;
-    const auto check = [&](const Documented& a, const std::string& text, double value, bool allowed) {
+    struct Format {
+        const char *document, *schema; ///< a schema that knows ranges
+        std::string sample;
+    };
+    const Format formats[] = {{"atmos-format.md", nullptr, sample("everything.atmos")},
+                              {"cloud-files.md", "particle-cloud-library.xsd", sample("library.xml")}};
+    const auto check = [&](const Documented& a, const Format& format, double value, bool allowed) {
+        const std::string& text = format.sample;
         const std::string shown = a.type == "integer" || a.type == "flag"
                                       ? std::to_string(static_cast<long long>(value))
                                       : std::to_string(value);
@@ -330,10 +355,12 @@ TEST_F(Inspect, HoldsValuesToTheDocumentedRanges) {
         ASSERT_TRUE(std::regex_search(text, place)) << a.element << " has no " << a.attribute << " in the sample";
         const std::string whole = a.type == "3 numbers" ? shown + " 0 0" : shown;
         write("sky.cdata", sampleData());
-        const auto problems =
-            inspectFile(write("sky.atmos",
-                              std::regex_replace(text, place, "$01" + whole, std::regex_constants::format_first_only)))
-                .problems.texts();
+        const std::string file =
+            write("sky.atmos", std::regex_replace(text, place, "$01" + whole, std::regex_constants::format_first_only));
+        const auto problems = inspectFile(file).problems.texts();
+        if (format.schema) {
+            EXPECT_EQ(followsSchema(file, format.schema), allowed) << a.attribute << " " << whole;
+        }
         const auto refused =
             testing::ContainsRegex(" " + a.element + "( 1)?: " + a.attribute + " is (outside|below|neither)");
         if (allowed)
@@ -342,21 +369,19 @@ TEST_F(Inspect, HoldsValuesToTheDocumentedRanges) {
             EXPECT_THAT(problems, Contains(refused)) << a.attribute << " " << whole;
         ++limits;
     };
-    const std::pair<const char*, std::string> documents[] = {{"atmos-format.md", sample("everything.atmos")},
-                                                             {"cloud-files.md", sample("library.xml")}};
-    for (const auto& [document, text] : documents)
-        for (const Documented& a : documentedAttributes(document)) {
+    for (const Format& format : formats)
+        for (const Documented& a : documentedAttributes(format.document)) {
             std::smatch m;
             const double step = a.type == "integer" || a.type == "flag" ? 1 : 0.00001;
             if (std::regex_search(a.range, m, std::regex("(-?[0-9.]+) to (-?[0-9.]+)|^([0-9]), (?:1, )?([0-9])$"))) {
                 const std::size_t first = m[1].matched ? 1 : 3;
                 const double low = std::stod(m[first]), high = std::stod(m[first + 1]);
-                check(a, text, low, true), check(a, text, high, true);
-                check(a, text, low - step, false), check(a, text, high + step, false);
+                check(a, format, low, true), check(a, format, high, true);
+                check(a, format, low - step, false), check(a, format, high + step, false);
             } else if (std::regex_search(a.range, m, std::regex("^(from|above) ([0-9.]+)"))) {
                 const double low = std::stod(m[2]);
-                check(a, text, m[1] == "from" ? low : low + step, true);
-                check(a, text, m[1] == "from" ? low - step : low, false);
+                check(a, format, m[1] == "from" ? low : low + step, true);
+                check(a, format, m[1] == "from" ? low - step : low, false);
             }
         }
     EXPECT_GT(limits, 150);
