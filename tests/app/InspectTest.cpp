@@ -130,6 +130,7 @@ TEST_F(Inspect, TheSchemaKnowsAllElements) {
     EXPECT_TRUE(valid(scene));
     EXPECT_FALSE(valid(replaced(scene, "numSprites= \"3\"", "numSprites= \"4001\"")));
     EXPECT_FALSE(valid(replaced(scene, "indicies", "indices")));
+    EXPECT_FALSE(valid(replaced(scene, "sunDiskSize = \"0.120000\"", "sunDiskSize = \"0.12\"")));
     EXPECT_FALSE(valid(replaced(scene, "<SceneFog", "<SceneFogs")));
 
     const std::pair<std::string, bool> elements[] = {
@@ -145,6 +146,7 @@ TEST_F(Inspect, TheSchemaKnowsAllElements) {
             << name;
         const std::string element = m[0], twice = replaced(scene, element, element + element);
         EXPECT_EQ(valid(twice), many) << name;
+        EXPECT_EQ(valid(replaced(scene, element, "")), name != "SkySceneSettings") << name;
         EXPECT_THAT(inspectFile(writeScene(twice, sampleData())).problems.texts(),
                     Contains(HasSubstr(name + " 2: a scene has at most one " + name)).Times(many ? 0 : 1));
         const auto line = element.find('\n') + 1;
@@ -251,6 +253,11 @@ TEST_F(Inspect, NamesWhatDoesNotFitInTheData) {
     EXPECT_THAT(problems([](std::string& d) { d.back() = 2; }), ElementsAre(HasSubstr("is 2, not the end mark 1")));
     EXPECT_THAT(problems([](std::string& d) { d += '\1'; }),
                 testing::IsSupersetOf({HasSubstr("holds 146 bytes"), HasSubstr("145: 1 byte belongs to no cloud")}));
+    EXPECT_THAT(problems([](std::string& d) { d[127] = 1, d[128] = 1, d.resize(129); }),
+                testing::IsSupersetOf({HasSubstr("the padding from there to 128 is not zero"),
+                                       HasSubstr("from byte 128 on, lie beyond the 128 bytes")}));
+    EXPECT_THAT(problems([](std::string& d) { d.resize(40); }),
+                Contains(HasSubstr("its records of 16 bytes end at byte 48, beyond the 39 bytes")));
     for (std::size_t size = 0; size < sampleData().size(); ++size)
         EXPECT_THAT(problems([&](std::string& d) { d.resize(size); }),
                     Contains(HasSubstr("sky.cdata holds " + std::to_string(size) + (size == 1 ? " byte" : " bytes"))));
@@ -341,32 +348,32 @@ std::vector<Documented> documentedAttributes(const std::string& document) {
 TEST_F(Inspect, HoldsValuesToTheDocumentedRanges) {
     int limits = 0;
     struct Format {
-        const char *document, *schema; ///< a schema that knows ranges
+        const char *document, *schema;
+        bool onlyIntegers; ///< the schema knows no other ranges
         std::string sample;
     };
-    const Format formats[] = {{"atmos-format.md", nullptr, sample("everything.atmos")},
-                              {"cloud-files.md", "particle-cloud-library.xsd", sample("library.xml")}};
+    const Format formats[] = {{"atmos-format.md", "atmos.xsd", true, sample("everything.atmos")},
+                              {"cloud-files.md", "particle-cloud-library.xsd", false, sample("library.xml")}};
     const auto check = [&](const Documented& a, const Format& format, double value, bool allowed) {
         const std::string& text = format.sample;
-        const std::string shown = a.type == "integer" || a.type == "flag"
-                                      ? std::to_string(static_cast<long long>(value))
-                                      : std::to_string(value);
+        const bool whole = a.type == "integer" || a.type == "flag";
+        const std::string number = whole ? std::to_string(static_cast<long long>(value)) : std::to_string(value);
+        const std::string shown = a.type == "3 numbers" ? number + " 0 0" : number;
         const std::regex place("(<" + a.element + "\n[^<]*?\\s" + a.attribute + " *= \")[^\"]*");
         ASSERT_TRUE(std::regex_search(text, place)) << a.element << " has no " << a.attribute << " in the sample";
-        const std::string whole = a.type == "3 numbers" ? shown + " 0 0" : shown;
         write("sky.cdata", sampleData());
         const std::string file =
-            write("sky.atmos", std::regex_replace(text, place, "$01" + whole, std::regex_constants::format_first_only));
+            write("sky.atmos", std::regex_replace(text, place, "$01" + shown, std::regex_constants::format_first_only));
         const auto problems = inspectFile(file).problems.texts();
-        if (format.schema) {
-            EXPECT_EQ(followsSchema(file, format.schema), allowed) << a.attribute << " " << whole;
+        if (whole || !format.onlyIntegers) {
+            EXPECT_EQ(followsSchema(file, format.schema), allowed) << a.attribute << " " << shown;
         }
         const auto refused =
             testing::ContainsRegex(" " + a.element + "( 1)?: " + a.attribute + " is (outside|below|neither)");
         if (allowed)
-            EXPECT_THAT(problems, testing::Each(Not(refused))) << a.attribute << " " << whole;
+            EXPECT_THAT(problems, testing::Each(Not(refused))) << a.attribute << " " << shown;
         else
-            EXPECT_THAT(problems, Contains(refused)) << a.attribute << " " << whole;
+            EXPECT_THAT(problems, Contains(refused)) << a.attribute << " " << shown;
         ++limits;
     };
     for (const Format& format : formats)
@@ -407,6 +414,23 @@ TEST_F(Inspect, ReadsCloudsAndLibraries) {
     std::string large = replaced(sample("cloud.xml"), "0.0002000000", "0.0000000100");
     large = replaced(large, "-20.0000000000", "-0.0010000000");
     EXPECT_THAT(inspectFile(write("large.xml", large)).problems.texts(), IsEmpty());
+}
+
+// Faults: a schema that refuses libraries that can be written, or lets through what is not read.
+TEST_F(Inspect, TheSchemaKnowsLibraries) {
+    const auto valid = [&](const std::string& text) {
+        return static_cast<bool>(followsSchema(write("library.xml", text), "particle-cloud-library.xsd"));
+    };
+    const std::string library = sample("library.xml");
+    const auto part = [&](const std::string& from, const std::string& to) {
+        const auto begin = library.find(from);
+        return library.substr(begin, library.find(to, begin) - begin);
+    };
+    const std::string shape = part("\t\t<ParticleCloudSphere", "\t</ParticleCloud>");
+    EXPECT_TRUE(valid(replaced(library, part("\t<ParticleCloudShading", "\t<ParticleCloud\n"), "")));
+    EXPECT_TRUE(valid(replaced(replaced(library, shape, ""), shape, shape + shape)));
+    EXPECT_FALSE(valid(replaced(library, "cloudColour = \"1.000000 ", "cloudColour = \"")));
+    EXPECT_FALSE(valid(replaced(library, "randSeed = \"-1\"", "randSeed = \"4294967296\"")));
 }
 
 // Faults: what makes a cloud odd, but not wrong, told as a fault or not at all.
