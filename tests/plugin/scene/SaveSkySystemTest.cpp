@@ -40,7 +40,9 @@ protected:
     fs::path file(const char* name = "scene.atmos") const { return folder_ / name; }
     bool save(const char* name = "scene.atmos") {
         const bool saved = mel("orvosky_SaveSkySystemToXMLCommand \"" + file(name).string() + "\"");
-        if (saved) { EXPECT_TRUE(followsSchema(file(name), "atmos.xsd")); }
+        if (saved) {
+            EXPECT_TRUE(followsSchema(file(name), "atmos.xsd"));
+        }
         return saved;
     }
     /// The export must fail with these errors before the last line.

@@ -1,6 +1,6 @@
-#include "scene/DagBehavior.h"
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
+#include "scene/DagBehavior.h"
 
 #include <maya/MEulerRotation.h>
 
