@@ -33,5 +33,20 @@ endif()
 find_program(ORVOSKY_CCACHE ccache)
 mark_as_advanced(ORVOSKY_CCACHE)
 if(ORVOSKY_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVOSKY_CCACHE}")
+  # Paths below the source tree count from there, so that what one clone compiled serves another. The sloppiness is
+  # what the cache asks for where there are precompiled headers.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+    "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${ORVOSKY_CCACHE}")
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-fpch-preprocess)
+  endif()
 endif()
+
+# The parts of the standard library that nearly every source includes, compiled once a target. Sources still include what
+# they use: a build with CMAKE_DISABLE_PRECOMPILE_HEADERS=ON has to pass, too.
+function(orvo_precompile target)
+  target_precompile_headers(${target} PRIVATE
+    <algorithm> <array> <charconv> <cmath> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string>
+    <string_view> <unordered_map> <unordered_set> <vector> ${ARGN})
+endfunction()

@@ -4,6 +4,7 @@
 #include "Session.h"
 #include "inspect/InspectionText.h"
 #include "inspect/XmlFile.h"
+#include "kit/Places.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,7 +34,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-const std::string samples = ORVO_TEST_DATA "/inspect/";
+const std::string samples = orvo::test::testData("inspect/");
 
 /// The data of everything.atmos: three sprites with shadow, padding, two without, the end mark. 21182 units are what
 /// the bounding spheres leave beside half the diagonal of a sprite: (400 - 200 sqrt(1/2)) / 400 x 32767.
@@ -324,7 +325,7 @@ struct Documented {
 
 std::vector<Documented> documentedAttributes(const std::string& document) {
     std::vector<Documented> found;
-    std::istringstream lines(readBytes(ORVO_SOURCE "/docs/" + document, 1 << 20));
+    std::istringstream lines(readBytes(orvo::test::sourceTree("docs/" + document), 1 << 20));
     std::string element;
     std::vector<std::string> head;
     for (std::string line; std::getline(lines, line);) {
@@ -591,7 +592,8 @@ TEST_F(Inspect, SaysItAsTextAndAsJson) {
 TEST_F(Inspect, AsAProgram) {
     const auto run = [&](const std::string& arguments) {
         const int status = std::system(
-            ("cd '" + folder_.string() + "' && '" ORVOSKY_PROGRAM "' inspect " + arguments + " >out 2>err").c_str());
+            ("cd '" + folder_.string() + "' && '" + orvo::test::program() + "' inspect " + arguments + " >out 2>err")
+                .c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     };
     const auto said = [&](const char* stream) { return readBytes((folder_ / stream).string(), 1 << 20); };

@@ -1,4 +1,6 @@
 // The program as a user runs it: exit statuses, what it prints where, and what it leaves on disk.
+#include "kit/Places.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -76,7 +78,7 @@ protected:
         // When a process ends that has drawn, the GL driver is unloaded before the leak check, which then cannot tell
         // what the driver lost from what we lost. Tests that draw in their own process do check for leaks.
         if (!arguments.empty() && arguments[0] == "render") environment["ASAN_OPTIONS"] = "detect_leaks=0";
-        arguments.insert(arguments.begin(), ORVOSKY_PROGRAM);
+        arguments.insert(arguments.begin(), orvo::test::program());
         const pid_t child = fork();
         if (child == 0) {
             if (chdir(folder_.c_str()) != 0) _exit(99);
@@ -187,7 +189,7 @@ TEST_F(Program, ExportsTheSameBytesEveryTime) {
     EXPECT_EQ(bytes, content(folder_ / "deep/two.ATMOS"));
     EXPECT_THAT(bytes, HasSubstr("\tsunDir = \"0.577350 0.577350 0.577350\"\n"));
     EXPECT_THAT(leftovers(), IsEmpty());
-    EXPECT_EQ(std::system(("xmllint --noout --schema '" ORVO_SOURCE "/docs/atmos.xsd' '" +
+    EXPECT_EQ(std::system(("xmllint --noout --schema '" + orvo::test::sourceTree("docs/atmos.xsd") + "' '" +
                            (folder_ / "one.atmos").string() + "' 2>/dev/null")
                               .c_str()),
               0);
@@ -337,7 +339,7 @@ TEST_F(Program, WorkspaceAndScripts) {
     EXPECT_EQ(run({"--project", "proj", "run", "-e", ask}).out, "set up\nT:/tools/\n");
 
     EXPECT_NE(std::system(("mkdir '" + folder_.string() + "/brief' && cd '" + folder_.string() +
-                           "/brief' && rmdir ../brief && '" ORVOSKY_PROGRAM "' run -e 'print 1;' 2>../said")
+                           "/brief' && rmdir ../brief && '" + orvo::test::program() + "' run -e 'print 1;' 2>../said")
                               .c_str()),
               0);
     EXPECT_THAT(content(folder_ / "said"), StartsWith("Error: The current folder is gone"));
@@ -354,8 +356,8 @@ TEST_F(Program, WorkspaceAndScripts) {
 
 // Faults: the example project broken by a change elsewhere.
 TEST_F(Program, ExampleProject) {
-    const std::string project = ORVO_SOURCE "/examples/project";
-    setenv("MAYA_PLUG_IN_PATH", ORVO_STANDINS, 1); // a scene has terrain of another plug-in
+    const std::string project = orvo::test::sourceTree("examples/project");
+    setenv("MAYA_PLUG_IN_PATH", orvo::test::standIns().c_str(), 1); // a scene has terrain of another plug-in
     int scenes = 0;
     for (const auto& e : fs::directory_iterator(project + "/scenes")) {
         ++scenes;
@@ -363,7 +365,7 @@ TEST_F(Program, ExampleProject) {
         const Outcome o = run({"--project", project, "export", e.path().string(), target});
         EXPECT_EQ(o.status, 0) << o.error;
         EXPECT_THAT(o.error, Not(HasSubstr("Error")));
-        EXPECT_EQ(std::system(("xmllint --noout --schema '" ORVO_SOURCE "/docs/atmos.xsd' '" +
+        EXPECT_EQ(std::system(("xmllint --noout --schema '" + orvo::test::sourceTree("docs/atmos.xsd") + "' '" +
                                (folder_ / target).string() + "' 2>/dev/null")
                                   .c_str()),
                   0);

@@ -1,4 +1,5 @@
 #include "CommandFixture.h"
+#include "kit/Places.h"
 
 #include <filesystem>
 
@@ -14,7 +15,7 @@ class ModelImport : public CommandFixture {
 protected:
     ModelImport() {
         for (const char* name : {"objects.obj", "panes.gltf", "house.fbx"})
-            std::filesystem::copy_file(std::string(ORVO_TEST_DATA) + "/import/" + name, project / "scenes" / name);
+            std::filesystem::copy_file(orvo::test::testData("import/" + name), project / "scenes" / name);
     }
     void expectNumbers(const std::string& mel, const std::vector<float>& expected) {
         const auto found = numbers(mel);

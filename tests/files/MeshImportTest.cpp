@@ -1,4 +1,5 @@
 #include "files/MeshImport.h"
+#include "kit/Places.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ using mesh::PolyMesh;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-std::string sample(const std::string& name) { return std::string(ORVO_TEST_DATA) + "/import/" + name; }
+std::string sample(const std::string& name) { return orvo::test::testData("import/" + name); }
 
 std::string content(const std::string& name) {
     std::ifstream in(sample(name), std::ios::binary);

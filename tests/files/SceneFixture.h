@@ -2,6 +2,7 @@
 
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
+#include "kit/Places.h"
 #include "scene/Evaluation.h"
 #include "scene/Messages.h"
 
@@ -35,7 +36,7 @@ protected:
     host::files::SceneReader::Result open(const std::string& text, host::files::SceneReader::Options options = {}) {
         return host::files::SceneReader(scene, std::move(options)).readText(text, "test.ma");
     }
-    static std::string sample(const std::string& name) { return std::string(ORVO_TEST_DATA) + "/scenes/" + name; }
+    static std::string sample(const std::string& name) { return orvo::test::testData("scenes/" + name); }
     double number(const std::string& plug) {
         host::scene::Cell& cell = scene.findPlug(plug);
         host::scene::evaluate(cell);

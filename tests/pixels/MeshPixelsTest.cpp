@@ -3,6 +3,7 @@
 #include "Host.h"
 #include "MessageLog.h"
 #include "api/PluginManager.h"
+#include "kit/Places.h"
 #include "scene/Scene.h"
 #include "viewport/Viewport.h"
 
@@ -140,7 +141,7 @@ private:
         fs::create_directories(project() / "build");
         host::Host::Options options;
         options.project = project() / "artsource";
-        options.pluginFolders = {ORVO_PLUGIN_FOLDER};
+        options.pluginFolders = {orvo::test::pluginFolder()};
         host::Host::instance().start(options);
         plugins().loadByBareName("orvosky");
         std::atexit([] {
@@ -257,7 +258,7 @@ struct Fog {
 class FogPixels : public MeshPixels {
 protected:
     static void loadStandIn(const char* name = "xeliLocator") {
-        plugins().load((fs::path(STANDIN_PLUGINS) / (std::string(name) + ".so")).string());
+        plugins().load((fs::path(orvo::test::standIns()) / (std::string(name) + ".so")).string());
     }
     /// A ground of 2 km at y = `groundY` that faces up; its mesh is the locator's, whose transform lifts it there.
     static constexpr double groundY = -300;

@@ -2,6 +2,7 @@
 #include "PixelCamera.h"
 #include "PlainScattering.h"
 #include "PluginScene.h"
+#include "kit/Places.h"
 #include "viewport/Viewport.h"
 
 #include <gmock/gmock.h>
@@ -55,7 +56,7 @@ protected:
     /// A file of the test data, copied into the project; answers its full path.
     std::string bring(const std::string& name, const std::string& as) {
         const auto target = project() / folder_ / as;
-        std::filesystem::copy_file(std::filesystem::path(ORVO_TEST_DATA) / "skies" / name, target,
+        std::filesystem::copy_file(std::filesystem::path(orvo::test::testData()) / "skies" / name, target,
                                    std::filesystem::copy_options::overwrite_existing);
         return target.string();
     }

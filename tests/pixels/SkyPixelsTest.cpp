@@ -2,6 +2,7 @@
 #include "Host.h"
 #include "PixelCamera.h"
 #include "api/PluginManager.h"
+#include "kit/Places.h"
 #include "scene/Scene.h"
 #include "viewport/Viewport.h"
 
@@ -55,7 +56,7 @@ class SkyPixels : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         host::Host::Options options;
-        options.pluginFolders = {ORVO_PLUGIN_FOLDER};
+        options.pluginFolders = {orvo::test::pluginFolder()};
         host::Host::instance().start(options);
         host::Host::instance().plugins().loadByBareName("orvosky");
     }

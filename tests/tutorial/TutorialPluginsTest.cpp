@@ -1,5 +1,6 @@
 #include "Host.h"
 #include "api/PluginManager.h"
+#include "kit/Places.h"
 #include "scene/Messages.h"
 #include "scene/Scene.h"
 
@@ -18,7 +19,7 @@ class TutorialPlugins : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         host::Host::Options options;
-        options.pluginFolders = {TUTORIAL_PLUGINS};
+        options.pluginFolders = {orvo::test::buildTree("tests/tutorial/plug-ins")};
         host::Host::instance().start(options);
     }
     void SetUp() override { host::Host::instance().scene().reset(); }
@@ -96,8 +97,11 @@ TEST_F(TutorialPlugins, UnloadingIsRefusedWhileInUse) {
 // Faults: a path smuggled in as a name, a missing file or one that is no plug-in taken for loaded.
 TEST_F(TutorialPlugins, WhatCannotBeLoadedSaysSo) {
     EXPECT_NE(failure("loadPlugin noSuchPlugin;").find("noSuchPlugin"), std::string::npos);
-    EXPECT_NE(failure("loadPlugin \"" TUTORIAL_PLUGINS "/missing.so\";").find("missing.so"), std::string::npos);
-    EXPECT_NE(failure("loadPlugin \"" ORVO_TEST_DATA "/not_a_plugin.so\";").find("not_a_plugin.so"), std::string::npos);
+    EXPECT_NE(failure("loadPlugin \"" + orvo::test::buildTree("tests/tutorial/plug-ins/missing.so") + "\";")
+                  .find("missing.so"),
+              std::string::npos);
+    EXPECT_NE(failure("loadPlugin \"" + orvo::test::testData("not_a_plugin.so") + "\";").find("not_a_plugin.so"),
+              std::string::npos);
     EXPECT_THROW(host::Host::instance().plugins().loadByBareName("../plug-ins/polarNode"), host::scene::SceneError);
 }
 

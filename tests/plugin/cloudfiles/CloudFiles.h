@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kit/Places.h"
+
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
@@ -23,7 +25,7 @@ protected:
         return text.str();
     }
     static std::string golden(const char* name) {
-        return contents(std::filesystem::path(ORVO_TEST_DATA) / "clouds" / name);
+        return contents(std::filesystem::path(orvo::test::testData()) / "clouds" / name);
     }
     std::string path(const char* name) const { return (folder_ / name).string(); }
     std::string write(const char* name, const std::string& text) const {

@@ -1,6 +1,7 @@
 #include "SkyTool/CloudLibrary.h"
 #include "CloudFiles.h"
 #include "SkyTool/CloudShadingFile.h"
+#include "kit/Places.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
@@ -60,7 +61,7 @@ TEST_F(CloudLibraryFile, WritesTheGoldenFiles) {
     EXPECT_EQ(contents(path("saved.xml")), golden("cloud.xml"));
 
     XmlFile shading;
-    shading.load(ORVO_TEST_DATA "/clouds/shading.xml");
+    shading.load(orvo::test::testData("clouds/shading.xml"));
     const auto params = readCloudShadingFile(shading);
     ASSERT_TRUE(params) << shading.error();
     OutputFile file(path("library.xml"), "wt");
@@ -76,11 +77,11 @@ TEST_F(CloudLibraryFile, WritesTheGoldenFiles) {
 // Catches a value that goes into the wrong field, rows taken for columns, a seed that is cut, and clouds that are lost.
 TEST_F(CloudLibraryFile, ReadsTheGoldenFiles) {
     std::string error = "before";
-    const auto clouds = loadCloudLibrary(ORVO_TEST_DATA "/clouds/library.xml", &error);
+    const auto clouds = loadCloudLibrary(orvo::test::testData("clouds/library.xml"), &error);
     ASSERT_TRUE(clouds) << error;
     EXPECT_EQ(error, "");
     ASSERT_THAT(*clouds, SizeIs(2));
-    const auto alone = loadCloudFile(ORVO_TEST_DATA "/clouds/cloud.xml");
+    const auto alone = loadCloudFile(orvo::test::testData("clouds/cloud.xml"));
     ASSERT_TRUE(alone);
     for (const CloudTemplate& cloud : {clouds->front(), *alone}) {
         const CloudTemplate expected = firstCloud();
@@ -109,9 +110,9 @@ TEST_F(CloudLibraryFile, ReadsTheGoldenFiles) {
     EXPECT_FALSE(clouds->back().settings.enableGroundFade);
     EXPECT_EQ(clouds->back().shapes.seed, 7u);
 
-    EXPECT_TRUE(isCloudFile(ORVO_TEST_DATA "/clouds/cloud.xml"));
+    EXPECT_TRUE(isCloudFile(orvo::test::testData("clouds/cloud.xml")));
     for (const char* other : {"library.xml", "shading.xml", "none.xml", ""})
-        EXPECT_FALSE(isCloudFile(std::string(ORVO_TEST_DATA "/clouds/") + other)) << other;
+        EXPECT_FALSE(isCloudFile(orvo::test::testData("clouds/") + other)) << other;
 }
 
 // Catches an attribute whose absence passes for 0, at every level of the file, and an error that does not name it.
@@ -191,7 +192,7 @@ TEST_F(CloudLibraryFile, TypeAndVersionAreTexts) {
     for (const char* version : {"2", "0", "", "1.0", " 1", "01", "one"})
         EXPECT_THAT(refusal(withValue(cloud, "version", version)), HasSubstr("attribute \"version\" is \"")) << version;
     EXPECT_THAT(refusal(library), HasSubstr("attribute \"type\" is \"Modeler_ParticleCloudLibrary\""));
-    EXPECT_FALSE(loadCloudLibrary(ORVO_TEST_DATA "/clouds/cloud.xml"));
+    EXPECT_FALSE(loadCloudLibrary(orvo::test::testData("clouds/cloud.xml")));
     EXPECT_FALSE(loadCloudLibrary(write("l.xml", withValue(library, "version", "2"))));
     EXPECT_TRUE(isCloudFile(write("c.xml", withValue(cloud, "version", "2")))) << "it is one, of another version";
 }
@@ -255,10 +256,11 @@ TEST_F(CloudLibraryFile, HoldsTenThousandShapes) {
 // Catches schemas that do not describe what is written, or that let anything pass.
 TEST_F(CloudLibraryFile, SchemasFitTheFiles) {
     const auto validates = [](const std::string& schema, const std::string& file) {
-        return std::system(("xmllint --noout --schema '" ORVO_SOURCE "/docs/" + schema + "' '" + file + "' 2>/dev/null")
+        return std::system(("xmllint --noout --schema '" + orvo::test::sourceTree("docs/" + schema) + "' '" + file +
+                            "' 2>/dev/null")
                                .c_str()) == 0;
     };
-    const std::string cloud = saved(firstCloud()), data = ORVO_TEST_DATA "/clouds/";
+    const std::string cloud = saved(firstCloud()), data = orvo::test::testData("clouds/");
     EXPECT_TRUE(validates("particle-cloud.xsd", cloud));
     EXPECT_TRUE(validates("particle-cloud-library.xsd", data + "library.xml"));
     EXPECT_TRUE(validates("shading-params.xsd", data + "shading.xml"));

@@ -1,6 +1,7 @@
 #include "CloudFiles.h"
 #include "PluginScene.h"
 #include "Schema.h"
+#include "kit/Places.h"
 
 #include "scene/Evaluation.h"
 #include "viewport/Viewport.h"
@@ -135,7 +136,7 @@ TEST_F(CloudNodes, ParametersGoFromNodeToNode) {
          " \"two\"");
     must("getAttr \"two.shadingTexture\"");
     EXPECT_EQ(result_.toString(), "build\\sky.dds") << "inside of the project: relative to it";
-    must(importCommand + quoted(ORVO_TEST_DATA "/clouds/library.xml") + " \"two\"");
+    must(importCommand + quoted(orvo::test::testData("clouds/library.xml")) + " \"two\"");
     EXPECT_EQ(number("two.shadingBrightness"), 2.5);
     EXPECT_EQ(number("two.lightingSunGlowHaloSize"), 99.5);
 }
@@ -171,7 +172,7 @@ TEST_F(CloudNodes, ExportsTheDefaults) {
 // Catches a file that is taken in part before its fault is found, and a failure that gives no reason.
 TEST_F(CloudNodes, ARefusedFileChangesNothing) {
     must("createNode orvosky_ParticleCloudShadingParams -n \"one\"; setAttr \"one.shadingOpacity\" 0.5;");
-    const std::string good = contents(ORVO_TEST_DATA "/clouds/shading.xml");
+    const std::string good = contents(orvo::test::testData("clouds/shading.xml"));
     // The last one that is read.
     const std::string file = write("p.xml", withoutAttribute(good, "cloudColour"));
     const std::string reason =
@@ -215,7 +216,7 @@ TEST_F(CloudNodes, CommandsTellWhatIsWrongWithTheirArguments) {
     for (const char* name : {"none", "other"})
         expectFailure(importCommand + "\"a\" " + quoted(name),
                       {"Info: " + i + "   Could not get shading params node pointer."});
-    must(importCommand + quoted(ORVO_TEST_DATA "/clouds/shading.xml") + " \"p\""); // one letter is enough here
+    must(importCommand + quoted(orvo::test::testData("clouds/shading.xml")) + " \"p\""); // one letter is enough here
 }
 
 // Catches a shape that is not drawn, is filled, ignores its transform, or leaves GL in another state: the second frame,

@@ -2,6 +2,7 @@
 #include "Common/Paths.h"
 #include "SkyTool/ParticleCloudShadingParamsLocator.h"
 #include "UtilityTest.h"
+#include "kit/Places.h"
 
 #include "api/Handle.h"
 #include "api/PluginManager.h"
@@ -145,7 +146,7 @@ TEST_F(ShadingParams, ATextureOutsideTheBuildFolderIsNotExported) {
 
 // Catches a node that is half loaded because one of its attributes cannot be set, and values that change places.
 TEST_F(ShadingParams, LoadingChangesAllOrNothing) {
-    const std::string file = ORVO_TEST_DATA "/clouds/shading.xml";
+    const std::string file = orvo::test::testData("clouds/shading.xml");
     for (const char* name : {"params.cloudColour", "params.shadingTexture", "params.lightingAmbient1"}) {
         scene.setLocked(scene.findPlug(name), true);
         std::string error;

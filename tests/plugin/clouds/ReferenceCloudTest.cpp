@@ -3,6 +3,7 @@
 #include "Common/Checksums.h"
 #include "SkyTool/CloudGeneration.h"
 #include "SkyTool/CloudVertexData.h"
+#include "kit/Places.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -36,7 +37,7 @@ struct Reference {
 const Reference& reference() {
     static const Reference result = [] {
         Reference r;
-        std::ifstream file(ORVO_TEST_DATA "/clouds/reference_cloud.txt");
+        std::ifstream file(orvo::test::testData("clouds/reference_cloud.txt"));
         std::string text, kind;
         const auto read3 = [](std::istream& in, Vector3& v) { in >> v.x >> v.y >> v.z; };
         while (std::getline(file, text)) {

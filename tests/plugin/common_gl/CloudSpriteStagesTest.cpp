@@ -3,6 +3,7 @@
 #include "Common/FileSystem.h"
 #include "Common/GlFunctions.h"
 #include "Common/Vector3.h"
+#include "kit/Places.h"
 
 #include "viewport/GlContext.h"
 #include "viewport/OffscreenTarget.h"
@@ -84,7 +85,7 @@ std::array<double, 12> twin(const Vertex& v, const Uniforms& u, bool withCube) {
 
 std::string shaderText(const char* name) {
     std::ostringstream text;
-    text << std::ifstream(std::string(ORVO_SHADERS) + "/" + name).rdbuf();
+    text << std::ifstream(orvo::test::shaders() + "/" + name).rdbuf();
     EXPECT_FALSE(text.str().empty()) << name;
     return text.str();
 }

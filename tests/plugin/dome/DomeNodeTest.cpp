@@ -1,6 +1,7 @@
 #include "GlPrograms.h"
 #include "PluginScene.h"
 #include "Schema.h"
+#include "kit/Places.h"
 #include "viewport/Viewport.h"
 
 #include <gmock/gmock.h>
@@ -46,7 +47,7 @@ protected:
     DomeNode() {
         std::filesystem::remove_all(folder());
         std::filesystem::create_directories(folder());
-        makeToolsRoot(ORVO_SHADERS);
+        makeToolsRoot(orvo::test::shaders());
         must("createNode transform -n OrvoSkyData; createNode transform -n d -p OrvoSkyData;"
              "createNode orvosky_ParticleCloudDome -n dome -p d; createNode orvosky_SkySceneSettings -p d;"
              "createNode orvosky_ParticleCloudShadingParams -n shading -p d; createNode orvosky_SkyRenderer;"

@@ -1,4 +1,5 @@
 #include "SkyTool/CloudDomePlacement.h"
+#include "kit/Places.h"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +41,7 @@ Matrix44 ellipsoid(const Vector3& centre, const Vector3& axes, double angle) {
 
 // Catches any other order of draws, seed, rejection, tie or wrapping than the script's beside this file, to the bit.
 TEST(DomePlacement, EqualsTheReference) {
-    std::ifstream file(ORVO_TEST_DATA "/clouds/placement.txt");
+    std::ifstream file(orvo::test::testData("clouds/placement.txt"));
     int cases = 0;
     for (std::string word, name; file >> word && word == "case"; ++cases) {
         file >> name;

@@ -1,4 +1,5 @@
 #include "api/PluginManager.h"
+#include "kit/Places.h"
 
 #include "MessageLog.h"
 #include "scene/Scene.h"
@@ -42,7 +43,8 @@ protected:
     }
     static fs::path install(const fs::path& folder, const std::string& name, const char* module = "moodyPlugin") {
         const fs::path file = folder / (name + ".so");
-        fs::copy_file(fs::path(LOADING_PLUGINS) / (std::string(module) + ".so"), file);
+        fs::copy_file(fs::path(orvo::test::buildTree("tests/plugin/loading/plug-ins")) / (std::string(module) + ".so"),
+                      file);
         return file;
     }
     template <class F>

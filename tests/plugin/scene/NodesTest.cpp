@@ -1,4 +1,5 @@
 #include "PluginScene.h"
+#include "kit/Places.h"
 
 #include <gmock/gmock.h>
 
@@ -51,7 +52,7 @@ TEST_F(PluginScene, LoadsAgainAfterUnloading) {
     plugins.unload("orvosky");
     EXPECT_EQ(host::scene::Scene::current().findType("orvosky_BasicSkyLocator"), nullptr);
     EXPECT_FALSE(mel("orvosky_ConvertFullPathToProjectRootPath \"a\""));
-    plugins.load(ORVO_PLUGIN);
+    plugins.load(orvo::test::plugin());
     must("createNode orvosky_BasicSkyLocator");
 }
 

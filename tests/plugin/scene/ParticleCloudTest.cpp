@@ -5,6 +5,7 @@
 #include "PluginScene.h"
 #include "Schema.h"
 #include "SkyTool/CloudGeneration.h"
+#include "kit/Places.h"
 
 #include "viewport/Viewport.h"
 
@@ -301,7 +302,7 @@ TEST_F(ParticleCloudScene, FollowsTheSceneWhileAutoUpdateIsOn) {
 // three shadows are off, so that a sprite's corners are lit alike.
 TEST_F(ParticleCloudScene, LooksLikeItsFormulas) {
     constexpr int width = 192, height = 108;
-    makeToolsRoot(ORVO_SHADERS);
+    makeToolsRoot(orvo::test::shaders());
     shading();
     must("setAttr shadingShape.enableSelfShadow 0; setAttr shadingShape.sunShadowAmount 0;"
          "setAttr shadingShape.groundShadowAmount 0; setAttr shadingShape.spriteShadowAmount 0.6;"
@@ -367,7 +368,7 @@ TEST_F(ParticleCloudScene, LooksLikeItsFormulas) {
 // that is not loaded, not changed with its path, or not read again on command, a switch without effect, and bounds
 // beside the sprites. The light's own formulas are tested with the shaders.
 TEST_F(ParticleCloudScene, DrawsWithTheNodesValues) {
-    makeToolsRoot(ORVO_SHADERS);
+    makeToolsRoot(orvo::test::shaders());
     shading();
     must("setAttr shadingShape.sunShadowAmount 0.125; setAttr shadingShape.groundShadowAmount 0.25;"
          "setAttr shadingShape.selfShadowAmount 0.75; setAttr shadingShape.selfShadowFalloff 2;"
@@ -432,7 +433,7 @@ TEST_F(ParticleCloudScene, DrawsWithTheNodesValues) {
 
     EXPECT_EQ(left::texturesOfWidth(64), 1) << "the puff";
     fs::create_directories(project() / "build");
-    fs::copy_file(ORVO_TEST_DATA "/textures/alpha-TopLeft-RLE.tga", project() / "build/small.tga");
+    fs::copy_file(orvo::test::testData("textures/alpha-TopLeft-RLE.tga"), project() / "build/small.tga");
     const auto textured = picture("setAttr -type \"string\" shadingShape.shadingTexture \"build/small.tga\"");
     EXPECT_EQ(left::texturesOfWidth(64), 0);
     EXPECT_EQ(left::texturesOfWidth(8), 1);
@@ -456,7 +457,7 @@ TEST_F(ParticleCloudScene, SaysWhatIsWrongWithItsShaders) {
     wholeCloud();
     ASSERT_TRUE(refresh());
     const fs::path shaders = folder_ / "shaders";
-    fs::copy(ORVO_SHADERS, shaders);
+    fs::copy(orvo::test::shaders(), shaders);
     const std::pair<const char*, const char*> stages[] = {{"FixedDir", "fixed dir"}, {"ShadowCube", "shadow cube"}};
     for (const auto& [file, name] : stages) {
         const fs::path stage = shaders / (std::string("ParticleCloudSprite") + file + ".vert");
@@ -474,7 +475,7 @@ TEST_F(ParticleCloudScene, SaysWhatIsWrongWithItsShaders) {
     log_.clear();
     drawOnce();
     EXPECT_THAT(log_.errors(), testing::Contains("ParticleCloud:  could not find shader files! :("));
-    makeToolsRoot(ORVO_SHADERS);
+    makeToolsRoot(orvo::test::shaders());
 }
 
 // Faults: hostile shapes that crash or hang the generation, or candidates without end.

@@ -1,5 +1,6 @@
 #include "PluginScene.h"
 #include "Schema.h"
+#include "kit/Places.h"
 
 #include <gmock/gmock.h>
 
@@ -71,7 +72,7 @@ TEST_F(SaveSkySystem, WritesTheGoldenFile) {
     must("createNode orvosky_SkyRenderer -p \"OrvoSkyData\";");
 
     ASSERT_TRUE(save()) << failure_;
-    EXPECT_EQ(contents(file()), contents(fs::path(ORVO_TEST_DATA) / "golden/basic.atmos"));
+    EXPECT_EQ(contents(file()), contents(fs::path(orvo::test::testData()) / "golden/basic.atmos"));
     EXPECT_THAT(log_.all(), ElementsAre("Info: SaveSkySystemToXML:  Export to file [" + file().string() +
                                         "] completed successfully.\n"));
     EXPECT_FALSE(fs::exists(file("scene.cdata")));

@@ -3,6 +3,7 @@
 #include "Host.h"
 #include "MessageLog.h"
 #include "api/PluginManager.h"
+#include "kit/Places.h"
 #include "scene/Scene.h"
 
 #include <filesystem>
@@ -72,7 +73,7 @@ private:
         std::filesystem::create_directories(project() / "artsource");
         auto& host = host::Host::instance();
         host.start({.project = project() / "artsource", .pluginFolders = {}, .scriptFolders = {}});
-        host.plugins().load(ORVO_PLUGIN);
+        host.plugins().load(orvo::test::plugin());
         return true;
     }
 };

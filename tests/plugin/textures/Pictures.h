@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kit/Places.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -16,7 +18,7 @@ using Pixel = std::array<int, 4>;
 
 enum class Kind { Colour, Alpha, Grey };
 
-inline std::string path(const std::string& name) { return std::string(ORVO_TEST_DATA) + "/textures/" + name; }
+inline std::string path(const std::string& name) { return orvo::test::testData("textures/" + name); }
 
 inline Bytes bytesOf(const std::string& name) {
     std::ifstream in(path(name), std::ios::binary);

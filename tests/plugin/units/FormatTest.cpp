@@ -1,4 +1,5 @@
 #include "Common/Format.h"
+#include "kit/Places.h"
 
 #include <clocale>
 #include <cmath>
@@ -70,7 +71,7 @@ TEST(Format, ConversionsWithoutArgumentStandAsTheyAre) {
 
 // Catches "0,5" in files written while the host runs in a locale with a decimal comma.
 TEST(Format, IgnoresTheLocale) {
-    setenv("LOCPATH", ORVO_TEST_LOCALES, 1);
+    setenv("LOCPATH", orvo::test::buildTree("tests/plugin/units/locales").c_str(), 1);
     const char* found = std::setlocale(LC_ALL, "de_DE.UTF-8");
     unsetenv("LOCPATH");
     if (!found) GTEST_SKIP() << "no locale with a decimal comma on this machine";

@@ -1,0 +1,1 @@
+// Nothing of its own: the precompiled header of all tests needs a source to be built with.
