@@ -180,7 +180,7 @@ std::optional<std::string> contentsOf(const std::string& path) {
 }
 
 /// Up to 60 characters of a value, for a message.
-std::string quoted(std::string_view value) {
+std::string inQuotes(std::string_view value) {
     return '"' + std::string(value.substr(0, 60)) + (value.size() > 60 ? "...\"" : "\"");
 }
 
@@ -277,9 +277,9 @@ double XmlFile::number(const TiXmlElement* element, const char* name, const XmlR
     std::string_view rest = value;
     const auto number = scanReal<Real>(rest);
     if (!number)
-        failAttribute(element, name, "is no number: " + quoted(value));
+        failAttribute(element, name, "is no number: " + inQuotes(value));
     else if (!std::isfinite(*number) || *number < range.min || *number > range.max)
-        failAttribute(element, name, "is out of range: " + quoted(value));
+        failAttribute(element, name, "is out of range: " + inQuotes(value));
     else
         return *number;
     return 0.0;
@@ -301,7 +301,7 @@ Vector3 XmlFile::triple(const TiXmlElement* element, const char* name) {
     for (float& number : numbers) {
         const auto scanned = scanReal<float>(rest);
         if (!scanned || !std::isfinite(*scanned)) {
-            failAttribute(element, name, (scanned ? "is out of range: " : "is not three numbers: ") + quoted(value));
+            failAttribute(element, name, (scanned ? "is out of range: " : "is not three numbers: ") + inQuotes(value));
             return {};
         }
         number = *scanned;
@@ -314,7 +314,7 @@ bool XmlFile::flag(const TiXmlElement* element, const char* name) {
     if (!value) return false;
     std::string_view rest = value;
     const auto number = scanInteger(rest);
-    if (!number) failAttribute(element, name, "is no integer: " + quoted(value));
+    if (!number) failAttribute(element, name, "is no integer: " + inQuotes(value));
     return number.value_or(0) != 0;
 }
 
@@ -325,7 +325,7 @@ std::uint32_t XmlFile::word(const TiXmlElement* element, const char* name) {
     const auto number = scanInteger(rest);
     if (!number || *number < std::numeric_limits<std::int32_t>::min() ||
         *number > std::numeric_limits<std::uint32_t>::max()) {
-        failAttribute(element, name, "is no integer of 32 bits: " + quoted(value));
+        failAttribute(element, name, "is no integer of 32 bits: " + inQuotes(value));
         return 0;
     }
     return static_cast<std::uint32_t>(*number);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-std::string quoted(std::string_view text) { return "'" + printable(text, 60) + "'"; }
+std::string inQuotes(std::string_view text) { return "'" + printable(text, 60) + "'"; }
 
 std::vector<std::string_view> words(std::string_view text) {
     std::vector<std::string_view> found;
@@ -113,11 +113,11 @@ Element readElement(const TiXmlElement& xml, const ElementRule& rule, int number
         }
         std::string wrong;
         element.attributes.push_back({a.name, readValue(*text, a, wrong), a.unit});
-        if (!wrong.empty()) problems.add(element, fmt::format("{} {}: {}", a.name, wrong, quoted(*text)));
+        if (!wrong.empty()) problems.add(element, fmt::format("{} {}: {}", a.name, wrong, inQuotes(*text)));
     }
     for (const TiXmlAttribute* a = xml.FirstAttribute(); a; a = a->Next())
         if (std::ranges::none_of(rule.attributes, [&](const AttributeRule& r) { return a->NameTStr() == r.name; }))
-            problems.add(element, "unknown attribute " + quoted(a->NameTStr()));
+            problems.add(element, "unknown attribute " + inQuotes(a->NameTStr()));
     return element;
 }
 
@@ -125,7 +125,7 @@ void checkChildren(const TiXmlElement& xml, std::initializer_list<std::string_vi
                    Problems& problems) {
     for (const TiXmlNode* child = xml.FirstChild(); child; child = child->NextSibling()) {
         if (child->ToText())
-            problems.add(child->Row(), where, "text that is part of no element: " + quoted(child->ValueStr()));
+            problems.add(child->Row(), where, "text that is part of no element: " + inQuotes(child->ValueStr()));
         if (child->ToElement() && std::ranges::find(known, child->ValueStr()) == known.end())
             problems.add(child->Row(), where, "unknown element <" + printable(child->ValueStr(), 60) + ">");
     }

@@ -11,7 +11,7 @@ using namespace scene;
 
 namespace {
 
-std::string quoted(std::string_view word) { return "'" + std::string(word.substr(0, 60)) + "'"; }
+std::string inQuotes(std::string_view word) { return "'" + std::string(word.substr(0, 60)) + "'"; }
 
 /// The words of a statement's values, taken one after the other.
 class Values {
@@ -27,14 +27,14 @@ public:
     double number() {
         const Word& word = take();
         const auto value = word.quoted ? std::nullopt : parseNumber(word.text);
-        if (!value) throw SceneError(quoted(word.text) + " is not a number.");
+        if (!value) throw SceneError(inQuotes(word.text) + " is not a number.");
         return *value;
     }
     /// A count that is not larger than what follows, tuples taken together.
     std::size_t count(std::size_t tuple) {
         const Word& word = take();
         const auto n = parseInteger(word.text);
-        if (!n || *n < 0) throw SceneError(quoted(word.text) + " is not a count.");
+        if (!n || *n < 0) throw SceneError(inQuotes(word.text) + " is not a count.");
         if (static_cast<std::uint64_t>(*n) > left() / tuple)
             throw SceneError("A list of " + std::to_string(*n) + " elements is announced, with too few values.");
         return static_cast<std::size_t>(*n);
@@ -86,14 +86,14 @@ Request::Request(const Statement& s) {
             continue;
         }
         const auto value = [&]() -> std::string_view {
-            if (++i == s.words.size()) throw SceneError("setAttr: flag " + quoted(word.text) + " needs a value.");
+            if (++i == s.words.size()) throw SceneError("setAttr: flag " + inQuotes(word.text) + " needs a value.");
             return s.words[i].text;
         };
         const auto truth = [&] {
             const std::string_view v = value();
             const auto flag = parseBool(v);
             if (!flag)
-                throw SceneError("setAttr: flag " + quoted(word.text) + " needs on or off, not " + quoted(v) + ".");
+                throw SceneError("setAttr: flag " + inQuotes(word.text) + " needs on or off, not " + inQuotes(v) + ".");
             return *flag;
         };
         const std::string_view f = word.text;
@@ -114,7 +114,7 @@ Request::Request(const Statement& s) {
             // Only hints: what is there decides.
             value();
         } else if (f != "-av" && f != "-alteredValue") {
-            throw SceneError("setAttr: invalid flag " + quoted(f) + ".");
+            throw SceneError("setAttr: invalid flag " + inQuotes(f) + ".");
         }
     }
     if (plug.empty()) throw SceneError("setAttr: the name of the attribute is missing.");
@@ -150,7 +150,7 @@ public:
         } else if (a.numeric == NumericType::Int64 && a.type == AttributeType::Numeric) {
             const Word& word = values_.take();
             const auto whole = parseInteger(word.text);
-            if (!whole) throw SceneError(quoted(word.text) + " is not a whole number.");
+            if (!whole) throw SceneError(inQuotes(word.text) + " is not a whole number.");
             context_.scene.setInt64(cell, *whole);
         } else if (a.isNumber()) {
             context_.scene.setNumber(cell, number(a), policy_);
@@ -235,7 +235,7 @@ void setTyped(const StatementContext& c, Cell& cell, const Request& r, Values& i
         if (r.single && in.left() > 0) throw tooMany(r);
         c.scene.setValue(cell, std::move(data));
     } else {
-        throw UnknownHere("Data of the type " + quoted(r.type) + " is not known here.");
+        throw UnknownHere("Data of the type " + inQuotes(r.type) + " is not known here.");
     }
 }
 
