@@ -1,1 +1,2 @@
-// Nothing of its own: the precompiled header of all tests needs a source to be built with.
+// Nothing of its own: the precompiled header of all tests needs a program to be built with.
+int main() { return 0; }
