@@ -133,6 +133,7 @@ bool CTexture::decode(Bytes file, bool flip, std::string* problem) {
     const std::uint32_t levels = std::max(wordAt(header, atLevels), std::uint32_t{1});
     for (const std::uint32_t side : {top.width, top.height, top.depth})
         if (side < 1 || side > maxSide) return false;
+    if (!fewEnoughPixels(top.width, std::uint64_t{top.height} * top.depth, problem)) return false;
     if (!takeFormat(header)) return false;
 
     const bool flips = flip && !cubeMap_;

@@ -38,10 +38,11 @@ public:
     /// not valid, for a file that is no DDS file, has another pixel format than
     ///   - DXT1 (3 components), DXT3, DXT5 (4)
     ///   - 32 bits a pixel with flags 0x40 or 0x41 (GL_BGRA_EXT, 4), 24 with 0x40 (GL_BGR_EXT, 3), 8 (GL_LUMINANCE, 1)
-    /// or a side of 0 or above maxSide; and, with `problem` (when given) set to `badRead`, for one with fewer
-    /// bytes than its header asks for. No more is allocated than the file holds.
+    /// or a side of 0 or above maxSide; and, with `problem` (when given) set, for one with more than orvo::maxPixels in
+    /// an image, slices of a volume counted together, or (`badRead`) with fewer bytes than its header asks for. No more
+    /// is allocated than the file holds.
     bool read(std::span<const std::uint8_t> file, bool flip, std::string* problem = nullptr);
-    /// The same for the file at `path`.
+    /// The same for the file at `path`; `problem` is also set for one of more than orvo::maxFileBytes.
     bool load(const std::string& path, bool flip, std::string* problem = nullptr);
 
     bool isValid() const { return valid_; }

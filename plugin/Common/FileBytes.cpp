@@ -1,8 +1,8 @@
 #include "FileBytes.h"
 
 #include "FileSystem.h"
+#include "Format.h"
 
-#include <climits>
 #include <cstdio>
 #include <memory>
 
@@ -15,13 +15,27 @@ std::optional<std::vector<std::uint8_t>> readFileBytes(const std::string& path, 
     const std::unique_ptr<std::FILE, Close> file(openFile(path, "rb"));
     if (!file || std::fseek(file.get(), 0, SEEK_END) != 0) return std::nullopt;
     const long size = std::ftell(file.get());
-    if (size < 0 || size > INT_MAX || std::fseek(file.get(), 0, SEEK_SET) != 0) return std::nullopt;
+    if (size < 0 || !fewEnoughBytes(static_cast<std::uint64_t>(size), problem) ||
+        std::fseek(file.get(), 0, SEEK_SET) != 0)
+        return std::nullopt;
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
     if (std::fread(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) {
         if (problem) *problem = badRead;
         return std::nullopt;
     }
     return bytes;
+}
+
+bool fewEnoughBytes(std::uint64_t size, std::string* problem) {
+    if (size <= maxFileBytes) return true;
+    if (problem) *problem = formatText("it has %d bytes; at most %d are read of a picture", size, maxFileBytes);
+    return false;
+}
+
+bool fewEnoughPixels(std::uint64_t width, std::uint64_t height, std::string* problem) {
+    if (width * height <= maxPixels) return true;
+    if (problem) *problem = formatText("it has %d x %d pixels; at most %d in all are read", width, height, maxPixels);
+    return false;
 }
 
 } // namespace orvo

@@ -43,26 +43,27 @@ void swapRedAndBlue(std::vector<std::uint8_t>& pixels, std::size_t pixelSize) {
 
 } // namespace
 
-bool CTargaImage::read(Bytes file) {
+bool CTargaImage::read(Bytes file, std::string* problem) {
     *this = {};
-    const bool whole = decode(file);
+    const bool whole = decode(file, problem);
     if (!whole) *this = {};
     return whole;
 }
 
-bool CTargaImage::load(const std::string& path) {
+bool CTargaImage::load(const std::string& path, std::string* problem) {
     *this = {};
-    const auto bytes = readFileBytes(path);
-    return bytes && read(*bytes);
+    const auto bytes = readFileBytes(path, problem);
+    return bytes && read(*bytes, problem);
 }
 
-bool CTargaImage::decode(Bytes file) {
+bool CTargaImage::decode(Bytes file, std::string* problem) {
     if (file.size() < headerSize) return false;
     const int type = file[2], kind = type & ~runLength, descriptor = file[17];
     const std::size_t bits = file[16], pixelSize = bits / 8;
     const std::size_t width = wordAt(file, 12), height = wordAt(file, 14);
     if ((kind != trueColour && kind != grey) || (bits != 8 && bits != 24 && bits != 32)) return false;
     if (width < 1 || width > maxSide || height < 1 || height > maxSide) return false;
+    if (!fewEnoughPixels(width, height, problem)) return false;
 
     // The identification, then a palette that a true-colour file may carry for displays that need one.
     const std::size_t palette = file[1] ? wordAt(file, 5) * ((file[7] + std::size_t{7}) / 8) : 0;

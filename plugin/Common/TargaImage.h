@@ -22,11 +22,11 @@ public:
     /// Decodes the bytes of a file of type 2, 3, 10 or 11 (true colour or grey, plain or run-length) with 8, 24 or 32
     /// bits a pixel. A file whose descriptor puts the first pixel at the top or on the right is turned. False, with the
     /// picture empty, for anything else: other types, no pixels, a side longer than maxSide, too few bytes, or a
-    /// packet that runs past the last pixel. Bytes behind the pixels are ignored. No more is allocated than the
-    /// bytes can yield.
-    bool read(std::span<const std::uint8_t> file);
-    /// The same for the file at `path`.
-    bool load(const std::string& path);
+    /// packet that runs past the last pixel; and, with `problem` (when given) set, for more than orvo::maxPixels. Bytes
+    /// behind the pixels are ignored. No more is allocated than the bytes can yield.
+    bool read(std::span<const std::uint8_t> file, std::string* problem = nullptr);
+    /// The same for the file at `path`; `problem` is also set for a short read and one of more than orvo::maxFileBytes.
+    bool load(const std::string& path, std::string* problem = nullptr);
 
     /// Turns the pixels into 3 or 4 bytes each: grey is repeated, alpha is dropped or becomes 255.
     void convert(int bytesPerPixel);
@@ -41,7 +41,7 @@ public:
     bool save(const std::string& path) const;
 
 private:
-    bool decode(std::span<const std::uint8_t> file);
+    bool decode(std::span<const std::uint8_t> file, std::string* problem);
 
     int width_ = 0, height_ = 0, bytesPerPixel_ = 0;
     std::vector<std::uint8_t> pixels_;

@@ -1,6 +1,7 @@
 #include "Textures.h"
 
 #include "DdsImage.h"
+#include "FileBytes.h"
 #include "FileSystem.h"
 #include "Messages.h"
 #include "TargaImage.h"
@@ -9,13 +10,18 @@
 
 #include <algorithm>
 #include <climits>
+#include <filesystem>
 #include <new>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 namespace orvo {
 namespace {
 
 constexpr std::size_t checkerSide = 128;
+
+std::uint64_t budgetLimit = TextureBudget::usual, budgetUsed = 0;
 
 /// Makes rows of pixels follow each other without padding while it lives, as all pictures here do.
 class UnpackScope {
@@ -59,13 +65,23 @@ void putImage(GLenum target, int width, int height, const void* pixels, GLenum f
         gl().compressedTexImage2D(target, 0, format, width, height, 0, byteSize, pixels);
 }
 
-/// Gives the handle a new, bound 2D texture and fills it with `put`.
+/// What one image takes in the GL's memory, about.
+std::uint64_t bytesOf(int width, int height, GLenum format, int byteSize) {
+    if (format != GL_RGBA && format != GL_RGB) return static_cast<std::uint64_t>(std::max(byteSize, 0));
+    return static_cast<std::uint64_t>(std::max(width, 0)) * static_cast<std::uint64_t>(std::max(height, 0)) * 4;
+}
+
+/// With all smaller levels.
+std::uint64_t bytesWithLevels(std::uint64_t bytes, bool mipmaps) { return mipmaps ? bytes + bytes / 3 : bytes; }
+
+/// Gives the handle a new, bound 2D texture and fills it with `put`; `bytes` is for level 0.
 template <class Put>
-bool upload2D(TextureHandle& handle, const void* pixels, const TextureSampling& sampling, const Put& put) {
+bool upload2D(TextureHandle& handle, const void* pixels, std::uint64_t bytes, const TextureSampling& sampling,
+              const Put& put) {
     handle.release();
     if (!pixels) return false;
     forgetErrors();
-    if (!handle.generate()) return false;
+    if (!handle.generate(bytesWithLevels(bytes, sampling.mipmaps))) return false;
     glBindTexture(GL_TEXTURE_2D, handle.name());
     const GLenum filter = sampling.linear ? GL_LINEAR : GL_NEAREST;
     const GLenum mipmapFilter = sampling.linear ? GL_LINEAR_MIPMAP_NEAREST : GL_NEAREST_MIPMAP_NEAREST;
@@ -93,28 +109,55 @@ std::string extensionOf(const std::string& path) {
     return extension;
 }
 
-bool readDds(nv_dds::CTexture& picture, const std::string& path, bool flip) {
-    std::string problem;
-    const bool read = picture.load(path, flip, &problem);
-    if (!problem.empty()) reportError("%s", problem);
-    return read;
+void reportProblem(const std::string& path, const std::string& problem) {
+    if (problem == badRead)
+        reportError("%s", problem);
+    else
+        reportError("%s: %s.", path, problem);
 }
 
-/// Uploads a DDS picture as it is. False for one that is not of `channels` components or that the GL refuses.
-bool loadDds(TextureHandle& handle, const std::string& path, const TextureSampling& sampling, int channels) {
+bool exceeds(const std::string& problem) { return !problem.empty() && problem != badRead; }
+
+/// Whether the budget has room for a texture; says so when it has not.
+bool affordable(const std::string& path, std::uint64_t bytes) {
+    if (bytes <= budgetLimit && budgetUsed <= budgetLimit - bytes) return true;
+    reportError("%s: it takes %d bytes as a texture, and the others of the scene %d; at most %d in all are loaded.",
+                path, bytes, budgetUsed, budgetLimit);
+    return false;
+}
+
+enum class Loaded { Yes, No, Refused /* the file is beyond a limit, for whatever reads it */ };
+
+/// Uploads a DDS picture as it is. No for one that is not of `channels` components or that the GL refuses.
+Loaded loadDds(TextureHandle& handle, const std::string& path, const TextureSampling& sampling, int channels) {
     nv_dds::CTexture picture;
-    if (!readDds(picture, path, true) || picture.isCubeMap()) return false;
+    std::string problem;
+    const bool read = picture.load(path, true, &problem);
+    if (!problem.empty()) reportProblem(path, problem);
+    if (!read) return exceeds(problem) ? Loaded::Refused : Loaded::No;
+    if (picture.isCubeMap()) return Loaded::No;
     const nv_dds::CSurface& top = picture.images().front();
-    if (top.depth != 1 || picture.components() != channels || top.width == 0 || top.height == 0) return false;
+    if (top.depth != 1 || picture.components() != channels || top.width == 0 || top.height == 0) return Loaded::No;
     // The host's reader shows a picture in its place where turning the blocks would shift it.
-    if (!picture.isExact() || top.size() > INT_MAX) return false;
-    return uploadTexture2D(handle, static_cast<int>(top.width), static_cast<int>(top.height), top.pixels.data(),
-                           sampling, picture.format(), static_cast<int>(top.size()));
+    if (!picture.isExact() || top.size() > INT_MAX) return Loaded::No;
+    if (!affordable(path, bytesWithLevels(top.size(), sampling.mipmaps))) return Loaded::Refused;
+    const bool uploaded = uploadTexture2D(handle, static_cast<int>(top.width), static_cast<int>(top.height),
+                                          top.pixels.data(), sampling, picture.format(), static_cast<int>(top.size()));
+    return uploaded ? Loaded::Yes : Loaded::No;
+}
+
+bool affordableRgba(const std::string& path, int width, int height, const TextureSampling& sampling) {
+    return affordable(path, bytesWithLevels(bytesOf(width, height, GL_RGBA, 0), sampling.mipmaps));
 }
 
 bool loadTarga(TextureHandle& handle, const std::string& path, const TextureSampling& sampling, int channels) {
     CTargaImage picture;
-    if (!picture.load(path)) return false;
+    std::string problem;
+    if (!picture.load(path, &problem)) {
+        if (exceeds(problem)) reportProblem(path, problem);
+        return false;
+    }
+    if (!affordableRgba(path, picture.width(), picture.height(), sampling)) return false;
     picture.convert(channels);
     return uploadTexture2D(handle, picture.width(), picture.height(), picture.pixels().data(), sampling,
                            channels == 4 ? GL_RGBA : GL_RGB, 0);
@@ -124,10 +167,24 @@ bool loadByHost(TextureHandle& handle, const std::string& path, const TextureSam
     const auto place = existingPath(path);
     MImage picture;
     unsigned int width = 0, height = 0;
-    if (!place || picture.readFromFile(place->c_str()).error() || picture.getSize(width, height).error()) return false;
+    if (!place) return false;
+    // The host's own limits may be wider.
+    std::string problem;
+    std::error_code unknown;
+    const std::uint64_t size = std::filesystem::file_size(*place, unknown);
+    if (!unknown && !fewEnoughBytes(size, &problem)) {
+        reportProblem(path, problem);
+        return false;
+    }
+    if (picture.readFromFile(place->c_str()).error() || picture.getSize(width, height).error()) return false;
     const unsigned char* rgba = picture.pixels();
     if (!rgba || width > INT_MAX || height > INT_MAX) return false;
     const int w = static_cast<int>(width), h = static_cast<int>(height);
+    if (!fewEnoughPixels(width, height, &problem)) {
+        reportProblem(path, problem);
+        return false;
+    }
+    if (!affordableRgba(path, w, h, sampling)) return false;
     if (channels == 4) return uploadTexture2DRgba(handle, w, h, rgba, sampling);
     const std::size_t count = std::size_t{width} * height;
     std::vector<unsigned char> rgb(count * 3);
@@ -140,7 +197,10 @@ bool loadTexture(TextureHandle& handle, const std::string& path, const TextureSa
     try {
         const std::string extension = extensionOf(path);
         if (extension == "tga") return loadTarga(handle, path, sampling, channels);
-        if (extension == "dds" && loadDds(handle, path, sampling, channels)) return true;
+        if (extension == "dds") {
+            const Loaded loaded = loadDds(handle, path, sampling, channels);
+            if (loaded != Loaded::No) return loaded == Loaded::Yes;
+        }
         return loadByHost(handle, path, sampling, channels);
     } catch (const std::bad_alloc&) {
         handle.release();
@@ -166,17 +226,24 @@ std::vector<unsigned char> checkerPixels(int channels, const CheckerChannels& va
 void TextureHandle::release() {
     if (name_ != 0) glDeleteTextures(1, &name_);
     name_ = 0;
+    budgetUsed -= bytes_;
+    bytes_ = 0;
 }
 
-std::uint32_t TextureHandle::generate() {
+std::uint32_t TextureHandle::generate(std::uint64_t bytes) {
     release();
     glGenTextures(1, &name_);
+    if (name_ != 0) budgetUsed += bytes_ = bytes;
     return name_;
 }
 
+std::uint64_t TextureBudget::used() { return budgetUsed; }
+std::uint64_t TextureBudget::limit() { return budgetLimit; }
+std::uint64_t TextureBudget::setLimit(std::uint64_t bytes) { return std::exchange(budgetLimit, bytes); }
+
 bool uploadTexture2D(TextureHandle& handle, int width, int height, const void* pixels, const TextureSampling& sampling,
                      GLenum format, int byteSize) {
-    return upload2D(handle, pixels, sampling,
+    return upload2D(handle, pixels, bytesOf(width, height, format, byteSize), sampling,
                     [&] { putImage(GL_TEXTURE_2D, width, height, pixels, format, byteSize); });
 }
 
@@ -192,7 +259,7 @@ bool uploadTexture2DRgb(TextureHandle& handle, int width, int height, const void
 
 bool uploadTexture2DFloatRgb(TextureHandle& handle, int width, int height, const float* pixels,
                              const TextureSampling& sampling) {
-    return upload2D(handle, pixels, sampling,
+    return upload2D(handle, pixels, bytesOf(width, height, GL_RGBA, 0) * 2, sampling,
                     [&] { glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB16F_ARB, width, height, 0, GL_RGB, GL_FLOAT, pixels); });
 }
 
@@ -201,7 +268,7 @@ bool uploadCubeMap(TextureHandle& handle, int size, const std::array<const void*
     handle.release();
     if (std::find(faces.begin(), faces.end(), nullptr) != faces.end()) return false;
     forgetErrors();
-    if (!handle.generate()) return false;
+    if (!handle.generate(faces.size() * bytesOf(size, size, format, byteSize))) return false;
     glBindTexture(GL_TEXTURE_CUBE_MAP, handle.name());
     for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})
         setParameter(GL_TEXTURE_CUBE_MAP, wrap, GL_CLAMP_TO_EDGE);
@@ -229,9 +296,14 @@ bool loadCubeMap(TextureHandle& handle, const std::string& path) {
     handle.release();
     try {
         nv_dds::CTexture picture;
-        if (extensionOf(path).empty() || !readDds(picture, path, false) || !picture.isCubeMap()) return false;
+        if (extensionOf(path).empty()) return false;
+        std::string problem;
+        const bool read = picture.load(path, false, &problem);
+        if (!problem.empty()) reportProblem(path, problem);
+        if (!read || !picture.isCubeMap()) return false;
         const nv_dds::CSurface& first = picture.images().front();
         if (first.width != first.height || first.depth != 1 || first.size() > INT_MAX) return false;
+        if (!affordable(path, 6 * std::uint64_t{first.size()})) return false;
         std::array<const void*, 6> faces{};
         for (std::size_t i = 0; i < faces.size(); ++i) faces[i] = picture.images()[i].pixels.data();
         return uploadCubeMap(handle, static_cast<int>(first.width), faces, true, picture.format(),

@@ -22,11 +22,26 @@ public:
     explicit operator bool() const { return name_ != 0; }
     /// Deletes the texture, if there is one.
     void release();
-    /// Releases, then makes and holds a new texture name.
-    std::uint32_t generate();
+    /// Releases, then makes and holds a new texture name, for pixels that take `bytes`.
+    std::uint32_t generate(std::uint64_t bytes = 0);
+    /// What the pixels take in the GL's memory, about: with mipmaps, four bytes for each RGB pixel.
+    std::uint64_t bytes() const { return bytes_; }
 
 private:
     std::uint32_t name_ = 0;
+    std::uint64_t bytes_ = 0;
+};
+
+/// What all textures that live at one time, those of a scene, may take together. The loaders below keep to it.
+class TextureBudget {
+public:
+    static constexpr std::uint64_t usual = std::uint64_t{2} << 30;
+
+    /// The bytes of all textures now.
+    static std::uint64_t used();
+    static std::uint64_t limit();
+    /// @return the limit before
+    static std::uint64_t setLimit(std::uint64_t bytes);
 };
 
 /// How a 2D texture is sampled.
@@ -57,7 +72,8 @@ bool uploadCubeMap(TextureHandle& handle, int size, const std::array<const void*
 /// @name Loaders: an image file by its extension (tga, dds, anything else by the host's reader), linearly filtered
 /// `path` is a full path, its extension in any case. Pictures come out right side up (the bottom row first), whatever
 /// their file's order; a DDS picture that cannot go up as it is goes through the host's reader. False, with an empty
-/// handle, when the file cannot be read or uploaded.
+/// handle, when the file cannot be read or uploaded. A file of more than maxFileBytes, a picture of more than maxPixels
+/// (FileBytes.h) and one for which the budget does not suffice are refused with an error that names file and limit.
 /// @{
 bool loadTextureRgb(TextureHandle& handle, const std::string& path, bool repeatS, bool repeatT, bool mipmaps);
 bool loadTextureRgba(TextureHandle& handle, const std::string& path, bool repeatS, bool repeatT, bool mipmaps);

@@ -1,5 +1,7 @@
 #include <maya/MImage.h>
 
+#include "scene/Messages.h"
+
 #include <gmock/gmock.h>
 
 #include <array>
@@ -162,6 +164,31 @@ TEST_F(ImageFile, BadFilesLeaveThePictureAlone) {
         EXPECT_EQ(image.readFromFile(file.c_str()), MStatus::kFailure) << file;
         EXPECT_THAT(pixels(image), ElementsAreArray(four)) << file;
     }
+}
+
+// Fault: a reader for something else than still images gets hold of a file, or one that is too large is gone through;
+// the user is not told.
+TEST_F(ImageFile, RefusalsNameTheReason) {
+    Bytes dds(128 + 2);
+    std::ranges::copy(std::string("DDS \x7c"), dds.begin());
+    dds[8] = 7, dds[9] = 0x10, dds[12] = dds[16] = 1, dds[76] = 32, dds[80] = 0x40, dds[88] = 16;
+    const std::string sparse = write("sparse.png", bytes("\x89PNG"));
+    fs::resize_file(sparse, std::uintmax_t{2} << 30);
+    std::string told;
+    const auto before = host::Messages::instance().setSink([&](host::Severity, std::string_view t) { told = t; });
+    for (const auto& [file, reason] : {std::pair{write("list.mp4", ppm), "its name does not end as"},
+                                       {write("x.png?a=b", ppm), "its name does not end as"},
+                                       {write("plain", ppm), "its name does not end as"},
+                                       {write("actually.png", ppm), "PNG"},
+                                       {sparse, "at most 536870912 are read"},
+                                       {write("large.pgm", bytes("P5\n16384 8193\n255\n")), "134217728"},
+                                       {write("masks.dds", dds), "layout"}}) {
+        MImage image;
+        told.clear();
+        EXPECT_EQ(image.readFromFile(file.c_str()), MStatus::kFailure) << file;
+        EXPECT_THAT(told, testing::AllOf(testing::HasSubstr(file), testing::HasSubstr(reason)));
+    }
+    host::Messages::instance().setSink(before);
 }
 
 // Fault: an impossible request is taken, or a refused write damages the file that is there.

@@ -60,7 +60,7 @@ struct MImage::Pixels {
 
 namespace {
 
-constexpr unsigned int maxSide = 32768;
+constexpr unsigned int maxSide = host::images::kLongestSide;
 constexpr std::uint64_t maxBytes = std::uint64_t{1} << 31;
 
 /// Null, after telling the user, when images cannot be had.
@@ -78,13 +78,6 @@ bool possible(std::uint64_t width, std::uint64_t height, unsigned int channels, 
     const std::uint64_t valueSize = type == MImage::kFloat ? sizeof(float) : 1;
     return width >= 1 && width <= maxSide && height >= 1 && height <= maxSide && channels >= 1 && channels <= 4 &&
            width * height * channels * valueSize <= maxBytes;
-}
-
-/// Whether a file of that many bytes can hold so many pixels. The densest codings in use reach a few thousand to one;
-/// small pictures are not worth the doubt.
-bool credible(std::uint64_t fileBytes, const host::images::ImageReader& spec) {
-    const std::uint64_t pixels = static_cast<std::uint64_t>(spec.width) * static_cast<std::uint64_t>(spec.height);
-    return pixels <= (1u << 22) || pixels / 16384 <= fileBytes;
 }
 
 /// Spreads `stored` channels of every pixel over four, in place.
@@ -134,35 +127,33 @@ MStatus MImage::create(unsigned int width, unsigned int height, unsigned int cha
 }
 
 MStatus MImage::readFromFile(MString pathname, MPixelType type) {
+    const std::string path(pathname.asChar(), pathname.length());
+    const auto fail = [&](std::string_view reason) {
+        host::showError(fmt::format("Cannot read image \"{}\": {}.", path, reason));
+        return MStatus::kFailure;
+    };
     try {
-        const std::string path(pathname.asChar(), pathname.length());
         std::error_code code;
-        if (!fs::is_regular_file(path, code)) return MStatus::kFailure;
-        const std::uint64_t fileBytes = fs::file_size(path, code);
-        if (code || fileBytes == 0) return MStatus::kFailure;
+        if (!fs::exists(path, code)) return MStatus::kFailure;
         std::string reason;
-        ImageCodec* codec = imageCodec();
-        const auto input = codec ? codec->open(path, reason) : nullptr;
-        if (!input) return MStatus::kFailure;
+        const auto input = host::images::openImage(path, reason);
+        if (!input) return fail(reason);
         if (type == kUnknown) type = input->floats ? kFloat : kByte;
-        if (input->width < 1 || input->height < 1 || input->channels < 1 || input->depth > 1 ||
-            !possible(static_cast<std::uint64_t>(input->width), static_cast<std::uint64_t>(input->height), 4, type) ||
-            !credible(fileBytes, *input))
-            return MStatus::kFailure;
         const int stored = std::min(input->channels, 4);
         auto read = Pixels::make(static_cast<unsigned int>(input->width), static_cast<unsigned int>(input->height), 4,
                                  type, true);
         // The file's first row is the top one, which is the last one here.
         const auto pixelStep = static_cast<std::ptrdiff_t>(4 * read->valueSize());
-        if (!input->read(stored, type == kFloat, read->row(read->height - 1), pixelStep, -pixelStep * input->width)
-                 .empty())
-            return MStatus::kFailure;
+        reason = input->read(stored, type == kFloat, read->row(read->height - 1), pixelStep, -pixelStep * input->width);
+        if (!reason.empty()) return fail(reason);
         spread(read->bytes, stored, static_cast<unsigned char>(255));
         spread(read->floats, stored, 1.0f);
         pixels_ = std::move(read);
         return MStatus::kSuccess;
-    } catch (const std::exception&) {
-        return MStatus::kFailure;
+    } catch (const std::bad_alloc&) {
+        return fail("there is not enough memory for it");
+    } catch (const std::exception& e) {
+        return fail(e.what());
     }
 }
 

@@ -1,11 +1,17 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace host::images {
+
+/// What is read: no file may take the memory or the time of the process.
+inline constexpr std::uint64_t kMostFileBytes = std::uint64_t{512} << 20;
+inline constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 27; ///< 16384 x 8192
+inline constexpr int kLongestSide = 32768;                           ///< in pixels
 
 /// Pixels in memory: rows of 8-bit or float channels side by side, without padding.
 struct PixelRows {
@@ -27,13 +33,19 @@ public:
     virtual std::string read(int count, bool asFloats, void* to, std::ptrdiff_t pixelStep, std::ptrdiff_t rowStep) = 0;
 };
 
-/// Image files of all formats. Alpha is kept apart from the colours: neither is multiplied by the other.
+/// Files of still images. The ending of the name, in any case, tells the format, and no other is tried: bmp, dds, exr,
+/// gif, hdr, iff, jpg, png, pnm (pbm, pgm, ppm, pfm), tga, tif and their other spellings. Alpha is kept apart from the
+/// colours: neither is multiplied by the other.
 class ImageCodec {
 public:
     virtual ~ImageCodec() = default;
 
-    /// Null with a text of one line when the file cannot be opened as an image. Throws std::exception.
-    virtual std::unique_ptr<ImageReader> open(const std::string& path, std::string& error) = 0;
+    /// The formats that can be read, as in "bmp, dds, ..."; empty when a file named `path` is of one of them.
+    virtual std::string otherFormats(const std::string& path) = 0;
+    /// Opens the bytes of a file named `path`. Null with a text of one line when they are no image of its format.
+    /// Throws std::exception.
+    virtual std::unique_ptr<ImageReader> open(const std::string& path, std::vector<unsigned char> file,
+                                              std::string& error) = 0;
 
     enum class Alpha { Kept, Dropped };
     /// Whether files whose names end as `path` does can be written, and whether those have alpha. Formats whose writers
@@ -52,5 +64,11 @@ public:
 /// The one codec. It lives in a module beside this library, which is loaded on first use: what it depends on takes far
 /// longer to load than everything else. Throws std::runtime_error when the module is missing or broken.
 ImageCodec& imageCodec();
+
+/// Opens a file that keeps to the limits above and whose size is credible for so many pixels: one flat image, of at
+/// least one channel. Null with a text of one line, which names a limit that is exceeded. Throws std::exception.
+std::unique_ptr<ImageReader> openImage(const std::string& path, std::string& error);
+/// The same for the bytes of a file of that name.
+std::unique_ptr<ImageReader> openImage(const std::string& path, std::vector<unsigned char> file, std::string& error);
 
 } // namespace host::images

@@ -1,3 +1,4 @@
+#include "images/DdsMasks.h"
 #include "images/ImageCodec.h"
 
 #include <OpenImageIO/filesystem.h>
@@ -6,6 +7,10 @@
 #include <OpenImageIO/imageio.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
+#include <string_view>
+#include <utility>
 
 namespace host::images {
 namespace {
@@ -18,8 +23,39 @@ OIIO::TypeDesc typeOf(bool floats) { return floats ? OIIO::TypeDesc::FLOAT : OII
 /// The first of the library's complaints; some formats add one for every row.
 std::string reasonOf(std::string text) {
     text.resize(std::min(text.find('\n'), text.size()));
-    while (!text.empty() && text.back() == ' ') text.pop_back();
+    while (!text.empty() && (text.back() == ' ' || text.back() == '.')) text.pop_back();
     return text.empty() ? "unknown reason" : text;
+}
+
+struct Format {
+    const char* reader; ///< OpenImageIO's name
+    std::vector<std::string_view> endings;
+};
+
+// Still images whose readers work on bytes in memory. OpenImageIO itself would go on to try every reader it has, among
+// them those of films, play lists and medical records, which open other files or take minutes.
+const std::vector<Format>& formats() {
+    static const std::vector<Format> list{{"bmp", {"bmp", "dib"}},
+                                          {"dds", {"dds"}},
+                                          {"openexr", {"exr"}},
+                                          {"gif", {"gif"}},
+                                          {"hdr", {"hdr", "rgbe"}},
+                                          {"iff", {"iff"}},
+                                          {"jpeg", {"jpg", "jpeg", "jpe"}},
+                                          {"png", {"png"}},
+                                          {"pnm", {"pnm", "pbm", "pgm", "ppm", "pfm"}},
+                                          {"targa", {"tga"}},
+                                          {"tiff", {"tif", "tiff"}}};
+    return list;
+}
+
+/// Null for a name that ends otherwise.
+const Format* formatOf(const std::string& path) {
+    std::string ending = path.substr(std::min(path.find_last_of("./"), path.size() - 1) + 1);
+    for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const auto at = std::ranges::find_if(
+        formats(), [&](const Format& f) { return std::ranges::find(f.endings, ending) != f.endings.end(); });
+    return at == formats().end() ? nullptr : &*at;
 }
 
 /// Only writers that can write into memory are taken: some of the others end the process, or say nothing, when the disk
@@ -32,13 +68,22 @@ std::unique_ptr<OIIO::ImageOutput> writerFor(const std::string& path) {
 
 class Reader final : public ImageReader {
 public:
-    explicit Reader(std::unique_ptr<OIIO::ImageInput> input) : input_(std::move(input)) {
-        const OIIO::ImageSpec& spec = input_->spec();
+    explicit Reader(std::vector<unsigned char> file) : file_(std::move(file)), bytes_(file_.data(), file_.size()) {}
+
+    bool open(const Format& format, const std::string& path, std::string& error) {
+        input_ = OIIO::ImageInput::create(format.reader);
+        OIIO::ImageSpec wishes, spec;
+        keepAlphaApart(wishes);
+        if (!input_ || !input_->set_ioproxy(&bytes_) || !input_->open(path, spec, wishes)) {
+            error = reasonOf(input_ ? input_->geterror() : OIIO::geterror());
+            return false;
+        }
         width = spec.width;
         height = spec.height;
         depth = spec.depth;
         channels = spec.nchannels;
         floats = spec.format.is_floating_point();
+        return true;
     }
     std::string read(int count, bool asFloats, void* to, std::ptrdiff_t pixelStep, std::ptrdiff_t rowStep) override {
         // Some readers answer success for a file that is cut off, and only leave the error's text.
@@ -47,18 +92,35 @@ public:
     }
 
 private:
+    // The input goes before what it reads from.
+    std::vector<unsigned char> file_;
+    OIIO::Filesystem::IOMemReader bytes_;
     std::unique_ptr<OIIO::ImageInput> input_;
 };
 
 class OpenImageCodec final : public ImageCodec {
 public:
-    std::unique_ptr<ImageReader> open(const std::string& path, std::string& error) override {
-        OIIO::ImageSpec wishes;
-        keepAlphaApart(wishes);
-        auto input = OIIO::ImageInput::open(path, &wishes);
-        if (input) return std::make_unique<Reader>(std::move(input));
-        error = reasonOf(OIIO::geterror());
-        return nullptr;
+    std::string otherFormats(const std::string& path) override {
+        std::string names;
+        if (formatOf(path)) return names;
+        for (const Format& format : formats())
+            for (const std::string_view ending : format.endings) (names += names.empty() ? "" : ", ") += ending;
+        return names;
+    }
+
+    std::unique_ptr<ImageReader> open(const std::string& path, std::vector<unsigned char> file,
+                                      std::string& error) override {
+        const Format* format = formatOf(path);
+        if (!format) {
+            error = "unknown format";
+            return nullptr;
+        }
+        if (format->reader == std::string_view("dds") && !mendDdsMasks(file)) {
+            error = "its pixels are in a layout that is not read";
+            return nullptr;
+        }
+        auto reader = std::make_unique<Reader>(std::move(file));
+        return reader->open(*format, path, error) ? std::move(reader) : nullptr;
     }
 
     bool canWrite(const std::string& path, Alpha& alpha) override {

@@ -18,8 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::int64_t maxPixels = std::int64_t{1} << 28;
-
 /// A name beside `path`, unlike that of any other writer.
 fs::path neighbourOf(const fs::path& path) {
     static std::atomic<unsigned> serial{0};
@@ -89,15 +87,9 @@ std::optional<Picture> Picture::read(const std::string& path, std::string* error
         return std::nullopt;
     };
     try {
-        std::error_code code;
-        if (!fs::is_regular_file(path, code)) return fail("there is no such file");
         std::string reason;
-        const auto input = images::imageCodec().open(path, reason);
+        const auto input = images::openImage(path, reason);
         if (!input) return fail(reason);
-        if (input->width < 1 || input->height < 1 || input->channels < 1 || input->depth > 1 ||
-            std::int64_t{input->width} * input->height > maxPixels)
-            return fail(fmt::format("its size of {} x {} x {} pixels and {} channels is not one of a flat picture",
-                                    input->width, input->height, input->depth, input->channels));
         const int stored = std::min(input->channels, 4);
         const bool grey = stored < 3;
         Picture picture(input->width, input->height, stored == 2 || stored == 4 ? 4 : 3);

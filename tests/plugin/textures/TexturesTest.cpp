@@ -19,7 +19,9 @@ using host::viewport::GlContext;
 using pictures::Bytes;
 using pictures::Kind;
 using pictures::Pixel;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 struct TexturesGl : testing::Test {
@@ -239,12 +241,78 @@ TEST_F(TexturesGl, FilesThatCannotBeRead) {
         TextureHandle handle;
         MessageLog log;
         EXPECT_FALSE(load(handle, copyOf("dxt5.dds", "cut.dds", 150), false, false, false));
-        EXPECT_THAT(log.all(), ElementsAre("Error: Bad Read"));
+        EXPECT_THAT(log.all(), ElementsAre("Error: Bad Read", HasSubstr("cut.dds")));
         copyOf("colour-TopLeft-RLE.tga", "Mixed.Tga");
         EXPECT_TRUE(load(handle, (folder / "mixed.TGA").string(), false, false, false));
         copyOf("alpha.png", "Mixed.Png");
         EXPECT_TRUE(load(handle, (folder / "mixed.png").string(), false, false, false));
     }
+}
+
+// Fault: a file whose masks name no channel keeps the process busy for ever, or is not shown.
+TEST_F(TexturesGl, DdsLayoutsOpenWhateverTheirMasks) {
+    for (const auto& [name, kind] :
+         {std::pair{"bgra.dds", Kind::Alpha}, {"bgr.dds", Kind::Colour}, {"luminance.dds", Kind::Grey}})
+        for (const char mask : {'\0', '\1', '\5'}) { // none, one bit that all share, bits apart
+            const std::string path = copyOf(name, "masks.dds");
+            std::fstream(path, std::ios::binary | std::ios::in | std::ios::out).seekp(92) << std::string(16, mask);
+            TextureHandle handle;
+            MessageLog log;
+            ASSERT_TRUE(loadTextureRgba(handle, path, false, false, false)) << name << int{mask};
+            EXPECT_THAT(log.all(), IsEmpty());
+            const auto pixels = pixelsOf(GL_TEXTURE_2D, 64);
+            for (int i = 0; i < 64; ++i)
+                ASSERT_EQ(pixels[static_cast<std::size_t>(i)], pictures::at(kind, i % 8, i / 8)) << name << int{mask};
+        }
+}
+
+// Fault: a file that claims or holds more than a picture may take is read, or refused without a word.
+TEST_F(TexturesGl, LimitsAreNamed) {
+    const auto put = [&](const std::string& name, std::string head, std::uintmax_t size) {
+        std::ofstream(folder / name, std::ios::binary) << head;
+        fs::resize_file(folder / name, std::max<std::uintmax_t>(size, head.size()));
+        return (folder / name).string();
+    };
+    std::string dds(128, '\0');
+    dds.replace(0, 4, "DDS ").replace(12, 8, std::string("\1\x20\0\0\0\x40\0\0", 8)); // 16384 x 8193
+    dds.replace(80, 12, std::string("\4\0\0\0DXT1\0\0\0\0", 12));
+    const std::string tga("\0\0\2\0\0\0\0\0\0\0\0\0\0\x40\1\x20\x18\0", 18);
+    const char *const pixels = "16384 x 8193 pixels; at most 134217728 ", *const bytes = "at most 536870912 are read";
+    for (const auto& [path, limit] : {std::pair{put("pixels.dds", dds, 0), pixels},
+                                      {put("pixels.tga", tga, 0), pixels},
+                                      {put("bytes.dds", dds, 536870913), bytes},
+                                      {put("bytes.tga", tga, 536870913), bytes},
+                                      {put("bytes.png", "\x89PNG", 536870913), bytes},
+                                      {put("pixels.ppm", "P6\n16384 8193\n255\n", 30000), pixels}}) {
+        TextureHandle handle;
+        MessageLog log;
+        EXPECT_FALSE(loadTextureRgb(handle, path, false, false, false));
+        EXPECT_THAT(log.errors(), ElementsAre(AllOf(HasSubstr(path), HasSubstr(limit))));
+    }
+}
+
+// Fault: textures of a scene that together take more than the budget, or bytes that stay counted when they are gone.
+TEST_F(TexturesGl, TexturesShareOneBudget) {
+    const std::uint64_t before = TextureBudget::used();
+    const std::uint64_t usual = TextureBudget::setLimit(before + 256 + 32 + 6 * 8); // alpha.png, dxt1.dds, the cube map
+    const auto load = [](TextureHandle& handle, const char* name) {
+        return name == std::string("cube-dxt1.dds") ? loadCubeMap(handle, pictures::path(name))
+                                                    : loadTextureRgb(handle, pictures::path(name), false, false, false);
+    };
+    {
+        TextureHandle a, b, c, d;
+        MessageLog log;
+        EXPECT_TRUE(load(a, "alpha.png") && load(b, "dxt1.dds") && load(c, "cube-dxt1.dds"));
+        EXPECT_TRUE(load(a, "alpha.png")) << "what it replaces makes room for it";
+        EXPECT_THAT(log.all(), IsEmpty());
+        for (const char* name : {"alpha.png", "dxt1.dds", "cube-dxt1.dds", "colour-BottomLeft-None.tga"}) {
+            log.clear();
+            EXPECT_FALSE(load(d, name));
+            EXPECT_THAT(log.errors(), ElementsAre(AllOf(HasSubstr(name), HasSubstr(std::to_string(before + 336)))));
+        }
+    }
+    EXPECT_EQ(TextureBudget::used(), before);
+    TextureBudget::setLimit(usual);
 }
 
 // Fault: fields of the wrong size or phase, a channel's value ignored, or pixels read that a short one does not have.
