@@ -1,11 +1,13 @@
-#include "Session.h"
+#include "Usage.h"
+
+#include "scene/Messages.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <csignal>
-#include <iostream>
+#include <cstdio>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -13,33 +15,28 @@ namespace {
 
 using namespace orvosky;
 
-/// Reads "1280x720"; an empty text means that it was understood.
-std::string readSize(const std::string& text, int& width, int& height) {
-    const char* const end = text.data() + text.size();
-    const auto first = std::from_chars(text.data(), end, width);
-    if (first.ec == std::errc() && first.ptr != end && *first.ptr == 'x') {
-        const auto second = std::from_chars(first.ptr + 1, end, height);
-        if (second.ec == std::errc() && second.ptr == end && width > 0 && height > 0) return {};
-    }
-    return "'" + text + "' is no size; give it as WIDTHxHEIGHT, for example 1280x720";
+/// Whether an option's value is the next word.
+bool valueFollows(const std::string& word) { return word == "-e" || word == "--project"; }
+
+/// Where the subcommand stands: the first word that is neither an option nor an option's value.
+std::size_t subcommandAt(const std::vector<std::string>& words) {
+    std::size_t at = 0;
+    while (at < words.size() && words[at].starts_with('-')) at += valueFollows(words[at]) ? 2 : 1;
+    return std::min(at, words.size());
 }
 
 /// Takes the script's own words off the command line: everything behind the script, or, with -e, from the first word
 /// that is no option on, belongs to the script as it stands.
 std::vector<std::string> takeScriptWords(std::vector<std::string>& words) {
-    std::size_t at = 0;
-    const auto valueFollows = [](const std::string& w) { return w == "-e" || w == "--project"; };
-    while (at < words.size() && words[at] != "run") {
-        if (words[at] == "export" || words[at] == "render" || words[at] == "inspect") return {};
-        at += valueFollows(words[at]) ? 2 : 1;
-    }
+    std::size_t at = subcommandAt(words);
+    if (at == words.size() || words[at] != "run") return {};
     bool text = false;
     for (++at; at < words.size(); ++at) {
         const std::string& w = words[at];
         text = text || w == "-e";
         if (valueFollows(w))
             ++at;
-        else if (w.empty() || w[0] != '-')
+        else if (!w.starts_with('-'))
             break;
     }
     if (!text) ++at; // the script itself
@@ -49,11 +46,35 @@ std::vector<std::string> takeScriptWords(std::vector<std::string>& words) {
     return own;
 }
 
-int usageError(const CLI::App& app, const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error); // --help and --version
-    std::cerr << "Error: " << error.what() << "\nRun with --help for more information.\n";
+int usageError(const std::string& problem, const std::string& command) {
+    host::showError(problem);
+    std::fprintf(stderr, "Run \"%s --help\" for more information.\n", command.c_str());
     return kWrongUsage;
 }
+
+std::string suggestion(const std::string& word, const std::vector<std::string>& known) {
+    const std::string meant = nearest(word, known);
+    return meant.empty() ? "" : " (did you mean " + meant + "?)";
+}
+
+/// The words that nothing took, in the order of the line; empty when all were taken.
+std::string unexpectedWords(const CLI::App& program, const std::vector<std::string>& words) {
+    std::map<std::string, int> left;
+    for (const std::string& word : program.remaining(true)) ++left[word];
+    std::vector<std::string> options;
+    for (const CLI::App* line : program.get_subcommands())
+        for (const CLI::Option* option : line->get_options())
+            for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+    std::string text;
+    for (const std::string& word : words) {
+        if (const auto it = left.find(word); it == left.end() || it->second-- < 1) continue;
+        text += (text.empty() ? "" : ", ") + word;
+        if (word.starts_with("--")) text += suggestion(word.substr(0, word.find('=')), options);
+    }
+    return text.empty() ? text : "Unexpected on the command line: " + text;
+}
+
+constexpr const char* description = "Runs, exports, renders and inspects the skies of Maya scenes, without Maya.";
 
 } // namespace
 
@@ -62,57 +83,44 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
 
-    CLI::App app("Runs, exports, renders and inspects the skies of Maya scenes, without Maya.", "orvosky");
-    app.set_version_flag("--version", "orvosky " ORVOSKY_VERSION);
-    app.require_subcommand(1);
-    app.fallthrough();
-    app.option_defaults()->always_capture_default();
-
-    CommonOptions common;
-    app.add_option("--project", common.project,
-                   "Workspace root (default: the nearest folder upward with a workspace.mel, else the current one)");
-    app.add_flag("--no-plugin", common.noPlugin, "Do not load the plug-in");
-
-    RunOptions run;
-    auto* runApp = app.add_subcommand("run", "Run a MEL script with the plug-in loaded");
-    runApp->add_option("-e", run.text, "A line of MEL to run in place of a script");
-    runApp->add_option("script", run.script, "The script; what follows it are its arguments ($argv)");
-
-    ExportOptions exporting;
-    auto* exportApp = app.add_subcommand("export", "Open a scene, bring it up to date, and export its sky");
-    exportApp->add_option("scene", exporting.scene, "A Maya ASCII scene (.ma) or a MEL script (.mel)")->required();
-    exportApp->add_option("target", exporting.target, "The .atmos file")->required();
-
-    RenderOptions rendering;
-    std::string size = "1280x720";
-    auto* renderApp = app.add_subcommand("render", "Draw what the viewport shows into a picture");
-    renderApp->add_option("scene", rendering.scene, "A Maya ASCII scene (.ma) or a MEL script (.mel)")->required();
-    renderApp->add_option("picture", rendering.picture, "The picture; its extension gives the format")->required();
-    renderApp->add_option("--size", size, "Width and height in pixels")->check([&](const std::string& text) {
-        return readSize(text, rendering.width, rendering.height);
-    });
-    renderApp->add_option("--camera", rendering.camera, "Camera to look through");
-    auto* time = renderApp->add_option("--time", rendering.time, "Time to draw, in the scene's time unit");
-
-    InspectOptions inspecting;
-    auto* inspectApp = app.add_subcommand("inspect", "Show what an exported file holds, and whether it fits together");
-    inspectApp->add_option("file", inspecting.file, "A sky scene (.atmos), or the XML file of clouds or their shading")
-        ->required();
-    inspectApp->add_flag("--json", inspecting.json, "For tools: JSON");
-
     std::vector<std::string> words(argv + 1, argv + argc);
-    run.arguments = takeScriptWords(words);
-    std::reverse(words.begin(), words.end()); // as CLI11 takes them
-    try {
-        app.parse(words);
-        if (runApp->parsed() && run.script.empty() && run.text.empty())
-            throw CLI::RequiredError("run: a script, or -e with a line of MEL");
-    } catch (const CLI::ParseError& error) {
-        return usageError(app, error);
+    std::vector<std::string> scriptWords = takeScriptWords(words);
+
+    CLI::App program(description, "orvosky");
+    program.set_help_flag("-h,--help", "Show this help");
+    program.set_version_flag("-v,--version", "orvosky " ORVOSKY_VERSION, "Show the version");
+    program.require_subcommand(1);
+    program.get_formatter()->label("Positionals", "Arguments");
+    program.get_formatter()->column_width(28);
+    CommonOptions common;
+    addCommonOptions(program, common);
+    program.footer(helpFoot({.examples = "  orvosky render examples/project/scenes/dusk.ma dusk.png\n"
+                                         "  orvosky help render\n",
+                             .exitStatuses = "  0  everything asked for is there and right\n"
+                                             "  1  it is not: warnings and errors are on the standard error\n"}));
+    const Subcommand subcommands[] = {addRun(program, common, std::move(scriptWords)), addExport(program, common),
+                                      addRender(program, common), addInspect(program), addHelp(program)};
+    std::vector<std::string> names;
+    for (const Subcommand& subcommand : subcommands) names.push_back(subcommand.line->get_name());
+
+    std::string command = "orvosky";
+    if (std::size_t at = subcommandAt(words); at < words.size()) {
+        if (words[at] == "help" && at + 1 < words.size() && !words[at + 1].starts_with('-')) ++at;
+        if (std::ranges::count(names, words[at]) == 0)
+            return usageError("There is no subcommand " + words[at] + suggestion(words[at], names) + ".", command);
+        command += " " + words[at];
     }
-    if (runApp->parsed()) return runCommand(common, run);
-    if (exportApp->parsed()) return exportCommand(common, exporting);
-    if (inspectApp->parsed()) return inspectCommand(inspecting);
-    rendering.timeGiven = time->count() > 0;
-    return renderCommand(common, rendering);
+    try {
+        program.parse(std::vector<std::string>(words.rbegin(), words.rend())); // as CLI11 takes them
+        for (const Subcommand& subcommand : subcommands)
+            if (subcommand.line->parsed()) return subcommand.work();
+    } catch (const CLI::CallForHelp&) {
+        return showHelp(program.help());
+    } catch (const CLI::CallForVersion& version) {
+        return showHelp(std::string(version.what()) + "\n");
+    } catch (const CLI::ParseError& error) {
+        const std::string unexpected = unexpectedWords(program, words);
+        return usageError(unexpected.empty() ? error.what() : unexpected + ".", command);
+    }
+    return kWrongUsage;
 }

@@ -29,7 +29,7 @@ private:
     Sink sink_;
 };
 
-/// What the standard sink does.
+/// What the standard sink does. Control characters in messages, but for line ends and tabs, are written as "\x1B".
 void sendToStandardStreams(Severity severity, std::string_view text);
 
 inline void printText(std::string_view text) { Messages::instance().send(Severity::Output, text); }

@@ -1,0 +1,106 @@
+#include "Usage.h"
+
+#include "Failure.h"
+
+#include "scene/Messages.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <numeric>
+
+namespace orvosky {
+namespace {
+
+/// The fewest letters to add, drop, change, or swap with a neighbour, to make one word of the other.
+std::size_t editDistance(const std::string& a, const std::string& b) {
+    std::vector<std::size_t> beforeLast, last(b.size() + 1), row(b.size() + 1);
+    std::iota(last.begin(), last.end(), 0);
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+        }
+        beforeLast = std::exchange(last, row);
+    }
+    return last.back();
+}
+
+constexpr const char* environmentText =
+    R"(
+Environment:
+  MAYA_SCRIPT_PATH    folders of scripts, searched after the workspace's
+  MAYA_PLUG_IN_PATH   folders of plug-ins, searched after the program's own
+  ORVOSKY_NO_GL       set to 1: behave as on a machine without OpenGL
+  ORVOSKY_TOOL_ROOT   set by the program, for scripts: the folder of its own tools
+)";
+
+} // namespace
+
+void addCommonOptions(CLI::App& line, CommonOptions& options) {
+    line.add_option("--project", options.project,
+                    "Workspace root (default: the nearest folder upward with\na workspace.mel, else the current one)")
+        ->option_text("DIR");
+    line.add_flag("--no-plugin", options.noPlugin, "Do not load the plug-in");
+}
+
+void addValue(CLI::App& line, const std::string& name, const std::string& shownAs, const std::string& description,
+              std::function<void(const std::string& text)> take) {
+    line.add_option_function<std::string>(
+            name,
+            [name, take = std::move(take)](const std::string& text) {
+                try {
+                    take(text);
+                } catch (const Failure& e) {
+                    throw CLI::ValidationError(name, e.what());
+                }
+            },
+            description)
+        ->option_text(shownAs);
+}
+
+std::string helpFoot(const HelpFoot& foot) {
+    std::string text;
+    if (!foot.examples.empty()) text += "Examples:\n" + foot.examples + "\n";
+    text += "Exit status:\n" + foot.exitStatuses + "  2  wrong usage; nothing was done\n";
+    if (foot.environment) text += environmentText;
+    text.pop_back(); // a line end follows
+    return text;
+}
+
+int showHelp(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return kWorked;
+    host::showError("Cannot write to the standard output.");
+    return kFailed;
+}
+
+std::string nearest(const std::string& written, std::span<const std::string> known) {
+    std::string best;
+    std::size_t least = std::max<std::size_t>(1, written.size() / 3) + 1;
+    for (const std::string& word : known) {
+        const std::size_t distance = editDistance(written, word);
+        if (distance >= least) continue;
+        least = distance;
+        best = word;
+    }
+    return best;
+}
+
+bool readNumbers(const std::string& text, char separator, std::span<double> numbers) {
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        if (i > 0 && (at == end || *at++ != separator)) return false;
+        if (at != end && *at == '+') ++at;
+        const auto read = std::from_chars(at, end, numbers[i]);
+        if (read.ec != std::errc() || !std::isfinite(numbers[i])) return false;
+        at = read.ptr;
+    }
+    return at == end;
+}
+
+} // namespace orvosky
