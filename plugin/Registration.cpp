@@ -20,6 +20,7 @@
 #include "SkyTool/SkySceneSettingsLocator.h"
 #include "SkyTool/SpriteCloudLocator.h"
 #include "SkyTool/TexturedSkyLocator.h"
+#include "SkyTool/UpdateSkySystemCommand.h"
 
 namespace orvo {
 namespace {
@@ -59,6 +60,7 @@ std::span<const RegistrationRow> registrationTable() {
         locatorRow<SkyRendererLocator>("orvosky_SkyRenderer"),
         commandRow<OrvoSky_ConvertFullPathToProjectRootPath>("orvosky_ConvertFullPathToProjectRootPath"),
         commandRow<DropMeshCommand>("orvo_dropMesh"),
+        commandRow<OrvoSky_UpdateSkySystemCommand>("orvosky_UpdateSkySystemCommand"),
     };
     return rows;
 }

@@ -3,7 +3,6 @@
 
 #include "Host.h"
 #include "scene/Messages.h"
-#include "viewport/Viewport.h"
 
 namespace orvosky {
 namespace {
@@ -33,25 +32,13 @@ private:
     host::Messages::Sink previous_;
 };
 
-/// One frame of a small view: nodes bring themselves up to date when they are drawn.
-std::unique_ptr<host::viewport::Viewport> drawOnce() {
-    std::string error;
-    auto view = host::viewport::Viewport::create(64, 36, &error);
-    if (!view || !view->render(&error))
-        host::showWarning("The scene was not brought up to date by drawing it: " + error);
-    return view;
-}
-
 } // namespace
 
 int exportCommand(const CommonOptions& common, const ExportOptions& options) {
     return reported([&] {
-        // Made first to go last: what nodes hold of GL is freed while its context is there.
-        std::unique_ptr<host::viewport::Viewport> view;
         Session session(common);
         session.openScene(options.scene);
-        session.refreshClouds();
-        view = drawOnce();
+        session.bringUpToDate();
         ReplacedFiles files(options.target);
         const std::string staged = files.stagedTarget().string();
         const NamesInMessages names(staged, options.target);

@@ -35,7 +35,7 @@ int renderCommand(const CommonOptions& common, const RenderOptions& options) {
         auto& scene = host::Host::instance().scene();
         if (options.timeGiven) scene.setTime(options.time * host::timeUnit().ticks);
         view->setCamera(findCamera(options.camera));
-        session.refreshClouds();
+        session.bringUpToDate();
         if (!view->render(&error)) throw Failure("Cannot render " + options.picture + ": " + error);
         if (!view->picture().write(options.picture, &error)) throw Failure(error);
         host::showInfo("Rendered " + options.picture + " (" + std::to_string(options.width) + " x " +

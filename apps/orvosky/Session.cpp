@@ -98,20 +98,14 @@ void Session::call(const std::string& name, const std::vector<std::string>& argu
     }
 }
 
-void Session::refreshClouds() {
-    auto& mel = host::Host::instance().interpreter();
-    const auto refresh = [&](const char* type, const char* enable, const char* command) {
-        if (!mel.hasCommand(command)) return;
-        for (const std::string& name : mel.call("ls", {"-long", "-type", type}).toStringArray()) {
-            try {
-                if (mel.call("getAttr", {name + "." + enable}).toInt() != 0) call(command, {name});
-            } catch (const std::exception& e) {
-                if (*e.what()) host::showError(e.what());
-            }
-        }
-    };
-    refresh("orvosky_ParticleCloud", "enable", "orvosky_ParticleCloud_RenderCloudCommand");
-    refresh("orvosky_ParticleCloudDome", "Enable", "orvosky_ParticleCloudDome_RefreshDataCommand");
+void Session::bringUpToDate() {
+    constexpr const char* command = "orvosky_UpdateSkySystemCommand";
+    if (!host::Host::instance().interpreter().hasCommand(command)) return;
+    try {
+        call(command, {});
+    } catch (const Failure& e) {
+        if (*e.what()) host::showError(e.what());
+    }
 }
 
 int reportCurrentFailure() {

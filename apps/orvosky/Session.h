@@ -35,9 +35,9 @@ public:
     void runText(const std::string& text, const std::vector<std::string>& arguments);
     /// Calls a command or procedure with text arguments. Throws Failure.
     void call(const std::string& name, const std::vector<std::string>& arguments);
-    /// Generates the scene's particle clouds and cloud domes, as the artist's own commands do. What goes wrong with one
-    /// is reported and leaves it as it is.
-    void refreshClouds();
+    /// Brings the scene's sky nodes up to date, as they have to be before they are exported or drawn. What goes wrong with
+    /// one is reported and leaves it as it is.
+    void bringUpToDate();
 };
 
 /// Runs a subcommand's work: reports a Failure, and whatever else is thrown, as an error.

@@ -96,6 +96,16 @@ std::optional<std::string> existingPath(const std::string& path) {
     return found;
 }
 
+std::optional<std::string> pathWithoutLinks(const std::string& path) {
+    std::string native = path;
+    std::replace(native.begin(), native.end(), '\\', '/');
+    if (!fs::path(native).is_absolute()) return std::nullopt;
+    std::error_code code;
+    const fs::path resolved = fs::weakly_canonical(existingPath(native).value_or(native), code);
+    if (code) return std::nullopt;
+    return resolved.generic_string();
+}
+
 std::FILE* openFile(const std::string& path, const char* mode) {
     const bool creates = mode[0] == 'w' || mode[0] == 'a';
     const auto place = locate(path, creates);

@@ -21,6 +21,10 @@ struct FolderEntry {
 /// The path under which `path` exists (a file or a folder), nothing when it does not.
 std::optional<std::string> existingPath(const std::string& path);
 
+/// An absolute path with forward slashes and without links, "." and ".."; of a path that is not there, the part that is
+/// there is resolved. Nothing for a relative path, and when it cannot be resolved.
+std::optional<std::string> pathWithoutLinks(const std::string& path);
+
 /// Opens a file as std::fopen does; the caller closes it. For a mode that begins with 'w' or 'a' the folder must exist
 /// and the last component is taken as given. Null, with errno telling why, when the file cannot be opened, or when
 /// it is a folder, a pipe or a socket.

@@ -42,6 +42,17 @@ public:
         return nullptr;
     }
 
+    /// The instances whose nodes are in the scene: not those that only an undo could bring back.
+    std::vector<Node*> inScene() const {
+        std::vector<Node*> found;
+        for (Node* node : nodes_) {
+            MObject named;
+            const MObject own = node->thisMObject();
+            if (!dependencyNodeByName(fullPathName(own), named).error() && named == own) found.push_back(node);
+        }
+        return found;
+    }
+
     /// The first instance whose own name resolves in the scene; null when none does.
     Node* firstLive() const {
         for (Node* node : nodes_) {

@@ -6,6 +6,13 @@
 #include <string_view>
 
 namespace orvo {
+namespace {
+
+std::size_t errors = 0;
+
+} // namespace
+
+std::size_t errorsShown() { return errors; }
 
 void showMessage(MessageLevel level, const std::string& text) {
     std::array<char, 20480> buffer;
@@ -16,7 +23,10 @@ void showMessage(MessageLevel level, const std::string& text) {
     case MessageLevel::Info:
     case MessageLevel::Notice: MGlobal::displayInfo(message); break;
     case MessageLevel::Warning: MGlobal::displayWarning(message); break;
-    case MessageLevel::Error: MGlobal::displayError(message); break;
+    case MessageLevel::Error:
+        ++errors;
+        MGlobal::displayError(message);
+        break;
     }
 }
 

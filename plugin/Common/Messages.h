@@ -15,6 +15,8 @@ enum class MessageLevel { Info = 1, Warning = 2, Error = 3, Notice = 4 };
 /// Passes the text on: levels 1 and 4 as information, 2 as a warning, 3 as an error. A text longer than 20,479
 /// characters is cut there.
 void showMessage(MessageLevel level, const std::string& text);
+/// The errors that were shown since the module was loaded. Main thread only.
+std::size_t errorsShown();
 
 template <class... Arguments>
 void reportInfo(const char* format, const Arguments&... arguments) {

@@ -100,6 +100,22 @@ bool makeAbsolute(std::string& path) {
     return true;
 }
 
+std::string inProjectSpelling(const std::string& path) {
+    std::string relative = path;
+    if (makeProjectRelative(relative)) return path;
+    const auto whole = pathWithoutLinks(path);
+    const auto root = whole ? pathWithoutLinks(projectRoot()) : std::nullopt;
+    if (!root || !whole->starts_with(*root) || whole->size() == root->size()) return path;
+    const std::string below = whole->substr(root->size());
+    if (!root->ends_with('/') && below.front() != '/') return path; // a neighbour with a longer name
+    return projectRoot() + stripLeadingSeparators(below);
+}
+
+std::string storedForm(const std::string& path) {
+    std::string relative = inProjectSpelling(path);
+    return makeProjectRelative(relative) ? relative : path;
+}
+
 std::string absoluteCopy(std::string path) {
     makeAbsolute(path);
     return path;

@@ -37,6 +37,12 @@ const std::string& projectRoot();
 /// file outside of the project as it is: one that begins with "/", and is there, while none is there below the root.
 bool makeProjectRelative(std::string& path);
 bool makeAbsolute(std::string& path);
+/// A path that leads into the project through a link, or past ".", "..", as if it had been given through the root's own
+/// name, which is the one that makeProjectRelative knows. Any other path as it is.
+std::string inProjectSpelling(const std::string& path);
+/// The form in which nodes keep the path of a file: project-relative when it leads into the project, by whichever
+/// spelling; else as it is.
+std::string storedForm(const std::string& path);
 /// The path after makeAbsolute.
 std::string absoluteCopy(std::string path);
 

@@ -12,7 +12,7 @@ MStatus OrvoSky_ConvertFullPathToProjectRootPath::doIt(const MArgList& args) {
                         "\"orvosky_ConvertFullPathToProjectRootPath filePath\"   bailing.");
             return MStatus::kFailure;
         }
-        std::string path = stringArgument(args, 0);
+        std::string path = inProjectSpelling(stringArgument(args, 0));
         makeProjectRelative(path);
         clearResult();
         appendToResult(MString(path.c_str()));

@@ -77,12 +77,18 @@ void ExpHeightFogLocator::postConstructor() {
 
 void ExpHeightFogLocator::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
     guarded("ExpHeightFogLocator::draw", [&] {
-        const MObject node = thisMObject();
         if (!isEnabled()) return program_.release();
-        if (!sceneFogColour || !readBool(node, getColourFromSceneFog)) return;
-        // A failed write is reported by the writer; the colour then stays as it is.
-        if (const auto colour = sceneFogColour()) (void)writeFloat3(node, fogColour, *colour);
+        bringUpToDate();
     });
+}
+
+void ExpHeightFogLocator::bringUpToDate() {
+    const MObject node = thisMObject();
+    if (!isEnabled() || !sceneFogColour || !readBool(node, getColourFromSceneFog)) return;
+    const auto colour = sceneFogColour();
+    // Only a change is written: a draw that changed the scene would be followed by another draw. A failed write is
+    // reported by the writer; the colour then stays as it is.
+    if (colour && *colour != readFloat3(node, fogColour)) (void)writeFloat3(node, fogColour, *colour);
 }
 
 bool ExpHeightFogLocator::isEnabled() { return readBool(thisMObject(), Enable); }

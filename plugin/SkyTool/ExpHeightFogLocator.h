@@ -33,12 +33,14 @@ public:
     static ExpHeightFogLocator* firstLiveInstance();
 
     void postConstructor() override;
-    /// The host's draw shows nothing. It frees the program of a node that is switched off, and lets the colour follow
-    /// the scene fog's where the artist wants that.
+    /// The host's draw shows nothing. It frees the program of a node that is switched off, and brings the others up to
+    /// date.
     void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
     bool isBounded() const override { return false; }
     bool isEnabled() override;
 
+    /// Lets the colour follow the scene fog's where the artist wants that. Needs no GL.
+    void bringUpToDate();
     /// The viewport preview, called by the sky renderer between the view's beginGL and endGL.
     void render(M3dView& view);
     /// Writes the ExpHeightFog element. Always true.

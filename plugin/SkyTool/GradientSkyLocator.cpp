@@ -119,8 +119,13 @@ GradientSkyParams GradientSkyLocator::params() const {
             .xcoord = readDouble(node, xcoord)};
 }
 
+void GradientSkyLocator::bringUpToDate() {
+    if (isEnabled()) texture_.storePath(thisMObject(), gradientTexture);
+}
+
 void GradientSkyLocator::render(M3dView& view) {
     if (!isEnabled()) return release();
+    bringUpToDate();
     ShaderProgram* program = program_.get(shaders);
     if (!program) return;
     const MObject node = thisMObject();

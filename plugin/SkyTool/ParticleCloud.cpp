@@ -173,14 +173,23 @@ void ParticleCloud::refresh() {
     if (auto* params = ParticleCloudShadingParamsLocator::firstLiveInstance()) generate(params->readParams());
 }
 
+void ParticleCloud::bringUpToDate() {
+    auto* params = ParticleCloudShadingParamsLocator::firstLiveInstance();
+    if (!params || !isEnabled()) return;
+    const CloudShadingParams shading = params->readParams();
+    if (failed_ || !lastInputs_ || inputsOf(shading) != *lastInputs_) generate(shading);
+}
+
 void ParticleCloud::generate(const CloudShadingParams& shading) {
     lastInputs_ = inputsOf(shading);
+    failed_ = true;
     auto shapes = GenerateSpriteData();
     if (!shapes) return;
     const CloudSettings s = settings();
     geom_ = GenerateSprites(*shapes, s.spriteDensity, s.spriteSize * metre, shading.enableSelfShadow, shading.sunDir,
                             s.enableGroundFade, s.groundFadeStart * metre, s.groundFadeEnd * metre);
     shapes_ = std::move(shapes);
+    failed_ = false;
 }
 
 void ParticleCloud::render(M3dView& view) {

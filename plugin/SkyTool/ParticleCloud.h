@@ -35,6 +35,8 @@ public:
     MBoundingBox boundingBox() const override;
     bool isEnabled() override;
 
+    /// Generates the sprites anew when they do not follow from the scene as it is now, or never did. Needs no GL.
+    void bringUpToDate();
     /// Gathers the shapes and generates the sprites anew, with the first live shading parameters; without such a node
     /// nothing happens. A failed gathering is reported and leaves the sprites as they are.
     void refresh();
@@ -81,6 +83,7 @@ private:
     std::unique_ptr<CloudShapeSet> shapes_;
     std::unique_ptr<ParticleCloudGeom> geom_;
     std::optional<GenerationInputs> lastInputs_; ///< of the last refresh; nothing before the first
+    bool failed_ = false;                        ///< whether the last refresh could not gather the shapes
     CloudSpriteRenderer renderer_;
     InstanceEntry<ParticleCloud> entry_{*this};
 };

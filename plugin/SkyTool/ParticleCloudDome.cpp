@@ -93,10 +93,16 @@ void ParticleCloudDome::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M
 bool ParticleCloudDome::isEnabled() { return readBool(thisMObject(), Enable); }
 
 void ParticleCloudDome::refresh() {
-    freeAll();
+    renderer_.release();
+    loadAnew();
+}
+
+void ParticleCloudDome::bringUpToDate() { isEnabled() ? loadAnew() : forgetClouds(); }
+
+void ParticleCloudDome::loadAnew() {
+    forgetClouds();
     loadTemplates();
-    if (auto* shading = ParticleCloudShadingParamsLocator::firstLiveInstance(); shading && !templates_.empty())
-        placeAndGenerate(shading->readParams());
+    if (auto* shading = ParticleCloudShadingParamsLocator::firstLiveInstance()) prepareClouds(shading->readParams());
 }
 
 void ParticleCloudDome::loadFromDisk(const std::string& path) {
@@ -126,6 +132,10 @@ ParticleCloudDome::BuildInputs ParticleCloudDome::readBuildInputs(const CloudSha
 
 void ParticleCloudDome::freeAll() {
     renderer_.release();
+    forgetClouds();
+}
+
+void ParticleCloudDome::forgetClouds() {
     templates_.clear();
     templatesLoaded_ = false;
     clouds_.clear();
@@ -135,13 +145,9 @@ void ParticleCloudDome::freeAll() {
 void ParticleCloudDome::loadTemplates() {
     if (templatesLoaded_) return;
     templatesLoaded_ = true;
-    std::string stored = readString(thisMObject(), cloudDataDir).asChar();
-    const std::string authored = stored;
-    if (makeProjectRelative(stored)) {
-        if (stored != authored) writeString(thisMObject(), cloudDataDir, stored.c_str());
-    } else {
-        stored = authored;
-    }
+    const std::string authored = readString(thisMObject(), cloudDataDir).asChar();
+    const std::string stored = storedForm(authored);
+    if (stored != authored) writeString(thisMObject(), cloudDataDir, stored.c_str());
     const std::string location = absoluteCopy(stored);
 
     if (folderExists(location)) {
@@ -196,6 +202,11 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
     }
 }
 
+void ParticleCloudDome::prepareClouds(const CloudShadingParams& shading) {
+    loadTemplates();
+    if (!templates_.empty() && builtFor_ != readBuildInputs(shading)) placeAndGenerate(shading);
+}
+
 void ParticleCloudDome::render(M3dView& view) {
     const DomeParams params = readParams();
     if (!params.enabled) return freeAll();
@@ -216,10 +227,8 @@ void ParticleCloudDome::drawClouds(const DomeParams& params, const MayaCamera& c
     auto* shadingNode = ParticleCloudShadingParamsLocator::firstLiveInstance();
     if (!shadingNode || !camera.isValid()) return;
     const CloudShadingParams shading = shadingNode->readParams();
-    if (!renderer_.prepare(shading)) return;
-    loadTemplates();
-    if (templates_.empty()) return;
-    if (builtFor_ != readBuildInputs(shading)) placeAndGenerate(shading);
+    prepareClouds(shading);
+    if (templates_.empty() || !renderer_.prepare(shading)) return;
 
     Matrix44 toLocal;
     if (nodeInverseWorldMatrix(node, toLocal).error()) return;

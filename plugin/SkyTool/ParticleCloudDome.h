@@ -36,6 +36,9 @@ public:
     bool isBounded() const override { return false; }
     bool isEnabled() override;
 
+    /// Loads the templates again and generates the clouds anew: nobody watches what the library on disk holds. Needs no
+    /// GL. A node that is switched off only forgets them.
+    void bringUpToDate();
     /// Frees everything, loads the templates again and generates the clouds. Without a shading-parameters node in the
     /// scene there are templates only: the clouds come with the first draw that finds one.
     void refresh();
@@ -63,9 +66,13 @@ private:
     DomeParams readParams();
     BuildInputs readBuildInputs(const CloudShadingParams& shading);
     void freeAll();
+    void forgetClouds();
+    void loadAnew();
     void loadTemplates();
     void loadFolder(const std::string& folder);
     void placeAndGenerate(const CloudShadingParams& shading);
+    /// Loads the templates and places the clouds, unless that is done for the inputs as they are.
+    void prepareClouds(const CloudShadingParams& shading);
     void drawClouds(const DomeParams& params, const MayaCamera& camera, const Matrix44& world);
 
     std::vector<CloudTemplate> templates_;

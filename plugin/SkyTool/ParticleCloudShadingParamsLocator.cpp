@@ -18,12 +18,6 @@ MObject doubleColour(const char* name, const LocatorAttributes::Triple& value,
     return object;
 }
 
-/// The form in which the attribute keeps a texture's path.
-std::string storedForm(const std::string& path) {
-    std::string relative = path;
-    return collapseSeparators(makeProjectRelative(relative) ? relative : path);
-}
-
 } // namespace
 
 const MTypeId ParticleCloudShadingParamsLocator::id(0x374025);
@@ -101,13 +95,14 @@ CloudShadingParams ParticleCloudShadingParamsLocator::storedParams() const {
 
 CloudShadingParams ParticleCloudShadingParamsLocator::fileParams() const {
     CloudShadingParams params = storedParams();
+    params.shadingTexture = inProjectSpelling(params.shadingTexture);
     makeProjectRelative(params.shadingTexture);
     return params;
 }
 
 CloudShadingParams ParticleCloudShadingParamsLocator::readParams() {
     CloudShadingParams params = storedParams();
-    std::string path = storedForm(params.shadingTexture);
+    std::string path = collapseSeparators(storedForm(params.shadingTexture));
     // Only a change is written: a draw that changed the scene would be followed by another draw.
     if (path != params.shadingTexture) writeString(thisMObject(), shadingTexture, path.c_str());
     params.shadingTexture = std::move(path);
@@ -157,6 +152,7 @@ bool ParticleCloudShadingParamsLocator::loadParamsFile(const std::string& path, 
     if (!params) return false;
 
     const MObject node = thisMObject();
+    params->shadingTexture = inProjectSpelling(params->shadingTexture);
     makeProjectRelative(params->shadingTexture);
     // Asked of all before one is set: a half-loaded node would be neither the old one nor the new one.
     for (const MObject& attribute :

@@ -29,6 +29,8 @@ public:
     bool isBounded() const override { return false; }
     bool isEnabled() override { return true; }
 
+    /// Brings the texture's path into its stored form, as every read of the parameters does.
+    void bringUpToDate() { (void)readParams(); }
     /// The parameters. The texture's path is brought into its stored form (project-relative, single separators) and
     /// written back into the attribute first.
     /// A sun direction of no length counts as (0, 1, 0).

@@ -173,7 +173,7 @@ MStatus ProceduralSkyLocator::compute(const MPlug& plug, MDataBlock& block) {
         const MObject node = thisMObject();
         const double intensity = readDouble(node, sunLightIntensity);
         const ScatteringTables::Texel& left =
-            sunExtinction(tables_->extinctionValues, scatteringTexels(readInt(node, Quality)),
+            sunExtinction(tables_->values.extinction, scatteringTexels(readInt(node, Quality)),
                           normalised(readDouble3(node, sunLightDir)).y);
         const MObject outputs[3] = {rval, gval, bval};
         for (std::size_t i = 0; i < 3; ++i) {
@@ -205,11 +205,18 @@ ProceduralSkyParams ProceduralSkyLocator::params() const {
             .redDecayFalloff = sliderValue(readDouble(node, redDecayFalloff), falloffSliderScale)};
 }
 
-void ProceduralSkyLocator::updateTables() {
+void ProceduralSkyLocator::bringUpToDate() {
+    const MObject node = thisMObject();
+    if (!readBool(node, Enable)) {
+        tables_.reset();
+        refused_.reset();
+        return;
+    }
     const ProceduralSkyParams wanted = params();
-    const bool isInstant = readInt(thisMObject(), UpdateMode) == instantUpdate;
+    const bool isInstant = readInt(node, UpdateMode) == instantUpdate;
     if (tables_ && (!isInstant || tables_->params == wanted)) return;
     tables_.reset();
+    texturesAreCurrent_ = false;
     if (refused_ == wanted) return;
     std::optional<ScatteringTables> computed = scatteringTables(wanted);
     if (!computed) {
@@ -220,30 +227,38 @@ void ProceduralSkyLocator::updateTables() {
         return;
     }
     refused_.reset();
-    auto tables = std::make_unique<TableTextures>();
-    tables->params = wanted;
-    if (!upload(tables->blueSky, computed->blueSky) || !upload(tables->haze, computed->haze) ||
-        !upload(tables->extinction, computed->extinction))
-        return;
-    tables->extinctionValues = std::move(computed->extinction);
-    tables_ = std::move(tables);
+    tables_.emplace(Tables{wanted, std::move(*computed)});
+}
+
+void ProceduralSkyLocator::pullTrigger() {
+    MPlug trigger(thisMObject(), dummyInputTrigger);
+    if (trigger.isFreeToChange() == MPlug::kFreeToChange) succeeded(trigger.setValue(trigger.asDouble()));
+}
+
+bool ProceduralSkyLocator::updateTextures() {
+    if (!tables_) return false;
+    if (texturesAreCurrent_) return true;
+    const ScatteringTables& tables = tables_->values;
+    texturesAreCurrent_ = upload(textures_.blueSky, tables.blueSky) && upload(textures_.haze, tables.haze) &&
+                          upload(textures_.extinction, tables.extinction);
+    return texturesAreCurrent_;
 }
 
 void ProceduralSkyLocator::draw(M3dView& view, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
     guarded("ProceduralSkyLocator::draw", [&] {
+        bringUpToDate();
         const GlDrawing drawing(view);
         if (!drawing.begun()) return;
         if (!readBool(thisMObject(), Enable)) {
             // A build that failed is not tried again: only a program is let go.
             if (!program_.buildFailed()) program_.release();
-            tables_.reset();
-            refused_.reset();
+            for (TextureHandle* texture : {&textures_.blueSky, &textures_.haze, &textures_.extinction})
+                texture->release();
+            texturesAreCurrent_ = false;
             return;
         }
         ShaderProgram* program = program_.get(shaders);
-        if (!program) return;
-        updateTables();
-        if (tables_) render(view, *program);
+        if (program && updateTextures()) render(view, *program);
     });
 }
 
@@ -251,9 +266,9 @@ void ProceduralSkyLocator::render(M3dView& view, ShaderProgram& program) {
     const MObject node = thisMObject();
     const auto setSpaceAndTextures = [&] {
         loadViewMatrix(MayaCamera(view));
-        bindTable(GL_TEXTURE2, tables_->extinction);
-        bindTable(GL_TEXTURE1, tables_->haze);
-        bindTable(GL_TEXTURE0, tables_->blueSky);
+        bindTable(GL_TEXTURE2, textures_.extinction);
+        bindTable(GL_TEXTURE1, textures_.haze);
+        bindTable(GL_TEXTURE0, textures_.blueSky);
     };
     drawViewQuad(view, node, program, skyQuadStyle, setSpaceAndTextures, [&](const Vector3& eyePoint) {
         program.setUniformI("blueSkyInScatterTexture", 0);

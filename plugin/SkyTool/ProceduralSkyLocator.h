@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../Common/InstanceList.h"
 #include "../Common/Textures.h"
 #include "ScatteringTables.h"
 #include "SkyProgram.h"
@@ -14,7 +15,7 @@ namespace orvo {
 /// draw, is no part of what the sky renderer draws, and is not exported. A host that draws locators in the order of the
 /// scene wants it before the sky renderer, or it hides what that has drawn.
 ///
-/// Its output is the colour of the sun behind the atmosphere, for other nodes to be lit by: that of the tables drawn
+/// Its output is the colour of the sun behind the atmosphere, for other nodes to be lit by: that of the tables computed
 /// last, and brought up to date only when the trigger input changes.
 class ProceduralSkyLocator : public MPxLocatorNode {
 public:
@@ -26,18 +27,26 @@ public:
     void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
     bool isBounded() const override { return false; }
 
+    /// Computes the tables, as the update mode wants it; a node that is switched off only forgets them. Every draw does
+    /// so first; it needs no GL.
+    void bringUpToDate();
+    /// Sets the trigger to the value that it has, so that the next read of the output is computed from the tables as
+    /// they are. For an input that is connected or locked, that is for others to do.
+    void pullTrigger();
+
 private:
-    /// The tables as textures.
-    struct TableTextures {
+    struct Tables {
         ProceduralSkyParams params; ///< what they were computed from
+        ScatteringTables values;
+    };
+    struct TableTextures {
         TextureHandle blueSky, haze, extinction;
-        std::vector<ScatteringTables::Texel> extinctionValues;
     };
 
     static void createOutputs();
     ProceduralSkyParams params() const;
-    /// Brings the tables up to date, as the update mode wants it.
-    void updateTables();
+    /// The tables as textures; false, with none, when they cannot be had.
+    bool updateTextures();
     void render(M3dView& view, ShaderProgram& program);
 
     static MObject Enable, UpdateMode, Quality, RenderGround, sunLightDir, sunLightIntensity, sunDiscSize,
@@ -46,8 +55,11 @@ private:
         redDecayFalloff;
 
     SkyProgram program_;
-    std::unique_ptr<TableTextures> tables_;
+    std::optional<Tables> tables_;
+    TableTextures textures_;
+    bool texturesAreCurrent_ = false;
     std::optional<ProceduralSkyParams> refused_; ///< parameters that have no tables, as was reported
+    InstanceEntry<ProceduralSkyLocator> entry_{*this};
 };
 
 } // namespace orvo

@@ -176,9 +176,9 @@ void SceneFogLocator::release() {
     meshes_.reset();
 }
 
-void SceneFogLocator::followHeightFog() {
+void SceneFogLocator::bringUpToDate() {
     const MObject node = thisMObject();
-    if (!readBool(node, getColourFromExpHeightFog)) return;
+    if (!isEnabled() || !readBool(node, getColourFromExpHeightFog)) return;
     const ExpHeightFogLocator* heightFog = ExpHeightFogLocator::firstLiveInstance();
     if (!heightFog) return;
     const Vector3 colour = readFloat3(heightFog->thisMObject(), ExpHeightFogLocator::fogColour);
@@ -188,7 +188,7 @@ void SceneFogLocator::followHeightFog() {
 
 void SceneFogLocator::render(M3dView& view) {
     if (!isEnabled()) return release();
-    followHeightFog();
+    bringUpToDate();
     ShaderProgram* program = program_.get(shaders);
     if (!program) return;
     if (!meshes_) meshes_ = gatherMeshes();

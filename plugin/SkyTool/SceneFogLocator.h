@@ -40,15 +40,15 @@ public:
     bool isBounded() const override { return false; }
     bool isEnabled() override;
 
-    /// The viewport preview, called by the sky renderer between the view's beginGL and endGL. Lets the colour follow
-    /// the height fog's where the artist wants that. The meshes are gathered once, and again after a node was off.
+    /// Lets the colour follow the height fog's where the artist wants that. Every render does so first; it needs no GL.
+    void bringUpToDate();
+    /// The viewport preview, called by the sky renderer between the view's beginGL and endGL. The meshes are gathered once, and again after a node was off.
     void render(M3dView& view);
     /// Writes the SceneFog element. Always true.
     bool saveToXml(OutputFile& file, const char* indent);
 
 private:
     void release();
-    void followHeightFog();
 
     static MObject Enable, getColourFromExpHeightFog, fogStart, fogEnd, fogAlpha, fogColour, previewGeomColour, sunDir;
 

@@ -18,12 +18,14 @@
 namespace orvo {
 namespace {
 
-/// The operations of a node class, from its own: findInstance, and render and saveToXml where it has them. A class
-/// whose saveToXml takes the cloud vertices beside the file gets them.
+/// The operations of a node class, from its own: findInstance, and bringUpToDate, render and saveToXml where it has
+/// them. A class whose saveToXml takes the cloud vertices beside the file gets them.
 template <class Node>
 constexpr SkyNodeOperations operationsOf() {
     SkyNodeOperations operations;
     operations.find = [](const MString& name) -> ExportNode* { return Node::findInstance(name); };
+    if constexpr (requires(Node & n) { n.bringUpToDate(); })
+        operations.bringUpToDate = [](ExportNode& node) { static_cast<Node&>(node).bringUpToDate(); };
     if constexpr (requires(Node & n, M3dView & v) { n.render(v); })
         operations.render = [](ExportNode& node, M3dView& view) { static_cast<Node&>(node).render(view); };
     if constexpr (requires(Node & n, SkyExportTarget & t) { n.saveToXml(t.file, "", t.cloudVertices); })

@@ -41,6 +41,9 @@ struct SkyExportTarget {
 struct SkyNodeOperations {
     /// The live instance of a full path name; null when there is none.
     ExportNode* (*find)(const MString& fullPathName) = nullptr;
+    /// Works out what the node keeps beside its attributes, or writes into them, without GL; null for kinds that keep
+    /// nothing.
+    void (*bringUpToDate)(ExportNode& node) = nullptr;
     /// The viewport preview; null for kinds that are not drawn.
     void (*render)(ExportNode& node, M3dView& view) = nullptr;
     /// Writes the node's element. @return false when that failed

@@ -5,22 +5,23 @@
 
 namespace orvo {
 
-std::uint32_t SkyTexture::update(const MObject& node, const MObject& pathAttribute, Load load, Fallback fallback) {
-    const std::string stored = readString(node, pathAttribute).asChar();
-    if (texture_ && stored == loadedPath_) return texture_->name();
-    std::string path = stored;
-    if (!makeProjectRelative(path))
-        path = stored;
-    else if (path != stored)
-        writeString(node, pathAttribute, path.c_str());
+void SkyTexture::storePath(const MObject& node, const MObject& pathAttribute) {
+    const std::string given = readString(node, pathAttribute).asChar();
+    if (given == storedPath_) return;
+    const std::string stored = storedForm(given);
+    if (stored != given) writeString(node, pathAttribute, stored.c_str());
+    // Read back: an attribute that is locked or connected keeps its value.
+    storedPath_ = readString(node, pathAttribute).asChar();
+}
 
+std::uint32_t SkyTexture::update(const MObject& node, const MObject& pathAttribute, Load load, Fallback fallback) {
+    storePath(node, pathAttribute);
+    if (texture_ && storedPath_ == loadedPath_) return texture_->name();
     release();
     auto texture = std::make_unique<TextureHandle>();
-    if (!load(*texture, absoluteCopy(path))) texture = fallback();
+    if (!load(*texture, absoluteCopy(storedForm(storedPath_)))) texture = fallback();
     texture_ = std::move(texture);
-    // Read back: an attribute that is locked or connected keeps its value, and a path outside the project is stored
-    // as the artist gave it.
-    loadedPath_ = readString(node, pathAttribute).asChar();
+    loadedPath_ = storedPath_;
     return texture_ ? texture_->name() : 0;
 }
 

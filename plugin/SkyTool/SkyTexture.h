@@ -17,15 +17,18 @@ public:
     /// A picture to show in place of one that cannot be loaded; null when there is none.
     using Fallback = std::unique_ptr<TextureHandle> (*)();
 
-    /// The GL name of the texture, 0 when there is none. A path under the project root is shortened to its
-    /// project-relative form in the attribute itself. An image that cannot be loaded is not tried again before the
-    /// attribute changes.
+    /// Shortens a path under the project root to its project-relative form, in the attribute itself; once for a value.
+    /// Needs no GL.
+    void storePath(const MObject& node, const MObject& pathAttribute);
+    /// The GL name of the texture, 0 when there is none. The path is stored as storePath does it. An image that cannot
+    /// be loaded is not tried again before the attribute changes.
     std::uint32_t update(const MObject& node, const MObject& pathAttribute, Load load, Fallback fallback);
     /// Deletes the texture and forgets where it came from.
     void release();
 
 private:
     std::unique_ptr<TextureHandle> texture_;
+    std::string storedPath_; ///< the attribute's value when it was last brought into its stored form
     std::string loadedPath_; ///< the attribute's value that the texture was made from
 };
 

@@ -164,13 +164,21 @@ void SpriteCloudLocator::refreshCloudMesh() {
     if (!found) reportError("SpriteCloudLocator::RefreshCloudMesh:  No maya meshes found in wispy cloud group.\n");
 }
 
+void SpriteCloudLocator::bringUpToDate() {
+    const MObject node = thisMObject();
+    const bool enabled = isEnabled();
+    if (!enabled || readBool(node, alwaysUpdateMesh)) mesh_.reset();
+    if (!enabled) return;
+    refreshCloudMesh();
+    texture_.storePath(node, spriteTexture);
+}
+
 void SpriteCloudLocator::render(M3dView& view) {
     if (!isEnabled()) return release();
+    bringUpToDate();
     ShaderProgram* program = program_.get(shaders);
     if (!program) return;
     const MObject node = thisMObject();
-    if (readBool(node, alwaysUpdateMesh)) mesh_.reset();
-    refreshCloudMesh();
     const std::uint32_t texture = texture_.update(node, spriteTexture, loadSprite, whiteTexture);
     if (!mesh_ || mesh_->triangles.empty() || texture == 0) return;
     if (!arrays_) arrays_ = meshArrays(*mesh_, MeshArrayKinds::WithUvs);

@@ -30,6 +30,9 @@ public:
     bool isBounded() const override { return false; }
     bool isEnabled() override;
 
+    /// Gathers the group's meshes, anew where the artist wants that, and brings the image's path into its stored form.
+    /// Every render does so first; it needs no GL.
+    void bringUpToDate();
     /// The viewport preview, called by the sky renderer between the view's beginGL and endGL.
     void render(M3dView& view);
     /// Writes the SpriteCloud element, with the meshes gathered for the preview, or gathered now.

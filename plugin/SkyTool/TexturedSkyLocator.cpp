@@ -85,8 +85,13 @@ void TexturedSkyLocator::release() {
     texture_.release();
 }
 
+void TexturedSkyLocator::bringUpToDate() {
+    if (isEnabled()) texture_.storePath(thisMObject(), cubeMapTexture);
+}
+
 void TexturedSkyLocator::render(M3dView& view) {
     if (!isEnabled()) return release();
+    bringUpToDate();
     ShaderProgram* program = program_.get(shaders);
     if (!program) return;
     const MObject node = thisMObject();

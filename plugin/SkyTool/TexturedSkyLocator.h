@@ -30,6 +30,8 @@ public:
     bool isBounded() const override { return false; }
     bool isEnabled() override;
 
+    /// Brings the image's path into its stored form. Every render does so first; it needs no GL.
+    void bringUpToDate();
     /// The viewport preview, called by the sky renderer between the view's beginGL and endGL.
     void render(M3dView& view);
     /// Writes the TexturedSky element. An image outside the build folder is reported and left out. Always true.

@@ -59,6 +59,31 @@ protected:
 
 } // namespace
 
+// Faults: an export with the meshes of an earlier one; meshes that the artist wants kept, gathered again; an update
+// that needs a renderer or a visible cloud, goes on about nodes beyond its reach, or hides what went wrong.
+TEST_F(MeshCloudExport, AnUpdateGathersTheMeshesAnew) {
+    makeCloud();
+    addPlane("a");
+    must("setAttr \"sprite.spriteTexture\" -type \"string\" \"build\\\\a.tga\"; setAttr \"cloud.v\" 0;"
+         "createNode orvosky_SpriteCloudLocator -n \"elsewhere\"");
+    ASSERT_TRUE(save());
+    must("move 0 300 0 a; orvosky_UpdateSkySystemCommand");
+    ASSERT_TRUE(save());
+    EXPECT_THAT(elements("SpriteCloud"), HasSubstr("pos=\"-0.500000 3.000000 -1.000000\""));
+    must("setAttr \"sprite.alwaysUpdateMesh\" 0; move 0 500 0 a; orvosky_UpdateSkySystemCommand");
+    ASSERT_TRUE(save());
+    EXPECT_THAT(elements("SpriteCloud"), HasSubstr("pos=\"-0.500000 3.000000 -1.000000\""));
+    EXPECT_THAT(log_.errors(), testing::IsEmpty());
+
+    must("delete a; setAttr \"sprite.alwaysUpdateMesh\" 1");
+    EXPECT_FALSE(mel("orvosky_UpdateSkySystemCommand"));
+    EXPECT_THAT(log_.errors(), ElementsAre(noMeshes));
+    log_.clear();
+    EXPECT_FALSE(mel("orvosky_UpdateSkySystemCommand 1"));
+    EXPECT_THAT(log_.errors(), ElementsAre("OrvoSky_UpdateSkySystemCommand incorrect syntax given! :(  Usage: "
+                                           "\"orvosky_UpdateSkySystemCommand\"   bailing."));
+}
+
 // By hand from the file format, with the layout of the host's plane: points by rows from -X -Z, one polygon 0 1 3 2,
 // split along its first and third corner; UVs grow with X and against Z. Catches wrong bytes and scales, and meshes
 // that are appended with their own indices.

@@ -35,21 +35,21 @@ TEST(Registration, TableHasTheNamesAndIdsOfTheFileFormat) {
         ids.push_back(row.typeId ? row.typeId->id() : 0);
         EXPECT_EQ(row.kind == RegistrationKind::Command, row.typeId == nullptr && row.initialize == nullptr);
     }
-    EXPECT_THAT(names,
-                ElementsAre("orvosky_BasicSkyLocator", "orvosky_ShadingConversionNode",
-                            "orvosky_SaveSkySystemToXMLCommand", "orvosky_ProceduralSkyLocator",
-                            "orvosky_TexturedSkyLocator", "orvosky_SpriteCloudLocator", "orvosky_GradientSkyLocator",
-                            "orvosky_ExpHeightFog", "orvosky_SkySceneSettings", "orvosky_ParticleCloud",
-                            "orvosky_ParticleCloudDome", "orvosky_ParticleCloud_RenderCloudCommand",
-                            "orvosky_ParticleCloud_RefreshTextureCommand", "orvosky_ParticleCloudSphere",
-                            "orvosky_ParticleCloudShadingParams", "orvosky_ParticleCloudShadingParams_ExportData",
-                            "orvosky_ParticleCloudShadingParams_ImportData", "orvosky_ParticleCloud_ExportDataCommand",
-                            "orvosky_ParticleCloudDome_RefreshDataCommand",
-                            "orvosky_ParticleCloudDome_LoadFromDiskCommand", "orvosky_SceneFog", "orvosky_SkyRenderer",
-                            "orvosky_ConvertFullPathToProjectRootPath", "orvo_dropMesh"));
+    EXPECT_THAT(
+        names,
+        ElementsAre("orvosky_BasicSkyLocator", "orvosky_ShadingConversionNode", "orvosky_SaveSkySystemToXMLCommand",
+                    "orvosky_ProceduralSkyLocator", "orvosky_TexturedSkyLocator", "orvosky_SpriteCloudLocator",
+                    "orvosky_GradientSkyLocator", "orvosky_ExpHeightFog", "orvosky_SkySceneSettings",
+                    "orvosky_ParticleCloud", "orvosky_ParticleCloudDome", "orvosky_ParticleCloud_RenderCloudCommand",
+                    "orvosky_ParticleCloud_RefreshTextureCommand", "orvosky_ParticleCloudSphere",
+                    "orvosky_ParticleCloudShadingParams", "orvosky_ParticleCloudShadingParams_ExportData",
+                    "orvosky_ParticleCloudShadingParams_ImportData", "orvosky_ParticleCloud_ExportDataCommand",
+                    "orvosky_ParticleCloudDome_RefreshDataCommand", "orvosky_ParticleCloudDome_LoadFromDiskCommand",
+                    "orvosky_SceneFog", "orvosky_SkyRenderer", "orvosky_ConvertFullPathToProjectRootPath",
+                    "orvo_dropMesh", "orvosky_UpdateSkySystemCommand"));
     EXPECT_THAT(ids,
                 ElementsAre(0x374000, 0x374003, 0, 0x374009, 0x374015, 0x374016, 0x374017, 0x374019, 0x374020, 0x374022,
-                            0x374024, 0, 0, 0x374023, 0x374025, 0, 0, 0, 0, 0, 0x374027, 0x374028, 0, 0));
+                            0x374024, 0, 0, 0x374023, 0x374025, 0, 0, 0, 0, 0, 0x374027, 0x374028, 0, 0, 0));
 }
 
 // Catches a loop that goes on after a failure, rolls back, or names the wrong row.

@@ -1,0 +1,57 @@
+#include "SkyUpdate.h"
+
+#include "../Common/Messages.h"
+#include "ExpHeightFogLocator.h"
+#include "ParticleCloudShadingParamsLocator.h"
+#include "ProceduralSkyLocator.h"
+#include "SkyNodeKinds.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace orvo {
+namespace {
+
+template <class Node, class Step>
+void forAllInScene(const Step& step) {
+    for (Node* node : InstanceList<Node>::shared().inScene())
+        guarded("orvosky_UpdateSkySystemCommand", [&] { step(*node); });
+}
+
+/// The nodes of these kinds, in the order of the records. A node that fails keeps no other one from its turn.
+void updateKinds(const std::vector<SkyNodeRecord>& records, std::initializer_list<SkyNodeKind> kinds) {
+    for (const SkyNodeRecord& record : records) {
+        if (std::find(kinds.begin(), kinds.end(), record.kind) == kinds.end()) continue;
+        const SkyNodeOperations& operations = skyNodeKinds()[record.kind].operations;
+        ExportNode* node = operations.find ? operations.find(record.fullPathName) : nullptr;
+        if (node && operations.bringUpToDate)
+            guarded("orvosky_UpdateSkySystemCommand", [&] { operations.bringUpToDate(*node); });
+    }
+}
+
+} // namespace
+
+bool updateSkySystem() {
+    const std::size_t before = errorsShown();
+    const MObject root = skyDataNode();
+    const auto records = root.isNull() ? std::vector<SkyNodeRecord>() : collectSkyNodes(root);
+
+    forAllInScene<ProceduralSkyLocator>([](ProceduralSkyLocator& sky) {
+        sky.bringUpToDate();
+        sky.pullTrigger();
+    });
+    // Each fog follows the first one of the other kind. Where that follows in its turn, it has its colour by the third
+    // pass.
+    const auto followSceneFog = [] { forAllInScene<ExpHeightFogLocator>([](auto& fog) { fog.bringUpToDate(); }); };
+    followSceneFog();
+    updateKinds(records, {kSceneFogKind});
+    followSceneFog();
+
+    forAllInScene<ParticleCloudShadingParamsLocator>([](auto& shading) { shading.bringUpToDate(); });
+    updateKinds(records, {kGradientSkyKind, kTexturedSkyKind, kSpriteCloudKind});
+    updateKinds(records, {kParticleCloudKind});
+    updateKinds(records, {kParticleCloudDomeKind});
+    return errorsShown() == before;
+}
+
+} // namespace orvo
