@@ -1,10 +1,11 @@
 #pragma once
 
+#include "SourcePlace.h"
+
 #include <array>
 #include <initializer_list>
 #include <maya/MObject.h>
 #include <optional>
-#include <source_location>
 
 namespace orvo {
 
@@ -26,7 +27,7 @@ struct AttributeFlags {
 /// For use in a node's `initialize`. Each call answers the new attribute.
 class LocatorAttributes {
 public:
-    using Where = std::source_location;
+    using Where = SourcePlace;
     using Triple = std::array<double, 3>;
     struct EnumField {
         const char* name;

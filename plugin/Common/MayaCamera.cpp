@@ -12,8 +12,7 @@ namespace {
 Vector3 vectorOf(const MVector& v) { return {v.x, v.y, v.z}; }
 
 /// Reports a failure with its place and a text of the camera's own.
-bool had(const MStatus& status, const char* message,
-         const std::source_location& where = std::source_location::current()) {
+bool had(const MStatus& status, const char* message, const SourcePlace& where = SourcePlace::current()) {
     if (!status.error()) return true;
     reportPlacedError({message, where});
     return false;

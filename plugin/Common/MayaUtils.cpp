@@ -240,7 +240,7 @@ bool isTemplatedAlongDag(const MObject& dagNode) {
     return false;
 }
 
-void renameNode(const MObject& node, const char* name, const std::source_location& where) {
+void renameNode(const MObject& node, const char* name, const SourcePlace& where) {
     MStatus status;
     MFnDependencyNode dependencyNode(node, &status);
     if (!succeeded(status, where)) return;

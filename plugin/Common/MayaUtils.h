@@ -69,7 +69,6 @@ bool isVisibleAlongDag(const MObject& dagNode);
 bool isTemplatedAlongDag(const MObject& dagNode);
 
 /// Renames a new node in its postConstructor; a "#" at the end becomes the next free number.
-void renameNode(const MObject& node, const char* name,
-                const std::source_location& where = std::source_location::current());
+void renameNode(const MObject& node, const char* name, const SourcePlace& where = SourcePlace::current());
 
 } // namespace orvo

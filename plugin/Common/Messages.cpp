@@ -30,8 +30,8 @@ void showMessage(MessageLevel level, const std::string& text) {
     }
 }
 
-std::string sourcePath(const std::source_location& where) {
-    const std::string_view file = where.file_name();
+std::string sourcePath(const SourcePlace& where) {
+    const std::string_view file = where.file;
     const std::size_t name = file.find_last_of("/\\");
     if (name == std::string_view::npos) return std::string(file.substr(0, file.rfind('.')));
     const std::size_t before = name == 0 ? std::string_view::npos : file.find_last_of("/\\", name - 1);
@@ -40,11 +40,11 @@ std::string sourcePath(const std::source_location& where) {
     return std::string(file.substr(folder, name - folder)) + '\\' + std::string(base.substr(0, base.rfind('.')));
 }
 
-void reportPlace(const std::source_location& where) {
-    reportError("In %s, line %d", sourcePath(where), static_cast<int>(where.line()));
+void reportPlace(const SourcePlace& where) {
+    reportError("In %s, line %d", sourcePath(where), static_cast<int>(where.line));
 }
 
-void reportFailure(const MStatus& status, const std::string& message, const std::source_location& where) {
+void reportFailure(const MStatus& status, const std::string& message, const SourcePlace& where) {
     reportPlace(where);
     reportError("Maya Reports: %s", status.errorString().asChar());
     reportPlace(where);

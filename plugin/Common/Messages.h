@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Format.h"
+#include "SourcePlace.h"
 
 #include <exception>
 #include <maya/MStatus.h>
-#include <source_location>
 #include <string>
 
 /// What the plug-in tells the artist, through the host's script editor.
@@ -37,17 +37,16 @@ void reportNotice(const char* format, const Arguments&... arguments) {
 
 /// A source file as messages name it, the same on every build machine: its folder and its name without extension,
 /// "SkyTool\BasicSkyLocator".
-std::string sourcePath(const std::source_location& where);
+std::string sourcePath(const SourcePlace& where);
 
 /// "In %s, line %d", at error level.
-void reportPlace(const std::source_location& where);
+void reportPlace(const SourcePlace& where);
 
 /// A message's format, with the place of the call that it stands in.
 struct PlacedFormat {
     const char* text;
-    std::source_location where;
-    PlacedFormat(const char* format, const std::source_location& place = std::source_location::current())
-        : text(format), where(place) {}
+    SourcePlace where;
+    PlacedFormat(const char* format, const SourcePlace& place = SourcePlace::current()) : text(format), where(place) {}
 };
 
 /// "In %s, line %d" and then the message, each as one error.
@@ -60,11 +59,11 @@ void reportPlacedError(const PlacedFormat& format, const Arguments&... arguments
 /// Reports a failed host call: its place, the host's text for the status, its place again, and the caller's own
 /// message (possibly empty), each as one error.
 void reportFailure(const MStatus& status, const std::string& message = "",
-                   const std::source_location& where = std::source_location::current());
+                   const SourcePlace& where = SourcePlace::current());
 
 /// Tests a host call's status, reporting a failure with the place of the call.
 /// @return whether the call succeeded
-inline bool succeeded(const MStatus& status, const std::source_location& where = std::source_location::current()) {
+inline bool succeeded(const MStatus& status, const SourcePlace& where = SourcePlace::current()) {
     if (!status.error()) return true;
     reportFailure(status, "", where);
     return false;

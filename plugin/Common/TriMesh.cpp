@@ -19,7 +19,7 @@ namespace orvo {
 namespace {
 
 /// Reports what a mesh lacks, with the place of the call.
-bool refuse(const char* message, const std::source_location& where = std::source_location::current()) {
+bool refuse(const char* message, const SourcePlace& where = SourcePlace::current()) {
     reportPlacedError({"CreateTriMeshFromMayaMesh: mesh has no %s! :(", where}, message);
     return false;
 }
@@ -91,8 +91,7 @@ bool readMesh(const MFnMesh& mesh, bool worldSpace, bool uvs, PolygonMesh& read)
 }
 
 /// A failing status, reported with the message and the place of the call.
-MStatus failed(MStatus status, const char* message,
-               const std::source_location& where = std::source_location::current()) {
+MStatus failed(MStatus status, const char* message, const SourcePlace& where = SourcePlace::current()) {
     if (status.error()) reportFailure(status, message, where);
     return status;
 }

@@ -18,8 +18,7 @@ constexpr double kRayMargin = 1000.0;
 constexpr float kRayTolerance = 1e-6f;
 
 /// Reports a failure in full. A host call that failed without a status counts as kFailure.
-MStatus failed(MStatus status, const char* message,
-               const std::source_location& where = std::source_location::current()) {
+MStatus failed(MStatus status, const char* message, const SourcePlace& where = SourcePlace::current()) {
     if (!status.error()) status = MStatus::kFailure;
     reportFailure(status, message, where);
     return status;

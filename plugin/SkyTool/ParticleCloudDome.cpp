@@ -194,7 +194,7 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
     DomeBuild dome = buildDome(templates_, inputs.layout, shading);
     clouds_ = std::move(dome.clouds);
     if (dome.limitReached) {
-        reportPlace(std::source_location::current());
+        reportPlace(SourcePlace::current());
         reportWarning("MAX LIMIT REACHED!  CLOUDS PRODUCED [%d]  CLOUD MEMORY USED [%d]\n", dome.started,
                       dome.dataSize);
     } else {

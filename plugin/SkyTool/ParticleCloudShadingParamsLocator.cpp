@@ -12,7 +12,7 @@ namespace {
 
 /// Three doubles, shown as a colour.
 MObject doubleColour(const char* name, const LocatorAttributes::Triple& value,
-                     const std::source_location& where = std::source_location::current()) {
+                     const SourcePlace& where = SourcePlace::current()) {
     const MObject object = LocatorAttributes::vector(name, value, {}, {}, where);
     succeeded(MFnNumericAttribute(object).setUsedAsColor(true), where);
     return object;
@@ -165,8 +165,7 @@ bool ParticleCloudShadingParamsLocator::loadParamsFile(const std::string& path, 
         return false;
     }
     bool ok = true;
-    const auto set = [&](const MObject& attribute, auto value,
-                         const std::source_location& where = std::source_location::current()) {
+    const auto set = [&](const MObject& attribute, auto value, const SourcePlace& where = SourcePlace::current()) {
         ok = succeeded(MPlug(node, attribute).setValue(value), where) && ok;
     };
     set(shadingOpacity, params->shadingOpacity);

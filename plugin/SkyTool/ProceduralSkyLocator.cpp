@@ -78,7 +78,7 @@ const SkyShaderTexts shaders{"ProceduralSkyLocator", viewQuadVertexShader, fragm
 
 /// Tests a step of making an output attribute; a failure is told with the step's own text.
 void check(const MStatus& status, const char* step, const char* name,
-           const std::source_location& where = std::source_location::current()) {
+           const SourcePlace& where = SourcePlace::current()) {
     if (status.error()) reportFailure(status, std::string("failed ") + step + " " + name + " attribute", where);
 }
 

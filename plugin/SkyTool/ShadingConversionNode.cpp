@@ -23,7 +23,7 @@ enum ConversionMode : short { kDirectional, kPosition };
 /// Reports the first failure among the steps of a group of attributes.
 class AttributeGroup {
 public:
-    AttributeGroup(MStatus& status, const char* message, const std::source_location& where)
+    AttributeGroup(MStatus& status, const char* message, const SourcePlace& where)
         : status_(status), message_(message), where_(where) {}
     /// Takes a step's status; false when it failed.
     bool done(const MStatus& status) {
@@ -35,11 +35,10 @@ public:
 private:
     MStatus& status_;
     const char* message_;
-    std::source_location where_;
+    SourcePlace where_;
 };
 
-AttributeGroup group(MStatus& status, const char* message,
-                     const std::source_location& where = std::source_location::current()) {
+AttributeGroup group(MStatus& status, const char* message, const SourcePlace& where = SourcePlace::current()) {
     return {status, message, where};
 }
 
@@ -113,7 +112,7 @@ MStatus OrvoSkyShadingConversionNode::compute(const MPlug& plug, MDataBlock& blo
 
 MStatus OrvoSkyShadingConversionNode::computeVector(MDataBlock& block) const {
     const auto read = [&](const MObject& attribute, MStatus& status,
-                          const std::source_location& where = std::source_location::current()) {
+                          const SourcePlace& where = SourcePlace::current()) {
         const MDataHandle handle = block.inputValue(attribute, &status);
         if (status.error()) reportFailure(status, "could not get value", where);
         return handle;

@@ -17,7 +17,7 @@ void main()
 }
 )";
 
-ShaderProgram* SkyProgram::get(const SkyShaderTexts& texts, const std::source_location& where) {
+ShaderProgram* SkyProgram::get(const SkyShaderTexts& texts, const SourcePlace& where) {
     if (!program_ && !buildFailed_) {
         buildFailed_ = true;
         try {
@@ -29,7 +29,7 @@ ShaderProgram* SkyProgram::get(const SkyShaderTexts& texts, const std::source_lo
     return buildFailed_ ? nullptr : program_.get();
 }
 
-void SkyProgram::build(const SkyShaderTexts& texts, const std::source_location& where) {
+void SkyProgram::build(const SkyShaderTexts& texts, const SourcePlace& where) {
     bool found = false;
     const std::string folder = texts.fromFiles ? shaderDirectory() : "";
     program_ = std::make_unique<ShaderProgram>(folder + texts.vertex, folder + texts.fragment, texts.fromFiles, &found);

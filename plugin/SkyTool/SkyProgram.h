@@ -1,9 +1,9 @@
 #pragma once
 
 #include "../Common/ShaderProgram.h"
+#include "../Common/SourcePlace.h"
 
 #include <memory>
-#include <source_location>
 
 namespace orvo {
 
@@ -20,14 +20,13 @@ struct SkyShaderTexts {
 class SkyProgram {
 public:
     /// The program, built when needed; null after a failed build.
-    ShaderProgram* get(const SkyShaderTexts& texts,
-                       const std::source_location& where = std::source_location::current());
+    ShaderProgram* get(const SkyShaderTexts& texts, const SourcePlace& where = SourcePlace::current());
     /// Deletes the program and forgets a failure.
     void release();
     bool buildFailed() const { return buildFailed_; }
 
 private:
-    void build(const SkyShaderTexts& texts, const std::source_location& where);
+    void build(const SkyShaderTexts& texts, const SourcePlace& where);
 
     bool buildFailed_ = false;
     std::unique_ptr<ShaderProgram> program_;

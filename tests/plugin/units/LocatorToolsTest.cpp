@@ -255,12 +255,12 @@ TEST_F(SkyProgramTest, AFailureIsToldOnceAndKeptUntilRelease) {
         made_ = deleted_ = 0;
         log_.clear();
         SkyProgram program;
-        const auto where = std::source_location::current();
+        const auto where = SourcePlace::current();
         for (int frame = 0; frame < 3; ++frame) EXPECT_EQ(program.get(texts, where), nullptr);
         EXPECT_TRUE(program.buildFailed());
         EXPECT_EQ(made_, 1) << message;
         EXPECT_EQ(deleted_, 1) << message;
-        EXPECT_THAT(log_.all(), ElementsAre("Error: In units\\LocatorToolsTest, line " + std::to_string(where.line()),
+        EXPECT_THAT(log_.all(), ElementsAre("Error: In units\\LocatorToolsTest, line " + std::to_string(where.line),
                                             "Error: " + message));
         valid = GL_TRUE;
         log.clear();

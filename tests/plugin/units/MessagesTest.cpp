@@ -30,10 +30,10 @@ TEST(PluginMessages, LevelsGoToTheirKind) {
 // Catches a wrong order of the four lines, and build-machine paths in messages.
 TEST(PluginMessages, FailuresNameTheirPlaceTwice) {
     const MessageLog log;
-    const auto where = std::source_location::current();
+    const auto where = SourcePlace::current();
     EXPECT_FALSE(succeeded(MStatus::kNotFound, where));
     EXPECT_TRUE(succeeded(MStatus::kSuccess, where));
-    const std::string place = "In units\\MessagesTest, line " + std::to_string(where.line());
+    const std::string place = "In units\\MessagesTest, line " + std::to_string(where.line);
     EXPECT_THAT(log.errors(), ElementsAre(place, testing::StartsWith("Maya Reports: "), place, ""));
 }
 
