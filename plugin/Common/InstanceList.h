@@ -3,14 +3,18 @@
 #include "MayaUtils.h"
 
 #include <algorithm>
+#include <iterator>
+#include <list>
 #include <maya/MObject.h>
+#include <maya/MPxNode.h>
 #include <maya/MString.h>
+#include <unordered_map>
 #include <vector>
 
 namespace orvo {
 
 /// The live instances of one node class, in the order of their making. A node enters itself when it is constructed and
-/// leaves when it is destroyed. Main thread only.
+/// leaves when it is destroyed. What is looked up is found by hash, however many there are. Main thread only.
 template <class Node>
 class InstanceList {
 public:
@@ -24,46 +28,52 @@ public:
         return storage.list;
     }
 
-    void add(Node& node) { nodes_.push_back(&node); }
-    /// Those after it move one place towards the front. A node that is not listed is ignored.
+    void add(Node& node) { places_.emplace(&node, nodes_.insert(nodes_.end(), &node)); }
+    /// The others keep their order. A node that is not listed is ignored.
     void remove(const Node& node) {
-        const auto found = std::find(nodes_.begin(), nodes_.end(), &node);
-        if (found != nodes_.end()) nodes_.erase(found);
-        if (nodes_.empty()) nodes_.shrink_to_fit(); // the module may be unloaded next
+        const auto found = places_.find(&node);
+        if (found == places_.end()) return;
+        nodes_.erase(found->second);
+        places_.erase(found);
+        if (places_.empty()) places_ = Places(); // the module may be unloaded next
     }
-    const std::vector<Node*>& nodes() const { return nodes_; }
+    std::vector<Node*> nodes() const { return {nodes_.begin(), nodes_.end()}; }
 
     /// The instance that a name or full path name stands for; null when the name is unknown or of another class.
     Node* find(const MString& name) const {
         MObject wanted;
         if (dependencyNodeByName(name, wanted).error()) return nullptr;
-        for (Node* node : nodes_)
-            if (node->thisMObject() == wanted) return node;
-        return nullptr;
+        const auto found = places_.find(userNode(wanted));
+        return found == places_.end() ? nullptr : *found->second;
     }
 
     /// The instances whose nodes are in the scene: not those that only an undo could bring back.
     std::vector<Node*> inScene() const {
         std::vector<Node*> found;
-        for (Node* node : nodes_) {
-            MObject named;
-            const MObject own = node->thisMObject();
-            if (!dependencyNodeByName(fullPathName(own), named).error() && named == own) found.push_back(node);
-        }
+        std::copy_if(nodes_.begin(), nodes_.end(), std::back_inserter(found),
+                     [this](const Node* node) { return isInScene(*node); });
         return found;
     }
 
-    /// The first instance whose own name resolves in the scene; null when none does.
+    /// The first instance that is in the scene; null when none is.
     Node* firstLive() const {
-        for (Node* node : nodes_) {
-            MObject found;
-            if (!dependencyNodeByName(node->name(), found).error()) return node;
-        }
-        return nullptr;
+        const auto found =
+            std::find_if(nodes_.begin(), nodes_.end(), [this](const Node* node) { return isInScene(*node); });
+        return found == nodes_.end() ? nullptr : *found;
     }
 
 private:
-    std::vector<Node*> nodes_;
+    /// Whether the node's full path name leads to itself, and not to nothing or to a node that was given the name of a
+    /// deleted one.
+    bool isInScene(const Node& node) const {
+        const MString name = fullPathName(node.thisMObject());
+        return name.length() > 0 && find(name) == &node;
+    }
+
+    using Places = std::unordered_map<const MPxNode*, typename std::list<Node*>::iterator>;
+
+    std::list<Node*> nodes_;
+    Places places_;
 };
 
 /// A member of a node class that keeps the node in its class's list for as long as it lives.

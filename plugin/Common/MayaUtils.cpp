@@ -111,6 +111,11 @@ void writeString(const MObject& node, const MObject& attribute, const MString& v
     succeeded(plug.setValue(value));
 }
 
+bool isFreeToChange(const MObject& node, const MObject& attribute) {
+    MStatus status;
+    return MPlug(node, attribute).isFreeToChange(true, true, &status) == MPlug::kFreeToChange && !status.error();
+}
+
 MStatus writeDouble3(const MObject& node, const MObject& attribute, const Vector3& value) {
     return writeTriple<double>(node, attribute, MFnNumericData::k3Double, value);
 }
@@ -146,6 +151,14 @@ std::unique_ptr<MFnMesh> meshByName(const MString& name, MDagPath& path, MStatus
     auto mesh = std::make_unique<MFnMesh>(path, &result);
     if (result.error()) mesh.reset();
     return mesh;
+}
+
+MPxNode* userNode(const MObject& node) {
+    MStatus status;
+    const MFnDependencyNode dependencyNode(node, &status);
+    if (status.error()) return nullptr;
+    MPxNode* user = dependencyNode.userNode(&status);
+    return status.error() ? nullptr : user;
 }
 
 MString fullPathName(const MObject& dagNode) {

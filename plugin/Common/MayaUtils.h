@@ -14,6 +14,7 @@
 #include <string>
 
 class MFnMesh;
+class MPxNode;
 
 /// How nodes and commands talk to the host's scene. Main thread only. Failures are reported, not thrown.
 namespace orvo {
@@ -30,6 +31,9 @@ bool readBool(const MObject& node, const MObject& attribute);
 MString readString(const MObject& node, const MObject& attribute);
 int readInt(const MObject& node, const MObject& attribute);
 void writeString(const MObject& node, const MObject& attribute, const MString& value);
+/// Whether a value that is written would stay: the attribute and its children are neither locked nor connected. Asked
+/// before a node corrects an attribute of its own accord; the artist's lock holds then, without a word.
+bool isFreeToChange(const MObject& node, const MObject& attribute);
 /// Writes an attribute of three doubles.
 MStatus writeDouble3(const MObject& node, const MObject& attribute, const Vector3& value);
 /// Writes a colour or another attribute of three floats.
@@ -42,6 +46,8 @@ MStatus dependencyNodeByName(const MString& name, MObject& node);
 MStatus dagPathByName(const MString& name, MDagPath& path);
 /// The path goes on to the shape below, which must be a mesh (else kInvalidParameter). Null when the look-up failed.
 std::unique_ptr<MFnMesh> meshByName(const MString& name, MDagPath& path, MStatus* status = nullptr);
+/// What the plug-in that made the node's type keeps for it; null for the host's own types.
+MPxNode* userNode(const MObject& node);
 /// Empty when the object is no DAG node.
 MString fullPathName(const MObject& dagNode);
 /// The only parent of a DAG node; a null object when there is none, or more than one. The world is none.
@@ -65,7 +71,8 @@ void deleteIfExists(std::string& name);
 
 /// Whether the node and all above it are visible.
 bool isVisibleAlongDag(const MObject& dagNode);
-/// Whether the node or one above it is templated.
+/// Whether the node or one above it is templated: its `template` attribute, which is what stands for "isTemplated" on
+/// DAG nodes.
 bool isTemplatedAlongDag(const MObject& dagNode);
 
 /// Renames a new node in its postConstructor; a "#" at the end becomes the next free number.

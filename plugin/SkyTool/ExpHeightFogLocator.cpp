@@ -88,7 +88,8 @@ void ExpHeightFogLocator::bringUpToDate() {
     const auto colour = sceneFogColour();
     // Only a change is written: a draw that changed the scene would be followed by another draw. A failed write is
     // reported by the writer; the colour then stays as it is.
-    if (colour && *colour != readFloat3(node, fogColour)) (void)writeFloat3(node, fogColour, *colour);
+    if (colour && *colour != readFloat3(node, fogColour) && isFreeToChange(node, fogColour))
+        (void)writeFloat3(node, fogColour, *colour);
 }
 
 bool ExpHeightFogLocator::isEnabled() { return readBool(thisMObject(), Enable); }
