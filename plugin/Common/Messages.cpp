@@ -40,8 +40,8 @@ std::string sourcePath(const SourcePlace& where) {
     return std::string(file.substr(folder, name - folder)) + '\\' + std::string(base.substr(0, base.rfind('.')));
 }
 
-void reportPlace(const SourcePlace& where) {
-    reportError("In %s, line %d", sourcePath(where), static_cast<int>(where.line));
+void reportPlace(const SourcePlace& where, MessageLevel level) {
+    showMessage(level, formatText("In %s, line %d", sourcePath(where), static_cast<int>(where.line)));
 }
 
 void reportFailure(const MStatus& status, const std::string& message, const SourcePlace& where) {

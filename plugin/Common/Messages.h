@@ -39,8 +39,8 @@ void reportNotice(const char* format, const Arguments&... arguments) {
 /// "SkyTool\BasicSkyLocator".
 std::string sourcePath(const SourcePlace& where);
 
-/// "In %s, line %d", at error level.
-void reportPlace(const SourcePlace& where);
+/// "In %s, line %d", at the level of the message that follows.
+void reportPlace(const SourcePlace& where, MessageLevel level = MessageLevel::Error);
 
 /// A message's format, with the place of the call that it stands in.
 struct PlacedFormat {

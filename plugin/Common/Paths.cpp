@@ -94,7 +94,7 @@ bool makeAbsolute(std::string& path) {
     std::string joined = path;
     if (!joinToRoot(projectRoot(), joined)) return false;
 #ifndef _WIN32
-    if (path.starts_with('/') && !existingPath(joined) && existingPath(path)) return false;
+    if (path.starts_with('/') && existingPath(path)) return false;
 #endif
     path = std::move(joined);
     return true;

@@ -33,8 +33,8 @@ const char* shaderDirectory();
 /// The workspace's folder without "artsource/". Asked of the host once, at the first call; empty when that failed.
 const std::string& projectRoot();
 
-/// makeRelativeTo and joinToRoot with the project root. Where paths have no drives, makeAbsolute leaves the path of a
-/// file outside of the project as it is: one that begins with "/", and is there, while none is there below the root.
+/// makeRelativeTo and joinToRoot with the project root. Where paths have no drives, an existing path that begins with
+/// "/" counts as absolute: makeAbsolute leaves it as it is, as it leaves a path with a drive colon.
 bool makeProjectRelative(std::string& path);
 bool makeAbsolute(std::string& path);
 /// A path that leads into the project through a link, or past ".", "..", as if it had been given through the root's own

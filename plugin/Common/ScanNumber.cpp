@@ -74,7 +74,9 @@ std::optional<std::int64_t> scanInteger(std::string_view& text) {
     if (rest.size() > 1 && rest[0] == '+' && isDigit(rest[1])) rest.remove_prefix(1);
     std::int64_t value = 0;
     const auto [end, code] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
-    if (code != std::errc()) return std::nullopt;
+    if (code == std::errc::invalid_argument) return std::nullopt;
+    using Limits = std::numeric_limits<std::int64_t>;
+    if (code == std::errc::result_out_of_range) value = rest[0] == '-' ? Limits::min() : Limits::max();
     text = {end, rest.data() + rest.size()};
     return value;
 }

@@ -17,7 +17,7 @@ std::optional<Real> scanReal(std::string_view& text);
 extern template std::optional<float> scanReal<float>(std::string_view& text);
 extern template std::optional<double> scanReal<double>(std::string_view& text);
 
-/// As "%d" reads one, but a number that does not fit 64 bits is none.
+/// As "%d" reads one, into 64 bits; what is too large for them is held at their ends.
 std::optional<std::int64_t> scanInteger(std::string_view& text);
 
 } // namespace orvo

@@ -216,11 +216,28 @@ bool XmlFile::parse(std::string text, const std::string& name) {
     return true;
 }
 
+std::string XmlFile::place(const TiXmlElement* element) const {
+    if (!element) return name_ + ": ";
+    return name_ + formatText(", line %d: element %s: ", element->Row(), element->Value());
+}
+
 void XmlFile::fail(const TiXmlElement* element, const std::string& problem) {
+    if (ok()) error_ = place(element) + problem;
+}
+
+std::vector<std::string> XmlFile::warnings() const {
+    std::vector<std::string> all = warnings_;
+    if (moreWarnings_ > 0) all.push_back(formatText("%s: %d more values are out of range", name_, moreWarnings_));
+    return all;
+}
+
+void XmlFile::warnHeld(const TiXmlElement* element, const char* name, const std::string& limit) {
     if (!ok()) return;
-    error_ = name_;
-    if (element) error_ += formatText(", line %d: element %s", element->Row(), element->Value());
-    error_ += ": " + problem;
+    if (warnings_.size() == maxWarnings)
+        ++moreWarnings_;
+    else
+        warnings_.push_back(place(element) + formatText("attribute \"%s\" is out of range: %s, held at %s", name,
+                                                        inQuotes(element->Attribute(name)), limit));
 }
 
 const TiXmlElement* XmlFile::root(const char* name) {
@@ -276,13 +293,16 @@ double XmlFile::number(const TiXmlElement* element, const char* name, const XmlR
     if (!value) return 0.0;
     std::string_view rest = value;
     const auto number = scanReal<Real>(rest);
-    if (!number)
+    if (!number || std::isnan(*number)) {
         failAttribute(element, name, "is no number: " + inQuotes(value));
-    else if (!std::isfinite(*number) || *number < range.min || *number > range.max)
-        failAttribute(element, name, "is out of range: " + inQuotes(value));
-    else
-        return *number;
-    return 0.0;
+        return 0.0;
+    }
+    constexpr double largest = std::numeric_limits<Real>::max();
+    const double min = std::max(range.min, -largest), max = std::min(range.max, largest);
+    if (*number >= min && *number <= max) return *number;
+    const double held = *number < min ? range.below.value_or(min) : max;
+    warnHeld(element, name, formatText("%g", held));
+    return held;
 }
 
 double XmlFile::real(const TiXmlElement* element, const char* name, const XmlRange& range) {
@@ -300,11 +320,13 @@ Vector3 XmlFile::triple(const TiXmlElement* element, const char* name) {
     float numbers[3];
     for (float& number : numbers) {
         const auto scanned = scanReal<float>(rest);
-        if (!scanned || !std::isfinite(*scanned)) {
-            failAttribute(element, name, (scanned ? "is out of range: " : "is not three numbers: ") + inQuotes(value));
+        if (!scanned || std::isnan(*scanned)) {
+            failAttribute(element, name, "is not three numbers: " + inQuotes(value));
             return {};
         }
-        number = *scanned;
+        constexpr float largest = std::numeric_limits<float>::max();
+        number = std::clamp(*scanned, -largest, largest);
+        if (number != *scanned) warnHeld(element, name, formatText("%g", number));
     }
     return {numbers[0], numbers[1], numbers[2]};
 }
@@ -323,12 +345,14 @@ std::uint32_t XmlFile::word(const TiXmlElement* element, const char* name) {
     if (!value) return 0;
     std::string_view rest = value;
     const auto number = scanInteger(rest);
-    if (!number || *number < std::numeric_limits<std::int32_t>::min() ||
-        *number > std::numeric_limits<std::uint32_t>::max()) {
-        failAttribute(element, name, "is no integer of 32 bits: " + inQuotes(value));
+    if (!number) {
+        failAttribute(element, name, "is no integer: " + inQuotes(value));
         return 0;
     }
-    return static_cast<std::uint32_t>(*number);
+    const std::int64_t held = std::clamp<std::int64_t>(*number, std::numeric_limits<std::int32_t>::min(),
+                                                       std::numeric_limits<std::uint32_t>::max());
+    if (held != *number) warnHeld(element, name, formatText("%d", held));
+    return static_cast<std::uint32_t>(held);
 }
 
 } // namespace orvo

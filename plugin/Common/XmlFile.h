@@ -6,17 +6,20 @@
 #include <initializer_list>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 class TiXmlDocument;
 class TiXmlElement;
 
 namespace orvo {
 
-/// What a number in a file may be; both ends are part of it.
+/// What a number in a file may be; both ends are part of it. A number beyond an end is held there.
 struct XmlRange {
     double min = -std::numeric_limits<double>::max();
     double max = std::numeric_limits<double>::max();
+    std::optional<double> below{}; ///< what a number below `min` is held at, where that is not `min` itself
 };
 
 /// An XML file that is being read, and the first thing that is wrong with it.
@@ -27,6 +30,7 @@ struct XmlRange {
 class XmlFile {
 public:
     static constexpr std::size_t maxBytes = std::size_t(64) << 20;
+    static constexpr std::size_t maxWarnings = 20;
     static constexpr int maxDepth = 64;              ///< elements within one another
     static constexpr int maxAttributes = 256;        ///< of one element
     static constexpr std::size_t maxParts = 2000000; ///< elements, attributes, comments and the like of a file
@@ -50,6 +54,9 @@ public:
     bool ok() const { return error_.empty(); }
     /// "FILE, line 12: element Cloud: attribute \"size\" is missing", empty while all is well.
     const std::string& error() const { return error_; }
+    /// What was read otherwise than it stands there, up to 20 and how many more:
+    /// "FILE, line 12: element Cloud: attribute \"size\" is out of range: \"-1\", held at 0".
+    std::vector<std::string> warnings() const;
     /// Notes a problem with an element, which may be null.
     void fail(const TiXmlElement* element, const std::string& problem);
 
@@ -62,7 +69,8 @@ public:
     /// @}
 
     /// @name Attributes: one that is missing, or holds no such value, is a problem
-    /// What follows a number in an attribute is not looked at. Numbers must be finite and in their range.
+    /// What follows a number in an attribute is not looked at. A number out of its range, or of its type's, is held at
+    /// the limit, with a warning.
     /// @{
     std::string text(const TiXmlElement* element, const char* attribute);
     double real(const TiXmlElement* element, const char* attribute, const XmlRange& range = {});
@@ -79,11 +87,15 @@ public:
 private:
     template <class Real>
     double number(const TiXmlElement* element, const char* attribute, const XmlRange& range);
+    void warnHeld(const TiXmlElement* element, const char* attribute, const std::string& limit);
+    std::string place(const TiXmlElement* element) const;
     const char* attribute(const TiXmlElement* element, const char* name);
     void failAttribute(const TiXmlElement* element, const char* name, const std::string& problem);
 
     std::unique_ptr<TiXmlDocument> document_;
     std::string name_, error_;
+    std::vector<std::string> warnings_;
+    std::size_t moreWarnings_ = 0;
 };
 
 } // namespace orvo

@@ -1,5 +1,7 @@
 #include "CloudLibrary.h"
 
+#include "../Common/Messages.h"
+
 #include <limits>
 #include <tinyxml.h>
 
@@ -9,7 +11,8 @@ namespace {
 constexpr const char* cloudElement = "ParticleCloud";
 constexpr const char* sphereElement = "ParticleCloudSphere";
 constexpr const char* rowNames[] = {"x_vec", "y_vec", "z_vec", "pos_vec"};
-constexpr XmlRange aboveZero{.min = std::numeric_limits<float>::min()};
+/// Of what the node keeps from 1 on.
+constexpr XmlRange aboveZero{.min = std::numeric_limits<float>::min(), .below = 1.0};
 
 CloudShapeSphere readSphere(XmlFile& file, const TiXmlElement& element) {
     CloudShapeSphere sphere;
@@ -42,15 +45,6 @@ CloudTemplate readCloud(XmlFile& file, const TiXmlElement* element) {
          e = e->NextSiblingElement(sphereElement))
         cloud.shapes.spheres.push_back(readSphere(file, *e));
     return cloud;
-}
-
-template <class Result>
-std::optional<Result> loaded(const std::string& path, std::string* error, std::optional<Result> (*read)(XmlFile&)) {
-    XmlFile file;
-    file.load(path);
-    auto result = read(file);
-    if (error) *error = file.error();
-    return result;
 }
 
 } // namespace
@@ -118,19 +112,11 @@ std::optional<std::vector<CloudTemplate>> readCloudLibrary(XmlFile& file) {
     return clouds;
 }
 
-bool isCloudFile(const std::string& path) {
-    XmlFile file;
-    file.load(path);
-    const std::string type = file.text(file.root(cloudRootElement), "type");
-    return file.ok() && type == cloudFileType;
+void reportHeldValues(const XmlFile& file) {
+    if (!file.ok()) return;
+    for (const std::string& warning : file.warnings()) reportWarning("%s", warning);
 }
 
-std::optional<CloudTemplate> loadCloudFile(const std::string& path, std::string* error) {
-    return loaded(path, error, &readCloudFile);
-}
-
-std::optional<std::vector<CloudTemplate>> loadCloudLibrary(const std::string& path, std::string* error) {
-    return loaded(path, error, &readCloudLibrary);
-}
+bool isCloudFile(XmlFile& file) { return file.text(file.root(cloudRootElement), "type") == cloudFileType; }
 
 } // namespace orvo

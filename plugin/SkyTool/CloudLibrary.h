@@ -47,11 +47,10 @@ void writeCloudFileFooter(OutputFile& file);
 std::optional<CloudTemplate> readCloudFile(XmlFile& file);
 std::optional<std::vector<CloudTemplate>> readCloudLibrary(XmlFile& file);
 
-/// Whether the file can be read as XML and its root says that it holds a single cloud.
-bool isCloudFile(const std::string& path);
-/// Reads the one cloud of a single-cloud file; `error`, when given, tells what is wrong with a file that is refused.
-std::optional<CloudTemplate> loadCloudFile(const std::string& path, std::string* error = nullptr);
-/// Reads all clouds of a library. A file with one bad cloud is refused as a whole.
-std::optional<std::vector<CloudTemplate>> loadCloudLibrary(const std::string& path, std::string* error = nullptr);
+/// Warns of the values that were out of range in a file that was taken.
+void reportHeldValues(const XmlFile& file);
+
+/// Whether the root of a file that has been read as XML says that it holds a single cloud.
+bool isCloudFile(XmlFile& file);
 
 } // namespace orvo

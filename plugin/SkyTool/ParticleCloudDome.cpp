@@ -147,17 +147,20 @@ void ParticleCloudDome::loadTemplates() {
     templatesLoaded_ = true;
     const std::string authored = readString(thisMObject(), cloudDataDir).asChar();
     const std::string stored = storedForm(authored);
-    if (stored != authored) writeString(thisMObject(), cloudDataDir, stored.c_str());
+    if (stored != authored && isFreeToChange(thisMObject(), cloudDataDir))
+        writeString(thisMObject(), cloudDataDir, stored.c_str());
     const std::string location = absoluteCopy(stored);
 
     if (folderExists(location)) {
         loadFolder(location);
     } else {
-        std::string reason;
-        if (auto library = loadCloudLibrary(location, &reason))
+        XmlFile file;
+        file.load(location);
+        if (auto library = readCloudLibrary(file))
             templates_ = std::move(*library);
         else
-            reportInfo("ParticleCloudDome:  %s\n", reason);
+            reportInfo("ParticleCloudDome:  %s\n", file.error());
+        reportHeldValues(file);
     }
     if (templates_.empty())
         reportPlacedError("VolumeCloudDome::RefreshSpriteData:  Could not load any .xml files from location [%s]\n",
@@ -176,13 +179,15 @@ void ParticleCloudDome::loadFolder(const std::string& folder) {
 
     for (const FolderEntry& entry : *entries) {
         const std::string path = collapseSeparators(folder + "\\" + entry.name);
-        if (!isCloudFile(path)) continue;
-        std::string reason;
-        if (auto cloud = loadCloudFile(path, &reason)) {
+        XmlFile file;
+        // A whole file that is something else may lie here; a damaged one may have been a cloud.
+        if (file.load(path) && !isCloudFile(file)) continue;
+        if (auto cloud = readCloudFile(file)) {
             templates_.push_back(std::move(*cloud));
+            reportHeldValues(file);
         } else {
             reportInfo("VolumeCloudDome::RefreshSpriteData:  Had trouble loading .xml file [%s]\n", path);
-            reportInfo("%s", reason);
+            reportInfo("%s", file.error());
         }
     }
 }
@@ -194,7 +199,7 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
     DomeBuild dome = buildDome(templates_, inputs.layout, shading);
     clouds_ = std::move(dome.clouds);
     if (dome.limitReached) {
-        reportPlace(SourcePlace::current());
+        reportPlace(SourcePlace::current(), MessageLevel::Warning);
         reportWarning("MAX LIMIT REACHED!  CLOUDS PRODUCED [%d]  CLOUD MEMORY USED [%d]\n", dome.started,
                       dome.dataSize);
     } else {

@@ -3,6 +3,7 @@
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaUtils.h"
 #include "../Common/Paths.h"
+#include "CloudLibrary.h"
 #include "CloudShadingFile.h"
 
 #include <maya/MFnNumericAttribute.h>
@@ -95,8 +96,7 @@ CloudShadingParams ParticleCloudShadingParamsLocator::storedParams() const {
 
 CloudShadingParams ParticleCloudShadingParamsLocator::fileParams() const {
     CloudShadingParams params = storedParams();
-    params.shadingTexture = inProjectSpelling(params.shadingTexture);
-    makeProjectRelative(params.shadingTexture);
+    params.shadingTexture = storedForm(params.shadingTexture);
     return params;
 }
 
@@ -104,7 +104,8 @@ CloudShadingParams ParticleCloudShadingParamsLocator::readParams() {
     CloudShadingParams params = storedParams();
     std::string path = collapseSeparators(storedForm(params.shadingTexture));
     // Only a change is written: a draw that changed the scene would be followed by another draw.
-    if (path != params.shadingTexture) writeString(thisMObject(), shadingTexture, path.c_str());
+    if (path != params.shadingTexture && isFreeToChange(thisMObject(), shadingTexture))
+        writeString(thisMObject(), shadingTexture, path.c_str());
     params.shadingTexture = std::move(path);
     return params;
 }
@@ -150,10 +151,10 @@ bool ParticleCloudShadingParamsLocator::loadParamsFile(const std::string& path, 
     auto params = readCloudShadingFile(file);
     if (error) *error = file.error();
     if (!params) return false;
+    reportHeldValues(file);
 
     const MObject node = thisMObject();
-    params->shadingTexture = inProjectSpelling(params->shadingTexture);
-    makeProjectRelative(params->shadingTexture);
+    params->shadingTexture = storedForm(params->shadingTexture);
     // Asked of all before one is set: a half-loaded node would be neither the old one nor the new one.
     for (const MObject& attribute :
          {shadingTexture, shadingOpacity, shadingBrightness, sunShadowAmount, groundShadowAmount, spriteShadowAmount,

@@ -183,7 +183,8 @@ void SceneFogLocator::bringUpToDate() {
     if (!heightFog) return;
     const Vector3 colour = readFloat3(heightFog->thisMObject(), ExpHeightFogLocator::fogColour);
     // A failed write is reported by the writer; the colour then stays as it is.
-    if (colour != readFloat3(node, fogColour) && isFreeToChange(node, fogColour)) (void)writeFloat3(node, fogColour, colour);
+    if (colour != readFloat3(node, fogColour) && isFreeToChange(node, fogColour))
+        (void)writeFloat3(node, fogColour, colour);
 }
 
 void SceneFogLocator::render(M3dView& view) {

@@ -42,7 +42,8 @@ public:
 
     /// Lets the colour follow the height fog's where the artist wants that. Every render does so first; it needs no GL.
     void bringUpToDate();
-    /// The viewport preview, called by the sky renderer between the view's beginGL and endGL. The meshes are gathered once, and again after a node was off.
+    /// The viewport preview, called by the sky renderer between the view's beginGL and endGL. The meshes are gathered
+    /// once, and again after a node was off.
     void render(M3dView& view);
     /// Writes the SceneFog element. Always true.
     bool saveToXml(OutputFile& file, const char* indent);

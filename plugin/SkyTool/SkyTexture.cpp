@@ -9,7 +9,7 @@ void SkyTexture::storePath(const MObject& node, const MObject& pathAttribute) {
     const std::string given = readString(node, pathAttribute).asChar();
     if (given == storedPath_) return;
     const std::string stored = storedForm(given);
-    if (stored != given) writeString(node, pathAttribute, stored.c_str());
+    if (stored != given && isFreeToChange(node, pathAttribute)) writeString(node, pathAttribute, stored.c_str());
     // Read back: an attribute that is locked or connected keeps its value.
     storedPath_ = readString(node, pathAttribute).asChar();
 }

@@ -32,6 +32,23 @@ CloudTemplate secondCloud() {
     return cloud;
 }
 
+template <class Result>
+std::optional<Result> loaded(const std::string& path, std::string* error, std::optional<Result> (*read)(XmlFile&)) {
+    XmlFile file;
+    file.load(path);
+    auto result = read(file);
+    if (error) *error = file.error();
+    return result;
+}
+std::optional<CloudTemplate> loadCloudFile(const std::string& path) { return loaded(path, nullptr, &readCloudFile); }
+std::optional<std::vector<CloudTemplate>> loadCloudLibrary(const std::string& path, std::string* error = nullptr) {
+    return loaded(path, error, &readCloudLibrary);
+}
+bool isCloudFileAt(const std::string& path) {
+    XmlFile file;
+    return file.load(path) && isCloudFile(file);
+}
+
 class CloudLibraryFile : public CloudFiles {
 protected:
     std::string saved(const CloudTemplate& cloud) {
@@ -110,9 +127,9 @@ TEST_F(CloudLibraryFile, ReadsTheGoldenFiles) {
     EXPECT_FALSE(clouds->back().settings.enableGroundFade);
     EXPECT_EQ(clouds->back().shapes.seed, 7u);
 
-    EXPECT_TRUE(isCloudFile(orvo::test::testData("clouds/cloud.xml")));
+    EXPECT_TRUE(isCloudFileAt(orvo::test::testData("clouds/cloud.xml")));
     for (const char* other : {"library.xml", "shading.xml", "none.xml", ""})
-        EXPECT_FALSE(isCloudFile(orvo::test::testData("clouds/") + other)) << other;
+        EXPECT_FALSE(isCloudFileAt(orvo::test::testData("clouds/") + other)) << other;
 }
 
 // Catches an attribute whose absence passes for 0, at every level of the file, and an error that does not name it.
@@ -138,28 +155,42 @@ TEST_F(CloudLibraryFile, WantsEveryAttribute) {
     EXPECT_FALSE(loadCloudLibrary(write("l.xml", text)));
 }
 
-// Catches numbers that reach the generator as NaN, infinity or 0 because nobody looked.
-TEST_F(CloudLibraryFile, RefusesWhatIsNoNumberOrBeyondItsRange) {
+// Catches numbers that reach the generator as NaN, infinity or 0 because nobody looked, a text that passes for one, and
+// a file that is refused for a number that is merely out of range.
+TEST_F(CloudLibraryFile, RefusesWhatIsNoNumberAndHoldsWhatIsBeyondItsRange) {
     const std::string good = golden("cloud.xml");
-    for (const char* name : {"spriteDensity", "spriteSize", "groundShadowOffset", "groundFadeStart", "groundFadeEnd",
-                             "domeYOffset", "geomBoundSphereRadius", "opacity", "density"})
-        for (const char* value : {"", " ", "many", "nan", "-nan", "inf", "-inf", "1e39", "-1e39", "1e999999"})
+    const std::vector<const char*> singles = {"spriteDensity",   "spriteSize",    "groundShadowOffset",
+                                              "groundFadeStart", "groundFadeEnd", "domeYOffset",
+                                              "opacity",         "density",       "geomBoundSphereRadius"};
+    const std::vector<const char*> triples = {"geomBoundSpherePos", "x_vec", "y_vec", "z_vec", "pos_vec"};
+    for (const char* name : singles)
+        for (const char* value : {"", " ", "many", "nan", "-nan"})
             EXPECT_THAT(refusal(withValue(good, name, value)), HasSubstr(name)) << value;
-    for (const char* name : {"geomBoundSpherePos", "x_vec", "y_vec", "z_vec", "pos_vec"})
-        for (const char* value : {"", "1 2", "1,2,3", "1 2 x", "nan 0 0", "0 inf 0", "0 0 1e39"})
+    for (const char* name : triples)
+        for (const char* value : {"", "1 2", "1,2,3", "1 2 x", "nan 0 0"})
             EXPECT_THAT(refusal(withValue(good, name, value)), HasSubstr(name)) << value;
-    for (const auto& [name, value] :
-         std::initializer_list<std::pair<const char*, const char*>>{{"spriteDensity", "0"},
-                                                                    {"spriteDensity", "-1"},
-                                                                    {"spriteSize", "0"},
-                                                                    {"geomBoundSphereRadius", "-0.5"},
-                                                                    {"opacity", "1.5"},
-                                                                    {"density", "-0.1"},
-                                                                    {"enableGroundFade", "yes"},
-                                                                    {"randSeed", "4294967296"},
-                                                                    {"randSeed", "-2147483649"},
-                                                                    {"randSeed", "x"}})
-        EXPECT_THAT(refusal(withValue(good, name, value)), HasSubstr(name)) << value;
+    for (const char* name : {"enableGroundFade", "randSeed"})
+        EXPECT_THAT(refusal(withValue(good, name, "yes")), HasSubstr(name));
+
+    const auto held = [&](const char* name, const char* value) {
+        XmlFile file;
+        file.parse(withValue(good, name, value), "f");
+        const auto cloud = readCloudFile(file);
+        EXPECT_TRUE(cloud) << file.error();
+        EXPECT_THAT(file.warnings(), testing::ElementsAre(HasSubstr(name))) << value;
+        return cloud.value_or(CloudTemplate{});
+    };
+    for (const char* name : singles)
+        for (const char* value : {"inf", "-inf", "1e39", "-1e39", "1e999999"}) held(name, value);
+    for (const char* name : triples)
+        for (const char* value : {"0 inf 0", "0 0 1e39"}) held(name, value);
+    EXPECT_EQ(held("spriteDensity", "0").settings.spriteDensity, 1) << "the node's own limit";
+    EXPECT_EQ(held("spriteSize", "-1").settings.spriteSize, 1);
+    EXPECT_EQ(held("geomBoundSphereRadius", "-0.5").shapes.boundRadius, 0);
+    EXPECT_EQ(held("opacity", "1.5").shapes.spheres[0].opacity, 1);
+    EXPECT_EQ(held("density", "-0.1").shapes.spheres[0].density, 0);
+    EXPECT_EQ(held("randSeed", "4294967296").shapes.seed, 0xffffffff);
+    EXPECT_EQ(held("randSeed", "-99999999999999999999").shapes.seed, 0x80000000);
 }
 
 // Catches a reader that is stricter than scanf: blanks before a number, more after it; and seeds of either sign.
@@ -194,7 +225,7 @@ TEST_F(CloudLibraryFile, TypeAndVersionAreTexts) {
     EXPECT_THAT(refusal(library), HasSubstr("attribute \"type\" is \"Modeler_ParticleCloudLibrary\""));
     EXPECT_FALSE(loadCloudLibrary(orvo::test::testData("clouds/cloud.xml")));
     EXPECT_FALSE(loadCloudLibrary(write("l.xml", withValue(library, "version", "2"))));
-    EXPECT_TRUE(isCloudFile(write("c.xml", withValue(cloud, "version", "2")))) << "it is one, of another version";
+    EXPECT_TRUE(isCloudFileAt(write("c.xml", withValue(cloud, "version", "2")))) << "it is one, of another version";
 }
 
 // Catches a file that was cut off and passes for whole, and a crash at any length.

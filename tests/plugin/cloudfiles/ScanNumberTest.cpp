@@ -83,10 +83,6 @@ TEST(ScanNumber, FindsNoNumberWhereThereIsNone) {
         EXPECT_FALSE(scanInteger(rest)) << text;
         EXPECT_EQ(rest, text);
     }
-    for (const std::string text : {"9223372036854775808", "-9223372036854775809", "99999999999999999999999"}) {
-        std::string_view rest = text;
-        EXPECT_FALSE(scanInteger(rest)) << text;
-    }
 }
 
 TEST(ScanNumber, ReadsIntegers) {
@@ -96,7 +92,9 @@ TEST(ScanNumber, ReadsIntegers) {
              {"+12.9", 12},
              {"-2147483648", -2147483648LL},
              {"4294967295", 4294967295LL},
-             {"9223372036854775807", std::numeric_limits<std::int64_t>::max()}}) {
+             {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+             {"+99999999999999999999999", std::numeric_limits<std::int64_t>::max()},
+             {"-9223372036854775809", std::numeric_limits<std::int64_t>::min()}}) {
         std::string_view rest = text;
         EXPECT_EQ(scanInteger(rest), expected) << text;
     }

@@ -102,11 +102,34 @@ TEST_F(ShadingParams, ATexturesPathIsNormalisedInPlace) {
     const std::string read = params().readParams().shadingTexture;
     EXPECT_EQ(texture(), read);
     EXPECT_EQ(params().readParams().shadingTexture, read);
-    // A locked attribute tells whether something was written.
+    // An artist's lock holds, without a word; the texture is found all the same.
+    setTexture(root + "/Build//Clouds\\A.dds");
     scene.setLocked(scene.findPlug("params.shadingTexture"), true);
     log_.clear();
-    params().readParams();
+    EXPECT_EQ(params().readParams().shadingTexture, stored);
+    EXPECT_EQ(texture(), root + "/Build//Clouds\\A.dds");
     EXPECT_THAT(log_.all(), IsEmpty());
+}
+
+// Catches a texture outside of the project that loses the separator that it begins with on its way through a file, and
+// a value out of range that is set, or keeps the others from being set, without a word.
+TEST_F(ShadingParams, AFileKeepsTheTexturesPathAndHoldsValues) {
+    const std::string outside = "/elsewhere/clouds/A.dds",
+                      path = testing::TempDir() + "orvo_outside-" + std::to_string(getpid());
+    setTexture(outside);
+    ASSERT_TRUE(params().saveParamsFile(path));
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    EXPECT_THAT(text.str(), testing::HasSubstr("shading_tex_filepath = \"" + outside + "\"\n"));
+    std::ofstream(path) << changed(text.str(), "shadingOpacity = \"1.000000", "shadingOpacity = \"7.000000");
+    setTexture("");
+    EXPECT_TRUE(params().loadParamsFile(path));
+    EXPECT_EQ(texture(), outside);
+    EXPECT_EQ(params().readParams().shadingOpacity, 1.0);
+    EXPECT_THAT(log_.all(), ElementsAre("Warning: " + path +
+                                        ", line 6: element ParticleCloudShadingParams: attribute \"shadingOpacity\" is "
+                                        "out of range: \"7.000000\", held at 1"));
+    std::filesystem::remove(path);
 }
 
 // Catches any changed byte of the exported element: the doubled blanks, the names that differ from the attributes', the

@@ -2,6 +2,7 @@
 #include "CloudFiles.h"
 
 #include <gmock/gmock.h>
+#include <limits>
 
 using namespace orvo;
 using testing::HasSubstr;
@@ -106,31 +107,49 @@ TEST(XmlFile, ReadsWhatOtherProgramsWrite) {
 // Catches a problem that is replaced by one that follows from it, or told without its place.
 TEST(XmlFile, KeepsTheFirstProblem) {
     XmlFile file;
-    ASSERT_TRUE(file.parse("<a>\n <b x='1e999' y='no' s='1 2' w='4294967296'/></a>", "dir/f.xml"));
+    ASSERT_TRUE(file.parse("<a>\n <b x='a lot' y='no' s='1 2' w='w'/></a>", "dir/f.xml"));
     const TiXmlElement* b = file.child(file.root("a"), "b");
     ASSERT_NE(b, nullptr);
     file.real(b, "x");
-    EXPECT_EQ(file.error(), "dir/f.xml, line 2: element b: attribute \"x\" is out of range: \"1e999\"");
+    EXPECT_EQ(file.error(), "dir/f.xml, line 2: element b: attribute \"x\" is no number: \"a lot\"");
     file.text(b, "missing");
     EXPECT_EQ(file.child(b, "c"), nullptr);
-    EXPECT_THAT(file.error(), HasSubstr("1e999"));
+    EXPECT_THAT(file.error(), HasSubstr("a lot"));
     for (const auto& [read, error] :
          std::initializer_list<std::pair<void (*)(XmlFile&, const TiXmlElement*), const char*>>{
              {[](XmlFile&f, const TiXmlElement*e) { f.text(e, "z"); }, "element b: attribute \"z\" is missing"},
              {[](XmlFile&f, const TiXmlElement*e) { f.real(e, "y"); }, "attribute \"y\" is no number: \"no\""},
-             {[](XmlFile&f, const TiXmlElement*e) {
-                  f.single(e, "s", {2, 3});
-              },
-              "attribute \"s\" is out of range"},
              {[](XmlFile&f, const TiXmlElement*e) { f.triple(e, "s"); }, "is not three numbers: \"1 2\""},
              {[](XmlFile&f, const TiXmlElement*e) { f.flag(e, "y"); }, "attribute \"y\" is no integer"},
-             {[](XmlFile&f, const TiXmlElement*e) { f.word(e, "w"); }, "attribute \"w\" is no integer of 32 bits"},
+             {[](XmlFile&f, const TiXmlElement*e) { f.word(e, "w"); }, "attribute \"w\" is no integer"},
              {[](XmlFile&f, const TiXmlElement*e) { f.child(e, "c"); }, "f, line 1: element b: no element c in it"}}) {
         XmlFile again;
-        ASSERT_TRUE(again.parse("<b x='1e999' y='no' s='1 2' w='4294967296'/>", "f"));
+        ASSERT_TRUE(again.parse("<b y='no' s='1 2' w='w'/>", "f"));
         read(again, again.root("b"));
         EXPECT_THAT(again.error(), HasSubstr(error));
     }
+}
+
+// Catches a file that is refused, or taken without a word, for a number out of range; a limit of the wrong end or type;
+// and warnings without end.
+TEST(XmlFile, HoldsNumbersAtTheirLimits) {
+    XmlFile file;
+    ASSERT_TRUE(file.parse("<b low='-1' high='1e999' single='-1e39' word='4294967296' three='0 1e39 1'/>", "f"));
+    const TiXmlElement* b = file.root("b");
+    EXPECT_EQ(file.real(b, "low", {0, 10}), 0);
+    EXPECT_EQ(file.warnings().back(), "f, line 1: element b: attribute \"low\" is out of range: \"-1\", held at 0");
+    EXPECT_EQ(file.real(b, "low", {.min = 0, .below = 2}), 2);
+    EXPECT_EQ(file.real(b, "high", {0, 10}), 10);
+    EXPECT_EQ(file.real(b, "high"), std::numeric_limits<double>::max());
+    EXPECT_EQ(file.single(b, "single"), -std::numeric_limits<float>::max());
+    EXPECT_EQ(file.triple(b, "three"), (Vector3{0, std::numeric_limits<float>::max(), 1}));
+    EXPECT_EQ(file.word(b, "word"), 0xffffffff);
+    EXPECT_THAT(file.warnings(), testing::SizeIs(7));
+    EXPECT_EQ(file.single(b, "low", {-1, 0}), -1) << "the ends are in the range";
+    EXPECT_TRUE(file.ok()) << file.error();
+    for (int i = 0; i < 16; ++i) file.real(b, "low", {0, 10});
+    EXPECT_THAT(file.warnings(), testing::SizeIs(XmlFile::maxWarnings + 1));
+    EXPECT_EQ(file.warnings().back(), "f: 3 more values are out of range");
 }
 
 using XmlFileOnDisk = CloudFiles;

@@ -177,10 +177,14 @@ TEST_F(DomeNode, SaysWhatIsWrongWithALocation) {
 TEST_F(DomeNode, LoadsFoldersAndLibrariesAndExportsThem) {
     write("a.XML", fileOf(single, cloud()));
     write("b.xml", "no cloud");
+    write("d.xml", "<project/>");
     std::filesystem::create_directories(folder() / "c.xml");
     must("setAttr dome.windDir 90; setAttr dome.domeInnerRadius 5000;");
     ASSERT_TRUE(load(folder().string()));
     EXPECT_THAT(log_.errors(), IsEmpty());
+    const std::string trouble = "Had trouble loading .xml file [";
+    EXPECT_THAT(log_.infos(), Contains(HasSubstr(trouble))) << "of the damaged file";
+    EXPECT_THAT(log_.infos(), Not(Contains(HasSubstr("d.xml")))) << "a whole file that is something else";
     must("getAttr dome.cloudDataDir");
     EXPECT_EQ(result_.toString(), "clouds");
     EXPECT_THAT(log_.infos(), Contains(MatchesRegex("CLOUDS PRODUCED \\[[0-9]+\\]  CLOUD MEMORY USED \\[[0-9]+\\]\n")));
@@ -211,8 +215,9 @@ TEST_F(DomeNode, LoadsFoldersAndLibrariesAndExportsThem) {
     must("setAttr dome.cloudScale 0.25; setAttr dome.placementDensity 3;"
          "orvosky_ParticleCloudDome_RefreshDataCommand dome;");
     EXPECT_THAT(log_.all(),
-                Contains(MatchesRegex("Warning: MAX LIMIT REACHED!  CLOUDS PRODUCED \\[250\\]  CLOUD MEMORY "
-                                      "USED \\[[0-9]+\\]\n")));
+                ElementsAre(MatchesRegex("Warning: In SkyTool.ParticleCloudDome, line [0-9]+"),
+                            MatchesRegex("Warning: MAX LIMIT REACHED!  CLOUDS PRODUCED \\[250\\]  CLOUD MEMORY "
+                                         "USED \\[[0-9]+\\]\n")));
     const std::string scaled = exported();
     EXPECT_EQ(count(scaled, "cullingSphereRadius = \"75.000000\""), 250u);
     EXPECT_EQ(count(scaled, "spriteSize = \"30.000000\""), 250u);
