@@ -8,6 +8,7 @@
 #include <maya/MFloatPoint.h>
 #include <maya/MFloatVector.h>
 #include <maya/MFnMesh.h>
+#include <maya/MMatrix.h>
 #include <optional>
 
 namespace orvo {
@@ -130,9 +131,11 @@ MStatus DropMeshCommand::drop() {
     if (status.error()) return failed(status, "DropMeshCommand: Could not get vertex from dropObjectMesh");
     unsigned moved = 0;
     const MStatus dropped = dropPoints(points, statics, moved);
+    // A mesh that its transform makes flat has no point of its own for one of the world; a host may take any.
+    const bool isFlat = path.inclusiveMatrix(&status).isSingular();
+    if (!status.error() && isFlat && moved > 0) status = MStatus::kFailure;
     // All at once: a host may copy a mesh for each change. After a failure only those before it move.
-    status = MStatus::kSuccess;
-    if (!dropped.error()) status = dropMesh->setPoints(points, MSpace::kWorld);
+    if (!dropped.error() && !status.error()) status = dropMesh->setPoints(points, MSpace::kWorld);
     for (unsigned i = 0; dropped.error() && i < moved && !status.error(); ++i)
         status = dropMesh->setPoint(static_cast<int>(i), points[i], MSpace::kWorld);
     if (status.error()) return failed(status, "DropMeshCommand: Error assigning point back into dropObjectMesh");

@@ -251,6 +251,18 @@ TEST_F(DropMesh, OntoItselfTakesTheSurfaceAsItWas) {
     EXPECT_NEAR(heights("drop")[0], -1, 1e-6);
 }
 
+// Catches a mesh that is scattered because its transform, a flattened one, cannot be undone.
+TEST_F(DropMesh, RefusesAMeshThatItsTransformFlattens) {
+    plane("ground", 100, 1, 0, 0, 0);
+    plane("drop", 10, 1, 0, 20, 0);
+    must("setAttr drop.s 2 0 1");
+    MPointArray before, after;
+    ASSERT_TRUE(mesh("drop")->getPoints(before, MSpace::kObject));
+    expectFailure("orvo_dropMesh \"drop\" {\"ground\"} 1", said("Error assigning point back into dropObjectMesh"));
+    ASSERT_TRUE(mesh("drop")->getPoints(after, MSpace::kObject));
+    for (unsigned i = 0; i < before.length(); ++i) EXPECT_EQ(after[i], before[i]);
+}
+
 // Catches one bad vertex that keeps a mesh from being dropped, or leaves it half dropped without an undo.
 TEST_F(DropMesh, LeavesVerticesWithoutAPositionAlone) {
     plane("ground", 100, 1, 0, 0, 0);
