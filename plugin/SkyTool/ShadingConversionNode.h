@@ -10,7 +10,8 @@ namespace orvo {
 class OrvoSkyShadingConversionNode : public MPxNode {
 public:
     static const MTypeId id;
-    /// A group of attributes that cannot be made ends it with one message and the host's status.
+    /// A group of attributes that cannot be made gives one message; the others follow all the same, and the status is
+    /// that of the first failure.
     static MStatus initialize();
 
     MStatus compute(const MPlug& plug, MDataBlock& block) override;

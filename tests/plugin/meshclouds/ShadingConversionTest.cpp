@@ -93,6 +93,43 @@ TEST_F(ShadingConversion, TurnsTheDirectionByTheRotationAlone) {
     EXPECT_THAT(log_.errors(), ElementsAre());
 }
 
+// Catches a direction that is lost where squares overflow or vanish, and one that a collapsed axis turns away: what the
+// scale has left must decide, and where nothing is left to decide with there is no rotation.
+TEST_F(ShadingConversion, KeepsTheDirectionUnderExtremeScales) {
+    for (const double size : {1e-200, 1e200, 4e-320}) {
+        setMatrix({{{size, 0, 0}, {0, 0, size}, {0, -size, 0}}}, {0, 0, 0}); // 90 degrees about x: y goes to z
+        setVector({0, 3 * size, 4 * size});
+        expectOutput({0, 0.8, -0.6}, std::to_string(size));
+    }
+    const Rows rotation = product(product(turn(0, 20), turn(1, 50)), turn(2, -110));
+    for (int axis = 0; axis < 3; ++axis) {
+        for (int lost = 0; lost < 3; ++lost) {
+            Rows scaled = rotation;
+            scaled[lost] = {0, 0, 0};
+            setMatrix(scaled, {0, 0, 0});
+            Triple along{}, expected{};
+            along[axis] = -7;
+            setVector(along);
+            for (int i = 0; i < 3; ++i) expected[i] = rotation[axis][i];
+            expectOutput(expected, "axis " + std::to_string(axis) + " without " + std::to_string(lost));
+        }
+        Rows alone{};
+        alone[axis] = rotation[axis];
+        setMatrix(alone, {0, 0, 0});
+        expectOutput(rotation[axis], "one axis");
+        alone[axis] = {};
+        alone[axis][axis] = 2; // no rotation, whatever the other two scales are
+        setMatrix(alone, {0, 0, 0});
+        setVector({1, 2, -2});
+        expectOutput({-1.0 / 3, -2.0 / 3, 2.0 / 3}, "an axis in its place");
+    }
+    setMatrix({{{1, 1, 0}, {-2, -2, 0}, {0, 0, 1}}}, {0, 0, 0}); // a shear that leaves y along x
+    setVector({0, 1, 0});
+    expectOutput({std::sqrt(0.5), -std::sqrt(0.5), 0}, "sheared flat");
+    setMatrix({}, {0, 0, 0});
+    expectOutput({0, -1, 0}, "no axis");
+}
+
 TEST_F(ShadingConversion, AnswersThePositionInItsMode) {
     setMatrix(product(turn(0, 40), turn(2, 10)), {1, 2, 3});
     setVector({9, 9, 9});
