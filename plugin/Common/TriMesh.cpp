@@ -85,8 +85,9 @@ bool readMesh(const MFnMesh& mesh, bool worldSpace, bool uvs, PolygonMesh& read)
     for (unsigned i = 0; i < points.length(); ++i) read.points.push_back({points[i].x, points[i].y, points[i].z});
     MIntArray sizes, corners;
     if (!succeeded(mesh.getVertices(sizes, corners))) return false;
-    read.polygonSizes.assign(sizes.begin(), sizes.end());
-    read.corners.assign(corners.begin(), corners.end());
+    read.polygonSizes.resize(sizes.length());
+    read.corners.resize(corners.length());
+    if (!succeeded(sizes.get(read.polygonSizes.data())) || !succeeded(corners.get(read.corners.data()))) return false;
     return readTriangles(mesh, read) && (!uvs || readUvSets(mesh, read));
 }
 

@@ -40,6 +40,8 @@ void SkyProgram::build(const SkyShaderTexts& texts, const SourcePlace& where) {
         buildFailed_ = false;
         return;
     } else {
+        // Nothing was built, and so nothing logged, where the driver lacks what it takes.
+        if (std::string reason; log.empty() && !glAvailable(&reason)) log = reason;
         log = std::string(texts.className) + ":  " + texts.what + " did not compile! :(  \n\nErrorReport:\n" + log;
     }
     program_.reset();
