@@ -103,6 +103,7 @@ TEST_F(ImageFile, FormatsKeepThePixels) {
         std::string head(std::char_traits<char>::length(start), '\0');
         in.read(head.data(), static_cast<std::streamsize>(head.size()));
         EXPECT_EQ(head, start);
+        if (format == std::string("iff")) continue; // only written
         ASSERT_TRUE(back.readFromFile(name.c_str())) << format;
         EXPECT_THAT(pixels(back), ElementsAreArray(content)) << format;
     }
@@ -174,6 +175,9 @@ TEST_F(ImageFile, RefusalsNameTheReason) {
     dds[8] = 7, dds[9] = 0x10, dds[12] = dds[16] = 1, dds[76] = 32, dds[80] = 0x40, dds[88] = 16;
     const std::string sparse = write("sparse.png", bytes("\x89PNG"));
     fs::resize_file(sparse, std::uintmax_t{2} << 30);
+    // An attribute of 2 GiB, for which memory would be set aside.
+    const Bytes exr =
+        joined(bytes(std::string("v/1\1\2\0\0\0", 8)), bytes(std::string("owner\0string\0\0\0\0\x7f", 17)));
     std::string told;
     const auto before = host::Messages::instance().setSink([&](host::Severity, std::string_view t) { told = t; });
     for (const auto& [file, reason] : {std::pair{write("list.mp4", ppm), "its name does not end as"},
@@ -182,6 +186,7 @@ TEST_F(ImageFile, RefusalsNameTheReason) {
                                        {write("actually.png", ppm), "PNG"},
                                        {sparse, "at most 536870912 are read"},
                                        {write("large.pgm", bytes("P5\n16384 8193\n255\n")), "134217728"},
+                                       {write("lie.exr", exr), "its header is damaged"},
                                        {write("masks.dds", dds), "layout"}}) {
         MImage image;
         told.clear();

@@ -24,7 +24,7 @@ public:
     /// A picture of zeros, with 1 to 4 channels. kInvalidParameter, with the old pixels kept, for sizes that are not
     /// possible and for kUnknown.
     MStatus create(unsigned int width, unsigned int height, unsigned int channels = 4, MPixelType type = kByte);
-    /// Reads a file as RGBA. Its ending tells the format: bmp, dds, exr, gif, hdr, iff, jpg, png, pnm, tga, tif. Grey
+    /// Reads a file as RGBA. Its ending tells the format: bmp, dds, exr, hdr, jpg, png, pnm, tga, tif. Grey
     /// becomes red, green and blue, absent alpha is full. Bytes are 0 to 255, float pixels of integer formats 0 to 1,
     /// kUnknown takes what the file has. kFailure, with the old pixels kept, for a file that is missing; and with an
     /// error that names the file for one that is damaged or cut off, has more than 512 MiB or 2^27 pixels, or ends

@@ -29,12 +29,6 @@ ImageCodec& load() {
     return *codec();
 }
 
-/// Whether a file of that many bytes can hold so many pixels. The densest codings in use reach a few thousand to one;
-/// small pictures are not worth the doubt.
-bool credible(std::uint64_t fileBytes, std::uint64_t pixels) {
-    return pixels <= (1u << 22) || pixels / 16384 <= fileBytes;
-}
-
 std::string reasonAgainst(const ImageReader& image, std::uint64_t fileBytes) {
     if (image.width < 1 || image.height < 1 || image.channels < 1 || image.depth > 1)
         return fmt::format("its size of {} x {} x {} pixels and {} channels is not one of a flat picture", image.width,

@@ -13,6 +13,12 @@ inline constexpr std::uint64_t kMostFileBytes = std::uint64_t{512} << 20;
 inline constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 27; ///< 16384 x 8192
 inline constexpr int kLongestSide = 32768;                           ///< in pixels
 
+/// Whether a file of that many bytes can hold so many pixels. The densest codings in use reach a few thousand to one;
+/// small pictures are not worth the doubt.
+constexpr bool credible(std::uint64_t fileBytes, std::uint64_t pixels) {
+    return pixels <= (1u << 22) || pixels / 16384 <= fileBytes;
+}
+
 /// Pixels in memory: rows of 8-bit or float channels side by side, without padding.
 struct PixelRows {
     int width = 0, height = 0, channels = 0;
@@ -34,8 +40,8 @@ public:
 };
 
 /// Files of still images. The ending of the name, in any case, tells the format, and no other is tried: bmp, dds, exr,
-/// gif, hdr, iff, jpg, png, pnm (pbm, pgm, ppm, pfm), tga, tif and their other spellings. Alpha is kept apart from the
-/// colours: neither is multiplied by the other.
+/// hdr, jpg, png, pnm (pbm, pgm, ppm, pfm), tga, tif and their other spellings. Alpha is kept apart from the colours:
+/// neither is multiplied by the other.
 class ImageCodec {
 public:
     virtual ~ImageCodec() = default;
