@@ -161,6 +161,25 @@ TEST_F(MeshImport, FbxInItsUnitAndAxes) {
     expectMatrix(read("z.fbx", zUp).nodes[0].matrix, {{1, 0, 0, 0}, {0, 0, -1, 0}, {0, 1, 0, 0}, {1000, 500, -400, 1}});
 }
 
+// Fault: UV sets of one name, which a mesh cannot have, cost the model or one of them.
+TEST_F(MeshImport, UvSetsOfOneName) {
+    std::string text = content("house.fbx");
+    const auto start = text.find("\t\tLayerElementUV: 0"), end = text.find("\t\tLayer: 0");
+    ASSERT_NE(start, text.npos);
+    std::string second = text.substr(start, end - start);
+    replace(second, "LayerElementUV: 0", "LayerElementUV: 1");
+    replace(second, "0,0,1,0,1,1", "0.5,0,1,0,1,1");
+    text.insert(end, second + "\t\tLayer: 1 {\n\t\t\tVersion: 100\n\t\t\tLayerElement:  {\n\t\t\t\tType: "
+                              "\"LayerElementUV\"\n\t\t\t\tTypedIndex: 1\n\t\t\t}\n\t\t}\n");
+    const PolyMesh& roof = *read("twice.fbx", text).nodes[1].mesh;
+    ASSERT_EQ(roof.numUvSets(), 2);
+    EXPECT_EQ(roof.uvSet(0).name, "roofMap");
+    EXPECT_EQ(roof.uvSet(1).name, "map2");
+    float u = 0, v = 0;
+    ASSERT_TRUE(roof.uvAt(1, 0, 0, u, v));
+    EXPECT_EQ(u, 0.5f);
+}
+
 // Faults: parts of other materials that become objects, or that shift the UVs and normals of those without.
 TEST_F(MeshImport, MaterialsDoNotSplitObjects) {
     const ImportedModel model =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "files/FileError.h"
+#include "files/RawModel.h"
 #include "mesh/PolyMesh.h"
 
 #include <maya/MMatrix.h>
@@ -34,8 +35,12 @@ bool isModelFile(const std::filesystem::path& file);
 /// lights, skins and animation are not looked at. OBJ coordinates are taken as centimetres, glTF's as metres; FBX files
 /// say their unit and axes. The first UV set is "map1" unless the file names it.
 ///
-/// The file is read in a process of its own, so that one that is broken or made to do harm cannot take the host with
-/// it. Throws FileError when it is missing, not of its kind, damaged, nested more than 500 deep, or holds nothing.
+/// The file is read in a process of its own (ImportProcess.h), so that one that is broken or made to do harm cannot
+/// take the host with it. Throws FileError when it is missing, not of its kind, damaged, nested more than 500 deep,
+/// takes too much time or memory, or holds nothing.
 ImportedModel readModel(const std::filesystem::path& file);
+
+/// Builds the meshes of a model as takeModel() gives it. Throws FileError when one is broken, or there is nothing.
+ImportedModel buildModel(RawModel raw, const std::string& file);
 
 } // namespace host::files

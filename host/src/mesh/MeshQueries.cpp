@@ -75,7 +75,7 @@ void MeshQueries::accelerate(double tolerance) {
     const double slack = std::max(tolerance, 1e-3);
     tree_.reset();
     try {
-        tree_ = std::make_unique<TriangleTree>(points_, triangles_, 2 * slack);
+        tree_ = TriangleTree::make(points_, triangles_, 2 * slack);
         slack_ = slack;
     } catch (const std::runtime_error&) {
         slack_ = 0;

@@ -11,7 +11,8 @@ namespace host::mesh {
 
 /// Finds the triangles near a ray or a point, by boxes around them that Embree keeps in order. It never leaves out a
 /// triangle that an exact test would take: whatever Embree's single precision may lose is less than the boxes' margin.
-/// What a triangle really gives is for the caller to decide. Queries may run in several threads at once.
+/// What a triangle really gives is for the caller to decide. Queries may run in several threads at once. What makes
+/// them is in a module beside this library, which is loaded with the first one.
 class TriangleTree {
 public:
     /// A part of a line: origin + t * direction for t in [from, to].
@@ -23,8 +24,9 @@ public:
     /// Triangles name their points by index; those with a coordinate that is not finite are left out. Boxes are
     /// enlarged by the share `slack` of their size on all sides. Keeps neither of the lists. Throws std::bad_alloc when
     /// memory does not suffice, std::runtime_error when Embree cannot be had.
-    TriangleTree(std::span<const Imath::V3d> points, std::span<const std::array<int, 3>> triangles, double slack);
-    ~TriangleTree();
+    static std::unique_ptr<TriangleTree> make(std::span<const Imath::V3d> points,
+                                              std::span<const std::array<int, 3>> triangles, double slack);
+    virtual ~TriangleTree() = default;
     TriangleTree(const TriangleTree&) = delete;
     TriangleTree& operator=(const TriangleTree&) = delete;
 
@@ -40,19 +42,24 @@ public:
         return visitNear(point, call<Visit>, &visit);
     }
 
-    std::size_t bytes() const;
+    virtual std::size_t bytes() const = 0;
+
+protected:
+    TriangleTree() = default;
+    using Visitor = double (*)(void* visit, int triangle);
+    virtual bool visitAlong(const Segment& segment, Visitor visitor, void* visit) const = 0;
+    virtual bool visitNear(const Imath::V3d& point, Visitor visitor, void* visit) const = 0;
 
 private:
-    using Visitor = double (*)(void* visit, int triangle);
     template <class Visit>
     static double call(void* visit, int triangle) {
         return (*static_cast<Visit*>(visit))(triangle);
     }
-    bool visitAlong(const Segment& segment, Visitor visitor, void* visit) const;
-    bool visitNear(const Imath::V3d& point, Visitor visitor, void* visit) const;
-
-    struct Tree;
-    std::unique_ptr<Tree> tree_;
 };
+
+/// What the module gives: TriangleTree::make() without the loading.
+using TriangleTreeMaker = std::unique_ptr<TriangleTree> (*)(std::span<const Imath::V3d> points,
+                                                            std::span<const std::array<int, 3>> triangles,
+                                                            double slack);
 
 } // namespace host::mesh

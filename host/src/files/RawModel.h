@@ -3,7 +3,6 @@
 #include "mesh/PolyMesh.h"
 
 #include <array>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -33,7 +32,7 @@ struct RawModel {
     std::size_t leftOut = 0;
 };
 
-/// Reads a file with Assimp; see readModel(). Throws std::exception with a text for the user.
-RawModel convertModel(const std::filesystem::path& file);
+/// How deep the objects of a model may be nested.
+inline constexpr int kDeepestModel = 500;
 
 } // namespace host::files

@@ -1,5 +1,6 @@
-#include "files/ModelConversion.h"
+#include "files/importer/ModelConversion.h"
 
+#include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
 #include <assimp/config.h>
 #include <assimp/scene.h>
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <new>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -20,7 +22,6 @@ namespace {
 
 using mesh::Float3;
 
-constexpr int kDeepest = 500;
 constexpr std::size_t kMostCorners = std::numeric_limits<int>::max();
 
 /// Letters, digits and underscores, not starting with a digit; one underscore for each other character.
@@ -231,8 +232,8 @@ public:
 
 private:
     void add(const aiNode& node, const aiMatrix4x4& above, int parent, int depth) {
-        if (depth > kDeepest)
-            throw std::runtime_error(fmt::format("its objects are nested more than {} deep", kDeepest));
+        if (depth > kDeepestModel)
+            throw std::runtime_error(fmt::format("its objects are nested more than {} deep", kDeepestModel));
         RawModel::Node made;
         made.name = legalName(textOf(node.mName));
         if (made.name == "defaultobject") made.name = legalName(file_.stem().string());
@@ -277,17 +278,43 @@ private:
     std::map<std::vector<unsigned int>, int> meshes_;
 };
 
+/// Opens the model, and files of its folder: a model from elsewhere is not to reach the rest of the machine.
+class ModelFolder final : public Assimp::DefaultIOSystem {
+public:
+    explicit ModelFolder(const std::filesystem::path& model)
+        : model_(model), folder_(std::filesystem::canonical(model).parent_path()) {}
+    bool Exists(const char* file) const override { return allowed(file) && DefaultIOSystem::Exists(file); }
+    Assimp::IOStream* Open(const char* file, const char* mode) override {
+        return allowed(file) && *mode == 'r' ? DefaultIOSystem::Open(file, mode) : nullptr;
+    }
+
+private:
+    bool allowed(const char* file) const {
+        if (file == model_) return true;
+        std::error_code missing;
+        const auto place = std::filesystem::canonical(file, missing);
+        return !missing && std::filesystem::is_regular_file(place, missing) &&
+               std::mismatch(folder_.begin(), folder_.end(), place.begin(), place.end()).first == folder_.end();
+    }
+    std::filesystem::path model_, folder_;
+};
+
 } // namespace
 
 RawModel convertModel(const std::filesystem::path& file) {
     Assimp::Importer importer;
+    importer.SetIOHandler(new ModelFolder(file)); // the importer's from now on
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
     for (const char* unused :
          {AI_CONFIG_IMPORT_FBX_READ_TEXTURES, AI_CONFIG_IMPORT_FBX_READ_CAMERAS, AI_CONFIG_IMPORT_FBX_READ_LIGHTS,
           AI_CONFIG_IMPORT_FBX_READ_ANIMATIONS, AI_CONFIG_IMPORT_FBX_READ_WEIGHTS})
         importer.SetPropertyBool(unused, false);
     const aiScene* scene = importer.ReadFile(file.string(), 0);
-    if (!scene) throw std::runtime_error(importer.GetErrorString());
+    if (!scene) {
+        const std::string error = importer.GetErrorString();
+        if (error.find("bad_alloc") != error.npos) throw std::bad_alloc();
+        throw std::runtime_error(error);
+    }
     if (!scene->mRootNode) throw std::runtime_error("it holds no objects");
     std::string extension = file.extension().string();
     for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
