@@ -15,7 +15,7 @@ class ModelImport : public CommandFixture {
 protected:
     ModelImport() {
         for (const char* name : {"objects.obj", "panes.gltf", "house.fbx"})
-            std::filesystem::copy_file(orvo::test::testData("import/" + name), project / "scenes" / name);
+            std::filesystem::copy_file(orvo::test::testData(std::string("import/") + name), project / "scenes" / name);
     }
     void expectNumbers(const std::string& mel, const std::vector<float>& expected) {
         const auto found = numbers(mel);

@@ -171,7 +171,8 @@ TEST_F(MeshImport, UvSetsOfOneName) {
     replace(second, "0,0,1,0,1,1", "0.5,0,1,0,1,1");
     text.insert(end, second + "\t\tLayer: 1 {\n\t\t\tVersion: 100\n\t\t\tLayerElement:  {\n\t\t\t\tType: "
                               "\"LayerElementUV\"\n\t\t\t\tTypedIndex: 1\n\t\t\t}\n\t\t}\n");
-    const PolyMesh& roof = *read("twice.fbx", text).nodes[1].mesh;
+    const ImportedModel model = read("twice.fbx", text);
+    const PolyMesh& roof = *model.nodes[1].mesh;
     ASSERT_EQ(roof.numUvSets(), 2);
     EXPECT_EQ(roof.uvSet(0).name, "roofMap");
     EXPECT_EQ(roof.uvSet(1).name, "map2");
