@@ -40,9 +40,30 @@ Subcommand addRender(CLI::App& program, CommonOptions& common) {
                  if (!readNumbers(text, ',', {&line->time, 1})) throw Failure("'" + text + "' is no finite number");
                  line->timeGiven = true;
              });
+    addValue(*app, "--look", "AZIMUTH,ELEVATION",
+             "Look in this direction from the camera's eye point: degrees\nclockwise from -Z as seen from above, "
+             "degrees above the horizon",
+             [line](const std::string& text) {
+                 std::array<double, 2> look;
+                 if (!readNumbers(text, ',', look) || look[1] < -90 || look[1] > 90)
+                     throw Failure("'" + text +
+                                   "' is no direction; give two numbers of degrees, the second from -90 to " +
+                                   "90, for example 135,20");
+                 line->look = look;
+             });
+    addValue(*app, "--fov", "DEGREES", "Horizontal angle of view (default: the camera's own)",
+             [line](const std::string& text) {
+                 double fov = 0;
+                 if (!readNumbers(text, ',', {&fov, 1}) || !(fov > 0 && fov < 180))
+                     throw Failure("'" + text + "' is no angle of view; give degrees between 0 and 180");
+                 line->fov = fov;
+             });
+    app->add_flag("--helpers", line->helpers,
+                  "Show the aids for working, too: wires of cloud shapes,\noutlines of cloud domes");
     addCommonOptions(*app, common);
     app->footer(helpFoot({.examples = "  orvosky render scenes/dusk.ma dusk.png\n"
-                                      "  orvosky render scenes/dusk.ma dusk.exr --size 1920x1080 --camera horizon\n",
+                                      "  orvosky render scenes/dusk.ma dusk.exr --size 1920x1080 --camera horizon\n"
+                                      "  orvosky render my.mel my.png --look 135,20 --fov 75\n",
                           .exitStatuses = "  0  the picture is there\n"
                                           "  1  it is not: an earlier picture is still there as it was\n"}));
     return {app, [&common, line] { return renderCommand(common, *line); }};

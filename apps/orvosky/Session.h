@@ -2,7 +2,9 @@
 
 #include "Failure.h"
 
+#include <array>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,7 +63,11 @@ struct RenderOptions {
     std::string scene, picture, camera = "persp";
     int width = 1280, height = 720;
     bool timeGiven = false;
-    double time = 0; ///< in the scene's time unit
+    double time = 0;      ///< in the scene's time unit
+    bool helpers = false; ///< with the aids that locators draw for the artist
+    /// Degrees: the azimuth, 0 along -Z, clockwise as seen from above, and the elevation above the horizon.
+    std::optional<std::array<double, 2>> look;
+    std::optional<double> fov; ///< horizontal, degrees
 };
 int renderCommand(const CommonOptions& common, const RenderOptions& options);
 

@@ -34,6 +34,13 @@ bool isInView(const CameraFrustum& frustum, const Vector3& centre, double radius
     });
 }
 
+/// Whether a view shows the aids of locators.
+bool showsLocators(M3dView& view) {
+    MStatus status;
+    const unsigned int shown = view.objectDisplay(&status);
+    return status.error() || (shown & M3dView::kDisplayLocators) != 0;
+}
+
 void drawOutline(const DomeParams& params) {
     ShaderProgram::unbind();
     glEnable(GL_DEPTH_TEST);
@@ -224,7 +231,7 @@ void ParticleCloudDome::render(M3dView& view) {
     const GlStateScope state;
     glMultMatrixd(&world.m[0][0]);
     drawClouds(params, MayaCamera(view), world);
-    if (readBool(thisMObject(), renderWireFrame)) drawOutline(params);
+    if (readBool(thisMObject(), renderWireFrame) && showsLocators(view)) drawOutline(params);
 }
 
 void ParticleCloudDome::drawClouds(const DomeParams& params, const MayaCamera& camera, const Matrix44& world) {

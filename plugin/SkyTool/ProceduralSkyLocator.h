@@ -26,6 +26,8 @@ public:
     MStatus compute(const MPlug& plug, MDataBlock& block) override;
     void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
     bool isBounded() const override { return false; }
+    /// Stays when the artist hides the locators of a view: it is the sky, not an aid.
+    bool excludeAsLocator() const override { return false; }
 
     /// Computes the tables, as the update mode wants it; a node that is switched off only forgets them. Every draw does
     /// so first; it needs no GL.

@@ -19,6 +19,8 @@ public:
     void postConstructor() override;
     void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
     bool isBounded() const override { return false; }
+    /// Stays when the artist hides the locators of a view: it is the sky, not an aid.
+    bool excludeAsLocator() const override { return false; }
 
 private:
     static MObject Enable;

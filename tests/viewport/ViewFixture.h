@@ -35,6 +35,7 @@ public:
         if (const auto it = draws.find(drawn.back()); it != draws.end()) it->second({view, path, status});
     }
     bool drawLast() const override { return std::string(name().asChar()).starts_with("last"); }
+    bool excludeAsLocator() const override { return !std::string(name().asChar()).starts_with("kept"); }
     static void* create() { return new TestLocator; }
 
     static inline std::map<std::string, std::function<void(DrawCall)>> draws;

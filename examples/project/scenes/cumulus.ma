@@ -285,7 +285,6 @@ createNode orvosky_ParticleCloud -n "towering_cloudShape" -p "towering_cloud";
 	setAttr ".particleDensity" 12000;
 	setAttr ".particleSize" 180;
 createNode transform -n "towering_base1" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" 25711.47800697748 13926.472017317796 3943.1359854373823;
 	setAttr ".r" -type "double3" 0 49.29013758377814 0;
 	setAttr ".s" -type "double3" 23546.253111975922 15165.72658666644 18837.002489580736;
@@ -293,7 +292,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere1" -p "towering_ba
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_base2" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" -4315.724445546887 11443.79426112895 7771.857999123765;
 	setAttr ".r" -type "double3" 0 137.6615763094728 0;
 	setAttr ".s" -type "double3" 18542.39560084553 14500.638412501181 14833.916480676427;
@@ -301,7 +299,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere2" -p "towering_ba
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_base3" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" -17615.707526712955 9488.001536994514 1539.9140329723946;
 	setAttr ".r" -type "double3" 0 22.526380116723786 0;
 	setAttr ".s" -type "double3" 18316.485413902104 16501.293110247516 14653.188331121682;
@@ -309,7 +306,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere3" -p "towering_ba
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_base4" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" -17164.36251987545 9899.083860695924 -13751.158675651575;
 	setAttr ".r" -type "double3" 0 297.35654506306713 0;
 	setAttr ".s" -type "double3" 20036.239745479903 16280.426423152576 16028.991796383923;
@@ -317,7 +313,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere4" -p "towering_ba
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_base5" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" 9725.713326925776 13857.04236834441 -8145.393409370664;
 	setAttr ".r" -type "double3" 0 87.21798214518681 0;
 	setAttr ".s" -type "double3" 20449.355669418197 15032.105643074025 16359.484535534557;
@@ -325,7 +320,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere5" -p "towering_ba
 	setAttr ".opacity" 0.9;
 	setAttr ".density" 1;
 createNode transform -n "towering_tower1" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" -1917.8091955430887 20814.204705760134 6100.846181317289;
 	setAttr ".r" -type "double3" 0 84.24599302289538 0;
 	setAttr ".s" -type "double3" 17089.60969183586 13964.708265165704 17089.60969183586;
@@ -333,7 +327,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere6" -p "towering_to
 	setAttr ".opacity" 1;
 	setAttr ".density" 1;
 createNode transform -n "towering_tower2" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" -17644.980062392067 26007.802615473975 -12540.447556856365;
 	setAttr ".r" -type "double3" 0 327.9252239500008 0;
 	setAttr ".s" -type "double3" 14301.071032396669 12364.135552608679 14301.071032396669;
@@ -341,7 +334,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere7" -p "towering_to
 	setAttr ".opacity" 1;
 	setAttr ".density" 1;
 createNode transform -n "towering_tower3" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" -1028.0559420775205 33493.552062358736 8597.521904105964;
 	setAttr ".r" -type "double3" 0 29.38899502398309 0;
 	setAttr ".s" -type "double3" 16593.94532791275 14202.0539065515 16593.94532791275;
@@ -349,7 +341,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere8" -p "towering_to
 	setAttr ".opacity" 1;
 	setAttr ".density" 1;
 createNode transform -n "towering_tower4" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" -5876.137514922796 36216.21508926525 -4154.055740326581;
 	setAttr ".r" -type "double3" 0 208.6068120398112 0;
 	setAttr ".s" -type "double3" 14723.85126423091 11800.833800866749 14723.85126423091;
@@ -357,7 +348,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere9" -p "towering_to
 	setAttr ".opacity" 1;
 	setAttr ".density" 1;
 createNode transform -n "towering_tower5" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" -6305.875276785322 44947.926707122795 -3794.074600353007;
 	setAttr ".r" -type "double3" 0 128.80373375634193 0;
 	setAttr ".s" -type "double3" 12611.709193763538 12006.657466288727 12611.709193763538;
@@ -365,7 +355,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere10" -p "towering_t
 	setAttr ".opacity" 1;
 	setAttr ".density" 1;
 createNode transform -n "towering_tower6" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" 4791.340595109104 49357.8454549426 2278.560090901162;
 	setAttr ".r" -type "double3" 0 151.22875033126593 0;
 	setAttr ".s" -type "double3" 13206.06665887457 11614.566120303594 13206.06665887457;
@@ -373,7 +362,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere11" -p "towering_t
 	setAttr ".opacity" 1;
 	setAttr ".density" 1;
 createNode transform -n "towering_tower7" -p "towering";
-	setAttr ".v" no;
 	setAttr ".t" -type "double3" 1553.9996151612133 56157.16388639006 973.9696919652872;
 	setAttr ".r" -type "double3" 0 115.43723410692222 0;
 	setAttr ".s" -type "double3" 10680.917113235142 8702.906299503233 10680.917113235142;
@@ -382,7 +370,6 @@ createNode orvosky_ParticleCloudSphere -n "ParticleCloudSphere12" -p "towering_t
 	setAttr ".density" 1;
 createNode transform -n "cloudDome" -p "OrvoSkyData";
 createNode orvosky_ParticleCloudDome -n "cloudDomeShape" -p "cloudDome";
-	setAttr ".renderWireFrame" no;
 	setAttr ".windDir" 70;
 	setAttr ".domeHeight" 900;
 	setAttr ".domeCurvature" 20000;

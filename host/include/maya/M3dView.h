@@ -41,6 +41,42 @@ public:
     };
     enum ColorTable { kActiveColors, kDormantColors, kTemplateColor, kBackgroundColor };
     enum TextPosition { kLeft, kCenter, kRight };
+    /// The kinds of objects that a view shows or leaves out.
+    enum DisplayObjects : unsigned int {
+        kDisplayEverything = ~0U,
+        kDisplayNurbsCurves = 1U << 0,
+        kDisplayNurbsSurfaces = 1U << 1,
+        kDisplayMeshes = 1U << 2,
+        kDisplayPlanes = 1U << 3,
+        kDisplayLights = 1U << 4,
+        kDisplayCameras = 1U << 5,
+        kDisplayJoints = 1U << 6,
+        kDisplayIkHandles = 1U << 7,
+        kDisplayDeformers = 1U << 8,
+        kDisplayDynamics = 1U << 9,
+        kDisplayParticleInstancers = 1U << 10,
+        kDisplayLocators = 1U << 11,
+        kDisplayDimensions = 1U << 12,
+        kDisplaySelectHandles = 1U << 13,
+        kDisplayPivots = 1U << 14,
+        kDisplayTextures = 1U << 15,
+        kDisplayGrid = 1U << 16,
+        kDisplayCVs = 1U << 17,
+        kDisplayHulls = 1U << 18,
+        kDisplayStrokes = 1U << 19,
+        kDisplaySubdivSurfaces = 1U << 20,
+        kDisplayFluids = 1U << 21,
+        kDisplayFollicles = 1U << 22,
+        kDisplayHairSystems = 1U << 23,
+        kDisplayImagePlane = 1U << 24,
+        kDisplayNCloths = 1U << 25,
+        kDisplayNRigids = 1U << 26,
+        kDisplayDynamicConstraints = 1U << 27,
+        kDisplayManipulators = 1U << 28,
+        kDisplayNParticles = 1U << 29,
+        kExcludeMotionTrails = 1U << 30,
+        kExcludePluginShapes = 1U << 31
+    };
     enum LightingMode { kLightAll, kLightSelected, kLightActive, kLightDefault, kUnused1, kLightNone };
     enum RendererName { kDefaultQualityRenderer, kHighQualityRenderer, kViewport2Renderer, kExternalRenderer };
 
@@ -84,6 +120,10 @@ public:
     /// kNotImplemented: there are no fonts.
     MStatus drawText(const MString& text, const MPoint position, M3dView::TextPosition textPosition = kLeft);
     M3dView::DisplayStyle displayStyle(MStatus* ReturnStatus = NULL) const;
+    /// The kinds that the view shows, as a sum of DisplayObjects. Only meshes and locators are ever drawn; locators
+    /// that answer false to excludeAsLocator() are drawn all the same.
+    MStatus setObjectDisplay(unsigned int displayMask);
+    unsigned int objectDisplay(MStatus* ReturnStatus = NULL);
     M3dView::RendererName getRendererName(MStatus* ReturnStatus) const;
     static bool isBackgroundGradient(MStatus* ReturnStatus = NULL);
     static MColor templateColor(MStatus* ReturnStatus = NULL);

@@ -18,6 +18,7 @@ public:
     virtual MBoundingBox boundingBox() const;
     unsigned int color(M3dView::DisplayStatus displayStatus);
     MColor colorRGB(M3dView::DisplayStatus displayStatus);
+    /// Whether a view that is to show no locators leaves this one out, too; true unless overridden.
     virtual bool excludeAsLocator() const;
     virtual bool isTransparent() const;
     virtual bool drawLast() const;

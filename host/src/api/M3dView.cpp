@@ -175,6 +175,18 @@ M3dView::DisplayStyle M3dView::displayStyle(MStatus* ReturnStatus) const {
     return kGouraudShaded;
 }
 
+MStatus M3dView::setObjectDisplay(unsigned int displayMask) {
+    Viewport* view = Viewport::find(serial_);
+    if (view) view->setObjectDisplay(displayMask);
+    return done(view != nullptr);
+}
+
+unsigned int M3dView::objectDisplay(MStatus* ReturnStatus) {
+    const Viewport* view = Viewport::find(serial_);
+    setStatus(ReturnStatus, done(view != nullptr));
+    return view ? view->objectDisplay() : 0;
+}
+
 M3dView::RendererName M3dView::getRendererName(MStatus* ReturnStatus) const {
     setStatus(ReturnStatus, done(Viewport::find(serial_) != nullptr));
     return kDefaultQualityRenderer;

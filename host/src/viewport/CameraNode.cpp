@@ -1,6 +1,9 @@
 #include "viewport/CameraNode.h"
 
 #include "scene/Evaluation.h"
+#include "scene/Scene.h"
+
+#include <maya/MTransformationMatrix.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,6 +15,23 @@ MVector unit(const MVector& v, const MVector& otherwise) {
     const double length = std::sqrt(v * v);
     return std::isfinite(length) && length > 0 ? v / length : otherwise;
 }
+
+struct OpticsNumber {
+    const char* attribute;
+    double CameraOptics::*value;
+};
+constexpr OpticsNumber opticsNumbers[] = {{"focalLength", &CameraOptics::focalLength},
+                                          {"horizontalFilmAperture", &CameraOptics::horizontalFilmAperture},
+                                          {"verticalFilmAperture", &CameraOptics::verticalFilmAperture},
+                                          {"horizontalFilmOffset", &CameraOptics::horizontalFilmOffset},
+                                          {"verticalFilmOffset", &CameraOptics::verticalFilmOffset},
+                                          {"lensSqueezeRatio", &CameraOptics::lensSqueezeRatio},
+                                          {"filmFitOffset", &CameraOptics::filmFitOffset},
+                                          {"cameraScale", &CameraOptics::cameraScale},
+                                          {"overscan", &CameraOptics::overscan},
+                                          {"nearClipPlane", &CameraOptics::nearClip},
+                                          {"farClipPlane", &CameraOptics::farClip},
+                                          {"orthographicWidth", &CameraOptics::orthoWidth}};
 
 } // namespace
 
@@ -57,23 +77,37 @@ double attributeNumber(scene::Node& node, std::string_view name, int component) 
 }
 
 CameraOptics cameraOptics(scene::Node& camera) {
-    const auto number = [&](std::string_view name) { return attributeNumber(camera, name); };
     CameraOptics optics;
-    optics.focalLength = number("focalLength");
-    optics.horizontalFilmAperture = number("horizontalFilmAperture");
-    optics.verticalFilmAperture = number("verticalFilmAperture");
-    optics.horizontalFilmOffset = number("horizontalFilmOffset");
-    optics.verticalFilmOffset = number("verticalFilmOffset");
-    optics.lensSqueezeRatio = number("lensSqueezeRatio");
-    optics.filmFit = static_cast<FilmFit>(std::clamp(static_cast<int>(number("filmFit")), 0, 3));
-    optics.filmFitOffset = number("filmFitOffset");
-    optics.cameraScale = number("cameraScale");
-    optics.overscan = number("overscan");
-    optics.nearClip = number("nearClipPlane");
-    optics.farClip = number("farClipPlane");
-    optics.orthographic = number("orthographic") != 0;
-    optics.orthoWidth = number("orthographicWidth");
+    for (const auto& [name, value] : opticsNumbers) optics.*value = attributeNumber(camera, name);
+    optics.filmFit = static_cast<FilmFit>(std::clamp(static_cast<int>(attributeNumber(camera, "filmFit")), 0, 3));
+    optics.orthographic = attributeNumber(camera, "orthographic") != 0;
     return optics;
+}
+
+scene::DagNode& createCamera(scene::Scene& scene, const std::string& name, const CameraFrame& frame,
+                             const CameraOptics& optics) {
+    scene::DagNode& transform = *scene.createNode(*scene.findType("transform"), name)->dag();
+    scene::DagNode& camera = *scene.createNode(*scene.findType("camera"), transform.name + "Shape", &transform)->dag();
+    const auto setTriple = [&](const char* attribute, double x, double y, double z) {
+        scene.setValue(transform.cell(attribute), scene::Numeric(scene::NumericType::Double, 3, x, y, z));
+    };
+    const MEulerRotation turn = MTransformationMatrix(frame.cameraToWorld()).eulerRotation();
+    setTriple("translate", frame.eye.x, frame.eye.y, frame.eye.z);
+    setTriple("rotate", turn.x, turn.y, turn.z);
+    for (const auto& [attribute, value] : opticsNumbers) scene.setNumber(camera.cell(attribute), optics.*value);
+    scene.setNumber(camera.cell("filmFit"), static_cast<double>(optics.filmFit));
+    scene.setNumber(camera.cell("orthographic"), optics.orthographic ? 1 : 0);
+    return camera;
+}
+
+CameraFrame cameraFrame(const MPoint& eye, double azimuth, double elevation) {
+    const double sa = std::sin(azimuth), ca = std::cos(azimuth), se = std::sin(elevation), ce = std::cos(elevation);
+    CameraFrame frame;
+    frame.eye = eye;
+    frame.view = MVector(sa * ce, se, -ca * ce);
+    frame.up = MVector(-sa * se, ce, ca * se);
+    frame.right = frame.view ^ frame.up;
+    return frame;
 }
 
 CameraFrame cameraFrame(scene::DagNode& camera) {

@@ -29,6 +29,14 @@ CameraOptics cameraOptics(scene::Node& camera);
 /// camera's icon looks, not what it sees.
 CameraFrame cameraFrame(scene::DagNode& camera);
 
+/// A level view from a point: `azimuth` is 0 along -Z and grows clockwise as seen from above, so that +X is a quarter
+/// turn; `elevation` is that above the horizon. Radians.
+CameraFrame cameraFrame(const MPoint& eye, double azimuth, double elevation);
+
+/// Makes a camera shape below a transform of that name, or the next free one, in the world.
+scene::DagNode& createCamera(scene::Scene& scene, const std::string& name, const CameraFrame& frame,
+                             const CameraOptics& optics);
+
 /// A number that a node's attribute has now, in internal units; 0 when there is no such attribute.
 double attributeNumber(scene::Node& node, std::string_view name, int component = 0);
 

@@ -83,6 +83,13 @@ std::optional<FieldOfView> portFieldOfView(const CameraOptics& optics, int portW
     return FieldOfView{angle(window->width), angle(window->height)};
 }
 
+std::optional<CameraOptics> withHorizontalView(CameraOptics optics, double horizontal, int portWidth, int portHeight) {
+    const auto window = visibleFilmWindow(optics, portWidth, portHeight);
+    if (!window) return std::nullopt;
+    optics.focalLength = 0.5 * window->width * mmPerInch / std::tan(horizontal / 2);
+    return optics;
+}
+
 std::optional<CameraProjection> cameraProjection(const CameraOptics& optics, int portWidth, int portHeight) {
     const auto window = visibleFilmWindow(optics, portWidth, portHeight);
     if (!window || !std::isfinite(optics.nearClip) || !std::isfinite(optics.farClip) ||

@@ -57,6 +57,10 @@ std::optional<FilmWindow> visibleFilmWindow(const CameraOptics& optics, int port
 /// do not enter. An orthographic camera's optics are answered for as well. Nothing when visibleFilmWindow answers so.
 std::optional<FieldOfView> portFieldOfView(const CameraOptics& optics, int portWidth, int portHeight);
 
+/// The optics with the focal length at which portFieldOfView answers `horizontal` (radians, between 0 and pi). Nothing
+/// when visibleFilmWindow answers so.
+std::optional<CameraOptics> withHorizontalView(CameraOptics optics, double horizontal, int portWidth, int portHeight);
+
 /// The view volume of a window. A perspective camera's is the visible film window carried to the near plane; an
 /// orthographic camera's is orthoWidth x camera scale wide, in the port's proportion, without film fit and offsets.
 /// Nothing when visibleFilmWindow answers so, when the far distance is not above the near one, or when a perspective

@@ -19,25 +19,12 @@ namespace {
 /// The look of the material that every mesh has to start with: a grey of 0.5 that gives 0.8 of the light back.
 constexpr float meshGrey = 0.5f * 0.8f;
 
-/// One light of white beside the camera that shines along its view, on both sides of every face.
-void lightFromCamera() {
-    const float black[] = {0, 0, 0, 1}, white[] = {1, 1, 1, 1}, grey[] = {meshGrey, meshGrey, meshGrey, 1};
-    const float towardsCamera[] = {0, 0, 1, 0};
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    glLightfv(GL_LIGHT0, GL_POSITION, towardsCamera);
-    glLightfv(GL_LIGHT0, GL_AMBIENT, black);
-    glLightfv(GL_LIGHT0, GL_DIFFUSE, white);
-    glLightfv(GL_LIGHT0, GL_SPECULAR, black);
-    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black);
-    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_TRUE);
-    glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, black);
+void setMaterial() {
+    const float black[] = {0, 0, 0, 1}, grey[] = {meshGrey, meshGrey, meshGrey, 1};
+    glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, grey);
     glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, grey);
     glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, black);
     glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, black);
-    glEnable(GL_LIGHT0);
-    glEnable(GL_LIGHTING);
-    glEnable(GL_NORMALIZE);
 }
 
 void drawShaded(const mesh::PolyMesh& mesh) {
@@ -115,7 +102,10 @@ void FrameDraw::drawMesh(scene::DagNode& shape, bool templated) {
     if (!mesh || mesh->isEmpty()) return;
     StateGuard guard;
     const MMatrix objectToWorld = shape.worldMatrix();
-    if (!templated) lightFromCamera();
+    if (!templated) {
+        lights_.load(worldToCamera_);
+        setMaterial();
+    }
     loadObject(objectToWorld);
     // Mirroring turns the winding of what is seen, but not the side that a normal is on.
     if (objectToWorld.det3x3() < 0) glFrontFace(GL_CW);
@@ -160,8 +150,9 @@ void FrameDraw::drawShape(const std::shared_ptr<scene::Node>& node, bool templat
     scene::DagNode& shape = *node->dag();
     try {
         if (auto* locator = dynamic_cast<MPxLocatorNode*>(api::Access::userNode(shape))) {
-            if (locator->drawLast() == last) drawLocator(shape, *locator);
-        } else if (!last && scene::meshBehavior(shape)) {
+            if (locator->drawLast() == last && (shows(M3dView::kDisplayLocators) || !locator->excludeAsLocator()))
+                drawLocator(shape, *locator);
+        } else if (!last && shows(M3dView::kDisplayMeshes) && scene::meshBehavior(shape)) {
             drawMesh(shape, templated);
         }
     } catch (const std::exception& e) {
@@ -175,6 +166,10 @@ std::string FrameDraw::run() {
     clear();
     problem_ = takeGlErrors();
     const auto shapes = visibleShapes();
+    for (const Item& item : shapes) lights_.add(item.node);
+    if (lights_.size() > SceneLights::most() && view_.told_.insert(0).second)
+        showWarning("The view shows the first " + std::to_string(SceneLights::most()) + " of the scene's " +
+                    std::to_string(lights_.size()) + " lights.");
     for (const bool last : {false, true})
         for (const Item& item : shapes) drawShape(item.node, item.templated, last);
     glFinish();

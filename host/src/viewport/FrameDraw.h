@@ -1,5 +1,6 @@
 #pragma once
 
+#include "viewport/SceneLights.h"
 #include "viewport/Viewport.h"
 
 class MPxLocatorNode;
@@ -9,8 +10,9 @@ namespace host::viewport {
 /// Draws one frame of a view, between the view's beginGL and endGL.
 ///
 /// The DAG is walked depth first, in its own order; what is hidden, or intermediate, is left out with all below it.
-/// Meshes and locators are drawn in that order, except for the locators that ask to be drawn last. Locators and
-/// lights of the host's own, cameras and curves are only icons in a model view, and are not drawn.
+/// Meshes and locators are drawn in that order, except for the locators that ask to be drawn last. A view that is to
+/// show no locators still has those that do not want to be left out with the others. Locators and lights of the host's
+/// own, cameras and curves are only icons in a model view, and are not drawn.
 class FrameDraw {
 public:
     FrameDraw(Viewport& view, const MMatrix& projection, const MMatrix& worldToCamera)
@@ -28,6 +30,7 @@ private:
         bool templated = false;
     };
     std::vector<Item> visibleShapes() const;
+    bool shows(M3dView::DisplayObjects kind) const { return (view_.objectDisplay() & kind) != 0; }
     void loadObject(const MMatrix& objectToWorld);
     void drawShape(const std::shared_ptr<scene::Node>& node, bool templated, bool last);
     void drawMesh(scene::DagNode& shape, bool templated);
@@ -35,6 +38,7 @@ private:
 
     Viewport& view_;
     MMatrix projection_, worldToCamera_;
+    SceneLights lights_;
     std::string problem_;
 };
 

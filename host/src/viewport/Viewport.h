@@ -51,7 +51,12 @@ public:
     /// when that is missing, too.
     scene::DagNode* camera() const;
 
-    /// Draws the scene as it is at its time: shaded meshes, plug-in locators, and nothing else. Faults of single nodes
+    /// The kinds of objects that are shown, of M3dView::DisplayObjects; everything at first.
+    unsigned objectDisplay() const { return shown_; }
+    void setObjectDisplay(unsigned kinds) { shown_ = kinds; }
+
+    /// Draws the scene as it is at its time: shaded meshes, plug-in locators, and nothing else. Meshes are lit by the
+    /// scene's lights, or, without any, from the camera. Faults of single nodes
     /// are reported as messages that name the node, and the picture lacks them. False, with a text in `error`, when
     /// given, without a camera, with a camera that has no view volume, from within a draw, or when GL itself fails.
     bool render(std::string* error = nullptr);
@@ -90,12 +95,13 @@ private:
     std::shared_ptr<GlContext> context_;
     std::unique_ptr<OffscreenTarget> target_;
     unsigned long serial_ = 0;
+    unsigned shown_ = ~0U;
     std::weak_ptr<scene::Node> camera_;
     std::vector<PortRect> ports_;
     std::vector<MatrixKeeper> begun_;
     bool drawing_ = false;
     MMatrix object_;                         ///< matrix of the object that is drawn
-    std::unordered_set<unsigned long> told_; ///< serials of the nodes whose GL errors have been reported
+    std::unordered_set<unsigned long> told_; ///< serials of the nodes whose GL errors have been reported; 0: lights
 };
 
 } // namespace host::viewport
