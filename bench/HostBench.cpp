@@ -1,9 +1,16 @@
 // How fast the host is, each beside a plain version of the same work in the same run:
 //   the program, started and ended, exporting the example scene; plain: the same process doing nothing
 //   opening a large scene; plain: reading the file line by line
+//   opening a large mesh; plain: reading the file and std::from_chars over all of its numbers
+//   opening nodes that share one name; plain: the same nodes with names of their own
+//   evaluating an animation curve; plain: a binary search in a vector and one cubic
 //   setAttr and getAttr, from MEL and through the scene room; plain: a hash map of names to numbers
 #include "Host.h"
 #include "files/SceneReader.h"
+#include "files/SceneWriter.h"
+#include "mesh/Primitives.h"
+#include "scene/Evaluation.h"
+#include "scene/MeshNode.h"
 #include "scene/Messages.h"
 #include "scene/Scene.h"
 
@@ -14,6 +21,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -107,6 +118,106 @@ void OpenScene(benchmark::State& state) {
     scene.reset();
 }
 BENCHMARK(OpenScene)->Arg(30)->Unit(benchmark::kMillisecond);
+
+/// One mesh of a grid of `side` x `side` faces, as it is saved.
+fs::path largeMesh(int side) {
+    const fs::path file = workFolder() / ("mesh" + std::to_string(side) + ".ma");
+    if (fs::exists(file)) return file;
+    const auto grid = host::mesh::polyPlane(
+        {.width = 1000.0 / 3, .height = 1000.0 / 7, .subdivisionsX = side, .subdivisionsY = side});
+    auto& scene = host::Host::instance().scene();
+    scene.reset();
+    const auto shape = scene.createNode(*scene.findType("mesh"), "gridShape");
+    host::scene::setMesh(scene, *shape, grid);
+    std::ofstream(file) << host::files::SceneWriter(scene).text("mesh.ma");
+    scene.reset();
+    return file;
+}
+
+void OpenMeshPlain(benchmark::State& state) {
+    const fs::path file = largeMesh(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        std::string text(fs::file_size(file), ' ');
+        std::FILE* in = std::fopen(file.c_str(), "rb");
+        if (!in || std::fread(text.data(), 1, text.size(), in) != text.size()) state.SkipWithError("cannot be read");
+        if (in) std::fclose(in);
+        double sum = 0, value = 0;
+        for (const char *at = text.data(), *end = at + text.size(); at < end;) {
+            const auto [behind, error] = std::from_chars(at, end, value);
+            if (error == std::errc()) sum += value;
+            at = behind == at ? at + 1 : behind;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(fs::file_size(file)));
+}
+BENCHMARK(OpenMeshPlain)->Arg(400)->Unit(benchmark::kMillisecond);
+
+void OpenMesh(benchmark::State& state) {
+    const fs::path file = largeMesh(static_cast<int>(state.range(0)));
+    auto& scene = host::Host::instance().scene();
+    for (auto _ : state) host::files::SceneReader(scene, {}).read(file);
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(fs::file_size(file)));
+    scene.reset();
+}
+BENCHMARK(OpenMesh)->Arg(400)->Unit(benchmark::kMillisecond);
+
+/// Opens groups with a child each, which all have one name, or names of their own.
+void openChildren(benchmark::State& state, bool oneName) {
+    std::string text;
+    for (int i = 0; i < state.range(0); ++i) {
+        const std::string n = std::to_string(i), child = oneName ? "ball" : "ball" + n;
+        text += "createNode transform -n \"group" + n + "\";\ncreateNode transform -n \"" + child + "\" -p \"group" +
+                n + "\";\n\tsetAttr \".tx\" 1;\n";
+        text += "connectAttr \"group" + n + ".ty\" \"" + (oneName ? "group" + n + "|ball" : child) + ".ty\";\n";
+    }
+    auto& scene = host::Host::instance().scene();
+    for (auto _ : state) {
+        host::files::SceneReader(scene, {}).readText(text, "children");
+        benchmark::DoNotOptimize(host::files::SceneWriter(scene).text("children"));
+    }
+    state.SetComplexityN(state.range(0));
+    scene.reset();
+}
+void OpenAndSaveOwnNames(benchmark::State& state) { openChildren(state, false); }
+void OpenAndSaveOneName(benchmark::State& state) { openChildren(state, true); }
+BENCHMARK(OpenAndSaveOwnNames)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(OpenAndSaveOneName)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+double keyValue(int k) { return k * 37 % 101 * 0.125; }
+
+void EvaluateCurvePlain(benchmark::State& state) {
+    std::vector<std::pair<double, double>> keys;
+    for (int k = 0; k < state.range(0); ++k) keys.emplace_back(250.0 * k, keyValue(k));
+    double t = 0;
+    for (auto _ : state) {
+        t = std::fmod(t + 100003, 250.0 * static_cast<double>(keys.size() - 1));
+        const auto b = std::upper_bound(keys.begin(), keys.end(), std::pair(t, 1e300)), a = b - 1;
+        const double u = (t - a->first) / (b->first - a->first);
+        benchmark::DoNotOptimize(a->second + (b->second - a->second) * u * u * (3 - 2 * u));
+    }
+}
+BENCHMARK(EvaluateCurvePlain)->Arg(100)->Arg(10000);
+
+void EvaluateCurve(benchmark::State& state) {
+    auto& scene = host::Host::instance().scene();
+    std::string keys;
+    for (int k = 0; k < state.range(0); ++k) keys += " " + std::to_string(k) + " " + std::to_string(keyValue(k));
+    host::files::SceneReader(scene, {}).readText(
+        "createNode transform -n \"a\"; createNode animCurveTL -n \"c\"; setAttr \".tan\" 3; setAttr \".ktv[0:" +
+            std::to_string(state.range(0) - 1) + "]\"" + keys + "; connectAttr \"c.o\" \"a.tx\";",
+        "curve");
+    auto& plug = scene.findPlug("a.tx");
+    double t = 0;
+    for (auto _ : state) {
+        t = std::fmod(t + 100003, 250.0 * static_cast<double>(state.range(0) - 1));
+        scene.setTime(t);
+        host::scene::evaluate(plug);
+        benchmark::DoNotOptimize(plug.number());
+    }
+    scene.reset();
+}
+BENCHMARK(EvaluateCurve)->Arg(100)->Arg(10000);
 
 void SetGetPlain(benchmark::State& state) {
     std::unordered_map<std::string, double> values{{"prop.translateX", 0}};

@@ -55,6 +55,25 @@ TEST(String, CountsBytesAndCodePoints) {
     EXPECT_EQ(MString("\xFFz").numChars(), 2u); // not UTF-8
 }
 
+// Fault: bytes that are no UTF-8 (overlong, half of a pair, beyond the last code point, cut off) taken for characters;
+// an end of a range of lengths that belongs to its neighbour.
+TEST(String, WideTextsAreWellFormedOrBytes) {
+    for (const char* odd : {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80",
+                            "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xE2\x82", "\x80", "\xC3("})
+        EXPECT_EQ(MString(odd).numChars(), MString(odd).length()) << testing::PrintToString(odd);
+    const std::pair<const wchar_t*, const char*> ends[] = {{L"\x7F", "\x7F"},
+                                                           {L"\x80", "\xC2\x80"},
+                                                           {L"\x7FF", "\xDF\xBF"},
+                                                           {L"\x800", "\xE0\xA0\x80"},
+                                                           {L"\xFFFF", "\xEF\xBF\xBF"},
+                                                           {L"\x10000", "\xF0\x90\x80\x80"},
+                                                           {L"\x10FFFF", "\xF4\x8F\xBF\xBF"}};
+    for (const auto& [wide, bytes] : ends) {
+        EXPECT_EQ(text(MString(wide)), bytes);
+        EXPECT_EQ(std::wstring(MString(bytes).asWChar()), wide) << testing::PrintToString(bytes);
+    }
+}
+
 struct SplitCase {
     const char* text;
     std::vector<std::string> parts;

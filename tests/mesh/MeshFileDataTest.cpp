@@ -15,8 +15,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 bool readFaces(MeshFileData& data, std::string_view text, std::string* error) {
-    TextWords words(text);
-    return data.parsePolyFaces(data.numFaces(), words, error);
+    return data.parsePolyFaces(data.numFaces(), text, error);
 }
 
 /// The list form of a mesh, as it would go through a file.
@@ -81,12 +80,10 @@ TEST(MeshFileData, ReadsAHandWrittenCube) {
                           "f 4 2 9 -4 -9 fc 4 0 1 2 3",
                           &error))
         << error;
-    const std::vector<std::string> rest{"f", "4", "3",  "11", "-1", "-11", "f",  "4", "-12", "-10", "-8", "-6",
-                                        "f", "4", "10", "4",  "6",  "8",   "mf", "4", "-1",  "-1",  "-1", "-1"};
-    ListWords words(rest);
-    EXPECT_FALSE(data.parsePolyFaces(4, words, &error));
+    const std::string_view rest = "f 4 3 11 -1 -11 f 4 -12 -10 -8 -6 f 4 10 4 6 8 mf 4 -1 -1 -1 -1";
+    EXPECT_FALSE(data.parsePolyFaces(4, rest, &error));
     EXPECT_THAT(error, HasSubstr("face 3 was expected"));
-    ASSERT_TRUE(data.parsePolyFaces(3, words, &error)) << error;
+    ASSERT_TRUE(data.parsePolyFaces(3, rest, &error)) << error;
     ASSERT_TRUE(data.setTweak(1, 9, 9, 9) && data.setTweak(1, 0, 0, 1) && data.setTweak(1000, 1, 1, 1));
     int holes = 0;
     const auto mesh = data.build(&error, &holes);

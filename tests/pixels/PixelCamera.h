@@ -27,17 +27,11 @@ struct PixelCamera {
     double focalLength = 35;
     int width = 96, height = 54;
 
-    /// The unit direction through the centre of a pixel, counted from the top left. The film gate is 1.41732 x 0.94488
-    /// inches, and fills the port: the tighter of the two directions decides.
+    /// The unit direction through the centre of a pixel, counted from the top left. The film gate is 36 mm wide
+    /// and as wide as the port.
     V3 direction(int column, int row) const {
         constexpr double degree = 3.14159265358979323846 / 180;
-        const double film[2] = {1.41732, 0.94488};
-        const double port = static_cast<double>(width) / height;
-        double h = film[0] / 2 * 25.4 / focalLength, v = film[1] / 2 * 25.4 / focalLength;
-        if (port > film[0] / film[1])
-            v = h / port;
-        else
-            h = v * port;
+        const double h = 18 / focalLength, v = h * height / width;
         const V3 local{((column + 0.5) / width * 2 - 1) * h, (1 - (row + 0.5) / height * 2) * v, -1};
         const double cp = std::cos(pitch * degree), sp = std::sin(pitch * degree);
         const V3 tilted{local.x, local.y * cp - local.z * sp, local.y * sp + local.z * cp};

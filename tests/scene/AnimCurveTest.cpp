@@ -37,6 +37,11 @@ protected:
         evaluate(plug());
         return plug().number();
     }
+    /// Sets a number of the curve, as one step of undo.
+    void put(const std::string& name, double value) {
+        const UndoQueue::Chunk step(scene.undo);
+        scene.setNumber(scene.findPlug(curveOf(plug())->name + "." + name), value);
+    }
     void key(double time, double value, Tangent in = Tangent::Linear, Tangent out = Tangent::Linear) {
         setKey(scene, plug(), time, value, in, out);
     }
@@ -71,13 +76,46 @@ INSTANTIATE_TEST_SUITE_P(
         // A quarter of the way a cubic with level ends has gone 3/16 - 2/64 of the height.
         CurveCase{
             "Flat", peak, Tangent::Flat, Tangent::Flat, constant, constant, {{250, 1.5625}, {500, 5}, {1500, 6.875}}},
-        CurveCase{"SmoothIsLevelAtAPeak",
+        CurveCase{"AutoIsLevelAtAPeak",
+                  peak,
+                  Tangent::Auto,
+                  Tangent::Auto,
+                  constant,
+                  constant,
+                  {{250, 1.5625}, {1500, 6.875}}},
+        // Straight to the neighbour at the ends (0.01, -0.01 a tick), between the neighbours inside (-10 / 3000); half
+        // way an eighth of the difference of the slopes, times the span, comes to the middle.
+        CurveCase{"Spline",
                   peak,
                   Tangent::Spline,
                   Tangent::Spline,
                   constant,
                   constant,
-                  {{250, 1.5625}, {1500, 6.875}}},
+                  {{500, 5 + (0.01 + 1.0 / 300) * 1000 / 8}, {2000, 0 + (-1.0 / 300 + 0.01) * 2000 / 8}}},
+        CurveCase{"SplineOfTwoKeysIsStraight",
+                  {{0, 0}, {1000, 10}},
+                  Tangent::Spline,
+                  Tangent::Spline,
+                  constant,
+                  constant,
+                  {{250, 2.5}, {700, 7}}},
+        // The values 10 and 10.01 are close: the curve goes straight between them, and as a spline before them, where
+        // the slope is 0.01 from the end and 10.01 / 2000 from the middle.
+        CurveCase{"ClampedDoesNotSwingBetweenCloseValues",
+                  {{0, 0}, {1000, 10}, {2000, 10.01}, {3000, 0}},
+                  Tangent::Clamped,
+                  Tangent::Clamped,
+                  constant,
+                  constant,
+                  {{500, 5 + (0.01 - 10.01 / 2000) * 1000 / 8}, {1250, 10.0025}, {1500, 10.005}}},
+        // The slope between the neighbours would be 20.2 / 2000; three times the flat side's 0.2 / 1000 is less.
+        CurveCase{"PlateauDoesNotSwingBeyondTheKeys",
+                  {{0, 0}, {1000, 0.2}, {2000, 20.2}, {3000, 20.2}},
+                  Tangent::Plateau,
+                  Tangent::Plateau,
+                  constant,
+                  constant,
+                  {{500, 0.1 - 0.0006 * 1000 / 8}, {1500, 10.2 + 0.0006 * 1000 / 8}, {2500, 20.2}}},
         // The slope at the middle key is 40 / 3000; halfway a cubic gets 1/8 of slope times span from either end.
         CurveCase{"SmoothFollowsTheNeighbours",
                   rise,
@@ -145,6 +183,78 @@ TEST_F(AnimCurve, KeysStayInOrderOfTime) {
     EXPECT_EQ(curveOf(plug()), nullptr);
     EXPECT_EQ(removeKeys(scene, plug(), -1e9, 1e9), 0);
     EXPECT_TRUE(scene.findNodes("g_translateX").empty()) << "a curve without keys";
+}
+
+// Catches a curve whose keys are not found through its plugs, or are others there; sizes and sets of elements, undo of
+// a single number, and keys that are numbered in another order than their times.
+TEST_F(AnimCurve, KeysArePlugs) {
+    key(0, 1);
+    key(500, 2, Tangent::Linear, Tangent::Step);
+    const std::string curve = curveOf(plug())->name;
+    EXPECT_EQ(run("getAttr -s " + curve + ".ktv"), "2");
+    EXPECT_EQ(run("getAttr " + curve + ".ktv[1].kv"), "2");
+    EXPECT_EQ(run("getAttr " + curve + ".kot"), "2 5");
+    EXPECT_EQ(run("getAttr -mi " + curve + ".keyTanInX"), "");
+    put("ktv[0].kt", 2000);
+    put("kix[0]", 0.5);
+    EXPECT_THAT(keysOf(*curveOf(plug())), ElementsAre(Pair(500, 2), Pair(2000, 1)));
+    run("undo; undo");
+    EXPECT_THAT(keysOf(*curveOf(plug())), ElementsAre(Pair(0, 1), Pair(500, 2)));
+    put("ktv[7].kv", 3);
+    EXPECT_EQ(run("getAttr -mi " + curve + ".ktv"), "0 1 7");
+    run("undo");
+    run("duplicate -un -n h g");
+    EXPECT_THAT(keysOf(*curveOf(scene.findPlug("h.tx"))), ElementsAre(Pair(0, 1), Pair(500, 2)));
+}
+
+// Catches keys that cost more than 64 bytes, and a curve that is put in order anew at each evaluation.
+TEST_F(AnimCurve, KeysAreSmall) {
+    for (int k = 0; k < 1000; ++k) key(250.0 * k, k % 7);
+    EXPECT_EQ(at(250.0 * 500 + 125), 500 % 7 + 0.5);
+    EXPECT_LE(curveKeys(*curveOf(plug()))->bytes(), 64u * 1000);
+}
+
+// Catches a change of time that marks the scene as changed.
+TEST_F(AnimCurve, TimeIsNoChangeOfTheScene) {
+    key(0, 0);
+    key(1000, 10);
+    scene.modified = false;
+    EXPECT_EQ(at(500), 5);
+    EXPECT_FALSE(scene.modified);
+}
+
+// Catches a curve that outlives the one node that it drives, or does not come back with it.
+TEST_F(AnimCurve, CurvesGoWithTheirNode) {
+    run("setKeyframe -at tx g; setKeyframe -at ty g; group -em -n other; connectAttr g_translateY.output other.sy");
+    run("delete g");
+    EXPECT_EQ(run("ls -type animCurve"), "g_translateY");
+    run("undo");
+    EXPECT_EQ(run("ls -type animCurve"), "g_translateX g_translateY");
+    EXPECT_EQ(run("connectionInfo -sfd g.tx"), "g_translateX.output");
+}
+
+// Catches fixed tangents that do not keep what the key had before, and ones read as other than vectors in seconds:
+// 0.5 seconds and 3 centimetres are a slope of 6 a second, or weighted a control point 1000 ticks and 1 on.
+TEST_F(AnimCurve, FixedTangents) {
+    key(0, 0, Tangent::Flat, Tangent::Linear);
+    key(6000, 12, Tangent::Fixed, Tangent::Fixed);
+    put("kot[0]", 1);
+    put("kox[0]", 0.5);
+    put("koy[0]", 3);
+    EXPECT_NEAR(at(3000), 6 + 6.0 / 8, 1e-9) << "level at the end";
+    put("kox[0]", 0);
+    EXPECT_NEAR(at(3000), 6 + 5729577.9485111479 / 8, 1e-3) << "as good as vertical";
+    put("kox[0]", 0.5);
+    put("wgt", 1);
+    // Control points at 1/6 (height 1) and 2/3 (height 12) of a second: at u = 1/2 the time is 3/8 (1/6 + 2/3) + 1/8 =
+    // 7/16 and the height 3/8 (1 + 12) + 12/8 = 6.375.
+    EXPECT_NEAR(at(6000 * 7.0 / 16), 6.375, 1e-9);
+    run("setKeyframe -at tz -t 1 -v 0 -itt spline -ott spline g; setKeyframe -at tz -t 9 -v 5 -itt auto -ott spline g;"
+        "setKeyframe -at tz -t 17 -v 2 -itt spline -ott spline g");
+    scene.setTime(3250);
+    const double before = numbers("getAttr g.tz").at(0);
+    EXPECT_EQ(run("keyTangent -itt fixed -ott fixed g.tz; keyTangent -q -ott g.tz"), "fixed fixed fixed");
+    EXPECT_NEAR(numbers("getAttr g.tz").at(0), before, 1e-6);
 }
 
 // Catches a removal or a new key that gives the tangents of one key to another.

@@ -3,6 +3,8 @@
 #include "scene/DagBehavior.h"
 
 #include <maya/MPoint.h>
+#include <maya/MQuaternion.h>
+#include <maya/MTransformationMatrix.h>
 
 #include <array>
 #include <cmath>
@@ -127,6 +129,53 @@ TEST_F(DagMatrix, InheritsTransformOff) {
     scene.setNumber(middle.cell("inheritsTransform"), 1);
     expectMaps(matrix("leaf.worldMatrix[0]"), {0, 0, 0}, {500, 10, 1});
     expectMaps(matrix("leaf.worldInverseMatrix[0]"), {500, 10, 1}, {0, 0, 0});
+}
+
+// Catches an offset matrix that is applied before the channels or behind the parent, is left out of the parent matrix,
+// missed when it changes or is fed, or in the node's own matrix.
+TEST_F(DagMatrix, OffsetParentMatrix) {
+    DagNode &top = make("top"), &middle = make("middle", &top), &leaf = make("leaf", &middle);
+    set(top, "translate", {0, 10, 0});
+    set(middle, "translate", {1, 0, 0});
+    set(leaf, "translate", {0, 0, 1});
+    expectMaps(matrix("leaf.worldMatrix[0]"), {0, 0, 0}, {1, 10, 1});
+    const double quarterTurn[4][4] = {{0, 1, 0, 0}, {-1, 0, 0, 0}, {0, 0, 1, 0}, {5, 0, 0, 1}};
+    scene.setValue(scene.findPlug("middle.offsetParentMatrix"), MMatrix(quarterTurn));
+    expectMaps(matrix("leaf.worldMatrix[0]"), {0, 0, 0}, {5, 11, 1}, "turned, moved by 5, then by 10");
+    expectMaps(matrix("middle.matrix"), {0, 0, 0}, {1, 0, 0});
+    expectMaps(matrix("middle.dagLocalMatrix"), {0, 0, 0}, {5, 1, 0});
+    expectMaps(matrix("middle.parentMatrix[0]"), {0, 0, 0}, {5, 10, 0});
+    expectMaps(matrix("leaf.parentInverseMatrix[0]"), {5, 11, 0}, {0, 0, 0});
+    DagNode& driver = make("driver");
+    scene.connect(scene.findPlug("driver.matrix"), scene.findPlug("middle.offsetParentMatrix"));
+    set(driver, "translate", {0, 0, 100});
+    expectMaps(matrix("leaf.worldMatrix[0]"), {0, 0, 0}, {1, 10, 101});
+    run("xform -ws -t 7 8 9 middle");
+    expectMaps(matrix("middle.worldMatrix[0]"), {0, 0, 0}, {7, 8, 9});
+}
+
+// Catches a joint's factors in another order, the parent's scale left in or taken out against the attribute, pivots and
+// shear that joints do not have, and a rotation set in the world that forgets the orientation.
+TEST_F(DagMatrix, Joints) {
+    const NodeType& type = *scene.findType("joint");
+    DagNode& hip = *scene.createNode(type, "hip")->dag();
+    DagNode& knee = *scene.createNode(type, "knee", &hip)->dag();
+    set(hip, "scale", {2, 4, 1});
+    set(hip, "rotatePivot", {9, 9, 9});
+    set(hip, "shear", {9, 9, 9});
+    expectMaps(transformMatrix(hip), {1, 1, 1}, {2, 4, 1});
+    // y by X to z, that by the orientation about Y to x.
+    set(hip, "rotate", {quarter, 0, 0});
+    set(hip, "jointOrient", {0, quarter, 0});
+    expectMaps(transformMatrix(hip), {0, 1, 0}, {4, 0, 0});
+    scene.connect(scene.findPlug("hip.scale"), scene.findPlug("knee.inverseScale"));
+    set(knee, "translate", {1, 1, 0});
+    set(knee, "jointOrient", {0, 0, quarter});
+    expectMaps(transformMatrix(knee), {1, 0, 0}, {1, 1.25, 0}, "turned to y, a quarter of it, moved");
+    scene.setNumber(knee.cell("segmentScaleCompensate"), 0);
+    expectMaps(transformMatrix(knee), {1, 0, 0}, {1, 2, 0});
+    run("xform -ws -ro 0 0 0 knee");
+    expectMaps(MTransformationMatrix(knee.worldMatrix()).rotation().asMatrix(), {1, 0, 0}, {1, 0, 0});
 }
 
 // Catches inverses in the wrong order, of the wrong matrix, or stale after a change above or another parent.

@@ -82,6 +82,17 @@ TEST_F(DependencyTest, DiamondsAreComputedOnceAChange) {
     EXPECT_EQ(computed, 10);
 }
 
+/// Fails when a change of a part does not reach what the whole is connected to, or a part of that.
+TEST_F(DependencyTest, ConnectedCompoundsPassOnTheirParts) {
+    run("group -em -n a; group -em -n b; group -em -n c; connectAttr a.t b.t; connectAttr b.t c.t");
+    EXPECT_EQ(value("c.ty"), 0);
+    scene.setNumber(scene.findPlug("a.ty"), 7);
+    EXPECT_EQ(value("c.ty"), 7);
+    scene.setNumber(scene.findPlug("a.ty"), 8);
+    EXPECT_EQ(value("b.ty"), 8);
+    EXPECT_EQ(run("getAttr c.t"), "0 8 0");
+}
+
 /// Fails when a cycle hangs, overflows the stack, is not told, or is told at every look.
 TEST_F(DependencyTest, CyclesAreToldOnceAndEnd) {
     adders("one two");

@@ -53,8 +53,7 @@ protected:
         const int edges[] = {0, 1, 1, 1, 2, 1, 2, 3, 1, 3, 0, 1};
         EXPECT_TRUE(mesh.file.appendVertices(0, {square, static_cast<std::size_t>(vertices) * 3}));
         EXPECT_TRUE(mesh.file.appendEdges(0, edges));
-        host::mesh::TextWords words(faces);
-        EXPECT_TRUE(mesh.file.parsePolyFaces(0, words));
+        EXPECT_TRUE(mesh.file.parsePolyFaces(0, faces));
         mesh.fileUsed = true;
         return mesh;
     }
@@ -166,16 +165,16 @@ TEST_F(MeshNode, ConnectedAndDuplicatedShapes) {
 }
 
 // Catches holes that vanish without a word, words that come again at each look, and a wrong number in them.
-TEST_F(MeshNode, IgnoredHolesAreTold) {
+TEST_F(MeshNode, HolesAreTold) {
     fromFile("f 4 0 1 2 3 h 3 0 1 2");
     EXPECT_EQ(points("m").size(), 4u);
     points("m");
-    EXPECT_THAT(complaints, ElementsAre("The mesh 'm' has 1 hole, which is ignored."));
+    EXPECT_THAT(complaints, ElementsAre("The mesh 'm' has 1 hole, which is kept and drawn closed."));
     complaints.clear();
     run("delete m");
     fromFile("f 4 0 1 2 3 h 3 0 1 2 h 3 1 2 3");
     EXPECT_EQ(points("m").size(), 4u);
-    EXPECT_THAT(complaints, ElementsAre("The mesh 'm' has 2 holes, which are ignored."));
+    EXPECT_THAT(complaints, ElementsAre("The mesh 'm' has 2 holes, which are kept and drawn closed."));
 }
 
 // Catches a mesh that cannot be built and is used all the same, and a node that can then take no other one.

@@ -1,5 +1,7 @@
 #include "SceneFixture.h"
 
+#include "scene/AnimCurve.h"
+
 #include <algorithm>
 #include <sstream>
 
@@ -52,6 +54,10 @@ std::string fingerprint(Scene& scene) {
         }
         for (const auto& a : node->dynamicAttributes()) out << "  has " << a->longName << '\n';
         for (Cell* cell : node->cells()) describe(*cell, out);
+        if (const CurveKeys* keys = curveKeys(*node))
+            for (const CurveKey& k : keys->keys())
+                out << "  key " << k.index << ' ' << k.time << ' ' << k.value << ' ' << int(k.in) << ' ' << int(k.out)
+                    << ' ' << k.given << '\n';
         if (const auto mesh = meshOf(*node))
             for (const auto& p : mesh->points()) out << "  " << p.x << ',' << p.y << ',' << p.z << '\n';
     }

@@ -44,8 +44,7 @@ INSTANTIATE_TEST_SUITE_P(AllFits, FilmFitTest,
                          [](const auto& info) { return std::string(info.param.name); });
 
 // Fault: a wrong unit, or half the angle. A new camera's horizontal angle of view is 54.43 degrees in a port of the
-// film's proportion: 2 atan(1.41732 * 25.4 / 2 / 35). Its vertical one is 2 atan(12 / 35) = 37.85 degrees (0.94488
-// inches are 24 mm).
+// film's proportion: 2 atan(18 / 35). Its vertical one is 2 atan(12 / 35) = 37.85 degrees.
 TEST(PortFieldOfView, OfANewCamera) {
     const auto view = portFieldOfView(CameraOptics{}, 600, 400);
     ASSERT_TRUE(view);

@@ -82,6 +82,11 @@ struct Target {
     Cell& operator*() const { return *cell; }
 };
 
+/// Makes cells for elements that the node keeps in another way.
+void showElements(Cell& array) {
+    if (array.attribute.internal) scene::evaluate(array);
+}
+
 MStatus fail(MStatus* out) {
     setStatus(out, MStatus::kFailure);
     return MStatus::kFailure;
@@ -222,6 +227,7 @@ unsigned int MPlug::getExistingArrayAttributeIndices(MIntArray& indices, MStatus
         return 0;
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
+    showElements(*t);
     for (const auto& [i, e] : t->elements) indices.append(i);
     return indices.length();
 }
@@ -233,6 +239,7 @@ unsigned int MPlug::numElements(MStatus* ReturnStatus) const {
         return 0;
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
+    showElements(*t);
     return static_cast<unsigned int>(t->elements.size());
 }
 
@@ -331,6 +338,7 @@ MPlug MPlug::elementByLogicalIndex(unsigned int index, MStatus* ReturnStatus) co
 
 MPlug MPlug::elementByPhysicalIndex(unsigned int index, MStatus* ReturnStatus) const {
     const Target t(*this);
+    if (t && t->isArray()) showElements(*t);
     if (!t || !t->isArray() || index >= t->elements.size()) {
         setStatus(ReturnStatus, MStatus::kInvalidParameter);
         return MPlug();

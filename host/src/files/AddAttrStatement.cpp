@@ -120,7 +120,8 @@ public:
             if (const auto it = longNames.find(flag); it != longNames.end()) flag = it->second;
             const bool known =
                 std::any_of(longNames.begin(), longNames.end(), [&](auto& e) { return e.second == flag; });
-            if (!known) throw SceneError("addAttr: invalid flag '" + std::string(word.text) + "'.");
+            // A later release may have it.
+            if (!known) throw UnknownHere("addAttr: invalid flag '" + std::string(word.text) + "'.");
             if (flag == "m" || flag == "uac" || flag == "uaf" || flag == "uap") {
                 values_[flag] = "1";
                 continue;

@@ -1,6 +1,7 @@
 #include "files/AttributeWriter.h"
 
 #include "files/NumberWords.h"
+#include "scene/AnimCurve.h"
 #include "scene/MeshNode.h"
 
 #include <algorithm>
@@ -357,29 +358,78 @@ void AttributeWriter::define(const Attribute& a) {
     for (const auto& child : a.children) define(*child);
 }
 
+/// Writes `count` elements of a list from `start` on, in statements of at most `most`; the first says that the list has
+/// `all`, unless that is 0.
+template <class Put>
+void AttributeWriter::pieces(const std::string& list, const char* type, std::size_t start, std::size_t count,
+                             std::size_t all, std::size_t most, std::size_t width, Put put) {
+    for (std::size_t done = 0; done < count; done += most) {
+        const std::size_t first = start + done, last = start + std::min(done + most, count) - 1;
+        out_ += "\tsetAttr";
+        if (done == 0 && all > 0) out_ += " -s " + std::to_string(all);
+        out_ += " \"." + list + "[" + std::to_string(first);
+        if (last > first) out_ += ":" + std::to_string(last);
+        out_ += "]\"";
+        out_ += type;
+        Lines lines(out_);
+        for (std::size_t i = first; i <= last; ++i)
+            for (std::size_t k = 0; k < width; ++k) {
+                lines.gap();
+                put(i, k);
+            }
+        out_ += ";\n";
+    }
+}
+
+/// What is said of elements of a list whose values are written elsewhere.
+void AttributeWriter::listStates(Cell& c) {
+    std::string flags;
+    states(c, flags);
+    if (!flags.empty()) out_ += "\tsetAttr" + flags + " \"." + plugText(c, false) + "\";\n";
+    for (auto& child : c.children)
+        if (child) listStates(*child);
+    for (auto& [index, element] : c.elements) listStates(*element);
+}
+
+void AttributeWriter::curve(Node& node) {
+    const std::vector<CurveKey>& keys = curveKeys(node)->keys();
+    for (const char* name : {"keyTimeValue", "keyTanInType", "keyTanOutType", "keyTanLocked", "keyWeightLocked",
+                             "keyTanInX", "keyTanInY", "keyTanOutX", "keyTanOutY", "keyBreakdown"}) {
+        const CurveKey::List list = *curveList(name);
+        const Attribute& a = *node.type.find(name);
+        const bool pairs = list == CurveKey::TimeValue;
+        std::size_t all = 0;
+        for (const CurveKey& key : keys) all += (key.given & list) != 0;
+        bool first = true;
+        for (std::size_t i = 0; i < keys.size();) {
+            if (!(keys[i].given & list)) {
+                ++i;
+                continue;
+            }
+            std::size_t end = i + 1;
+            while (end < keys.size() && (keys[end].given & list) && keys[end].index == keys[end - 1].index + 1) ++end;
+            const std::size_t shift = static_cast<std::size_t>(keys[i].index) - i;
+            pieces(a.shortName, "", static_cast<std::size_t>(keys[i].index), end - i, first ? all : 0, 200,
+                   pairs ? 2 : 1, [&](std::size_t index, std::size_t k) {
+                       const CurveKey& key = keys[index - shift];
+                       if (pairs)
+                           number(*a.children[k], k == 0 ? key.time : key.value);
+                       else
+                           number(a, curveNumber(key, list));
+                   });
+            first = false;
+            i = end;
+        }
+        if (Cell* cell = node.existingCell(a)) listStates(*cell);
+    }
+}
+
 void AttributeWriter::mesh(Node& node) {
     MeshBehavior& b = *meshBehavior(node);
     b.settle();
     const double scale = units_.factor(AttributeType::Distance);
-    const auto pieces = [&](const char* list, const char* type, std::size_t count, std::size_t most, std::size_t width,
-                            auto put) {
-        for (std::size_t first = 0; first < count; first += most) {
-            const std::size_t last = std::min(first + most, count) - 1;
-            out_ += "\tsetAttr";
-            if (first == 0) out_ += " -s " + std::to_string(count);
-            out_ += " \"." + std::string(list) + "[" + std::to_string(first);
-            if (last > first) out_ += ":" + std::to_string(last);
-            out_ += "]\"";
-            out_ += type;
-            Lines lines(out_);
-            for (std::size_t i = first; i <= last; ++i)
-                for (std::size_t k = 0; k < width; ++k) {
-                    lines.gap();
-                    put(i, k);
-                }
-            out_ += ";\n";
-        }
-    };
+    const auto whole = [&](const std::string& list, const char* type, std::size_t count, std::size_t most,
+                           std::size_t width, auto put) { pieces(list, type, 0, count, count, most, width, put); };
     if (b.own) {
         const mesh::PolyMesh& m = *b.own;
         const bool hasSets = hasUvSets(&m);
@@ -387,20 +437,20 @@ void AttributeWriter::mesh(Node& node) {
             const mesh::UvSet& uvs = m.uvSet(set);
             const std::string list = "uvst[" + std::to_string(set) + "]";
             out_ += "\tsetAttr \"." + list + ".uvsn\" -type \"string\" " + quotedText(uvs.name) + ";\n";
-            pieces((list + ".uvsp").c_str(), " -type \"float2\"", uvs.u.size(), 250, 2,
-                   [&](std::size_t i, std::size_t k) { appendNumber(out_, k == 0 ? uvs.u[i] : uvs.v[i]); });
+            whole(list + ".uvsp", " -type \"float2\"", uvs.u.size(), 250, 2,
+                  [&](std::size_t i, std::size_t k) { appendNumber(out_, k == 0 ? uvs.u[i] : uvs.v[i]); });
         }
         if (hasSets)
             out_ += "\tsetAttr \".cuvs\" -type \"string\" " + quotedText(m.uvSet(m.currentUvSet()).name) + ";\n";
-        pieces("vt", "", m.points().size(), 166, 3, [&](std::size_t i, std::size_t k) {
+        whole("vt", "", m.points().size(), 166, 3, [&](std::size_t i, std::size_t k) {
             const mesh::Float3& p = m.points()[i];
             appendScaled(out_, k == 0 ? p.x : k == 1 ? p.y : p.z, scale);
         });
         const std::vector<int> edges = mesh::fileEdges(m);
-        pieces("ed", "", edges.size() / 3, 166, 3,
-               [&](std::size_t i, std::size_t k) { appendNumber(out_, static_cast<std::int64_t>(edges[3 * i + k])); });
+        whole("ed", "", edges.size() / 3, 166, 3,
+              [&](std::size_t i, std::size_t k) { appendNumber(out_, static_cast<std::int64_t>(edges[3 * i + k])); });
         const auto normals = m.explicitNormals();
-        pieces("n", " -type \"float3\"", normals.size(), 166, 3, [&](std::size_t i, std::size_t k) {
+        whole("n", " -type \"float3\"", normals.size(), 166, 3, [&](std::size_t i, std::size_t k) {
             appendNumber(out_, k == 0 ? normals[i].x : k == 1 ? normals[i].y : normals[i].z);
         });
         for (int first = 0; first < m.numPolygons(); first += 500) {
@@ -430,11 +480,14 @@ void AttributeWriter::write(Node& node) {
     for (const AttributePtr& a : node.dynamicAttributes()) define(*a);
     const MeshBehavior* isMesh = meshBehavior(node);
     if (isMesh) mesh(node);
+    const bool isCurve = curveKeys(node);
     for (Cell* c : node.cells()) {
+        if (isCurve && curveList(c->attribute.longName)) continue;
         const std::string& name = c->attribute.longName;
         if (isMesh && name == "currentUVSet" && hasUvSets(isMesh->own.get())) continue; // the mesh knows it
         cell(*c);
     }
+    if (isCurve) curve(node);
     constexpr double firstFrame = 250;
     if (node.type.name == "time" && node.isDefault && node.scene.time() != firstFrame) {
         out_ += "\tsetAttr \".o\" ";

@@ -28,6 +28,11 @@ private:
     void value(scene::Cell& cell, const std::string& flags);
     void states(scene::Cell& cell, std::string& flags) const;
     void mesh(scene::Node& node);
+    void curve(scene::Node& node);
+    void listStates(scene::Cell& list);
+    template <class Put>
+    void pieces(const std::string& list, const char* type, std::size_t first, std::size_t count, std::size_t all,
+                std::size_t most, std::size_t width, Put put);
     void number(scene::Cell& leaf);
     void number(const scene::Attribute& attribute, double value);
     bool differs(scene::Cell& cell) const;

@@ -4,8 +4,6 @@
 #include "scene/MeshNode.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <span>
 
 namespace host::files {
 
@@ -13,40 +11,10 @@ using namespace scene;
 
 namespace {
 
-class FaceWords final : public mesh::WordStream {
-public:
-    explicit FaceWords(std::span<const Word> words) : rest_(words) {}
-    std::string_view next() override {
-        if (rest_.empty()) return {};
-        const std::string_view word = rest_.front().text;
-        rest_ = rest_.subspan(1);
-        return word;
-    }
-
-private:
-    std::span<const Word> rest_;
-};
-
-std::vector<float> floats(std::span<const Word> words, double factor = 1) {
-    std::vector<float> numbers;
-    numbers.reserve(words.size());
-    for (const Word& word : words) {
-        const auto v = parseFloat(word.text);
-        if (!v) throw SceneError("'" + std::string(word.text.substr(0, 60)) + "' is not a number.");
-        numbers.push_back(factor == 1 ? *v : static_cast<float>(*v * factor));
-    }
-    return numbers;
-}
-
-std::vector<int> integers(std::span<const Word> words) {
-    std::vector<int> numbers;
-    numbers.reserve(words.size());
-    for (const Word& word : words) {
-        const auto v = parseInteger(word.text);
-        if (!v || *v < INT32_MIN || *v > INT32_MAX)
-            throw SceneError("'" + std::string(word.text.substr(0, 60)) + "' is not a whole number.");
-        numbers.push_back(static_cast<int>(*v));
-    }
+std::vector<float> floats(const ListValues& values, double factor = 1) {
+    auto numbers = values.numbers<float>();
+    if (factor != 1)
+        for (float& v : numbers) v = static_cast<float>(v * factor);
     return numbers;
 }
 
@@ -129,13 +97,13 @@ void movePoints(Scene& scene, Node& node, MeshBehavior& b, const MeshPath& p, co
 } // namespace
 
 bool setMeshList(const StatementContext& c, Node& node, std::string_view path, std::string_view type,
-                 std::span<const Word> values) {
+                 const ListValues& values) {
     MeshBehavior* b = meshBehavior(node);
     if (!b) return false;
     const MeshPath p(path);
     const auto is = [&](std::string_view brief, std::string_view full) { return p.list == brief || p.list == full; };
     if (is("cuvs", "currentUVSet")) {
-        if (values.size() == 1) b->file.setCurrentUvSet(std::string(values.front().text));
+        if (values.words.size() == 1) b->file.setCurrentUvSet(std::string(values.words.front().text));
         return false; // the attribute has it, too
     }
     const bool points = is("vt", "vrts"), offsets = is("pt", "pnts"), edges = is("ed", "edge"),
@@ -149,30 +117,35 @@ bool setMeshList(const StatementContext& c, Node& node, std::string_view path, s
     const double scale = c.units.factor(AttributeType::Distance);
     const bool built = b->own && !b->fileUsed;
     if (offsets || (points && built)) {
-        if (offsets && p.part.empty() && values.size() % 3 != 0) throw SceneError("The offsets are not groups of 3.");
-        movePoints(c.scene, node, *b, p, floats(values, scale), offsets);
+        const std::vector<float> xyz = floats(values, scale);
+        if (offsets && p.part.empty() && xyz.size() % 3 != 0) throw SceneError("The offsets are not groups of 3.");
+        movePoints(c.scene, node, *b, p, xyz, offsets);
         return true;
     }
     if (built) throw SceneError("The mesh '" + c.scene.displayName(node) + "' is made already; its lists stay.");
 
     std::string error;
     const auto first = static_cast<std::size_t>(std::max(p.first, 0));
+    std::size_t count = 0;
+    const auto counted = [&](auto numbers) {
+        count = numbers.size();
+        return numbers;
+    };
     if (points)
-        b->file.appendVertices(first, floats(values, scale), &error);
+        b->file.appendVertices(first, counted(floats(values, scale)), &error);
     else if (edges)
-        b->file.appendEdges(first, integers(values), &error);
+        b->file.appendEdges(first, counted(values.numbers<int>()), &error);
     else if (normals)
-        b->file.appendNormals(first, floats(values), &error);
+        b->file.appendNormals(first, counted(floats(values)), &error);
     else if (oldUvs)
-        b->file.setUvs(0, first, floats(values), &error);
+        b->file.setUvs(0, first, counted(floats(values)), &error);
     else if (faces) {
         if (type != "polyFaces") throw SceneError("Faces need the type polyFaces.");
-        FaceWords words(values);
-        b->file.parsePolyFaces(first, words, &error);
+        b->file.parsePolyFaces(first, values.words.empty() ? values.tail : std::string_view(values.text()), &error);
     } else if (p.part == "uvsn" || p.part == "uvSetName") {
-        b->file.setUvSetName(p.set, std::string(values.front().text), &error);
+        b->file.setUvSetName(p.set, values.words.empty() ? "" : std::string(values.words.front().text), &error);
     } else if (p.part == "uvsp" || p.part == "uvSetPoints") {
-        b->file.setUvs(p.set, first, floats(values), &error);
+        b->file.setUvs(p.set, first, counted(floats(values)), &error);
     } else {
         throw UnknownHere("No object matches name: " + node.name + "." + std::string(path));
     }
@@ -182,9 +155,9 @@ bool setMeshList(const StatementContext& c, Node& node, std::string_view path, s
     const std::size_t width = faces ? 0 : uvs || oldUvs ? 2 : 3;
     if (width > 0 && p.last >= p.first && p.first >= 0) {
         const auto promised = static_cast<std::size_t>(p.last - p.first) + 1;
-        if (values.size() != promised * width)
+        if (count != promised * width)
             throw SceneError("'" + std::string(path) + "' has " + std::to_string(promised) +
-                             " elements, with values for " + std::to_string(values.size() / width) + ".");
+                             " elements, with values for " + std::to_string(count / width) + ".");
     }
     return true;
 }

@@ -41,7 +41,48 @@ std::string_view shortest(char (&text)[40], T value) {
     return {text, static_cast<std::size_t>(std::to_chars(text, text + sizeof text, value).ptr - text)};
 }
 
+bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+template <class T, class Parse>
+std::string_view readAll(std::string_view text, std::vector<T>& numbers, Parse parseWord) {
+    const char *at = text.data(), *const end = at + text.size();
+    while (true) {
+        while (at != end && isSpace(*at)) ++at;
+        if (at == end) return {};
+        T value = 0;
+        const auto [behind, error] = std::from_chars(at, end, value);
+        if (error == std::errc() && (behind == end || isSpace(*behind))) {
+            numbers.push_back(value);
+            at = behind;
+            continue;
+        }
+        const char* word = at;
+        while (at != end && !isSpace(*at)) ++at;
+        const std::string_view whole(word, static_cast<std::size_t>(at - word));
+        const auto number = parseWord(whole);
+        if (!number) return whole;
+        numbers.push_back(*number);
+    }
+}
+
 } // namespace
+
+std::string_view readNumbers(std::string_view text, std::vector<double>& numbers) {
+    return readAll(text, numbers, parseNumber);
+}
+
+std::string_view readNumbers(std::string_view text, std::vector<float>& numbers) {
+    return readAll(text, numbers, parseFloat);
+}
+
+std::string_view readNumbers(std::string_view text, std::vector<int>& numbers) {
+    return readAll(text, numbers, [](std::string_view word) -> std::optional<int> {
+        const auto value = parseInteger(word);
+        if (!value || *value < std::numeric_limits<int>::min() || *value > std::numeric_limits<int>::max())
+            return std::nullopt;
+        return static_cast<int>(*value);
+    });
+}
 
 std::optional<bool> parseBool(std::string_view word) {
     if (word == "yes" || word == "on" || word == "true" || word == "1") return true;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host::files {
 
@@ -17,6 +18,12 @@ std::optional<float> parseFloat(std::string_view word);
 std::optional<std::int64_t> parseInteger(std::string_view word);
 /// yes, on, true, 1 and their opposites.
 std::optional<bool> parseBool(std::string_view word);
+
+/// Reads the numbers of a text, separated by white space, as parseNumber(), parseFloat() and parseInteger() do, and
+/// appends them. @return the word that is no number of the kind; empty when all are
+std::string_view readNumbers(std::string_view text, std::vector<double>& numbers);
+std::string_view readNumbers(std::string_view text, std::vector<float>& numbers);
+std::string_view readNumbers(std::string_view text, std::vector<int>& numbers);
 
 /// The shortest text that parseNumber() (parseFloat(), and a conversion of parseNumber()'s answer) reads as the same
 /// number.

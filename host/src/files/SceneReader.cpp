@@ -2,6 +2,8 @@
 
 #include "files/FileNames.h"
 #include "files/NumberWords.h"
+#include "scene/MeshFilter.h"
+#include "scene/MeshNode.h"
 #include "scene/Messages.h"
 
 #include <fmt/format.h>
@@ -9,6 +11,7 @@
 #include <algorithm>
 #include <optional>
 #include <set>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -51,12 +54,71 @@ bool isBookkeeping(std::string_view type) {
     return types.contains(type);
 }
 
+/// What a first look at a file finds.
+struct Survey {
+    std::vector<RawList> lists;
+    std::unordered_set<std::string> parents; ///< names and paths of nodes that others are put below
+    std::vector<bool> transforms;            ///< whether a createNode statement is followed by a transform's values
+
+    /// Throws SyntaxError.
+    explicit Survey(std::string_view text);
+    /// Whether a node of that path has children: a file gives parents the shortest path that is theirs alone.
+    bool isParent(std::string_view fullPath) const;
+};
+
+/// Whether the statement sets what only transforms have. Of a node without a parent only whole vectors tell.
+bool setsTransform(const Statement& s, bool hasParent) {
+    static const std::set<std::string_view> vectors{".t",   ".r",  ".s",  ".rp",        ".sp",     ".rpt",
+                                                    ".spt", ".ra", ".sh", ".translate", ".rotate", ".scale"};
+    static const std::set<std::string_view> parts{".tx", ".ty", ".tz", ".rx", ".ry", ".rz",
+                                                  ".sx", ".sy", ".sz", ".it", ".opm"};
+    const auto plug = std::find_if(s.words.begin(), s.words.end(), [](const Word& w) { return w.quoted; });
+    if (plug == s.words.end() || !plug->text.starts_with('.')) return false;
+    if (hasParent && (parts.contains(plug->text) || vectors.contains(plug->text))) return true;
+    const auto isDouble3 = [](const Word& w) { return w.quoted && w.text == "double3"; };
+    return vectors.contains(plug->text) && std::any_of(plug, s.words.end(), isDouble3);
+}
+
+Survey::Survey(std::string_view text) {
+    StatementScanner scanner(text);
+    Statement s;
+    bool open = false, hasParent = false;
+    while (scanner.next(s)) {
+        if (s.name == "createNode") {
+            open = true;
+            hasParent = false;
+            transforms.push_back(false);
+            for (std::size_t i = 0; i + 1 < s.words.size(); ++i) {
+                if (!s.words[i].isFlag() || (s.words[i].text != "-p" && s.words[i].text != "-parent")) continue;
+                parents.emplace(s.words[i + 1].text);
+                hasParent = true;
+            }
+        } else if (s.name == "select") {
+            open = false;
+        } else if (s.name == "parent" && !s.words.empty()) {
+            parents.emplace(s.words.back().text);
+        } else if (open && s.name == "setAttr" && !transforms.back()) {
+            transforms.back() = setsTransform(s, hasParent);
+        }
+    }
+    lists = scanner.takeLists();
+}
+
+bool Survey::isParent(std::string_view fullPath) const {
+    for (std::string_view path = fullPath; !path.empty();) {
+        if (parents.contains(std::string(path))) return true;
+        const auto bar = path.find('|');
+        if (bar == path.npos) break;
+        path.remove_prefix(bar + 1);
+    }
+    return false;
+}
+
 /// One reading of a file.
 class Reading {
 public:
-    Reading(Scene& scene, const SceneReader::Options& options, const std::string& file,
-            std::unordered_set<std::string> parents)
-        : scene_(scene), options_(options), complaints_(file), names_(scene), parents_(std::move(parents)),
+    Reading(Scene& scene, const SceneReader::Options& options, const std::string& file, Survey survey)
+        : scene_(scene), options_(options), complaints_(file), names_(scene), survey_(std::move(survey)),
           context_{scene, {}, nullptr, [this](std::string_view n) { return names_.find(n); }, compounds_} {}
 
     SceneReader::Result run(std::string_view text);
@@ -84,6 +146,10 @@ private:
     void keepWithScene(const Statement& s);
 
     void keep(Node& node, const Statement& s);
+    NodeType::Kind unknownKind(const CreateRequest& request, const DagNode* parent) const;
+    /// The node whose other place a path names, and the parent there.
+    std::pair<Node*, Node*> instanceAt(std::string_view path) const;
+    void warnOfEmptyMeshes();
     std::string newName(const std::string& name) const;
     void connectKnown(Cell& source, Cell& destination, bool force, bool lock);
     Node* placeholder(std::string_view name);
@@ -93,13 +159,16 @@ private:
     const SceneReader::Options& options_;
     Complaints complaints_;
     FileNames names_;
-    std::unordered_set<std::string> parents_;
+    Survey survey_;
+    std::size_t created_ = 0; ///< createNode statements so far
     OpenCompounds compounds_;
     StatementContext context_;
     SceneReader::Result result_;
     std::vector<NodePtr> toLock_;
     std::set<std::string> unknownTypes_, missingPlugins_;
-    int unknownNodes_ = 0, unknownStatements_ = 0;
+    int unknownNodes_ = 0, unknownStatements_ = 0, instances_ = 0;
+    std::unordered_map<std::string, std::pair<Node*, Node*>> instanceByPlace_; ///< "serial of the parent/name"
+    std::unordered_map<const Cell*, Node*> unknownMeshSources_;
 };
 
 const std::unordered_map<std::string_view, Reading::Handler>& Reading::handlers() {
@@ -169,11 +238,25 @@ void Reading::keep(Node& node, const Statement& s) {
     kept.push_back(std::move(text));
 }
 
+NodeType::Kind Reading::unknownKind(const CreateRequest& request, const DagNode* parent) const {
+    const std::string above = parent && !parent->isWorld() ? parent->fullPath() : std::string();
+    const bool isTransform =
+        (created_ > 0 && created_ <= survey_.transforms.size() && survey_.transforms[created_ - 1]) ||
+        survey_.isParent(above + "|" + request.name);
+    if (isTransform) return NodeType::Kind::Transform;
+    return parent ? NodeType::Kind::Shape : NodeType::Kind::Dependency;
+}
+
 void Reading::createNode(const Statement& s) {
     context_.target = nullptr;
+    ++created_;
     CreateRequest request(s);
     const std::string fileName = request.name;
-    if (!request.parent.empty() && !context_.findNode(request.parent)) {
+    Node* above = request.parent.empty() ? nullptr : context_.findNode(request.parent);
+    std::optional<NodeType::Kind> kind;
+    if (!scene_.findType(request.type))
+        kind = unknownKind(request, above ? above->dag() : request.parent.empty() ? nullptr : scene_.world());
+    if (!request.parent.empty() && !above) {
         complaints_.failed(s, "The parent '" + request.parent + "' is not there; '" + fileName +
                                   "' is put below the world.");
         request.parent.clear();
@@ -181,7 +264,7 @@ void Reading::createNode(const Statement& s) {
     const auto before = scene_.nodes().empty() ? 0 : scene_.nodes().rbegin()->first;
     const bool sharedHere = request.shared && context_.findNode(request.name);
     if (!sharedHere) request.name = newName(request.name);
-    Node& node = createNodeStatement(context_, request, parents_.contains(fileName));
+    Node& node = createNodeStatement(context_, request, kind);
     context_.target = &node;
     if (node.serial <= before) return;
     names_.add(node, fileName.empty() ? node.name : fileName);
@@ -196,7 +279,11 @@ void Reading::createNode(const Statement& s) {
 void Reading::setAttr(const Statement& s) {
     try {
         setAttrStatement(context_, s);
-    } catch (const UnknownHere&) {
+    } catch (const SceneError& e) {
+        // Of a node whose type is not known nothing is wrong, only not known.
+        const bool unknown =
+            dynamic_cast<const UnknownHere*>(&e) || (context_.target && !context_.target->unknownType.empty());
+        if (!unknown) throw;
         const Word* plug = nullptr;
         for (const Word& w : s.words)
             if (w.quoted && w.text.starts_with('.')) {
@@ -246,6 +333,7 @@ void Reading::connectAttr(const Statement& s) {
         Node* node = nullptr;
         std::string_view attribute;
         Cell* cell = nullptr;
+        Node* parent = nullptr; ///< of another place of the node
     } sides[2];
     for (int k = 0; k < 2; ++k) {
         const std::string_view plug = words.objects[static_cast<std::size_t>(k)];
@@ -253,8 +341,11 @@ void Reading::connectAttr(const Statement& s) {
         if (dot == plug.npos) throw SceneError(fmt::format("'{}' is not the name of an attribute.", plug));
         sides[k].attribute = plug.substr(dot + 1);
         sides[k].node = dot == 0 ? context_.target : placeholder(plug.substr(0, dot));
-        if (sides[k].node && sides[k].node->unknownType.empty())
+        if (sides[k].node && (sides[k].node->unknownType.empty() || sides[k].node->dag()))
             sides[k].cell = scene_.tryPlug(*sides[k].node, sides[k].attribute);
+        if (!sides[k].node) {
+            std::tie(sides[k].node, sides[k].parent) = instanceAt(plug.substr(0, dot));
+        }
     }
     if (sides[0].cell && sides[1].cell) {
         Cell *source = sides[0].cell, *destination = sides[1].cell;
@@ -275,6 +366,10 @@ void Reading::connectAttr(const Statement& s) {
     KeptConnection kept;
     if (sides[0].node) kept.sourceNode = sides[0].node->weak_from_this();
     if (sides[1].node) kept.destinationNode = sides[1].node->weak_from_this();
+    if (sides[0].parent) kept.sourceParent = sides[0].parent->weak_from_this();
+    if (sides[1].parent) kept.destinationParent = sides[1].parent->weak_from_this();
+    if (sides[0].node && sides[1].cell && sides[1].cell->attribute.dataKind == DataKind::Mesh)
+        unknownMeshSources_[sides[1].cell] = sides[0].node;
     kept.sourceText = sides[0].node ? sides[0].attribute : words.objects[0];
     kept.destinationText = sides[1].node ? sides[1].attribute : words.objects[1];
     for (const Word& w : s.words) {
@@ -303,7 +398,6 @@ void Reading::disconnectAttr(const Statement& s) {
 
 void Reading::parent(const Statement& s) {
     const Split words(s, {});
-    if (words.has("-add", "-addObject")) throw SceneError("Instances are not supported: 'parent -add' is left out.");
     const bool toWorld = words.has("-w", "-world");
     if (words.objects.size() < (toWorld ? 1u : 2u)) throw SceneError("parent needs a child and a parent.");
     const std::size_t children = words.objects.size() - (toWorld ? 0 : 1);
@@ -313,7 +407,33 @@ void Reading::parent(const Statement& s) {
         return node->dag();
     };
     DagNode* above = toWorld ? nullptr : dagNode(words.objects.back());
-    for (std::size_t k = 0; k < children; ++k) scene_.reparent(*dagNode(words.objects[k]), above);
+    if (words.has("-add", "-addObject")) {
+        std::string flags;
+        for (const Word& w : s.words)
+            if (w.isFlag()) flags += " " + std::string(w.text);
+        for (std::size_t k = 0; k < children; ++k) {
+            DagNode& child = *dagNode(words.objects[k]);
+            DagNode& parent = above ? *above : *scene_.world();
+            scene_.keptInstances.push_back({child.weak_from_this(), parent.weak_from_this(), flags});
+            instanceByPlace_[std::to_string(parent.serial) + "/" + child.name] = {&child, &parent};
+            ++instances_;
+        }
+        return;
+    }
+    for (std::size_t k = 0; k < children; ++k) {
+        DagNode& child = *dagNode(words.objects[k]);
+        scene_.reparent(child, above);
+        names_.moved(child);
+    }
+}
+
+std::pair<Node*, Node*> Reading::instanceAt(std::string_view path) const {
+    const auto bar = path.rfind('|');
+    if (bar == path.npos || instanceByPlace_.empty()) return {};
+    const Node* parent = bar == 0 ? scene_.world() : context_.findNode(path.substr(0, bar));
+    if (!parent) return {};
+    const auto it = instanceByPlace_.find(std::to_string(parent->serial).append("/").append(path.substr(bar + 1)));
+    return it == instanceByPlace_.end() ? std::pair<Node*, Node*>() : it->second;
 }
 
 void Reading::rename(const Statement& s) {
@@ -348,7 +468,8 @@ void Reading::select(const Statement& s) {
 Node* Reading::placeholder(std::string_view name) {
     if (Node* node = context_.findNode(name)) return node;
     if (!name.starts_with(':') || !Scene::isValidName(name.substr(1))) return nullptr;
-    const NodePtr node = scene_.createUnknown("unknown", std::string(name.substr(1)), nullptr, false);
+    const NodePtr node =
+        scene_.createUnknown("unknown", std::string(name.substr(1)), nullptr, NodeType::Kind::Dependency);
     node->isDefault = true;
     return node.get();
 }
@@ -468,7 +589,32 @@ void Reading::execute(const Statement& s) {
     }
 }
 
+/// Of meshes whose points come from a node that is not known here.
+void Reading::warnOfEmptyMeshes() {
+    constexpr int most = 20;
+    int count = 0;
+    for (const NodePtr& made : result_.created) {
+        MeshBehavior* mesh = unknownMeshSources_.empty() ? nullptr : meshBehavior(*made);
+        if (!mesh || mesh->own || (mesh->fileUsed && !mesh->file.isEmpty())) continue;
+        const Cell* input = &made->cell("inMesh");
+        std::unordered_set<const Cell*> seen;
+        while (input && input->source && seen.insert(input).second) {
+            Node& up = input->source->node;
+            input = meshBehavior(up) ? &up.cell("inMesh") : meshInput(up);
+        }
+        const auto it = input ? unknownMeshSources_.find(input) : unknownMeshSources_.end();
+        if (it == unknownMeshSources_.end() || ++count > most) continue;
+        const std::string type = it->second->unknownType.empty() ? it->second->type.name : it->second->unknownType;
+        complaints_.say(fmt::format("The mesh '{}' stays empty: it is made by '{}', a node of the unknown type '{}'.",
+                                    scene_.displayName(*made), scene_.displayName(*it->second), type));
+    }
+    if (count > most) complaints_.say(fmt::format("{} more meshes stay empty for such a reason.", count - most));
+}
+
 void Reading::summary() {
+    if (instances_ > 0)
+        complaints_.say(fmt::format("{} {} of a node {} kept; it is shown in its first place only.", instances_,
+                                    instances_ == 1 ? "instance" : "instances", instances_ == 1 ? "is" : "are"));
     const int n = unknownNodes_, attributes = unknownStatements_;
     if (n == 0 && attributes == 0) return;
     std::string text;
@@ -487,12 +633,13 @@ void Reading::summary() {
 
 SceneReader::Result Reading::run(std::string_view text) {
     if (!options_.import) context_.units.makeCurrent();
-    StatementScanner scanner(text);
+    StatementScanner scanner(text, survey_.lists);
     Statement s;
     while (scanner.next(s)) execute(s);
     for (const std::string& failure : compounds_.close(scene_)) complaints_.say(failure);
     for (const NodePtr& node : toLock_) node->locked = true;
     complaints_.finish();
+    warnOfEmptyMeshes();
     summary();
     result_.warnings = complaints_.count();
     return std::move(result_);
@@ -509,25 +656,17 @@ SceneReader::Result SceneReader::read(const std::filesystem::path& file) {
 }
 
 SceneReader::Result SceneReader::readText(std::string_view text, const std::string& name) {
-    // The whole syntax first: a file that was cut off must not cost the scene that is open. On the way: which nodes
-    // have children, since that is what tells that an unknown one is a DAG node.
-    std::unordered_set<std::string> parents;
+    // The whole syntax first: a file that was cut off must not cost the scene that is open. On the way: what tells
+    // which unknown nodes are transforms, and which shapes.
+    std::optional<Survey> survey;
     try {
-        StatementScanner scanner(text);
-        Statement s;
-        while (scanner.next(s)) {
-            if (s.name != "createNode") continue;
-            for (std::size_t i = 0; i + 1 < s.words.size(); ++i) {
-                const bool flag = s.words[i].isFlag() && (s.words[i].text == "-p" || s.words[i].text == "-parent");
-                if (flag) parents.emplace(s.words[i + 1].text.substr(s.words[i + 1].text.rfind('|') + 1));
-            }
-        }
+        survey.emplace(text);
     } catch (const SyntaxError& e) {
         throw FileError(name, e.what(), e.line);
     }
     const UndoQueue::Suspend quiet(scene_.undo);
     if (!options_.import) scene_.reset();
-    Reading reading(scene_, options_, name, std::move(parents));
+    Reading reading(scene_, options_, name, std::move(*survey));
     Result result = reading.run(text);
     scene_.modified = options_.import;
     return result;

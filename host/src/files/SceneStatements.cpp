@@ -2,6 +2,8 @@
 
 #include "files/NumberWords.h"
 
+#include <type_traits>
+
 namespace host::files {
 
 using namespace scene;
@@ -50,7 +52,8 @@ CreateRequest::CreateRequest(const Statement& s) {
     if (type.empty()) throw SceneError("createNode: the type of the node is missing.");
 }
 
-Node& createNodeStatement(const StatementContext& c, const CreateRequest& r, bool inDag) {
+Node& createNodeStatement(const StatementContext& c, const CreateRequest& r,
+                          std::optional<NodeType::Kind> unknownKind) {
     if (r.shared && !r.name.empty()) {
         const std::string path = r.parent.empty() ? r.name : r.parent + "|" + r.name;
         Node* there = c.findNode(path);
@@ -65,11 +68,38 @@ Node& createNodeStatement(const StatementContext& c, const CreateRequest& r, boo
     const NodeType* type = c.scene.findType(r.type);
     if (type && type->isAbstract) throw SceneError("Cannot create a node of the abstract type '" + r.type + "'.");
     if (type) return *c.scene.createNode(*type, r.name, parent);
-    Node& node = *c.scene.createUnknown(r.type, r.name, parent, parent || inDag);
+    const auto kind = unknownKind.value_or(parent ? NodeType::Kind::Shape : NodeType::Kind::Dependency);
+    Node& node = *c.scene.createUnknown(r.type, r.name, parent, kind);
     // What is shared belongs to the host itself in the program that wrote it.
     node.isDefault = r.shared;
     return node;
 }
+
+std::string ListValues::text() const {
+    std::string all;
+    for (const Word& word : words) (all += word.text) += ' ';
+    return all.append(tail);
+}
+
+template <class T>
+std::vector<T> ListValues::numbers() const {
+    std::vector<T> all;
+    // About as many as the text has room for.
+    constexpr std::size_t usualLength = 8;
+    all.reserve(words.size() + tail.size() / usualLength);
+    const auto read = [&](std::string_view text) {
+        const std::string_view wrong = readNumbers(text, all);
+        if (!wrong.empty())
+            throw SceneError("'" + std::string(wrong.substr(0, 60)) + "' is not a " +
+                             (std::is_integral_v<T> ? "whole number." : "number."));
+    };
+    for (const Word& word : words) read(word.text);
+    read(tail);
+    return all;
+}
+template std::vector<int> ListValues::numbers() const;
+template std::vector<float> ListValues::numbers() const;
+template std::vector<double> ListValues::numbers() const;
 
 PlugRange::PlugRange(std::string_view path) : array(path) {
     const auto colon = path.find(':');

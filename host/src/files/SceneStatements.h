@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -70,8 +71,9 @@ struct CreateRequest {
 /// @name The statements that scene files and scripts share. They throw SceneError, UnknownHere among them.
 /// @{
 /// Makes the node, or answers the one that is there when the request is for a shared one. A type that is not known
-/// makes a node that stands for its statements. `inDag`: whether such a node is to be a DAG node without a parent.
-scene::Node& createNodeStatement(const StatementContext& context, const CreateRequest& request, bool inDag = false);
+/// makes a node that stands for its statements: of the kind, or when that is not told a shape if it has a parent.
+scene::Node& createNodeStatement(const StatementContext& context, const CreateRequest& request,
+                                 std::optional<scene::NodeType::Kind> unknownKind = {});
 /// setAttr [flags] plug [values]: sets values and the lock, keyable and channel box states. A plug may be a range
 /// ("vt[0:7]"); numbers then fill its elements in order, and memory follows the numbers that are there.
 void setAttrStatement(const StatementContext& context, const Statement& statement);
@@ -81,9 +83,25 @@ void addAttrStatement(const StatementContext& context, scene::Node& node, const 
 std::vector<std::string_view> addAttrObjects(const Statement& statement);
 /// @}
 
+/// The values of a list: words, then text that is not taken apart.
+struct ListValues {
+    std::span<const Word> words;
+    std::string_view tail;
+
+    bool empty() const { return words.empty() && tail.empty(); }
+    /// All as one text, words separated by blanks.
+    std::string text() const;
+    /// The values as numbers. Throws SceneError for a word that is none.
+    template <class T>
+    std::vector<T> numbers() const;
+};
+
 /// Sets a list of a mesh (its points, edges, faces, normals, UVs, offsets). False when the path is none of these.
 bool setMeshList(const StatementContext& context, scene::Node& node, std::string_view path, std::string_view type,
-                 std::span<const Word> values);
+                 const ListValues& values);
+/// Sets a list of an animation curve's keys. False when the path is none of these, and while changes are recorded: then
+/// each element is to be set for itself.
+bool setCurveList(const StatementContext& context, scene::Node& node, std::string_view path, const ListValues& values);
 
 /// "uvSet[0].points[3:8]" taken apart at its range.
 struct PlugRange {

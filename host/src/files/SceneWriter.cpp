@@ -16,11 +16,6 @@ namespace {
 /// A node that stands for one which every scene of another program has.
 bool isPlaceholder(const Node& node) { return node.isDefault && node.unknownType == "unknown"; }
 
-std::string nameInFile(Node& node, Scene& scene) {
-    const std::string name = scene.displayName(node);
-    return node.isDefault && !node.dag() ? ":" + name : name;
-}
-
 class Writing {
 public:
     Writing(Scene& scene, const SceneWriter::Options& options) : scene_(scene), options_(options) {}
@@ -35,11 +30,15 @@ private:
     void connections(Cell& cell);
     void connection(Cell& source, Cell& destination);
     void keptConnections();
+    void keptInstances();
+    std::string pathOf(Node& node) const;
+    std::string nameInFile(Node& node) const;
 
     Scene& scene_;
     const SceneWriter::Options& options_;
     FileUnits units_ = FileUnits::current();
-    std::unordered_set<const Node*> omitted_; ///< nodes that are not to be saved, and those below them
+    std::unordered_set<const Node*> omitted_;   ///< nodes that are not to be saved, and those below them
+    std::unordered_set<const Node*> instanced_; ///< nodes with a second place
     std::string out_;
 };
 
@@ -49,6 +48,17 @@ std::string longName(const FileUnits& u) {
     static constexpr const char* angular[] = {"degree", "radian", "minute", "second"};
     return std::string("currentUnit -l ") + linear[static_cast<int>(u.linear)] + " -a " +
            angular[static_cast<int>(u.angular)] + " -t " + unitName(u.time) + ";\n";
+}
+
+/// The shortest path; a node with two places, and what is below it, has none that is shorter than the whole.
+std::string Writing::pathOf(Node& node) const {
+    for (const DagNode* up = instanced_.empty() ? nullptr : node.dag(); up; up = up->parent)
+        if (instanced_.contains(up)) return node.dag()->fullPath();
+    return scene_.displayName(node);
+}
+
+std::string Writing::nameInFile(Node& node) const {
+    return node.isDefault && !node.dag() ? ":" + node.name : pathOf(node);
 }
 
 void Writing::header(const std::string& name) {
@@ -86,7 +96,7 @@ void Writing::create(Node& node) {
     }
     out_ += "createNode " + (node.unknownType.empty() ? node.type.name : node.unknownType) +
             (node.isDefault ? " -s" : "") + " -n " + quotedText(node.name);
-    if (dag && dag->parent && !dag->parent->isWorld()) out_ += " -p " + quotedText(scene_.displayName(*dag->parent));
+    if (dag && dag->parent && !dag->parent->isWorld()) out_ += " -p " + quotedText(pathOf(*dag->parent));
     out_ += ";\n";
 }
 
@@ -105,10 +115,10 @@ void Writing::connection(Cell& source, Cell& destination) {
     out_ += "connectAttr ";
     const bool locked = destination.locked;
     if (locked) out_ += "-l on ";
-    out_ += quotedText(nameInFile(from, scene_) + "." + plugText(source, true)) + " ";
+    out_ += quotedText(nameInFile(from) + "." + plugText(source, true)) + " ";
     const bool next = destination.index >= 0 && !destination.attribute.indexMatters;
     Cell& named = next ? *destination.parent : destination;
-    out_ += quotedText(nameInFile(to, scene_) + "." + plugText(named, false));
+    out_ += quotedText(nameInFile(to) + "." + plugText(named, false));
     if (next)
         out_ += " -na";
     else if (to.isDefault)
@@ -128,25 +138,38 @@ void Writing::connections(Node& node) {
     for (Cell* cell : node.cells()) connections(*cell);
 }
 
+void Writing::keptInstances() {
+    for (const KeptInstance& kept : scene_.keptInstances) {
+        const auto node = kept.node.lock(), parent = kept.parent.lock();
+        const auto saved = [&](const NodePtr& n) { return n && n->inScene && !omitted_.contains(n.get()); };
+        if (!saved(node) || !saved(parent)) continue;
+        const std::string above = parent->dag()->isWorld() ? "|" : pathOf(*parent);
+        out_ += "parent" + kept.flags + " " + quotedText(pathOf(*node)) + " " + quotedText(above) + ";\n";
+    }
+}
+
 void Writing::keptConnections() {
     const auto neverSet = [](const std::weak_ptr<Node>& node) {
         const std::weak_ptr<Node> none;
         return !node.owner_before(none) && !none.owner_before(node);
     };
     for (const KeptConnection& kept : scene_.keptConnections) {
-        const auto side = [&](const std::weak_ptr<Node>& owner, const std::string& text, std::string& name) {
+        const auto side = [&](const std::weak_ptr<Node>& owner, const std::weak_ptr<Node>& place,
+                              const std::string& text, std::string& name) {
             if (neverSet(owner)) {
                 name = text;
                 return true;
             }
             const auto node = owner.lock();
             if (!node || !node->inScene || omitted_.contains(node.get())) return false; // went with its node
-            name = nameInFile(*node, scene_) + "." + text;
+            const auto parent = place.lock();
+            if (!neverSet(place) && (!parent || !parent->inScene || omitted_.contains(parent.get()))) return false;
+            name = (parent ? parent->dag()->fullPath() + "|" + node->name : nameInFile(*node)) + "." + text;
             return true;
         };
         std::string source, destination;
-        if (!side(kept.sourceNode, kept.sourceText, source)) continue;
-        if (!side(kept.destinationNode, kept.destinationText, destination)) continue;
+        if (!side(kept.sourceNode, kept.sourceParent, kept.sourceText, source)) continue;
+        if (!side(kept.destinationNode, kept.destinationParent, kept.destinationText, destination)) continue;
         out_ += "connectAttr " + quotedText(source) + " " + quotedText(destination);
         if (!kept.flags.empty()) out_ += " " + kept.flags;
         out_ += ";\n";
@@ -155,6 +178,8 @@ void Writing::keptConnections() {
 
 std::string Writing::run(const std::string& name) {
     header(name);
+    for (const KeptInstance& kept : scene_.keptInstances)
+        if (const auto node = kept.node.lock(); node && node->inScene) instanced_.insert(node.get());
     std::vector<Node*> order, selected;
     for (DagNode* dag : scene_.descendants(*scene_.world())) {
         if (dag->doNotWrite || omitted_.contains(dag->parent))
@@ -184,6 +209,7 @@ std::string Writing::run(const std::string& name) {
         if (out_.size() == header && !isPlaceholder(*node)) out_.resize(before);
     }
     order.insert(order.end(), selected.begin(), selected.end());
+    keptInstances();
     for (Node* node : order) connections(*node);
     keptConnections();
     for (const std::string& kept : scene_.keptStatements)

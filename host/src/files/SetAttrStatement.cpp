@@ -51,7 +51,7 @@ struct Request {
     bool clamp = false;
     bool single = true; ///< for one cell, which takes all values; else for the elements of a range
 
-    explicit Request(const Statement& s);
+    explicit Request(std::span<const Word> words);
 };
 
 SceneError tooMany(const Request& r) {
@@ -67,11 +67,11 @@ std::size_t fixedLength(std::string_view type) {
     return 0;
 }
 
-Request::Request(const Statement& s) {
+Request::Request(std::span<const Word> words) {
     std::size_t first = 0, count = 0;
     bool typed = false;
-    for (std::size_t i = 0; i < s.words.size(); ++i) {
-        const Word& word = s.words[i];
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const Word& word = words[i];
         // Behind the plug and the type everything is data, such as a text that begins with a dash.
         const std::size_t wanted = fixedLength(type);
         const bool data = !plug.empty() && typed && (wanted == 0 || count < wanted);
@@ -86,8 +86,8 @@ Request::Request(const Statement& s) {
             continue;
         }
         const auto value = [&]() -> std::string_view {
-            if (++i == s.words.size()) throw SceneError("setAttr: flag " + inQuotes(word.text) + " needs a value.");
-            return s.words[i].text;
+            if (++i == words.size()) throw SceneError("setAttr: flag " + inQuotes(word.text) + " needs a value.");
+            return words[i].text;
         };
         const auto truth = [&] {
             const std::string_view v = value();
@@ -118,7 +118,7 @@ Request::Request(const Statement& s) {
         }
     }
     if (plug.empty()) throw SceneError("setAttr: the name of the attribute is missing.");
-    values = std::span(s.words).subspan(first, count);
+    values = words.subspan(first, count);
 }
 
 /// Whether the numbers of such an attribute can be stored without looking at each of them.
@@ -269,7 +269,7 @@ UnknownHere noAttribute(const Request& r, const Node& node) {
 }
 
 void setRange(const StatementContext& c, Node& node, const PlugRange& range, const Request& r, Values& in) {
-    Cell* array = c.scene.tryPlug(node, range.array, false);
+    Cell* array = c.scene.tryPlug(node, range.array);
     if (!array || !array->isArray()) throw noAttribute(r, node);
     const bool quick = r.type.empty() ? array->elements.empty() && !c.scene.undo.recording() && range.rest.empty() &&
                                             isPlain(array->attribute)
@@ -302,13 +302,16 @@ void setRange(const StatementContext& c, Node& node, const PlugRange& range, con
 } // namespace
 
 void setAttrStatement(const StatementContext& c, const Statement& s) {
-    Request r(s);
+    Request r(s.words);
     std::string_view path;
     Node& node = c.plugNode(r.plug, path);
-    if (!node.unknownType.empty())
+    if (!node.unknownType.empty() && !node.dag())
         throw UnknownHere("The node '" + c.scene.displayName(node) + "' is of a type that is not known here.");
     if (s.kind == Statement::Kind::Braced) throw UnknownHere("Data in braces is not known here.");
-    if (setMeshList(c, node, path, r.type, r.values)) return;
+    const ListValues list{r.values, s.tail};
+    if (setMeshList(c, node, path, r.type, list) || setCurveList(c, node, path, list)) return;
+    std::vector<Word> words;
+    if (!s.tail.empty()) r = Request(words = s.allWords());
 
     const PlugRange range(path);
     r.single = !range.isRange;

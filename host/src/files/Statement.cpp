@@ -18,6 +18,18 @@ constexpr auto wordEnds = [] {
     return ends;
 }();
 
+/// Characters that lists of numbers and of faces are made of.
+constexpr auto listParts = [] {
+    std::array<bool, 256> parts{};
+    for (const char c : {' ', '\t', '\n', '\r', '+', '-', '.', 'e', 'E', 'f', 'h', 'm', 'u', 'c'})
+        parts[static_cast<unsigned char>(c)] = true;
+    for (char c = '0'; c <= '9'; ++c) parts[static_cast<unsigned char>(c)] = true;
+    return parts;
+}();
+
+/// Shorter ones are taken apart at once.
+constexpr std::size_t shortestList = 64;
+
 bool startsBlock(std::string_view word) {
     constexpr std::string_view words[] = {"proc", "global", "if", "else", "for", "while", "do", "switch", "{", "}"};
     return std::find(std::begin(words), std::end(words), word) != std::end(words);
@@ -30,7 +42,7 @@ bool Word::isFlag() const {
 }
 
 void Statement::clear() {
-    name = raw = {};
+    name = raw = tail = {};
     words.clear();
     texts.clear();
     kind = Kind::Plain;
@@ -41,13 +53,24 @@ void Statement::add(std::string text, bool quoted) {
     words.push_back({texts.back(), quoted});
 }
 
+std::vector<Word> Statement::allWords() const {
+    std::vector<Word> all = words;
+    for (std::size_t at = 0; at < tail.size();) {
+        std::size_t end = at;
+        while (end < tail.size() && !isSpace(tail[end])) ++end;
+        if (end > at) all.push_back({tail.substr(at, end - at), false});
+        at = end + 1;
+    }
+    return all;
+}
+
 std::string Statement::kept() const {
     std::string text(raw);
     std::erase(text, '\r');
     return text;
 }
 
-StatementScanner::StatementScanner(std::string_view text) : text_(text) {
+StatementScanner::StatementScanner(std::string_view text, std::span<const RawList> lists) : text_(text), known_(lists) {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     if (text_.starts_with(mark)) text_.remove_prefix(mark.size());
     if (text_.starts_with("//")) header_ = text_.substr(2, text_.find_first_of("\r\n") - 2);
@@ -168,6 +191,25 @@ void StatementScanner::skipScript(const Statement& statement, bool block) {
     }
 }
 
+/// Takes the values up to the semicolon as they are; false when there is more to them, or they are few.
+bool StatementScanner::readTail(Statement& s) {
+    RawList list{at_, at_, 0};
+    while (!known_.empty() && known_.front().first < at_) known_ = known_.subspan(1);
+    if (!known_.empty() && known_.front().first == at_) {
+        list = known_.front();
+    } else {
+        while (list.last < text_.size() && listParts[static_cast<unsigned char>(text_[list.last])]) ++list.last;
+        if (list.last >= text_.size() || text_[list.last] != ';' || list.last - at_ < shortestList) return false;
+        const auto in = text_.substr(at_, list.last - at_);
+        list.lineEnds = static_cast<int>(std::count(in.begin(), in.end(), '\n'));
+    }
+    s.tail = text_.substr(list.first, list.last - list.first);
+    at_ = list.last;
+    line_ += list.lineEnds;
+    met_.push_back(list);
+    return true;
+}
+
 bool StatementScanner::next(Statement& s) {
     s.clear();
     while (skipSpace(true) && peek() == ';') ++at_;
@@ -183,6 +225,7 @@ bool StatementScanner::next(Statement& s) {
         at_ = start;
         line_ = s.line;
         s.words.clear();
+        s.tail = {};
         skipScript(s, startsBlock(s.name));
         return finish(Statement::Kind::Script);
     };
@@ -191,7 +234,7 @@ bool StatementScanner::next(Statement& s) {
     s.name = text_.substr(start, at_ - start);
     if (!isLetter(s.name.front()) || startsBlock(s.name)) return script();
 
-    bool braces = false;
+    bool braces = false, list = s.name == "setAttr";
     int depth = 0;
     while (true) {
         skipSpace(false);
@@ -213,6 +256,13 @@ bool StatementScanner::next(Statement& s) {
             return script();
         } else {
             const std::size_t first = at_;
+            // Values follow the name of the attribute; what begins with a dash and a letter is a flag.
+            const bool values = list && depth == 0 && !braces && !s.words.empty() && s.words.back().quoted &&
+                                listParts[static_cast<unsigned char>(c)] && !(c == '-' && isLetter(peek(1)));
+            if (values) {
+                list = false;
+                if (readTail(s)) continue;
+            }
             while (at_ < text_.size() && !wordEnds[static_cast<unsigned char>(text_[at_])]) {
                 if (text_[at_] == '/' && (peek(1) == '/' || peek(1) == '*')) break;
                 ++at_;

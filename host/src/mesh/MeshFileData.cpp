@@ -29,40 +29,54 @@ std::vector<Float3> toPoints(std::span<const float> xyz) {
     return points;
 }
 
-bool readInt(WordStream& words, int& value, std::string& error) {
-    const std::string_view word = words.next();
-    const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), value);
-    if (!word.empty() && status == std::errc() && end == word.data() + word.size()) return true;
-    error = word.empty() ? "the record ends early" : fmt::format("\"{}\" is not a whole number", word.substr(0, 40));
-    return false;
-}
-
-/// Reads a count and as many numbers, which are appended to `values`.
-bool readInts(WordStream& words, int& count, std::vector<int>& values, std::string& error) {
-    if (!readInt(words, count, error)) return false;
-    if (count < 0) {
-        error = fmt::format("{} is not a count", count);
-        return false;
-    }
-    for (int i = 0; i < count; ++i) {
-        int value = 0;
-        if (!readInt(words, value, error)) return false;
-        values.push_back(value);
-    }
-    return true;
-}
+bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 } // namespace
 
-std::string_view TextWords::next() {
-    constexpr std::string_view kSpace = " \t\r\n\v\f";
-    const std::size_t start = rest_.find_first_not_of(kSpace);
-    if (start == std::string_view::npos) return rest_ = {};
-    rest_.remove_prefix(start);
-    const std::string_view word = rest_.substr(0, rest_.find_first_of(kSpace));
-    rest_.remove_prefix(word.size());
-    return word;
-}
+/// The words of a text.
+class MeshFileData::Words {
+public:
+    explicit Words(std::string_view text) : at_(text.data()), end_(at_ + text.size()) {}
+
+    /// Empty at the end.
+    std::string_view next() {
+        while (at_ != end_ && isSpace(*at_)) ++at_;
+        const char* first = at_;
+        while (at_ != end_ && !isSpace(*at_)) ++at_;
+        return {first, static_cast<std::size_t>(at_ - first)};
+    }
+
+    bool readInt(int& value, std::string& error) {
+        while (at_ != end_ && isSpace(*at_)) ++at_;
+        const auto [behind, status] = std::from_chars(at_, end_, value);
+        if (status == std::errc() && (behind == end_ || isSpace(*behind))) {
+            at_ = behind;
+            return true;
+        }
+        const std::string_view word = next();
+        error =
+            word.empty() ? "the record ends early" : fmt::format("\"{}\" is not a whole number", word.substr(0, 40));
+        return false;
+    }
+
+    /// Reads a count and as many numbers, which are appended to `values`.
+    bool readInts(int& count, std::vector<int>& values, std::string& error) {
+        if (!readInt(count, error)) return false;
+        if (count < 0) {
+            error = fmt::format("{} is not a count", count);
+            return false;
+        }
+        for (int i = 0; i < count; ++i) {
+            int value = 0;
+            if (!readInt(value, error)) return false;
+            values.push_back(value);
+        }
+        return true;
+    }
+
+private:
+    const char *at_, *end_;
+};
 
 template <class T>
 bool MeshFileData::Pieces<T>::put(std::size_t first, std::vector<T> piece, const char* what, std::string* error) {
@@ -140,12 +154,13 @@ bool MeshFileData::setUvs(int set, std::size_t first, std::span<const float> uvs
     return s->uvs.put(first, std::move(pairs), "UVs", error);
 }
 
-bool MeshFileData::parsePolyFaces(std::size_t first, WordStream& words, std::string* error) {
+bool MeshFileData::parsePolyFaces(std::size_t first, std::string_view text, std::string* error) {
     if (error) error->clear();
     if (first != counts_.size())
         return fail(error, fmt::format("face {} follows; face {} was expected", first, counts_.size()));
     std::string problem;
-    for (std::string kind(words.next()); !kind.empty(); kind = words.next()) {
+    Words words(text);
+    for (std::string_view kind = words.next(); !kind.empty(); kind = words.next()) {
         const std::size_t face = counts_.size();
         if (parseFaceRecord(kind, words, problem)) continue;
         // The faulty face is the one that the record starts, or belongs to.
@@ -155,11 +170,47 @@ bool MeshFileData::parsePolyFaces(std::size_t first, WordStream& words, std::str
     return true;
 }
 
-bool MeshFileData::parseFaceRecord(std::string_view kind, WordStream& words, std::string& error) {
+void MeshFileData::keepRecord(FaceRecords::Kind kind, int set, std::span<const int> ids, std::size_t place) {
+    records_.records.insert(
+        records_.records.begin() + static_cast<std::ptrdiff_t>(place),
+        {static_cast<int>(counts_.size()) - 1, kind, set, records_.ids.size(), static_cast<int>(ids.size())});
+    records_.ids.insert(records_.ids.end(), ids.begin(), ids.end());
+}
+
+/// Takes the UV ids of the last face's corners, of its last hole's, or of all one after the other.
+bool MeshFileData::addUvIds(int set, std::span<const int> ids, std::string& error) {
+    const auto corners = static_cast<std::size_t>(counts_.back());
+    std::size_t all = corners;
+    for (const int hole : faceHoles_) all += static_cast<std::size_t>(hole);
+    if (!uvSet(set, &error)) return false;
+    if (!faceHoles_.empty() && ids.size() == static_cast<std::size_t>(faceHoles_.back())) {
+        keepRecord(FaceRecords::Kind::HoleUvs, set, ids, records_.records.size());
+        return true;
+    }
+    if (ids.size() != (faceHoles_.empty() ? corners : all)) {
+        error = fmt::format("{} ids for {} corners", ids.size(),
+                            faceHoles_.empty() ? corners : static_cast<std::size_t>(faceHoles_.back()));
+        return false;
+    }
+    auto& own = uvSets_[set].ids;
+    own.resize(faceEdges_.size() - corners, -1);
+    own.insert(own.end(), ids.begin(), ids.begin() + static_cast<std::ptrdiff_t>(corners));
+    // Each hole's behind its record, the last one first.
+    std::size_t end = ids.size(), place = records_.records.size();
+    for (auto hole = faceHoles_.rbegin(); hole != faceHoles_.rend(); ++hole) {
+        const auto count = static_cast<std::size_t>(*hole);
+        keepRecord(FaceRecords::Kind::HoleUvs, set, ids.subspan(end - count, count), place);
+        end -= count;
+        while (records_.records[--place].kind != FaceRecords::Kind::Hole) {}
+    }
+    return true;
+}
+
+bool MeshFileData::parseFaceRecord(std::string_view kind, Words& words, std::string& error) {
     int count = 0;
     if (kind == "f") {
         const std::size_t before = faceEdges_.size();
-        bool good = readInts(words, count, faceEdges_, error);
+        bool good = words.readInts(count, faceEdges_, error);
         if (good && count < 3) {
             error = fmt::format("{} edges; a polygon has at least 3", count);
             good = false;
@@ -173,44 +224,34 @@ bool MeshFileData::parseFaceRecord(std::string_view kind, WordStream& words, std
             return false;
         }
         counts_.push_back(count);
-        faceHoles_ = 0;
+        faceHoles_.clear();
         return true;
     }
     if (counts_.empty()) {
         error = "a face starts with \"f\"";
         return false;
     }
-    std::vector<int> ids;
-    if (kind == "h") {
-        if (!readInts(words, count, ids, error)) return false;
-        ++holes_;
-        faceHoles_ += count;
-        return true;
-    }
-    if (kind == "fc" || kind == "mh") return readInts(words, count, ids, error);
-    int set = 0;
-    if (kind == "mc") return readInt(words, set, error) && readInts(words, count, ids, error);
-    if (kind != "mu" && kind != "mf") {
+    const bool hasSet = kind == "mu" || kind == "mc", uvs = kind == "mu" || kind == "mf" || kind == "mh";
+    if (!hasSet && !uvs && kind != "h" && kind != "fc") {
         error = "unknown kind of record";
         return false;
     }
-    if ((kind == "mu" && !readInt(words, set, error)) || !readInts(words, count, ids, error)) return false;
-    // The ids of a face with holes may go on with those of the holes' corners.
-    const int corners = counts_.back();
-    if (count != corners && (faceHoles_ == 0 || count != corners + faceHoles_)) {
-        error = fmt::format("{} ids for {} corners", count, corners);
-        return false;
+    int set = 0;
+    ids_.clear();
+    if ((hasSet && !words.readInt(set, error)) || !words.readInts(count, ids_, error)) return false;
+    if (uvs) return addUvIds(set, ids_, error);
+    using Kind = FaceRecords::Kind;
+    keepRecord(kind == "h" ? Kind::Hole : hasSet ? Kind::ColourSet : Kind::Colours, set, ids_, records_.records.size());
+    if (kind == "h") {
+        ++holes_;
+        faceHoles_.push_back(count);
     }
-    FileUvSet* s = uvSet(set, &error);
-    if (!s) return false;
-    const std::size_t start = faceEdges_.size() - static_cast<std::size_t>(corners);
-    s->ids.resize(start, -1);
-    s->ids.insert(s->ids.end(), ids.begin(), ids.begin() + corners);
     return true;
 }
 
 bool MeshFileData::addUvSets(PolyMesh& mesh, std::string* error) {
     bool first = true;
+    std::map<int, int> places;
     for (auto& [index, set] : uvSets_) {
         if (set.name.empty()) set.name = index == 0 ? "map1" : fmt::format("uvSet{}", index);
         // A mesh starts out with one empty set: the first one read takes its place.
@@ -221,6 +262,7 @@ bool MeshFileData::addUvSets(PolyMesh& mesh, std::string* error) {
             at = mesh.addUvSet(set.name);
         first = false;
         if (at < 0) return fail(error, fmt::format("UV set {}: another set is named {} too", index, set.name));
+        places[index] = at;
         if (!set.uvs.close("UVs", error)) return false;
         const std::size_t n = set.uvs.values.size();
         std::vector<float> u(n), v(n);
@@ -234,12 +276,15 @@ bool MeshFileData::addUvSets(PolyMesh& mesh, std::string* error) {
         set = {};
     }
     if (const int current = mesh.findUvSet(currentUvSet_); current >= 0) mesh.setCurrentUvSet(current);
+    for (auto& r : records_.records)
+        if (r.kind == FaceRecords::Kind::HoleUvs) r.set = places[r.set];
+    if (!records_.records.empty()) mesh.setFaceRecords(std::make_shared<const FaceRecords>(std::move(records_)));
     return true;
 }
 
-std::shared_ptr<const PolyMesh> MeshFileData::build(std::string* error, int* ignoredHoles) {
+std::shared_ptr<const PolyMesh> MeshFileData::build(std::string* error, int* holes) {
     if (error) error->clear();
-    if (ignoredHoles) *ignoredHoles = holes_;
+    if (holes) *holes = holes_;
     MeshFileData data = std::exchange(*this, {});
     if (!data.points_.close("vertices", error) || !data.edges_.close("edges", error) ||
         !data.normals_.close("normals", error))
@@ -290,6 +335,26 @@ std::string fileFace(const PolyMesh& mesh, int face, std::string_view indent) {
         const auto ids = std::span(uvs.ids).subspan(mesh.faceStart(face), mesh.faceSize(face));
         if (std::all_of(ids.begin(), ids.end(), [](int id) { return id < 0; })) continue;
         fmt::format_to(std::back_inserter(text), "{}mu {} {}", indent, set, ids.size());
+        for (const int id : ids) fmt::format_to(std::back_inserter(text), " {}", id);
+        text += '\n';
+    }
+    const FaceRecords* kept = mesh.faceRecords().get();
+    if (!kept) return text;
+    const auto& records = kept->records;
+    auto r = std::lower_bound(records.begin(), records.end(), face, [](auto& a, int f) { return a.face < f; });
+    for (; r != records.end() && r->face == face; ++r) {
+        const auto ids = std::span(kept->ids).subspan(r->first, static_cast<std::size_t>(r->count));
+        using Kind = FaceRecords::Kind;
+        if (r->kind == Kind::HoleUvs) {
+            // The set may have changed since.
+            const int size = r->set < mesh.numUvSets() ? mesh.uvSet(r->set).size() : 0;
+            if (std::any_of(ids.begin(), ids.end(), [&](int id) { return id >= size; })) continue;
+        }
+        text += indent;
+        text += r->kind == Kind::Hole ? "h" : r->kind == Kind::HoleUvs ? "mu" : r->kind == Kind::Colours ? "fc" : "mc";
+        if (r->kind == Kind::HoleUvs || r->kind == Kind::ColourSet)
+            fmt::format_to(std::back_inserter(text), " {}", r->set);
+        fmt::format_to(std::back_inserter(text), " {}", r->count);
         for (const int id : ids) fmt::format_to(std::back_inserter(text), " {}", id);
         text += '\n';
     }

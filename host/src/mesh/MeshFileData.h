@@ -11,39 +11,6 @@
 
 namespace host::mesh {
 
-/// Words one after the other, wherever they come from.
-class WordStream {
-public:
-    virtual ~WordStream() = default;
-    /// The next word; empty at the end. It is valid until the next call.
-    virtual std::string_view next() = 0;
-};
-
-/// The words of a text, separated by white space.
-class TextWords final : public WordStream {
-public:
-    explicit TextWords(std::string_view text) : rest_(text) {}
-    std::string_view next() override;
-
-private:
-    std::string_view rest_;
-};
-
-/// The words of a list.
-class ListWords final : public WordStream {
-public:
-    explicit ListWords(std::span<const std::string> words) : rest_(words) {}
-    std::string_view next() override {
-        if (rest_.empty()) return {};
-        const std::string_view word = rest_.front();
-        rest_ = rest_.subspan(1);
-        return word;
-    }
-
-private:
-    std::span<const std::string> rest_;
-};
-
 /// Collects what a scene file stores of a mesh, and makes the mesh of it.
 ///
 /// Lists arrive in pieces, each with the index of its first element, in any order; a later piece replaces what it
@@ -62,13 +29,13 @@ public:
     bool setTweaks(std::size_t first, std::span<const float> xyz, std::string* error = nullptr);
     bool setTweak(std::size_t index, float x, float y, float z) { return setTweaks(index, std::array{x, y, z}); }
 
-    /// Reads face records up to the end of the words; `first` must be numFaces(). For each face:
+    /// Reads face records, of words separated by white space; `first` must be numFaces(). For each face:
     ///   f n e1 .. en        its edges, signed as PolyMesh::fromEdges() takes them; starts the face
     ///   mu set n id1 .. idn the ids of its corners in a UV set; `mf n ..` is the same for set 0
-    ///   h n e1 .. en        a hole: counted, but left out
-    ///   fc n .., mc set n .., mh n ..   colours and UVs of holes: passed over
-    /// On failure the faces before the faulty one stay.
-    bool parsePolyFaces(std::size_t first, WordStream& words, std::string* error = nullptr);
+    ///   fc n ..             ids of its corners' colours; `mc set n ..` those in a colour set
+    ///   h n e1 .. en        a hole, of which the records behind it speak; `mh n ..` are its ids in UV set 0
+    /// Holes and colours are kept as PolyMesh::faceRecords(). On failure the faces before the faulty one stay.
+    bool parsePolyFaces(std::size_t first, std::string_view text, std::string* error = nullptr);
     std::size_t numFaces() const { return counts_.size(); }
 
     /// UV sets by their index in the file (0 to kMostUvSets - 1); the mesh has them in ascending order.
@@ -83,8 +50,8 @@ public:
     bool isEmpty() const { return points_.isEmpty() && edges_.isEmpty() && counts_.empty(); }
 
     /// Makes the mesh, taking what was collected; null on failure, which the text explains.
-    /// `ignoredHoles` gets the number of holes that were left out.
-    std::shared_ptr<const PolyMesh> build(std::string* error = nullptr, int* ignoredHoles = nullptr);
+    /// `holes` gets the number of holes among the face records.
+    std::shared_ptr<const PolyMesh> build(std::string* error = nullptr, int* holes = nullptr);
 
 private:
     /// A list that is filled in pieces.
@@ -111,15 +78,20 @@ private:
     };
 
     FileUvSet* uvSet(int index, std::string* error);
-    bool parseFaceRecord(std::string_view kind, WordStream& words, std::string& error);
+    class Words;
+    bool parseFaceRecord(std::string_view kind, Words& words, std::string& error);
+    bool addUvIds(int set, std::span<const int> ids, std::string& error);
+    void keepRecord(FaceRecords::Kind kind, int set, std::span<const int> ids, std::size_t place);
     bool addUvSets(PolyMesh& mesh, std::string* error);
 
     Pieces<Float3> points_, normals_;
     Pieces<Edge> edges_;
     std::vector<std::pair<std::size_t, Float3>> tweaks_;
     std::vector<int> counts_, faceEdges_;
-    int faceHoles_ = 0; // corners of the holes of the last face
+    std::vector<int> faceHoles_; // the numbers of corners of the holes of the last face
     int holes_ = 0;
+    FaceRecords records_;
+    std::vector<int> ids_; // of the record that is read
     std::map<int, FileUvSet> uvSets_;
     std::string currentUvSet_;
 };
@@ -128,8 +100,8 @@ private:
 /// @{
 /// The edges as appendEdges() takes them.
 std::vector<int> fileEdges(const PolyMesh& mesh);
-/// The text of a face's records as parsePolyFaces() reads them: "f .." and a "mu .." for each UV set that has ids for
-/// it, one a line, each line starting with `indent` and ending in a line feed.
+/// The text of a face's records as parsePolyFaces() reads them: "f ..", a "mu .." for each UV set that has ids for it,
+/// and what else is kept, one a line, each line starting with `indent` and ending in a line feed.
 std::string fileFace(const PolyMesh& mesh, int face, std::string_view indent = "");
 /// @}
 

@@ -411,6 +411,8 @@ bool operator==(const PolyMesh& a, const PolyMesh& b) {
     return sameBits(a.points_, b.points_) && a.offsets_ == b.offsets_ && a.connects_ == b.connects_ &&
            a.currentUvSet_ == b.currentUvSet_ && sameBits(a.explicitNormals_, b.explicitNormals_) &&
            std::equal(a.uvSets_.begin(), a.uvSets_.end(), b.uvSets_.begin(), b.uvSets_.end(), sameSet) &&
+           (a.faceRecords_ == b.faceRecords_ ||
+            (a.faceRecords_ && b.faceRecords_ && *a.faceRecords_ == *b.faceRecords_)) &&
            a.topology().edges == b.topology().edges && a.topology().faceEdges == b.topology().faceEdges;
 }
 

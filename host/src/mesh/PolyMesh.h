@@ -3,6 +3,7 @@
 #include <Imath/ImathVec.h>
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -42,6 +43,28 @@ struct UvSet {
     std::vector<int> ids;    ///< one per face vertex, -1 for none; empty when nothing is assigned
     bool operator==(const UvSet&) const = default;
     int size() const { return static_cast<int>(u.size()); }
+};
+
+/// What a scene file says of faces beyond their polygons and UVs: holes with their UVs, and colours by corner. Nothing
+/// here works with it; it stays with the mesh for the file that the mesh is saved in.
+struct FaceRecords {
+    enum class Kind : std::uint8_t {
+        Hole,      ///< signed edges, as a face has them
+        HoleUvs,   ///< UV ids of the last hole's corners in a set of the mesh
+        Colours,   ///< colour ids of the corners of the face, or of the last hole
+        ColourSet, ///< the same in a set
+    };
+    struct Record {
+        int face = 0;
+        Kind kind = Kind::Hole;
+        int set = 0;
+        std::size_t first = 0; ///< in `ids`
+        int count = 0;
+        bool operator==(const Record&) const = default;
+    };
+    std::vector<Record> records; ///< face by face
+    std::vector<int> ids;
+    bool operator==(const FaceRecords&) const = default;
 };
 
 /// How the normals of the faces around a vertex are averaged.
@@ -204,6 +227,10 @@ public:
     /// The texture coordinate of a face's corner; false when it has none.
     bool uvAt(int set, int face, int corner, float& u, float& v) const;
 
+    /// What else the file of the mesh says of its faces; null for nothing.
+    const std::shared_ptr<const FaceRecords>& faceRecords() const { return faceRecords_; }
+    void setFaceRecords(std::shared_ptr<const FaceRecords> records) { faceRecords_ = std::move(records); }
+
     /// Equal to the bit, so that a position that is not a number equals itself.
     friend bool operator==(const PolyMesh& a, const PolyMesh& b);
 
@@ -223,6 +250,7 @@ private:
     std::vector<UvSet> uvSets_;
     int currentUvSet_ = 0;
     std::vector<Float3> explicitNormals_;
+    std::shared_ptr<const FaceRecords> faceRecords_;
 
     LazyPart<Topology> topology_;
     LazyPart<std::vector<Triangle>> triangles_;

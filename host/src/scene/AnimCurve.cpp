@@ -2,17 +2,14 @@
 
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
+#include "scene/Units.h"
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace host::scene {
 namespace {
-
-struct Key {
-    double time, value;
-    Tangent in, out;
-};
 
 class TimeBehavior final : public NodeBehavior {
 public:
@@ -28,113 +25,203 @@ private:
     Node& node_;
 };
 
-Tangent tangentAt(Node& curve, std::string_view list, int index) {
-    Cell& array = curve.cell(list);
-    const auto it = array.elements.find(index);
-    const double kind = it != array.elements.end() ? it->second->number() : curve.cell("tangentType").number();
-    return kind == 0 ? Tangent::Linear : static_cast<Tangent>(static_cast<int>(kind));
-}
-
-std::vector<Key> readKeys(Node& curve) {
-    std::vector<Key> keys;
-    for (auto& [index, element] : curve.cell("keyTimeValue").elements)
-        keys.push_back({element->child(0).number(), element->child(1).number(), tangentAt(curve, "keyTanInType", index),
-                        tangentAt(curve, "keyTanOutType", index)});
-    std::stable_sort(keys.begin(), keys.end(), [](const Key& a, const Key& b) { return a.time < b.time; });
-    return keys;
-}
-
-/// The slope of a smooth tangent at key k; level at ends and extremes.
-double smoothSlope(const std::vector<Key>& keys, std::size_t k) {
-    if (k == 0 || k + 1 >= keys.size()) return 0;
-    const Key &a = keys[k - 1], &b = keys[k], &c = keys[k + 1];
-    if ((b.value - a.value) * (c.value - b.value) <= 0) return 0;
-    return c.time > a.time ? (c.value - a.value) / (c.time - a.time) : 0;
-}
-
-double slope(const std::vector<Key>& keys, std::size_t k, Tangent kind, double chord) {
-    if (kind == Tangent::Linear) return chord;
-    if (kind == Tangent::Flat) return 0;
-    return smoothSlope(keys, k);
-}
-
-double inside(const std::vector<Key>& keys, double t) {
-    const auto after = std::upper_bound(keys.begin(), keys.end(), t, [](double v, const Key& k) { return v < k.time; });
-    if (after == keys.begin()) return keys.front().value;
-    const auto k = static_cast<std::size_t>(after - keys.begin()) - 1;
-    const Key& a = keys[k];
-    if (after == keys.end() || t == a.time) return a.value;
-    const Key& b = *after;
-    if (a.out == Tangent::Step) return a.value;
-    if (a.out == Tangent::StepNext) return b.value;
-    const double span = b.time - a.time, u = (t - a.time) / span, chord = (b.value - a.value) / span;
-    // Cubic Hermite form; with both slopes equal to the chord it is the straight line.
-    if (a.out == Tangent::Linear && b.in == Tangent::Linear) return a.value + (b.value - a.value) * u;
-    const double m0 = slope(keys, k, a.out, chord) * span, m1 = slope(keys, k + 1, b.in, chord) * span;
-    const double u2 = u * u, u3 = u2 * u;
-    return (2 * u3 - 3 * u2 + 1) * a.value + (u3 - 2 * u2 + u) * m0 + (-2 * u3 + 3 * u2) * b.value + (u3 - u2) * m1;
-}
-
-double at(const std::vector<Key>& keys, double t, int pre, int post) {
-    if (keys.empty()) return 0;
-    const double first = keys.front().time, last = keys.back().time, span = last - first;
-    const bool before = t < first;
-    if (!before && t <= last) return inside(keys, t);
-    const int kind = before ? pre : post;
-    const Key& end = before ? keys.front() : keys.back();
-    if (kind == 0 || span <= 0) return end.value;
-    if (kind == 1) {
-        const std::size_t k = before ? 0 : keys.size() - 2;
-        const double between = keys[k + 1].time - keys[k].time;
-        const Tangent tangent = before ? end.out : end.in;
-        // Files may have two keys at one time, which give no slope.
-        const double m = tangent == Tangent::Linear && between > 0 ? (keys[k + 1].value - keys[k].value) / between : 0;
-        return end.value + m * (t - end.time);
-    }
-    const double turns = std::floor((t - first) / span);
-    const double local = t - turns * span;
-    if (kind == 5 && std::fmod(std::fabs(turns), 2.0) == 1.0) return inside(keys, first + last - local);
-    const double offset = kind == 4 ? turns * (keys.back().value - keys.front().value) : 0;
-    return inside(keys, local) + offset;
-}
+struct ListName {
+    std::string_view longName, shortName;
+    CurveKey::List list;
+};
+constexpr ListName listNames[] = {{"keyTimeValue", "ktv", CurveKey::TimeValue},
+                                  {"keyTanInType", "kit", CurveKey::InType},
+                                  {"keyTanOutType", "kot", CurveKey::OutType},
+                                  {"keyTanInX", "kix", CurveKey::InX},
+                                  {"keyTanInY", "kiy", CurveKey::InY},
+                                  {"keyTanOutX", "kox", CurveKey::OutX},
+                                  {"keyTanOutY", "koy", CurveKey::OutY},
+                                  {"keyTanLocked", "ktl", CurveKey::TangentLocked},
+                                  {"keyWeightLocked", "kwl", CurveKey::WeightLocked},
+                                  {"keyBreakdown", "kbd", CurveKey::Breakdown}};
 
 class CurveBehavior final : public NodeBehavior {
 public:
-    explicit CurveBehavior(Node& node) : node_(node) {}
+    explicit CurveBehavior(Node& node) : node_(node), overTime_(node.type.name.starts_with("animCurveT")) {}
+
     bool compute(Cell& cell) override {
         if (cell.attribute.longName != "output") return false;
         Cell& input = node_.cell("input");
-        double t = node_.scene.time();
+        double at = overTime_ ? node_.scene.time() : input.number();
         if (input.source) {
             evaluate(input);
-            t = input.number();
+            at = input.number();
         }
-        const double v = at(readKeys(node_), t, static_cast<int>(node_.cell("preInfinity").number()),
-                            static_cast<int>(node_.cell("postInfinity").number()));
-        std::get<Numeric>(cell.value).set(0, v);
+        std::get<Numeric>(cell.value).set(0, keys.value(at, shape()));
         setClean(cell);
         return true;
     }
 
+    bool getInternal(Cell& cell) override {
+        const auto list = listOf(cell);
+        if (!list) return false;
+        if (cell.isArray()) {
+            for (const CurveKey& key : keys.keys())
+                if (key.given & *list) show(cell.element(key.index), key, *list);
+            for (auto& [index, element] : cell.elements)
+                if (!has(*list, index)) hide(*element);
+            cell.dirty = false;
+            return true;
+        }
+        Cell& element = cell.index >= 0 ? cell : *cell.parent;
+        const CurveKey* key = keys.find(element.index);
+        if (key && (key->given & *list))
+            show(element, *key, *list);
+        else
+            hide(element);
+        return true;
+    }
+
+    bool setInternal(Cell& cell, const Value& value) override {
+        const auto list = listOf(cell);
+        const auto* n = std::get_if<Numeric>(&value);
+        if (!list || !n || cell.isArray()) return false;
+        const int index = cell.index >= 0 ? cell.index : cell.parent->index;
+        const CurveKey* there = keys.find(index);
+        const std::optional<CurveKey> before = there ? std::optional(*there) : std::nullopt;
+        CurveKey after = before.value_or(CurveKey{});
+        after.index = index;
+        after.given = static_cast<std::uint16_t>(after.given | *list);
+        if (*list == CurveKey::TimeValue)
+            (cell.attribute.childIndex == 0 ? after.time : after.value) = n->get();
+        else if (!setCurveNumber(after, *list, n->get()))
+            throw SceneError("The attribute '" + cell.name() + "' cannot have the value.");
+        put(index, after);
+        node_.scene.record([this, index, after, keep = node_.shared_from_this()] { put(index, after); },
+                           [this, index, before, keep = node_.shared_from_this()] { put(index, before); });
+        return true;
+    }
+
+    bool hasElement(const Cell& array, int index) override {
+        const auto list = curveList(array.attribute.longName);
+        return list && has(*list, index);
+    }
+
+    void copyFrom(Node& other) override {
+        if (const CurveKeys* theirs = curveKeys(other)) keys = *theirs;
+    }
+
+    CurveKeys::Shape shape() const {
+        const auto number = [&](const char* name) {
+            const Attribute& a = *node_.type.find(name);
+            Cell* c = node_.existingCell(a);
+            return static_cast<int>(c ? c->number() : std::get<Numeric>(a.defaultValue).get());
+        };
+        CurveKeys::Shape s;
+        s.weighted = number("weightedTangents") != 0;
+        if (const int tangent = number("tangentType"); tangent != 0) s.tangent = static_cast<Tangent>(tangent);
+        s.pre = static_cast<Infinity>(number("preInfinity"));
+        s.post = static_cast<Infinity>(number("postInfinity"));
+        s.perSecond = overTime_ ? ticksPerSecond : 1;
+        // As the user sees them: in degrees, centimetres, or without a unit.
+        constexpr double close = 0.05;
+        s.closeValues = node_.type.name.ends_with('A') ? close * std::numbers::pi / 180 : close;
+        return s;
+    }
+
+    CurveKeys keys;
+
 private:
+    static std::optional<CurveKey::List> listOf(const Cell& cell) { return curveList(cell.attribute.root().longName); }
+
+    bool has(CurveKey::List list, int index) const {
+        const CurveKey* key = keys.find(index);
+        return key && (key->given & list);
+    }
+
+    static void setCell(Cell& cell, double value) {
+        std::get<Numeric>(cell.value).set(0, value);
+        cell.written = true;
+        cell.dirty = false;
+    }
+
+    static void show(Cell& element, const CurveKey& key, CurveKey::List list) {
+        if (list == CurveKey::TimeValue) {
+            setCell(element.child(0), key.time);
+            setCell(element.child(1), key.value);
+        } else {
+            setCell(element, curveNumber(key, list));
+        }
+        element.dirty = false;
+    }
+
+    static void hide(Cell& element) {
+        element.written = element.dirty = false;
+        element.value = element.attribute.defaultValue;
+        for (auto& child : element.children)
+            if (child) hide(*child);
+    }
+
+    void put(int index, const std::optional<CurveKey>& key) {
+        if (key)
+            keys.insert(*key);
+        else
+            keys.erase(index);
+        curveChanged(node_);
+    }
+
     Node& node_;
+    bool overTime_;
 };
 
-void writeKeys(Scene& scene, Node& curve, const std::vector<Key>& keys) {
-    for (const char* list : {"keyTimeValue", "keyTanInType", "keyTanOutType"}) {
-        Cell& array = curve.cell(list);
-        while (static_cast<std::size_t>(array.elements.size()) > keys.size() ||
-               (!array.elements.empty() && array.elements.rbegin()->first >= static_cast<int>(keys.size())))
-            scene.removeElement(*array.elements.rbegin()->second, true);
+CurveBehavior* behaviorOf(Node& curve) { return dynamic_cast<CurveBehavior*>(curve.behavior.get()); }
+
+/// Edits of a curve whose keys are numbered in the order of their times. All can be taken back.
+class KeyEdit {
+public:
+    KeyEdit(Scene& scene, Node& curve) : scene_(scene), curve_(curve), keys_(behaviorOf(curve)->keys) {
+        const auto& timed = keys_.timed();
+        bool numbered = timed.size() == keys_.keys().size();
+        for (std::size_t i = 0; numbered && i < timed.size(); ++i) numbered = timed[i].index == static_cast<int>(i);
+        if (numbered) return;
+        std::vector<CurveKey> after = timed, before = keys_.keys();
+        for (std::size_t i = 0; i < after.size(); ++i) after[i].index = static_cast<int>(i);
+        carryOut([after](CurveKeys& keys) { keys.assign(after); }, [before](CurveKeys& keys) { keys.assign(before); });
     }
-    for (std::size_t k = 0; k < keys.size(); ++k) {
-        const int i = static_cast<int>(k);
-        Cell& element = curve.cell("keyTimeValue").element(i);
-        scene.setNumber(element.child(0), keys[k].time);
-        scene.setNumber(element.child(1), keys[k].value);
-        scene.setNumber(curve.cell("keyTanInType").element(i), static_cast<double>(keys[k].in));
-        scene.setNumber(curve.cell("keyTanOutType").element(i), static_cast<double>(keys[k].out));
+
+    const std::vector<CurveKey>& keys() const { return keys_.keys(); }
+    void replace(const CurveKey& key) {
+        const CurveKey before = *keys_.find(key.index);
+        carryOut([key](CurveKeys& keys) { keys.insert(key); }, [before](CurveKeys& keys) { keys.insert(before); });
     }
+    void add(const CurveKey& key) {
+        carryOut([key](CurveKeys& keys) { keys.insertAndShift(key); },
+                 [key](CurveKeys& keys) { keys.eraseAndShift(key.index); });
+    }
+    void remove(int index) {
+        const CurveKey before = *keys_.find(index);
+        carryOut([index](CurveKeys& keys) { keys.eraseAndShift(index); },
+                 [before](CurveKeys& keys) { keys.insertAndShift(before); });
+    }
+
+private:
+    template <class Do, class Undo>
+    void carryOut(Do change, Undo back) {
+        const auto apply = [&keys = keys_, keep = curve_.shared_from_this()](const auto& f) {
+            f(keys);
+            curveChanged(*keep);
+        };
+        apply(change);
+        scene_.record([apply, change] { apply(change); }, [apply, back] { apply(back); });
+    }
+
+    Scene& scene_;
+    Node& curve_;
+    CurveKeys& keys_;
+};
+
+/// Gives a key that is to be fixed the tangent that it has now.
+void fixTangent(CurveKey& key, bool out, double slopePerSecond, double seconds) {
+    const double x = seconds > 0 ? seconds : 1 / std::hypot(1, slopePerSecond);
+    (out ? key.outX : key.inX) = static_cast<float>(x);
+    (out ? key.outY : key.inY) = static_cast<float>(x * slopePerSecond);
+    key.given =
+        static_cast<std::uint16_t>(key.given | (out ? CurveKey::OutX | CurveKey::OutY : CurveKey::InX | CurveKey::InY));
 }
 
 } // namespace
@@ -142,19 +229,72 @@ void writeKeys(Scene& scene, Node& curve, const std::vector<Key>& keys) {
 std::unique_ptr<NodeBehavior> makeTimeBehavior(Node& node) { return std::make_unique<TimeBehavior>(node); }
 std::unique_ptr<NodeBehavior> makeAnimCurve(Node& node) { return std::make_unique<CurveBehavior>(node); }
 
+CurveKeys* curveKeys(Node& curve) {
+    CurveBehavior* b = behaviorOf(curve);
+    return b ? &b->keys : nullptr;
+}
+
+void curveChanged(Node& curve) { dirtyWithDependents(curve.cell("output")); }
+
+std::optional<CurveKey::List> curveList(std::string_view name) {
+    for (const auto& [longName, shortName, list] : listNames)
+        if (name == longName || name == shortName) return list;
+    return std::nullopt;
+}
+
+double curveNumber(const CurveKey& key, CurveKey::List list) {
+    switch (list) {
+    case CurveKey::TimeValue: return key.time;
+    case CurveKey::InType: return key.in;
+    case CurveKey::OutType: return key.out;
+    case CurveKey::InX: return key.inX;
+    case CurveKey::InY: return key.inY;
+    case CurveKey::OutX: return key.outX;
+    case CurveKey::OutY: return key.outY;
+    case CurveKey::TangentLocked: return key.tangentLocked;
+    case CurveKey::WeightLocked: return key.weightLocked;
+    case CurveKey::Breakdown: return key.breakdown;
+    }
+    return 0;
+}
+
+bool setCurveNumber(CurveKey& key, CurveKey::List list, double value) {
+    const auto type = [&](std::uint8_t& kind) {
+        if (!(value >= 0 && value <= 255)) return false;
+        kind = static_cast<std::uint8_t>(value);
+        return true;
+    };
+    switch (list) {
+    case CurveKey::TimeValue: key.time = value; break;
+    case CurveKey::InType: return type(key.in);
+    case CurveKey::OutType: return type(key.out);
+    case CurveKey::InX: key.inX = static_cast<float>(value); break;
+    case CurveKey::InY: key.inY = static_cast<float>(value); break;
+    case CurveKey::OutX: key.outX = static_cast<float>(value); break;
+    case CurveKey::OutY: key.outY = static_cast<float>(value); break;
+    case CurveKey::TangentLocked: key.tangentLocked = value != 0; break;
+    case CurveKey::WeightLocked: key.weightLocked = value != 0; break;
+    case CurveKey::Breakdown: key.breakdown = value != 0; break;
+    }
+    return true;
+}
+
+CurveKeys::Shape curveShape(Node& curve) { return behaviorOf(curve)->shape(); }
+
 Node* curveOf(Cell& plug) {
     return plug.source && plug.source->node.type.isA("animCurve") ? &plug.source->node : nullptr;
 }
 
 std::vector<std::pair<double, double>> keysOf(Node& curve) {
     std::vector<std::pair<double, double>> list;
-    for (const Key& k : readKeys(curve)) list.emplace_back(k.time, k.value);
+    for (const CurveKey& k : curveKeys(curve)->timed()) list.emplace_back(k.time, k.value);
     return list;
 }
 
 void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tangent out) {
     if (!plug.attribute.isNumber() || plug.isArray())
         throw SceneError("The attribute '" + plug.name() + "' cannot be animated.");
+    if (std::isnan(time)) throw SceneError("The time of a key must be a number.");
     Node* curve = curveOf(plug);
     if (!curve) {
         scene.requireSettable(plug);
@@ -166,28 +306,56 @@ void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tan
         std::replace_if(
             name.begin(), name.end(), [](char c) { return c == '.' || c == '[' || c == ']'; }, '_');
         curve = scene.createNode(*scene.findType(kind), name).get();
+        scene.setNumber(curve->cell("weightedTangents"), 0);
         scene.connect(curve->cell("output"), plug);
     }
-    auto keys = readKeys(*curve);
-    const auto it = std::find_if(keys.begin(), keys.end(), [&](const Key& k) { return k.time >= time; });
-    if (it != keys.end() && it->time == time)
-        *it = {time, value, in, out};
-    else
-        keys.insert(it, {time, value, in, out});
-    writeKeys(scene, *curve, keys);
+    KeyEdit edit(scene, *curve);
+    const auto& keys = edit.keys();
+    const auto place =
+        std::lower_bound(keys.begin(), keys.end(), time, [](const CurveKey& k, double t) { return k.time < t; });
+    const bool there = place != keys.end() && place->time == time;
+    CurveKey key = there ? *place : CurveKey{};
+    if (there) {
+        const CurveKeys::Shape shape = curveShape(*curve);
+        const auto k = static_cast<std::size_t>(place - keys.begin());
+        for (const bool isOut : {false, true}) {
+            const auto kind = isOut ? out : in;
+            const auto was = isOut ? key.out : key.in;
+            if (kind != Tangent::Fixed || was == static_cast<std::uint8_t>(Tangent::Fixed)) continue;
+            const std::size_t other = isOut ? std::min(k + 1, keys.size() - 1) : k - std::min<std::size_t>(k, 1);
+            const double seconds = std::abs(keys[other].time - time) / shape.perSecond;
+            fixTangent(key, isOut, curveKeys(*curve)->slope(k, isOut, shape) * shape.perSecond,
+                       shape.weighted ? seconds : 0);
+        }
+    }
+    key.time = time;
+    key.value = value;
+    key.in = static_cast<std::uint8_t>(in);
+    key.out = static_cast<std::uint8_t>(out);
+    key.given = static_cast<std::uint16_t>(key.given | CurveKey::TimeValue | CurveKey::InType | CurveKey::OutType);
+    if (there) {
+        edit.replace(key);
+    } else {
+        key.index = static_cast<int>(place - keys.begin());
+        edit.add(key);
+    }
 }
 
 int removeKeys(Scene& scene, Cell& plug, double first, double last) {
     Node* curve = curveOf(plug);
     if (!curve) return 0;
-    auto keys = readKeys(*curve);
-    const auto gone = std::erase_if(keys, [&](const Key& k) { return k.time >= first && k.time <= last; });
-    if (gone == 0) return 0;
-    if (keys.empty())
+    const auto gone = [&](const CurveKey& k) { return k.time >= first && k.time <= last; };
+    const auto& timed = curveKeys(*curve)->timed();
+    const auto count = std::count_if(timed.begin(), timed.end(), gone);
+    if (count == 0) return 0;
+    if (count == static_cast<std::ptrdiff_t>(timed.size())) {
         scene.deleteNodes({curve});
-    else
-        writeKeys(scene, *curve, keys);
-    return static_cast<int>(gone);
+    } else {
+        KeyEdit edit(scene, *curve);
+        for (std::size_t i = edit.keys().size(); i-- > 0;)
+            if (gone(edit.keys()[i])) edit.remove(static_cast<int>(i));
+    }
+    return static_cast<int>(count);
 }
 
 } // namespace host::scene

@@ -1,6 +1,11 @@
 #pragma once
 
+#include "scene/CurveKeys.h"
 #include "scene/Node.h"
+
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace host::scene {
 
@@ -9,25 +14,28 @@ class Scene;
 /// The scene's clock: its outTime is the scene's current time.
 std::unique_ptr<NodeBehavior> makeTimeBehavior(Node& node);
 
-/// A curve over time. Its input is the scene's current time unless something is connected.
+/// A curve over time, or over a number. Over time its input is the scene's current time unless something is connected.
 ///
-/// Tangents: linear, step and stepnext as named; flat gives a cubic with level tangents; fixed, spline, clamped,
-/// plateau and auto are evaluated as level tangents at local extremes and ends, and as the slope between the
-/// neighbours elsewhere. Infinity: constant, linear, cycle, cycle with offset and oscillate.
+/// Fixed tangents are evaluated from the vectors that the curve holds: as slopes, or with weighted tangents as the
+/// control points of a Bezier curve in time and value. Linear, flat, step and stepnext do as named. Spline tangents
+/// have the slope between the neighbours; clamped ones, too, but level where values are close together; plateau and
+/// auto ones are level at ends and extremes, and never swing beyond the neighbours. Infinity: constant, linear, cycle,
+/// cycle with offset and oscillate.
+///
+/// The lists of keys are kept as plain data: cells of their plugs come into being for those who ask for them.
 std::unique_ptr<NodeBehavior> makeAnimCurve(Node& node);
 
-/// Tangent kinds by their stored number.
-enum class Tangent {
-    Fixed = 1,
-    Linear = 2,
-    Flat = 3,
-    Step = 5,
-    Spline = 9,
-    Clamped = 10,
-    Plateau = 16,
-    StepNext = 17,
-    Auto = 18
-};
+/// The keys of a curve; null for nodes of other kinds. Whoever changes them tells so with curveChanged().
+CurveKeys* curveKeys(Node& curve);
+void curveChanged(Node& curve);
+/// The list of a curve that a name means ("ktv", "keyTanInX"); nothing for other names.
+std::optional<CurveKey::List> curveList(std::string_view name);
+/// A number of a list of a key as the plug shows it, and the other way round. `list` is not TimeValue.
+double curveNumber(const CurveKey& key, CurveKey::List list);
+/// False when the list cannot have the value.
+bool setCurveNumber(CurveKey& key, CurveKey::List list, double value);
+/// What the curve's other attributes say.
+CurveKeys::Shape curveShape(Node& curve);
 
 /// Puts a key on the plug, making a curve of the fitting kind when it has none. Time in ticks, value in internal
 /// units; a key at the same time is replaced. Throws SceneError for plugs that cannot be animated.

@@ -1,6 +1,7 @@
 #include "scene/AnimCurve.h"
 #include "scene/DagBehavior.h"
 #include "scene/Evaluation.h"
+#include "scene/MeshFilter.h"
 #include "scene/MeshNode.h"
 #include "scene/Scene.h"
 
@@ -134,7 +135,8 @@ std::vector<AttributePtr> transformAttributes() {
         }
         return a;
     };
-    auto limits = [&](const char* word, const char* brief, double low, double high, AttributeType unit) {
+    // minTransLimit (mntl) has the parts minTransXLimit (mtxl), and so on.
+    auto limits = [&](const char* word, const std::string& brief, double low, double high, AttributeType unit) {
         std::vector<AttributePtr> both;
         for (const bool isMin : {true, false}) {
             const std::string side = isMin ? "min" : "max";
@@ -147,7 +149,7 @@ std::vector<AttributePtr> transformAttributes() {
                                     ? A::number(longPart, shortPart, N::Double, isMin ? low : high)
                                     : A::unit(longPart, shortPart, unit, isMin ? low : high));
             }
-            both.push_back(A::tupleOf(side + word + "Limit", sideBrief + brief + "l", std::move(parts)));
+            both.push_back(A::tupleOf(side + word + "Limit", (isMin ? "mn" : "mx") + brief + "l", std::move(parts)));
         }
         return both;
     };
@@ -165,6 +167,9 @@ std::vector<AttributePtr> transformAttributes() {
         A::tuple("scalePivotTranslate", "spt", N::Double, 3, "XYZ", distance),
         A::tuple("rotateAxis", "ra", N::Double, 3, "XYZ", angle),
         A::number("inheritsTransform", "it", N::Bool, 1),
+        A::matrix("offsetParentMatrix", "opm"),
+        readOnly(A::matrix("dagLocalMatrix", "dlm")),
+        readOnly(A::matrix("dagLocalInverseMatrix", "dlim")),
         readOnly(A::matrix("xformMatrix", "xm")),
         A::number("displayHandle", "dh", N::Bool),
         A::number("displayScalePivot", "dsp", N::Bool),
@@ -189,12 +194,25 @@ std::vector<AttributePtr> transformAttributes() {
     return all;
 }
 
+std::vector<AttributePtr> jointAttributes() {
+    return {
+        keyable(A::tuple("jointOrient", "jo", N::Double, 3, "XYZ", angle)),
+        A::number("segmentScaleCompensate", "ssc", N::Bool, 1),
+        A::tuple("inverseScale", "is", N::Double, 3, "XYZ", AttributeType::Numeric, 1.0),
+        A::tuple("preferredAngle", "pa", N::Double, 3, "XYZ", angle),
+        keyable(A::number("radius", "radi", N::Double, 1)),
+        A::enumeration("drawStyle", "ds", 0, {"Bone", "Multi-child as Box", "None", "Joint"}),
+        A::matrix("bindPose", "bps"),
+    };
+}
+
 std::vector<AttributePtr> cameraAttributes() {
+    constexpr double cmPerInch = 2.54;
     return {
         A::number("renderable", "rnd", N::Bool, 1),
-        A::tuple("cameraAperture", "cap", N::Double, 2, "HV"),
-        keyable(limited(A::number("horizontalFilmAperture", "hfa", N::Double, 1.41732), 0.0001)),
-        keyable(limited(A::number("verticalFilmAperture", "vfa", N::Double, 0.94488), 0.0001)),
+        A::tupleOf("cameraAperture", "cap",
+                   {keyable(limited(A::number("horizontalFilmAperture", "hfa", N::Double, 3.6 / cmPerInch), 0.0001)),
+                    keyable(limited(A::number("verticalFilmAperture", "vfa", N::Double, 2.4 / cmPerInch), 0.0001))}),
         keyable(limited(A::number("focalLength", "fl", N::Double, 35.0), 2.5, 100000.0)),
         keyable(limited(A::number("lensSqueezeRatio", "lsr", N::Double, 1.0), 0.0001)),
         keyable(A::number("fStop", "fs", N::Double, 5.6)),
@@ -204,10 +222,11 @@ std::vector<AttributePtr> cameraAttributes() {
         A::tuple("tumblePivot", "tp", N::Double, 3, "XYZ", distance),
         keyable(limited(A::unit("nearClipPlane", "ncp", distance, 0.1), 0.00001)),
         keyable(limited(A::unit("farClipPlane", "fcp", distance, 10000.0), 0.00001)),
-        A::enumeration("filmFit", "ff", 0, {"Fill", "Horizontal", "Vertical", "Overscan"}),
+        A::enumeration("filmFit", "ff", 1, {"Fill", "Horizontal", "Vertical", "Overscan"}),
         A::number("filmFitOffset", "ffo", N::Double),
-        A::number("horizontalFilmOffset", "hfo", N::Double),
-        A::number("verticalFilmOffset", "vfo", N::Double),
+        A::tupleOf(
+            "filmOffset", "fio",
+            {A::number("horizontalFilmOffset", "hfo", N::Double), A::number("verticalFilmOffset", "vfo", N::Double)}),
         limited(A::number("overscan", "ovr", N::Double, 1.0), 0.0001),
         limited(A::number("preScale", "psc", N::Double, 1.0), 0.0001),
         limited(A::number("postScale", "ptsc", N::Double, 1.0), 0.0001),
@@ -279,9 +298,14 @@ void registerDag(Registrar& r) {
     t.affects({"translate", "rotate", "rotateOrder", "scale", "shear", "rotatePivot", "rotatePivotTranslate",
                "scalePivot", "scalePivotTranslate", "rotateAxis"},
               {"matrix", "inverseMatrix", "xformMatrix", "worldMatrix", "worldInverseMatrix"});
-    t.affects({"inheritsTransform"}, {"parentMatrix", "parentInverseMatrix", "worldMatrix", "worldInverseMatrix"});
+    t.affects({"inheritsTransform", "offsetParentMatrix"},
+              {"parentMatrix", "parentInverseMatrix", "worldMatrix", "worldInverseMatrix"});
+    t.affects({"matrix", "offsetParentMatrix"}, {"dagLocalMatrix", "dagLocalInverseMatrix"});
+    auto& joint = r.type("joint", "transform", transformKind, MFn::kJoint, jointAttributes());
+    joint.affects({"jointOrient", "segmentScaleCompensate", "inverseScale"},
+                  {"matrix", "inverseMatrix", "xformMatrix", "worldMatrix", "worldInverseMatrix"});
     r.type("world", "dagNode", transformKind, MFn::kWorld, {}, makeDagBehavior).isAbstract = true;
-    r.type("unknownDag", "dagNode", transformKind, MFn::kUnknownDag, {}, makeDagBehavior);
+    r.type("unknownDag", "dagNode", shapeKind, MFn::kUnknownDag, {}, makeDagBehavior);
     r.type("unknownTransform", "transform", transformKind, MFn::kUnknownTransform, {});
     r.abstract("shape", "dagNode", shapeKind, MFn::kShape, {});
     r.abstract("geometryShape", "shape", shapeKind, MFn::kGeometric,
@@ -334,26 +358,38 @@ void registerShading(Registrar& r) {
 }
 
 void registerAnimation(Registrar& r) {
+    // The lists of keys live in the curve itself; these attributes show them.
+    const auto keys = [](AttributePtr a) {
+        a->internal = true;
+        for (auto& c : a->children) c->internal = true;
+        return array(std::move(a));
+    };
     const auto curve = [&](const char* name, AttributePtr value, AttributePtr output, MFn::Type apiType) {
-        auto keys = array(
-            A::compound("keyTimeValue", "ktv", {A::unit("keyTime", "kt", AttributeType::Time), std::move(value)}));
-        output->writable = false;
-        output->storable = false;
-        auto& t = r.type(name, "animCurve", dependency, apiType, {std::move(keys), std::move(output)}, makeAnimCurve);
-        t.affects(
-            {"input", "keyTimeValue", "keyTanInType", "keyTanOutType", "preInfinity", "postInfinity", "tangentType"},
-            {"output"});
+        const bool overTime = std::string_view(name).starts_with("animCurveT");
+        const auto axis = [&](const char* longName, const char* shortName) {
+            return overTime ? A::unit(longName, shortName, AttributeType::Time)
+                            : A::number(longName, shortName, N::Double);
+        };
+        auto list = keys(A::compound("keyTimeValue", "ktv", {axis("keyTime", "kt"), std::move(value)}));
+        auto& t = r.type(name, "animCurve", dependency, apiType,
+                         {axis("input", "i"), std::move(list), readOnly(std::move(output))}, makeAnimCurve);
+        t.affects({"input", "keyTimeValue", "keyTanInType", "keyTanOutType", "keyTanInX", "keyTanInY", "keyTanOutX",
+                   "keyTanOutY", "preInfinity", "postInfinity", "tangentType", "weightedTangents"},
+                  {"output"});
     };
     const std::vector<std::string> tangents{"fixed", "", "linear",  "flat",     "",    "step", "",
                                             "",      "", "spline",  "clamped",  "",    "",     "",
                                             "",      "", "plateau", "stepnext", "auto"};
     const std::vector<std::string> infinity{"constant", "linear", "", "cycle", "cycleRelative", "oscillate"};
-    r.abstract(
-        "animCurve", "node", dependency, MFn::kAnimCurve,
-        {A::unit("input", "i", AttributeType::Time), A::enumeration("tangentType", "tan", 0, tangents),
-         A::number("weightedTangents", "wgt", N::Bool), array(A::enumeration("keyTanInType", "kit", 0, tangents)),
-         array(A::enumeration("keyTanOutType", "kot", 0, tangents)), array(A::number("keyBreakdown", "kbd", N::Bool)),
-         A::enumeration("preInfinity", "pre", 0, infinity), A::enumeration("postInfinity", "pst", 0, infinity)});
+    r.abstract("animCurve", "node", dependency, MFn::kAnimCurve,
+               {A::enumeration("tangentType", "tan", 0, tangents), A::number("weightedTangents", "wgt", N::Bool, 1),
+                keys(A::enumeration("keyTanInType", "kit", 0, tangents)),
+                keys(A::enumeration("keyTanOutType", "kot", 0, tangents)),
+                keys(A::number("keyTanLocked", "ktl", N::Bool, 1)),
+                keys(A::number("keyWeightLocked", "kwl", N::Bool, 1)), keys(A::number("keyTanInX", "kix", N::Float, 1)),
+                keys(A::number("keyTanInY", "kiy", N::Float)), keys(A::number("keyTanOutX", "kox", N::Float, 1)),
+                keys(A::number("keyTanOutY", "koy", N::Float)), keys(A::number("keyBreakdown", "kbd", N::Bool)),
+                A::enumeration("preInfinity", "pre", 0, infinity), A::enumeration("postInfinity", "pst", 0, infinity)});
     curve("animCurveTL", A::unit("keyValue", "kv", distance), A::unit("output", "o", distance),
           MFn::kAnimCurveTimeToDistance);
     curve("animCurveTA", A::unit("keyValue", "kv", angle), A::unit("output", "o", angle), MFn::kAnimCurveTimeToAngular);
@@ -361,6 +397,14 @@ void registerAnimation(Registrar& r) {
           MFn::kAnimCurveTimeToUnitless);
     curve("animCurveTT", A::unit("keyValue", "kv", AttributeType::Time), A::unit("output", "o", AttributeType::Time),
           MFn::kAnimCurveTimeToTime);
+    curve("animCurveUL", A::unit("keyValue", "kv", distance), A::unit("output", "o", distance),
+          MFn::kAnimCurveUnitlessToDistance);
+    curve("animCurveUA", A::unit("keyValue", "kv", angle), A::unit("output", "o", angle),
+          MFn::kAnimCurveUnitlessToAngular);
+    curve("animCurveUU", A::number("keyValue", "kv", N::Double), A::number("output", "o", N::Double),
+          MFn::kAnimCurveUnitlessToUnitless);
+    curve("animCurveUT", A::unit("keyValue", "kv", AttributeType::Time), A::unit("output", "o", AttributeType::Time),
+          MFn::kAnimCurveUnitlessToTime);
 }
 
 void registerMeshes(Registrar& r) {
@@ -370,15 +414,15 @@ void registerMeshes(Registrar& r) {
     auto uvSets = array(A::compound(
         "uvSet", "uvst", {A::text("uvSetName", "uvsn"), array(A::tuple("uvSetPoints", "uvsp", N::Float, 2, "UV"))}));
     // The lists of a mesh live in the mesh itself; these attributes only give them their names in scene files.
-    auto& t =
-        r.type("mesh", "geometryShape", shapeKind, MFn::kMesh,
-               {mesh("inMesh", "i"), readOnly(mesh("outMesh", "o")), worldArray(mesh("worldMesh", "w")),
-                array(A::tuple("pnts", "pt", N::Float, 3, "xyz")), array(A::tuple("vrts", "vt", N::Float, 3, "xyz")),
-                array(A::tuple("edge", "ed", N::Int, 3)), array(A::message("face", "fc")), uvSets,
-                A::text("currentUVSet", "cuvs"), array(A::tuple("normals", "n", N::Float, 3, "xyz")),
-                A::number("displayColors", "dcol", N::Bool), A::text("displayColorChannel", "dcc"),
-                A::number("vertexColorSource", "vcs", N::Short, 2), A::number("displaySmoothMesh", "dsm", N::Bool)},
-               makeMeshBehavior);
+    auto& t = r.type("mesh", "geometryShape", shapeKind, MFn::kMesh,
+                     {mesh("inMesh", "i"), readOnly(mesh("outMesh", "o")), worldArray(mesh("worldMesh", "w")),
+                      array(A::tuple("pnts", "pt", N::Float, 3, "xyz")),
+                      array(A::tuple("vrts", "vt", N::Float, 3, "xyz")), array(A::tuple("edge", "ed", N::Int, 3)),
+                      array(A::message("face", "fc")), uvSets, A::text("currentUVSet", "cuvs"),
+                      array(A::tuple("normals", "n", N::Float, 3, "xyz")), A::number("displayColors", "dcol", N::Bool),
+                      A::text("displayColorChannel", "dcc"), A::number("vertexColorSource", "vcs", N::Short),
+                      A::enumeration("displaySmoothMesh", "dsm", 0, {"off", "cage + smooth mesh", "smooth mesh"})},
+                     makeMeshBehavior);
     t.affects({"inMesh", "pnts"}, {"outMesh", "worldMesh"});
     t.affects({"worldMatrix"}, {"worldMesh"});
 
@@ -414,8 +458,44 @@ void registerMeshes(Registrar& r) {
             {size("radius", "r", 1), count("subdivisionsAxis", "sa", 20, 3), count("subdivisionsHeight", "sh", 20, 3)});
     creator("polyCylinder", MFn::kPolyCylinder,
             {size("radius", "r", 1), size("height", "h", 2), count("subdivisionsAxis", "sa", 20, 3),
-             count("subdivisionsHeight", "sh", 1, 1), count("subdivisionsCaps", "sc", 1, 0),
+             count("subdivisionsHeight", "sh", 1, 1), count("subdivisionsCaps", "sc", 0, 0),
              A::number("roundCap", "rcp", N::Bool)});
+}
+
+/// The nodes of a mesh's history that keep its faces.
+void registerMeshFilters(Registrar& r) {
+    const auto mesh = [](const char* longName, const char* shortName) {
+        return A::data(longName, shortName, DataKind::Mesh);
+    };
+    const auto components = [](const char* shortName) {
+        return A::data("inputComponents", shortName, DataKind::ComponentList);
+    };
+    r.type("groupParts", "node", dependency, MFn::kGroupParts,
+           {mesh("inputGeometry", "ig"), readOnly(mesh("outputGeometry", "og")), components("ic"),
+            A::number("groupId", "gi", N::Int)},
+           makeMeshFilter)
+        .affects({"inputGeometry"}, {"outputGeometry"});
+    r.abstract("polyModifier", "node", dependency, MFn::kDependencyNode,
+               {mesh("inputPolymesh", "ip"), readOnly(mesh("output", "out")), components("ics")}, makeMeshFilter)
+        .affects({"inputPolymesh", "inputComponents"}, {"output"});
+    const auto modifier = [&](const char* name, MFn::Type apiType, std::vector<AttributePtr> attributes) {
+        std::vector<const Attribute*> inputs;
+        for (auto& a : attributes) inputs.push_back(a.get());
+        auto& t = r.type(name, "polyModifier", dependency, apiType, std::move(attributes));
+        for (const Attribute* a : inputs) t.affects(*a, *t.find("output"));
+    };
+    modifier("polyTweak", MFn::kPolyTweak, {array(A::tuple("tweak", "tk", N::Float, 3))});
+    modifier("polyTweakUV", MFn::kPolyTweakUV,
+             {array(A::tuple("uvTweak", "uvtk", N::Float, 2, "UV")), A::text("uvSetName", "uvs")});
+    constexpr double thirtyDegrees = 0.52359877559829887;
+    modifier("polySoftEdge", MFn::kPolySoftEdge, {keyable(A::unit("angle", "a", angle, thirtyDegrees))});
+    modifier("polyColorPerVertex", MFn::kPolyColorPerVertex, {});
+    auto input = array(A::compound("input", "ip", {mesh("inputGeometry", "ig"), A::number("groupId", "gi", N::Int)}));
+    auto offsets = array(A::compound("vlist", "vl", {array(A::tuple("vertex", "vt", N::Float, 3))}));
+    auto output = array(mesh("outputGeometry", "og"));
+    output->writable = output->storable = false;
+    r.type("tweak", "node", dependency, MFn::kTweak, {input, offsets, output}, makeMeshFilter)
+        .affects({"input", "inputGeometry", "vlist", "vertex"}, {"outputGeometry"});
 }
 
 } // namespace
@@ -427,6 +507,7 @@ void registerBuiltinTypes(Scene& scene) {
     registerShading(r);
     registerAnimation(r);
     registerMeshes(r);
+    registerMeshFilters(r);
 }
 
 } // namespace host::scene

@@ -29,31 +29,70 @@ void store(Cell& cell, const MMatrix& m) {
     setClean(cell);
 }
 
+MMatrix scaling(const MVector& s) {
+    MMatrix m;
+    m(0, 0) = s.x;
+    m(1, 1) = s.y;
+    m(2, 2) = s.z;
+    return m;
+}
+
+MEulerRotation::RotationOrder orderOf(DagNode& n) {
+    Cell& order = n.cell("rotateOrder");
+    evaluate(order);
+    return rotationOrder(order.number());
+}
+
+MMatrix jointMatrix(DagNode& n) {
+    const MVector s = triple(n, "scale"), ra = triple(n, "rotateAxis"), r = triple(n, "rotate"),
+                  t = triple(n, "translate");
+    MMatrix m = scaling(s) * MEulerRotation(ra.x, ra.y, ra.z).asMatrix() *
+                MEulerRotation(r.x, r.y, r.z, orderOf(n)).asMatrix() * jointOrientation(n);
+    Cell& compensate = n.cell("segmentScaleCompensate");
+    evaluate(compensate);
+    const MVector above = triple(n, "inverseScale");
+    // The attribute holds the scale of the joint above; one of 0 cannot be taken out.
+    if (compensate.number() != 0 && above.x != 0 && above.y != 0 && above.z != 0)
+        m = m * scaling({1 / above.x, 1 / above.y, 1 / above.z});
+    translate(m, t);
+    return m;
+}
+
+/// A matrix attribute's value; the identity where nobody has touched it.
+MMatrix held(DagNode& n, std::string_view name) {
+    const Attribute* a = n.findAttribute(name);
+    Cell* c = a ? n.existingCell(*a) : nullptr;
+    if (!c) return MMatrix();
+    evaluate(*c);
+    const auto* m = std::get_if<MMatrix>(&c->value);
+    return m ? *m : MMatrix();
+}
+
 } // namespace
 
+MMatrix jointOrientation(DagNode& n) {
+    if (!n.findAttribute("jointOrient")) return MMatrix();
+    const MVector jo = triple(n, "jointOrient");
+    return MEulerRotation(jo.x, jo.y, jo.z).asMatrix();
+}
+
 MMatrix transformMatrix(DagNode& n) {
+    if (n.type.isA("joint")) return jointMatrix(n);
     const MVector s = triple(n, "scale"), sh = triple(n, "shear"), sp = triple(n, "scalePivot"),
                   spt = triple(n, "scalePivotTranslate"), rp = triple(n, "rotatePivot"),
                   rpt = triple(n, "rotatePivotTranslate"), ra = triple(n, "rotateAxis"), r = triple(n, "rotate"),
                   t = triple(n, "translate");
-    Cell& order = n.cell("rotateOrder");
-    evaluate(order);
-    const auto rotateOrder = rotationOrder(order.number());
-
     MMatrix m;
     translate(m, sp, -1);
-    MMatrix scale, shear;
-    scale(0, 0) = s.x;
-    scale(1, 1) = s.y;
-    scale(2, 2) = s.z;
+    MMatrix shear;
     shear(1, 0) = sh.x;
     shear(2, 0) = sh.y;
     shear(2, 1) = sh.z;
-    m = m * scale * shear;
+    m = m * scaling(s) * shear;
     translate(m, sp);
     translate(m, spt);
     translate(m, rp, -1);
-    m = m * MEulerRotation(ra.x, ra.y, ra.z).asMatrix() * MEulerRotation(r.x, r.y, r.z, rotateOrder).asMatrix();
+    m = m * MEulerRotation(ra.x, ra.y, ra.z).asMatrix() * MEulerRotation(r.x, r.y, r.z, orderOf(n)).asMatrix();
     translate(m, rp);
     translate(m, rpt);
     translate(m, t);
@@ -66,6 +105,9 @@ bool DagBehavior::compute(Cell& cell) {
         store(cell, node_.isTransform() && node_.findAttribute("translate") ? transformMatrix(node_) : MMatrix());
     } else if (name == "inverseMatrix") {
         store(cell, node_.localMatrix().inverse());
+    } else if (name == "dagLocalMatrix" || name == "dagLocalInverseMatrix") {
+        const MMatrix m = node_.localMatrix() * held(node_, "offsetParentMatrix");
+        store(cell, name == "dagLocalMatrix" ? m : m.inverse());
     } else if (name == "worldMatrix" || name == "worldInverseMatrix" || name == "parentMatrix" ||
                name == "parentInverseMatrix") {
         if (cell.isArray()) {
@@ -88,6 +130,17 @@ bool DagBehavior::compute(Cell& cell) {
         return false;
     }
     return true;
+}
+
+MMatrix DagNode::parentMatrix() {
+    const MMatrix offset = held(*this, "offsetParentMatrix");
+    if (!parent) return offset;
+    if (const Attribute* a = findAttribute("inheritsTransform")) {
+        Cell& inherits = cell(*a);
+        evaluate(inherits);
+        if (inherits.number() == 0) return offset;
+    }
+    return offset * parent->worldMatrix();
 }
 
 std::unique_ptr<NodeBehavior> makeDagBehavior(Node& node) { return std::make_unique<DagBehavior>(*node.dag()); }

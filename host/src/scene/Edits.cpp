@@ -132,7 +132,11 @@ Cell* step(Cell* array, const PathSegment& s, bool create) {
     if (!array->attribute.array || array->index >= 0) {
         return nullptr;
     }
-    if (!create && !array->elements.contains(s.index) && !array->attribute.worldSpace) return nullptr;
+    const auto shown = [&] {
+        const auto& behavior = array->node.behavior;
+        return array->attribute.internal && behavior && behavior->hasElement(*array, s.index);
+    };
+    if (!create && !array->elements.contains(s.index) && !array->attribute.worldSpace && !shown()) return nullptr;
     return &array->element(s.index);
 }
 
@@ -310,6 +314,9 @@ void Scene::setChannelBox(Cell& cell, bool shown) {
 
 void Scene::removeElement(Cell& element, bool breakConnections) {
     if (element.index < 0) throw SceneError("'" + element.name() + "' is not an element of an array.");
+    if (element.attribute.internal && element.node.behavior &&
+        element.node.behavior->hasElement(*element.parent, element.index))
+        throw SceneError("'" + element.name() + "' cannot be removed alone.");
     const std::function<bool(Cell&)> connected = [&](Cell& c) -> bool {
         if (c.source || !c.destinations.empty()) return true;
         for (auto& child : c.children)

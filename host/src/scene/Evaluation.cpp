@@ -19,7 +19,8 @@ void setDirtyBelow(Cell& cell, bool dirty) {
 
 /// Whether a change of the attribute moves the node or what is below it.
 bool affectsWorldMatrix(const DagNode& node, const Attribute& attribute) {
-    if (attribute.root().longName == "inheritsTransform") return true;
+    const std::string& root = attribute.root().longName;
+    if (root == "inheritsTransform" || root == "offsetParentMatrix") return true;
     if (!node.isTransform()) return false;
     const Attribute* matrix = node.type.find("matrix");
     std::vector<const Attribute*> affected;

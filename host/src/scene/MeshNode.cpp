@@ -77,8 +77,9 @@ void MeshBehavior::settle() {
         return;
     }
     if (holes > 0)
-        showWarning("The mesh '" + node_.partialPath() + "' has " + std::to_string(holes) +
-                    (holes == 1 ? " hole, which is ignored." : " holes, which are ignored."));
+        showWarning(
+            "The mesh '" + node_.partialPath() + "' has " + std::to_string(holes) +
+            (holes == 1 ? " hole, which is kept and drawn closed." : " holes, which are kept and drawn closed."));
     own = std::move(built);
 }
 

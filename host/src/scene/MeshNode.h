@@ -24,7 +24,7 @@ public:
     std::shared_ptr<const mesh::PolyMesh> own;
     std::map<int, mesh::Float3> tweaks;
 
-    /// Builds the stored mesh if that is still to be done; reports faults and ignored holes as warnings.
+    /// Builds the stored mesh if that is still to be done; reports faults and holes as warnings.
     void settle();
 };
 

@@ -267,17 +267,6 @@ MMatrix DagNode::localMatrix() {
     return m ? *m : MMatrix();
 }
 
-MMatrix DagNode::parentMatrix() {
-    if (!parent) return MMatrix();
-    const Attribute* a = findAttribute("inheritsTransform");
-    if (a) {
-        Cell& inherits = cell(*a);
-        evaluate(inherits);
-        if (inherits.number() == 0) return MMatrix();
-    }
-    return parent->worldMatrix();
-}
-
 MMatrix DagNode::worldMatrix() {
     if (!worldValid_) {
         // From the top down, so that a deep hierarchy costs no stack.

@@ -71,6 +71,8 @@ public:
     /// Takes a value in place of the cell's own storage (internal attributes). @return true when taken
     virtual bool setInternal(Cell&, const Value&) { return false; }
     virtual bool getInternal(Cell&) { return false; }
+    /// Whether an internal array has the element although no cell shows it yet.
+    virtual bool hasElement(const Cell& /*array*/, int /*index*/) { return false; }
     virtual void copyFrom(Node&) {}
     /// The box around what the node shows, in its own space: the least x, y, z, then the largest. Nothing when it shows
     /// nothing that has bounds.
@@ -131,6 +133,7 @@ public:
     std::string name;
     std::string uuid;
     unsigned long serial = 0; ///< grows with every node made
+    std::size_t nameSlot = 0; ///< its place among the nodes of its name; the scene's
     bool inScene = false;
     bool isDefault = false; ///< made by the host for every scene; it cannot be deleted
     bool locked = false;
@@ -192,7 +195,7 @@ public:
     /// @name Matrices, row vectors, centimetres
     /// @{
     MMatrix localMatrix();
-    MMatrix parentMatrix(); ///< product of the matrices above the node
+    MMatrix parentMatrix(); ///< its offsetParentMatrix, then the product of the matrices above the node
     MMatrix worldMatrix();
     /// @}
     bool visible();   ///< its own visibility (with overrides), not its parents'

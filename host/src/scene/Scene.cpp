@@ -1,6 +1,7 @@
 #include "scene/Scene.h"
 
 #include "scene/Evaluation.h"
+#include "scene/MeshFilter.h"
 #include "scene/Messages.h"
 
 #include <maya/MFn.h>
@@ -23,6 +24,13 @@ std::vector<std::string_view> splitPath(std::string_view path) {
         if (bar == std::string_view::npos) return parts;
         path.remove_prefix(bar + 1);
     }
+}
+
+/// Its place among its siblings. Searched from the last, which is the first to go when all are deleted.
+std::size_t placeOf(const DagNode& child) {
+    const auto& siblings = child.parent->children;
+    const auto behind = std::find(siblings.rbegin(), siblings.rend(), &child);
+    return static_cast<std::size_t>(siblings.rend() - behind) - 1;
 }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -145,28 +153,76 @@ std::string Scene::freeName(const std::string& wanted, const Node* node, const D
         return freeNumbered(name, node);
     }
     std::replace(name.begin(), name.end(), '#', '_');
-    const auto taken = [&](const std::string& candidate) {
-        const auto it = byName_.find(candidate);
+    const auto taken = [&] {
+        const auto it = byName_.find(name);
         if (it == byName_.end()) return false;
-        return std::any_of(it->second.begin(), it->second.end(), [&](Node* other) {
-            if (other == node) return false;
-            auto* otherDag = other->dag();
-            // Siblings must differ; elsewhere in the DAG the path tells equal names apart.
-            return !dag || !otherDag || otherDag->parent == parent;
-        });
+        const auto& others = it->second;
+        if (!dag || !others.front()->dag()) return others.size() > 1 || others.front() != node;
+        // Siblings must differ; elsewhere in the DAG the path tells equal names apart.
+        const auto [first, last] = byPlace_.equal_range({parent, name});
+        return std::any_of(first, last, [&](const auto& at) { return at.second != node; });
     };
-    if (!taken(name)) return name;
+    if (!taken()) return name;
     while (!name.empty() && isDigit(name.back())) name.pop_back();
     return freeNumbered(name, node);
 }
 
-void Scene::index(Node& node) { byName_[node.name].push_back(&node); }
+void Scene::index(Node& node) {
+    auto& list = byName_[node.name];
+    node.nameSlot = list.size();
+    list.push_back(&node);
+}
 
 void Scene::unindex(Node& node) {
     const auto it = byName_.find(node.name);
     if (it == byName_.end()) return;
-    std::erase(it->second, &node);
-    if (it->second.empty()) byName_.erase(it);
+    auto& list = it->second;
+    if (node.nameSlot >= list.size() || list[node.nameSlot] != &node) return;
+    list[node.nameSlot] = list.back();
+    list[node.nameSlot]->nameSlot = node.nameSlot;
+    list.pop_back();
+    if (list.empty()) byName_.erase(it);
+}
+
+void Scene::enterPlace(DagNode& node) {
+    if (node.parent) byPlace_.emplace(Place{node.parent, node.name}, &node);
+}
+
+void Scene::leavePlace(DagNode& node) {
+    auto [at, last] = byPlace_.equal_range({node.parent, node.name});
+    while (at != last && at->second != &node) ++at;
+    if (at != last) byPlace_.erase(at);
+}
+
+DagNode* Scene::childNamed(const DagNode& parent, std::string_view name) const {
+    const auto at = byPlace_.find({&parent, name});
+    return at == byPlace_.end() ? nullptr : at->second;
+}
+
+/// Visits the DAG nodes that a path of two or more names leads to, until `visit` answers false.
+template <class Visit>
+void Scene::eachAtPath(const std::vector<std::string_view>& parts, Visit visit) const {
+    const auto down = [&](const DagNode* from) {
+        DagNode* at = nullptr;
+        for (std::size_t i = 1; from && i < parts.size(); ++i) from = at = childNamed(*from, parts[i]);
+        return at;
+    };
+    if (parts.front().empty()) { // the world
+        if (DagNode* n = down(world_)) visit(*n);
+        return;
+    }
+    const auto first = byName_.find(std::string(parts.front())), last = byName_.find(std::string(parts.back()));
+    if (first == byName_.end() || last == byName_.end()) return;
+    // From the end that fewer nodes share.
+    if (first->second.size() <= last->second.size()) {
+        for (Node* top : first->second)
+            if (DagNode* n = top->dag() ? down(top->dag()) : nullptr; n && !visit(*n)) return;
+        return;
+    }
+    for (Node* leaf : last->second) {
+        DagNode* n = leaf->dag();
+        if (n && pathMatches(*n, parts, [](auto a, const auto& b) { return a == b; }) && !visit(*n)) return;
+    }
 }
 
 void Scene::enter(const NodePtr& node) {
@@ -185,11 +241,14 @@ void Scene::attach(DagNode& child, DagNode& parent, std::size_t place) {
     child.parent = &parent;
     auto& list = parent.children;
     list.insert(list.begin() + static_cast<std::ptrdiff_t>(std::min(place, list.size())), &child);
+    enterPlace(child);
     dirtyWorld(child);
 }
 
 void Scene::detach(DagNode& child) {
-    if (child.parent) std::erase(child.parent->children, &child);
+    if (!child.parent) return;
+    leavePlace(child);
+    child.parent->children.erase(child.parent->children.begin() + static_cast<std::ptrdiff_t>(placeOf(child)));
     child.parent = nullptr;
 }
 
@@ -240,8 +299,14 @@ NodePtr Scene::createNode(const NodeType& type, std::string name, DagNode* paren
     return node;
 }
 
-NodePtr Scene::createUnknown(const std::string& typeName, const std::string& name, DagNode* parent, bool inDag) {
-    const NodeType& type = *findType(inDag ? "unknownDag" : "unknown");
+NodePtr Scene::createUnknown(const std::string& typeName, const std::string& name, DagNode* parent,
+                             NodeType::Kind kind) {
+    const bool inDag = kind != NodeType::Kind::Dependency;
+    const NodeType& type = *findType(!inDag                          ? "unknown"
+                                     : kind == NodeType::Kind::Shape ? "unknownDag"
+                                                                     : "unknownTransform");
+    DagNode* at = parent ? parent : world_;
+    if (at->isShape()) throw SceneError("A shape cannot be a parent: '" + at->partialPath() + "'.");
     NodePtr node;
     if (inDag)
         node = std::make_shared<DagNode>(*this, type);
@@ -249,9 +314,9 @@ NodePtr Scene::createUnknown(const std::string& typeName, const std::string& nam
         node = std::make_shared<Node>(*this, type);
     node->serial = ++nextSerial_;
     node->unknownType = typeName;
-    node->name = freeName(name.empty() ? typeName + "#" : name, nullptr, parent, inDag);
+    if (type.makeBehavior) node->behavior = type.makeBehavior(*node);
+    node->name = freeName(name.empty() ? typeName + "#" : name, nullptr, at, inDag);
     enter(node);
-    DagNode* at = parent ? parent : world_;
     if (inDag) attach(*node->dag(), *at, at->children.size());
     record(
         [this, node, at, inDag] {
@@ -272,7 +337,8 @@ void Scene::deleteOne(const NodePtr& node) {
         if (c.source) {
             Node& up = c.source->node;
             disconnect(*c.source, c);
-            if (!up.isDefault && (up.type.isA("polyCreator") || up.type.isA("animCurve"))) history.push_back(&up);
+            const bool serves = meshInput(up) || up.type.isA("polyCreator") || up.type.isA("animCurve");
+            if (serves && !up.isDefault) history.push_back(&up);
         }
         while (!c.destinations.empty()) disconnect(c, *c.destinations.back());
         for (auto& child : c.children)
@@ -284,8 +350,7 @@ void Scene::deleteOne(const NodePtr& node) {
     DagNode* parent = dag ? dag->parent : nullptr;
     std::size_t place = 0;
     if (parent) {
-        const auto& siblings = parent->children;
-        place = static_cast<std::size_t>(std::find(siblings.begin(), siblings.end(), dag) - siblings.begin());
+        place = placeOf(*dag);
         detach(*dag);
     }
     leave(*node);
@@ -326,7 +391,8 @@ void Scene::deleteNodes(const std::vector<Node*>& nodes) {
         all.push_back(n->shared_from_this());
     }
     auto rest = selection_;
-    std::erase_if(rest, [&](const Selected& s) { return std::find(all.begin(), all.end(), s.node) != all.end(); });
+    const std::unordered_set<NodePtr> going(all.begin(), all.end());
+    std::erase_if(rest, [&](const Selected& s) { return going.contains(s.node); });
     if (rest.size() != selection_.size()) setSelection(std::move(rest));
     for (const auto& n : all)
         if (n->inScene) deleteOne(n);
@@ -340,9 +406,12 @@ std::string Scene::rename(Node& node, const std::string& wanted) {
     if (after.empty()) throw SceneError("New name has no legal characters.");
     if (after == before) return before;
     const auto set = [this, keep = node.weak_from_this(), raw = &node](const std::string& name) {
+        DagNode* placed = raw->dag();
         unindex(*raw);
+        if (placed) leavePlace(*placed);
         raw->name = name;
         index(*raw);
+        if (placed) enterPlace(*placed);
     };
     set(after);
     record([set, after, node = node.shared_from_this()] { set(after); },
@@ -358,8 +427,7 @@ void Scene::reparent(DagNode& child, DagNode* newParent) {
     if (to->isShape()) throw SceneError("A shape cannot be a parent: '" + to->partialPath() + "'.");
     if (child.isShape() && to == world_) throw SceneError("A shape needs a transform above it.");
     DagNode* from = child.parent;
-    const auto place = static_cast<std::size_t>(std::find(from->children.begin(), from->children.end(), &child) -
-                                                from->children.begin());
+    const std::size_t place = placeOf(child);
     const auto move = [this](DagNode& c, DagNode& p, std::size_t at) {
         detach(c);
         attach(c, p, at);
@@ -380,8 +448,7 @@ void Scene::reparent(DagNode& child, DagNode* newParent) {
 
 void Scene::reorder(DagNode& child, std::size_t place) {
     DagNode* p = child.parent;
-    const auto before =
-        static_cast<std::size_t>(std::find(p->children.begin(), p->children.end(), &child) - p->children.begin());
+    const std::size_t before = placeOf(child);
     const auto move = [p, &child](std::size_t at) {
         std::erase(p->children, &child);
         p->children.insert(p->children.begin() + static_cast<std::ptrdiff_t>(std::min(at, p->children.size())), &child);
@@ -407,21 +474,20 @@ Node* Scene::findNode(std::string_view path, bool* ambiguous) const {
     if (path == "|") return world_;
     const auto parts = splitPath(path);
     if (parts.back().empty()) return nullptr;
-    const auto it = byName_.find(std::string(parts.back()));
-    if (it == byName_.end()) return nullptr;
     Node* found = nullptr;
-    for (Node* n : it->second) {
-        if (parts.size() > 1) {
-            DagNode* dag = n->dag();
-            if (!dag || !pathMatches(*dag, parts, [](auto a, const auto& b) { return a == b; })) continue;
-        }
-        if (found) {
-            if (ambiguous) *ambiguous = true;
-            return nullptr;
-        }
-        found = n;
+    bool several = false;
+    if (parts.size() > 1) {
+        eachAtPath(parts, [&](DagNode& n) {
+            several = found;
+            found = &n;
+            return !several;
+        });
+    } else if (const auto it = byName_.find(std::string(parts.back())); it != byName_.end()) {
+        several = it->second.size() > 1;
+        found = it->second.front();
     }
-    return found;
+    if (ambiguous) *ambiguous = several;
+    return several ? nullptr : found;
 }
 
 std::vector<Node*> Scene::findNodes(std::string_view pattern) const {
@@ -451,11 +517,9 @@ bool Scene::isUniquePath(std::string_view path, const DagNode& node) const {
     const auto it = byName_.find(node.name);
     if (it == byName_.end() || it->second.size() < 2) return true;
     const auto parts = splitPath(path);
-    return std::none_of(it->second.begin(), it->second.end(), [&](Node* n) {
-        DagNode* dag = n->dag();
-        if (n == &node) return false;
-        return parts.size() == 1 || (dag && pathMatches(*dag, parts, [](auto a, const auto& b) { return a == b; }));
-    });
+    bool alone = parts.size() > 1;
+    if (alone) eachAtPath(parts, [&](DagNode& n) { return alone = &n == &node; });
+    return alone;
 }
 
 std::string Scene::displayName(Node& node) const {
@@ -465,8 +529,13 @@ std::string Scene::displayName(Node& node) const {
 
 void Scene::setSelection(std::vector<Selected> items) {
     std::vector<Selected> unique;
+    std::set<std::pair<const Node*, std::string_view>> there;
+    unique.reserve(items.size()); // the texts keep their place
     for (auto& item : items)
-        if (std::find(unique.begin(), unique.end(), item) == unique.end()) unique.push_back(std::move(item));
+        if (!there.contains({item.node.get(), item.part})) {
+            unique.push_back(std::move(item));
+            there.emplace(unique.back().node.get(), unique.back().part);
+        }
     const auto before = selection_;
     const bool was = modified;
     selection_ = unique;
@@ -502,6 +571,7 @@ void Scene::reset() {
     undo.clear();
     selection_.clear();
     keptConnections.clear();
+    keptInstances.clear();
     keptStatements.clear();
     requiredPlugins.clear();
     fileInfo.clear();
@@ -524,6 +594,7 @@ void Scene::reset() {
             for (Cell* c : n->cells()) forget(*c);
         nodes_.clear();
         byName_.clear();
+        byPlace_.clear();
         for (auto& n : all) {
             n->inScene = false;
             if (DagNode* d = n->dag()) {
@@ -581,11 +652,13 @@ void Scene::createDefaults() {
         shape->isDefault = true;
         setValue(transform->cell("translate"),
                  Numeric(NumericType::Double, 3, camera.translate[0], camera.translate[1], camera.translate[2]));
-        setValue(transform->cell("rotate"),
-                 Numeric(NumericType::Double, 3, camera.rotate[0], camera.rotate[1], camera.rotate[2]));
+        const Numeric rotate(NumericType::Double, 3, camera.rotate[0], camera.rotate[1], camera.rotate[2]);
+        if (!(rotate == Numeric(NumericType::Double, 3))) setValue(transform->cell("rotate"), rotate);
         setNumber(transform->cell("visibility"), 0);
-        setNumber(shape->cell("orthographic"), camera.ortho ? 1 : 0);
-        setNumber(shape->cell("renderable"), camera.ortho ? 0 : 1);
+        if (camera.ortho) {
+            setNumber(shape->cell("orthographic"), 1);
+            setNumber(shape->cell("renderable"), 0);
+        }
         setNumber(shape->cell("centerOfInterest"), camera.ortho ? 100.1 : 44.8218698);
         if (camera.ortho) setNumber(shape->cell("orthographicWidth"), 30);
         const std::string stem = camera.name;

@@ -32,6 +32,13 @@ struct KeptConnection {
     std::weak_ptr<Node> sourceNode, destinationNode;
     std::string sourceText, destinationText; ///< attribute part, or the whole name when the node is null
     std::string flags;
+    std::weak_ptr<Node> sourceParent, destinationParent; ///< of a node that is named through another place of it
+};
+
+/// A second place of a DAG node, below another parent. Nothing is shown there; it is kept for saving.
+struct KeptInstance {
+    std::weak_ptr<Node> node, parent;
+    std::string flags; ///< of the parent statement
 };
 
 /// The time slider's range and the animation's, in ticks.
@@ -70,8 +77,9 @@ public:
     /// Makes a node. A shape without a parent gets a transform of its own. An empty name means the type's default
     /// with a number; a "#" is replaced by the next free number; a taken name gets a number.
     NodePtr createNode(const NodeType& type, std::string name = {}, DagNode* parent = nullptr);
-    /// A node of a kind that is not known: it stands for its statements. `inDag` when it was given a parent.
-    NodePtr createUnknown(const std::string& typeName, const std::string& name, DagNode* parent, bool inDag);
+    /// A node of a kind that is not known: it stands for its statements. Of a shape or a transform, what all of its
+    /// like have (matrices, visibility) is known; `parent` (null: the world) is theirs.
+    NodePtr createUnknown(const std::string& typeName, const std::string& name, DagNode* parent, NodeType::Kind kind);
     /// Takes the nodes out of the scene, with all below them and with history that serves nobody else.
     void deleteNodes(const std::vector<Node*>& nodes);
     /// @return the name the node got
@@ -89,6 +97,8 @@ public:
     /// Every DAG node below (and without) the given one, depth first, parents before children.
     std::vector<DagNode*> descendants(DagNode& node) const;
     bool isUniquePath(std::string_view path, const DagNode& node) const;
+    /// The node of that name right below another; null when there is none.
+    DagNode* childNamed(const DagNode& parent, std::string_view name) const;
     std::string displayName(Node& node) const; ///< partial path or name
     /// @}
 
@@ -127,6 +137,7 @@ public:
     /// The first element of the array that nothing is connected to and nobody has set.
     Cell& nextAvailable(Cell& array);
     std::vector<KeptConnection> keptConnections;
+    std::vector<KeptInstance> keptInstances;
     /// @}
 
     /// @name Selection
@@ -178,7 +189,24 @@ private:
     std::map<std::string, std::unique_ptr<NodeType>, std::less<>> types_;
     std::map<unsigned long, NodePtr> nodes_;
     unsigned long nextSerial_ = 0;
-    std::unordered_map<std::string, std::vector<Node*>> byName_;
+    /// Where a DAG node is: which node it is below, and its name there.
+    struct Place {
+        const DagNode* parent;
+        std::string_view name;
+        bool operator==(const Place&) const = default;
+    };
+    struct PlaceHash {
+        std::size_t operator()(const Place& p) const {
+            return std::hash<std::string_view>()(p.name) ^ (std::hash<const DagNode*>()(p.parent) * 31);
+        }
+    };
+    void enterPlace(DagNode& node);
+    void leavePlace(DagNode& node);
+    template <class Visit>
+    void eachAtPath(const std::vector<std::string_view>& parts, Visit visit) const;
+
+    std::unordered_map<std::string, std::vector<Node*>> byName_; ///< a name has either DAG nodes or one other node
+    std::unordered_multimap<Place, DagNode*, PlaceHash> byPlace_;
     mutable std::unordered_map<std::string, int> numberHints_;
     NodePtr worldOwner_;
     DagNode* world_ = nullptr;

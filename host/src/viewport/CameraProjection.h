@@ -16,11 +16,11 @@ enum class FilmFit {
 /// The optics of a camera, under the names and with the defaults of its attributes.
 struct CameraOptics {
     double focalLength = 35.0;                                   ///< millimetres, above 0
-    double horizontalFilmAperture = 1.41732;                     ///< inches, above 0
-    double verticalFilmAperture = 0.94488;                       ///< inches, above 0
+    double horizontalFilmAperture = 36 / 25.4;                   ///< inches, above 0
+    double verticalFilmAperture = 24 / 25.4;                     ///< inches, above 0
     double horizontalFilmOffset = 0.0, verticalFilmOffset = 0.0; ///< inches, right and up
     double lensSqueezeRatio = 1.0;                               ///< widens the film gate; above 0
-    FilmFit filmFit = FilmFit::Fill;
+    FilmFit filmFit = FilmFit::Horizontal;
     double filmFitOffset = 0.0; ///< -1 to 1: moves the window from one edge of the film gate to the other, up for a
                                 ///< horizontal fit, to the right for a vertical one; without effect for the others
     double cameraScale = 1.0;   ///< above 0

@@ -210,14 +210,9 @@ Value cutKey(Call& call) {
 /// Calls f(time, value, in, out) for each key.
 template <class F>
 void eachKey(Node& curve, F f) {
-    const auto tangent = [&](const char* list, int index) {
-        Cell& array = curve.cell(list);
-        const auto it = array.elements.find(index);
-        return static_cast<int>(it == array.elements.end() ? curve.cell("tangentType").number() : it->second->number());
-    };
-    for (auto& [index, element] : curve.cell("keyTimeValue").elements)
-        f(element->child(0).number(), element->child(1).number(), tangent("keyTanInType", index),
-          tangent("keyTanOutType", index));
+    const auto general = static_cast<int>(curveShape(curve).tangent);
+    for (const CurveKey& key : curveKeys(curve)->timed())
+        f(key.time, key.value, key.in == 0 ? general : key.in, key.out == 0 ? general : key.out);
 }
 
 Value keyTangent(Call& call) {
@@ -240,7 +235,6 @@ Value keyTangent(Call& call) {
         eachKey(*curveOf(*plug), [&](double t, double v, int in, int out) {
             if (range.holds(t)) keys.push_back({t, v, in, out});
         });
-        std::ranges::stable_sort(keys, {}, &Key::time);
         for (const Key& key : keys) {
             if (args.query()) {
                 if (args.has("itt")) kinds.push_back(tangentName(key.in));

@@ -236,7 +236,8 @@ void setLocalMatrix(DagNode& node, const MMatrix& matrix, bool leaveHeld) {
     Cell& orderCell = node.cell("rotateOrder");
     evaluate(orderCell);
     const auto order = scene::rotationOrder(orderCell.number());
-    const MMatrix turn = MEulerRotation(axis.x, axis.y, axis.z).asMatrix().inverse() * parts.rotation().asMatrix();
+    const MMatrix turn = MEulerRotation(axis.x, axis.y, axis.z).asMatrix().inverse() * parts.rotation().asMatrix() *
+                         scene::jointOrientation(node).inverse();
     const MVector was = tripleOf(node, "rotate");
     const MEulerRotation rotation =
         MEulerRotation::decompose(turn, order).closestSolution(MEulerRotation(was.x, was.y, was.z, order));

@@ -75,6 +75,10 @@ Value camera(Call& call) {
     } else {
         transform = &newTransform(args.text("n", "camera#"));
         shape = theScene().createNode(*theScene().findType("camera"), {}, transform)->dag();
+        // The command's own defaults are not the node's.
+        theScene().setNumber(shape->cell("horizontalFilmAperture"), 1.41732);
+        theScene().setNumber(shape->cell("verticalFilmAperture"), 0.94488);
+        theScene().setNumber(shape->cell("filmFit"), 0);
     }
     for (const auto& [flag, attribute, factor] : cameraFlags()) {
         if (!args.has(flag)) continue;

@@ -98,6 +98,9 @@ Value primitive(Call& call, const Creator& creator) {
         transform = theScene().createNode(*theScene().findType("transform"), args.text("n", creator.transform)).get();
         shape = theScene().createNode(*theScene().findType("mesh"), {}, transform->dag()).get();
     }
+    // The command's own default is not the node's.
+    const bool capped = transform && creator.type == std::string_view("polyCylinder") && !args.has("sz");
+    if (capped) theScene().setNumber(node->cell("subdivisionsCaps"), 1);
     for (const auto& [flag, longName, attribute] : creator.flags) {
         if (!args.has(flag)) continue;
         Cell& cell = node->cell(attribute);

@@ -147,7 +147,7 @@ Value rotate(Call& call) {
         const MVector axis = tripleOf(*node, "rotateAxis");
         const MMatrix local = MEulerRotation(was.x, was.y, was.z, order).asMatrix(),
                       ra = MEulerRotation(axis.x, axis.y, axis.z).asMatrix(),
-                      parent = pureRotation(node->parentMatrix());
+                      parent = jointOrientation(*node) * pureRotation(node->parentMatrix());
         if (args.has("r")) {
             const MVector d = orZero(numbers);
             if (args.has("eu")) {

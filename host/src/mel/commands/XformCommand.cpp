@@ -147,7 +147,7 @@ void setRotation(DagNode& node, const ParsedArguments& args) {
     }
     const auto order = orderOf(node);
     const MVector axis = tripleOf(node, "rotateAxis");
-    const MMatrix parent = MTransformationMatrix(node.parentMatrix()).rotation().asMatrix(),
+    const MMatrix parent = jointOrientation(node) * MTransformationMatrix(node.parentMatrix()).rotation().asMatrix(),
                   given4 = MEulerRotation(given.x, given.y, given.z, order).asMatrix(),
                   ra = MEulerRotation(axis.x, axis.y, axis.z).asMatrix(),
                   local = MEulerRotation(now.x, now.y, now.z, order).asMatrix();

@@ -1,0 +1,58 @@
+#include "files/SceneReader.h"
+#include "files/SceneWriter.h"
+#include "scene/Evaluation.h"
+#include "scene/MeshNode.h"
+#include "scene/Messages.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+/// Scenes of any bytes: refused with a message, or opened, looked at and saved as a scene that opens and is saved again
+/// as the same bytes.
+namespace {
+
+using namespace host;
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+void look(scene::Scene& scene) {
+    for (const auto& [serial, node] : scene.nodes()) {
+        if (scene::meshBehavior(*node)) scene::meshOf(*node);
+        if (scene::DagNode* dag = node->dag()) dag->worldMatrix();
+        for (scene::Cell* cell : node->cells()) scene::evaluate(*cell);
+    }
+}
+
+/// Whether it opened.
+bool open(scene::Scene& scene, std::string_view text) {
+    try {
+        files::SceneReader(scene, {}).readText(text, "fuzz.ma");
+        return true;
+    } catch (const files::FileError& e) {
+        require(*e.what() != '\0');
+        return false;
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool quiet = [] {
+        Messages::instance().setSink([](Severity, std::string_view text) { require(!text.empty()); });
+        return true;
+    }();
+    require(quiet);
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    if (text.find('\0') != text.npos) return 0; // the file's reader refuses it
+    auto& scene = scene::Scene::current();
+    if (!open(scene, text)) return 0;
+    look(scene);
+    const std::string saved = files::SceneWriter(scene).text("fuzz.ma");
+    require(open(scene, saved));
+    require(files::SceneWriter(scene).text("fuzz.ma") == saved);
+    return 0;
+}
