@@ -122,6 +122,16 @@ std::FILE* openFile(const std::string& path, const char* mode) {
     return std::fopen(place->c_str(), mode);
 }
 
+std::optional<FileState> fileState(const std::string& path) {
+    const auto place = existingPath(path);
+    if (!place) return std::nullopt;
+    std::error_code sizeError, timeError;
+    const auto size = fs::file_size(*place, sizeError);
+    const auto changed = fs::last_write_time(*place, timeError).time_since_epoch().count();
+    if (sizeError || timeError) return std::nullopt;
+    return FileState{size, static_cast<std::intmax_t>(changed)};
+}
+
 bool fileExists(const std::string& path) {
     const auto found = existingPath(path);
     return found && !fs::is_directory(statusOf(*found));

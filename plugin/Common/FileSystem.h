@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -29,6 +30,15 @@ std::optional<std::string> pathWithoutLinks(const std::string& path);
 /// and the last component is taken as given. Null, with errno telling why, when the file cannot be opened, or when
 /// it is a folder, a pipe or a socket.
 std::FILE* openFile(const std::string& path, const char* mode);
+
+/// What changes when a file is written: its size in bytes and the time of its last change, in the clock's own units.
+struct FileState {
+    std::uintmax_t size = 0;
+    std::intmax_t changed = 0;
+    bool operator==(const FileState&) const = default;
+};
+/// Nothing when there is no such file.
+std::optional<FileState> fileState(const std::string& path);
 
 /// Whether something other than a folder is at `path`.
 bool fileExists(const std::string& path);

@@ -35,6 +35,7 @@ std::string loadDriver(GlFunctions& table) {
     take(table.shaderSource, glShaderSource);
     take(table.compileShader, glCompileShader);
     take(table.deleteShader, glDeleteShader);
+    take(table.isShader, glIsShader);
     take(table.getShaderiv, glGetShaderiv);
     take(table.getShaderInfoLog, glGetShaderInfoLog);
     take(table.getShaderSource, glGetShaderSource);

@@ -40,6 +40,7 @@ struct GlFunctions {
     GlEntry<void(GLuint shader, GLsizei count, const GLchar* const* texts, const GLint* lengths)> shaderSource;
     GlEntry<void(GLuint shader)> compileShader;
     GlEntry<void(GLuint shader)> deleteShader;
+    GlEntry<GLboolean(GLuint name)> isShader;
     GlEntry<void(GLuint shader, GLenum name, GLint* value)> getShaderiv;
     GlEntry<void(GLuint shader, GLsizei size, GLsizei* length, GLchar* text)> getShaderInfoLog;
     GlEntry<void(GLuint shader, GLsizei size, GLsizei* length, GLchar* text)> getShaderSource;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MayaUtils.h"
+#include "Undestroyed.h"
 
 #include <algorithm>
 #include <iterator>
@@ -18,15 +19,8 @@ namespace orvo {
 template <class Node>
 class InstanceList {
 public:
-    /// The one list of the class. It is never destroyed: the host may take nodes down while the process ends.
-    static InstanceList& shared() {
-        union Undestroyed {
-            InstanceList list{};
-            ~Undestroyed() {}
-        };
-        static Undestroyed storage;
-        return storage.list;
-    }
+    /// The one list of the class.
+    static InstanceList& shared() { return undestroyed<InstanceList>(); }
 
     void add(Node& node) { places_.emplace(&node, nodes_.insert(nodes_.end(), &node)); }
     /// The others keep their order. A node that is not listed is ignored.

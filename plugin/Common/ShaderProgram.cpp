@@ -13,17 +13,6 @@ bool canOpen(const std::string& path) {
     return file && std::fclose(file) == 0;
 }
 
-/// The whole of a file; empty when it cannot be read.
-std::string readText(const std::string& path) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openFile(path, "r"), &std::fclose);
-    if (!file || std::fseek(file.get(), 0, SEEK_END) != 0) return {};
-    const long length = std::ftell(file.get());
-    if (length <= 0 || std::fseek(file.get(), 0, SEEK_SET) != 0) return {};
-    std::string text(static_cast<std::size_t>(length), '\0');
-    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
-    return text;
-}
-
 /// A text of a GL object: `size` tells its length with the terminating zero, under `name`.
 template <class Size, class Read>
 std::string textOf(std::uint32_t object, GLenum name, const Size& size, const Read& read) {
@@ -54,6 +43,16 @@ void activeEntry(std::uint32_t program, GLenum lengthName, const Read& read, std
 }
 
 } // namespace
+
+std::string shaderFileText(const std::string& path) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openFile(path, "r"), &std::fclose);
+    if (!file || std::fseek(file.get(), 0, SEEK_END) != 0) return {};
+    const long length = std::ftell(file.get());
+    if (length <= 0 || std::fseek(file.get(), 0, SEEK_SET) != 0) return {};
+    std::string text(static_cast<std::size_t>(length), '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+    return text;
+}
 
 ShaderStage::ShaderStage(GLenum type)
     : handle(type == GL_VERTEX_SHADER || type == GL_FRAGMENT_SHADER ? gl().createShader(type) : type) {}
@@ -113,7 +112,7 @@ ShaderProgram::~ShaderProgram() {
 
 void ShaderProgram::build(std::unique_ptr<ShaderStage>& stage, GLenum type, const std::string& source, bool fromFile) {
     stage = std::make_unique<ShaderStage>(type);
-    stage->setSource(fromFile ? readText(source) : source);
+    stage->setSource(fromFile ? shaderFileText(source) : source);
     // Stages from text are left to the link, which takes them as they are.
     if (fromFile) stage->compile();
 }

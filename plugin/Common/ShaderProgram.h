@@ -11,6 +11,9 @@
 
 namespace orvo {
 
+/// The whole of a shader file; empty when it cannot be read.
+std::string shaderFileText(const std::string& path);
+
 /// One GL shader object. A type other than GL_VERTEX_SHADER and GL_FRAGMENT_SHADER makes no object: the handle then
 /// is the type's value.
 struct ShaderStage {

@@ -18,7 +18,7 @@ const SkyShaderTexts shadowCubeShaders{"ParticleCloud", "ParticleCloudSpriteShad
                                        "sprite shadow cube shader"};
 
 /// A soft round puff, for clouds without a texture.
-bool uploadPuff(TextureHandle& texture) {
+bool uploadPuff(TextureHandle& texture, const std::string&) {
     constexpr int size = 64;
     std::vector<unsigned char> pixels(size * size * 4, 255);
     for (int y = 0; y < size; ++y)
@@ -29,6 +29,10 @@ bool uploadPuff(TextureHandle& texture) {
                 static_cast<unsigned char>(inside * inside * 255.0 + 0.5);
         }
     return uploadTexture2DRgba(texture, size, size, pixels.data(), {.mipmaps = true});
+}
+
+bool loadSprite(TextureHandle& texture, const std::string& path) {
+    return loadTextureRgba(texture, path, false, false, true);
 }
 
 /// The vertex arrays of a cloud, enabled while it is drawn.
@@ -125,10 +129,16 @@ bool CloudSpriteRenderer::prepare(const CloudShadingParams& shading) {
     if (textureLoaded_ && texturePath_ == shading.shadingTexture) return true;
     textureLoaded_ = true;
     texturePath_ = shading.shadingTexture;
-    texture_.release();
-    if (texturePath_.empty() || !loadTextureRgba(texture_, absoluteCopy(texturePath_), false, false, true))
-        uploadPuff(texture_);
+    texture_.reset();
+    if (!texturePath_.empty()) texture_ = sharedTexture(&loadSprite, absoluteCopy(texturePath_));
+    if (!texture_) texture_ = sharedTexture(&uploadPuff, "");
     return true;
+}
+
+void CloudSpriteRenderer::reloadTexture() {
+    // Once for all clouds of a refresh: the first one that is drawn loads the picture for the others.
+    if (textureLoaded_) forgetSharedTexture(&loadSprite, absoluteCopy(texturePath_));
+    textureLoaded_ = false;
 }
 
 void CloudSpriteRenderer::draw(const CloudToDraw& cloud, const CloudShadingParams& shading, const Vector3& eyePoint) {
@@ -140,7 +150,7 @@ void CloudSpriteRenderer::draw(const CloudToDraw& cloud, const CloudShadingParam
     const GlStateScope state;
     setState(cloud);
     gl().activeTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D, texture_.name());
+    glBindTexture(GL_TEXTURE_2D, texture_->name());
     disableClientArrays();
     {
         VertexArrays arrays(*program);
@@ -168,7 +178,7 @@ void CloudSpriteRenderer::draw(const CloudToDraw& cloud, const CloudShadingParam
 void CloudSpriteRenderer::release() {
     fixedDir_.release();
     shadowCube_.release();
-    texture_.release();
+    texture_.reset();
     textureLoaded_ = false;
 }
 

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "../Common/Textures.h"
+#include "../Common/TextureCache.h"
 #include "CloudGeneration.h"
 #include "CloudLibrary.h"
 #include "CloudShadingParams.h"
 #include "SkyProgram.h"
 
+#include <memory>
 #include <string>
 
 namespace orvo {
@@ -33,13 +34,13 @@ public:
     /// @param eyePoint the camera's position in that space
     void draw(const CloudToDraw& cloud, const CloudShadingParams& shading, const Vector3& eyePoint);
     /// Lets the texture be loaded again at the next prepare().
-    void reloadTexture() { textureLoaded_ = false; }
-    /// Frees programs and texture.
+    void reloadTexture();
+    /// Gives programs and texture up.
     void release();
 
 private:
     SkyProgram fixedDir_, shadowCube_;
-    TextureHandle texture_;
+    std::shared_ptr<const TextureHandle> texture_;
     std::string texturePath_;
     bool textureLoaded_ = false;
 };

@@ -14,13 +14,13 @@ void SkyTexture::storePath(const MObject& node, const MObject& pathAttribute) {
     storedPath_ = readString(node, pathAttribute).asChar();
 }
 
-std::uint32_t SkyTexture::update(const MObject& node, const MObject& pathAttribute, Load load, Fallback fallback) {
+std::uint32_t SkyTexture::update(const MObject& node, const MObject& pathAttribute, TextureLoad load,
+                                 Fallback fallback) {
     storePath(node, pathAttribute);
     if (texture_ && storedPath_ == loadedPath_) return texture_->name();
     release();
-    auto texture = std::make_unique<TextureHandle>();
-    if (!load(*texture, absoluteCopy(storedForm(storedPath_)))) texture = fallback();
-    texture_ = std::move(texture);
+    texture_ = sharedTexture(load, absoluteCopy(storedForm(storedPath_)));
+    if (!texture_) texture_ = fallback();
     loadedPath_ = storedPath_;
     return texture_ ? texture_->name() : 0;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Common/Textures.h"
+#include "../Common/TextureCache.h"
 
 #include <maya/MObject.h>
 #include <memory>
@@ -12,8 +12,6 @@ namespace orvo {
 /// drawing thread, with the viewport's context current.
 class SkyTexture {
 public:
-    /// Fills the handle from the image at a full path. @return whether there is a picture now
-    using Load = bool (*)(TextureHandle& handle, const std::string& path);
     /// A picture to show in place of one that cannot be loaded; null when there is none.
     using Fallback = std::unique_ptr<TextureHandle> (*)();
 
@@ -22,12 +20,12 @@ public:
     void storePath(const MObject& node, const MObject& pathAttribute);
     /// The GL name of the texture, 0 when there is none. The path is stored as storePath does it. An image that cannot
     /// be loaded is not tried again before the attribute changes.
-    std::uint32_t update(const MObject& node, const MObject& pathAttribute, Load load, Fallback fallback);
-    /// Deletes the texture and forgets where it came from.
+    std::uint32_t update(const MObject& node, const MObject& pathAttribute, TextureLoad load, Fallback fallback);
+    /// Gives the texture up and forgets where it came from.
     void release();
 
 private:
-    std::unique_ptr<TextureHandle> texture_;
+    std::shared_ptr<const TextureHandle> texture_;
     std::string storedPath_; ///< the attribute's value when it was last brought into its stored form
     std::string loadedPath_; ///< the attribute's value that the texture was made from
 };
