@@ -6,12 +6,12 @@
 //   evaluating an animation curve; plain: a binary search in a vector and one cubic
 //   setAttr and getAttr, from MEL and through the scene room; plain: a hash map of names to numbers
 #include "Host.h"
+#include "base/Messages.h"
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
 #include "mesh/Primitives.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 
 #include <benchmark/benchmark.h>

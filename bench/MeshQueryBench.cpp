@@ -3,8 +3,8 @@
 //   the same triangles and rays, and the hits added to an array
 //   the points of a mesh that are nearest to others; plain: a test of every triangle
 #include "Host.h"
+#include "base/Messages.h"
 #include "mesh/QueryCache.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 #include "scene/Undo.h"
 

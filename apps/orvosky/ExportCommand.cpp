@@ -2,7 +2,7 @@
 #include "Session.h"
 
 #include "Host.h"
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 namespace orvosky {
 namespace {

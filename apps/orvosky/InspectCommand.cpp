@@ -1,7 +1,7 @@
 #include "Session.h"
 #include "inspect/InspectionText.h"
 
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "Session.h"
 
 #include "Host.h"
-#include "scene/Messages.h"
+#include "base/Messages.h"
 #include "scene/Scene.h"
 #include "scene/Units.h"
 #include "viewport/CameraNode.h"

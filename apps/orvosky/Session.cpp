@@ -2,10 +2,10 @@
 
 #include "Host.h"
 #include "api/PluginManager.h"
+#include "base/Messages.h"
 #include "files/FileError.h"
 #include "files/SceneReader.h"
 #include "files/Workspace.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 
 #include <cstdlib>

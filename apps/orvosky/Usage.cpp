@@ -2,7 +2,7 @@
 
 #include "Failure.h"
 
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,6 +1,6 @@
 #include "Usage.h"
 
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,9 +1,9 @@
 #include "Host.h"
 
 #include "api/PluginManager.h"
+#include "base/Messages.h"
 #include "files/Workspace.h"
 #include "mel/commands/Commands.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 
 #include <cstdlib>

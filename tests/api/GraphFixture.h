@@ -3,7 +3,7 @@
 #include "Host.h"
 #include "api/Handle.h"
 #include "api/PluginManager.h"
-#include "scene/Messages.h"
+#include "base/Messages.h"
 #include "scene/Scene.h"
 #include "scene/Units.h"
 

@@ -1,6 +1,6 @@
 #include <maya/MImage.h>
 
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Host.h"
+#include "base/Messages.h"
 #include "files/Workspace.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 #include "scene/Units.h"
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "base/Messages.h"
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
 #include "kit/Places.h"
 #include "scene/Evaluation.h"
-#include "scene/Messages.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/Messages.h"
 #include "mel/Interpreter.h"
-#include "scene/Messages.h"
 
 #include <gtest/gtest.h>
 

@@ -127,3 +127,18 @@ TEST(Robustness, EndlessGrowthIsAnError) {
     MelFixture mel;
     EXPECT_THROW(mel.run("string $s = \"0123456789abcdef\"; while (1) $s += $s;"), Error);
 }
+
+// Faults: patterns, separators or parts of a text whose time grows with the square of the text (hours for this one).
+TEST(Robustness, TextOfAMebibyteTakesNoTime) {
+    MelFixture mel;
+    EXPECT_EQ(mel.run(R"mel(
+string $s = "a", $half;
+while (size($s) < 1048576) { $half = $s; $s = $s + $s; }
+print (size(match("[a-z]*b", $s)) + " " + size(match("a+$", $s)) + " " + size(substitute("(a|b)*[^a]|aa", $s, "")));
+print (" " + gmatch($s, "*a*b") + " " + isValidString($s, "a*") + " " + size(substituteAllString($s, $half + "b", "")));
+string $parts[];
+print (" " + tokenize($s + "," + $s, $half + ",", $parts));
+print (" " + tokenize($s + "," + $s, $half + ",x" + $s, $parts));
+)mel"),
+              "0 1048576 1048574 0 1 1048576 0 0");
+}

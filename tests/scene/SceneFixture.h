@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/Messages.h"
 #include "mel/Interpreter.h"
 #include "mel/commands/Commands.h"
 #include "mesh/PolyMesh.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 #include "scene/Units.h"
 

@@ -1,7 +1,7 @@
 #include "Host.h"
 #include "api/PluginManager.h"
+#include "base/Messages.h"
 #include "kit/Places.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 
 #include <gtest/gtest.h>

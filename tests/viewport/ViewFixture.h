@@ -2,9 +2,9 @@
 
 #include "api/Handle.h"
 #include "api/PluginManager.h"
+#include "base/Messages.h"
 #include "mesh/Primitives.h"
 #include "scene/MeshNode.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 #include "viewport/Viewport.h"
 

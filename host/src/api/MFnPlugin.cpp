@@ -6,7 +6,7 @@
 #include "api/PluginManager.h"
 #include "api/PxNode.h"
 #include "api/Text.h"
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <maya/MTypeId.h>
 

@@ -5,7 +5,7 @@
 #include "api/Handle.h"
 #include "api/StatusOut.h"
 #include "api/Text.h"
-#include "scene/Messages.h"
+#include "base/Messages.h"
 #include "scene/OptionVars.h"
 #include "scene/Units.h"
 

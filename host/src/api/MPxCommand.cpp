@@ -5,8 +5,8 @@
 #include "api/Handle.h"
 #include "api/StatusOut.h"
 #include "api/Text.h"
+#include "base/Messages.h"
 #include "mel/Interpreter.h"
-#include "scene/Messages.h"
 
 #include <maya/MDoubleArray.h>
 #include <maya/MIntArray.h>

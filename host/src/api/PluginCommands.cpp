@@ -1,8 +1,8 @@
 #include "Host.h"
 #include "api/PluginManager.h"
+#include "base/Messages.h"
 #include "mel/Interpreter.h"
 #include "mel/commands/Commands.h"
-#include "scene/Messages.h"
 #include "scene/OptionVars.h"
 #include "scene/Scene.h"
 

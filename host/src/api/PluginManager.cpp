@@ -2,7 +2,7 @@
 
 #include "Host.h"
 #include "api/Handle.h"
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <maya/MFnPlugin.h>
 #include <maya/MString.h>

@@ -3,7 +3,7 @@
 #include "api/PluginManager.h"
 #include "api/StatusOut.h"
 #include "api/Text.h"
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <maya/MFnAttribute.h>
 #include <maya/MPlugArray.h>

@@ -1,10 +1,10 @@
 #include "files/SceneReader.h"
 
+#include "base/Messages.h"
 #include "files/FileNames.h"
 #include "files/NumberWords.h"
 #include "scene/MeshFilter.h"
 #include "scene/MeshNode.h"
-#include "scene/Messages.h"
 
 #include <fmt/format.h>
 

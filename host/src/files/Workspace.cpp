@@ -1,9 +1,9 @@
 #include "files/Workspace.h"
 
+#include "base/Messages.h"
 #include "files/AttributeWriter.h"
 #include "files/Statement.h"
 #include "files/TextFile.h"
-#include "scene/Messages.h"
 
 #include <algorithm>
 

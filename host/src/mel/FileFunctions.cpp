@@ -1,6 +1,6 @@
+#include "base/Pattern.h"
 #include "mel/Execution.h"
 #include "mel/Numbers.h"
-#include "mel/Pattern.h"
 #include "mel/TextTools.h"
 
 #include <algorithm>
@@ -272,7 +272,7 @@ Value fileList(Arguments& a) {
     for (fs::directory_iterator it(systemPath(folder), status), end; !status && it != end; it.increment(status)) {
         std::error_code ignored;
         const std::string name = it->path().filename().string();
-        if (Pattern::glob(pattern, name)) out.push_back(it->is_directory(ignored) ? name + '/' : name);
+        if (matchesFileName(pattern, name)) out.push_back(it->is_directory(ignored) ? name + '/' : name);
     }
     std::sort(out.begin(), out.end());
     return out;

@@ -1,5 +1,5 @@
+#include "base/Messages.h"
 #include "mel/Execution.h"
-#include "scene/Messages.h"
 
 #include <chrono>
 #include <cstdlib>

@@ -1,17 +1,21 @@
+#include "base/Pattern.h"
 #include "mel/Execution.h"
-#include "mel/Pattern.h"
 #include "mel/TextTools.h"
 
 #include <algorithm>
+#include <bitset>
+#include <cstring>
 
 namespace host::mel {
 
 StringArray tokens(std::string_view text, std::string_view separators) {
+    // Not by find_first_of, which looks through all separators at each character.
+    std::bitset<256> separates;
+    for (char c : separators) separates.set(static_cast<unsigned char>(c));
     StringArray out;
-    for (std::size_t begin = 0; (begin = text.find_first_not_of(separators, begin)) != std::string_view::npos;) {
-        const std::size_t end = std::min(text.find_first_of(separators, begin), text.size());
-        out.emplace_back(text.substr(begin, end - begin));
-        begin = end;
+    for (std::size_t begin = 0, end = 0; begin < text.size(); begin = end + 1) {
+        for (end = begin; end < text.size() && !separates.test(static_cast<unsigned char>(text[end]));) ++end;
+        if (end > begin) out.emplace_back(text.substr(begin, end - begin));
     }
     return out;
 }
@@ -104,10 +108,13 @@ Value substituteAll(Arguments& a) {
     const std::string s = a.text(0), old = a.text(1), replacement = a.text(2);
     if (old.empty()) return s;
     std::string out;
-    std::size_t at = 0;
-    for (std::size_t found; (found = s.find(old, at)) != std::string::npos; at = found + old.size())
-        out.append(s, at, found - at).append(replacement);
-    return out.append(s, at);
+    // Not by string::find, whose time is the product of the two lengths at worst.
+    const char *at = s.data(), *const end = at + s.size();
+    while (const void* found = memmem(at, static_cast<std::size_t>(end - at), old.data(), old.size())) {
+        out.append(at, static_cast<const char*>(found)).append(replacement);
+        at = static_cast<const char*>(found) + old.size();
+    }
+    return out.append(at, end);
 }
 
 Value match(Arguments& a) {
@@ -119,7 +126,7 @@ Value match(Arguments& a) {
 
 Value globMatch(Arguments& a) {
     a.expect(2);
-    return Pattern::glob(a.text(1), a.text(0));
+    return matchesFileName(a.text(1), a.text(0));
 }
 
 /// isValidString(text, pattern): whether the pattern's match is the whole text.

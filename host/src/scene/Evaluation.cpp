@@ -1,6 +1,6 @@
 #include "scene/Evaluation.h"
 
-#include "scene/Messages.h"
+#include "base/Messages.h"
 #include "scene/Scene.h"
 #include "scene/Units.h"
 

@@ -1,8 +1,8 @@
 #include "scene/MeshNode.h"
 
+#include "base/Messages.h"
 #include "mesh/Primitives.h"
 #include "scene/Evaluation.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 
 namespace host::scene {

@@ -1,8 +1,9 @@
 #include "scene/Scene.h"
 
+#include "base/Messages.h"
+#include "base/Pattern.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshFilter.h"
-#include "scene/Messages.h"
 
 #include <maya/MFn.h>
 
@@ -48,26 +49,6 @@ bool pathMatches(const DagNode& node, const std::vector<std::string_view>& parts
 }
 
 } // namespace
-
-bool matchesPattern(std::string_view pattern, std::string_view text) {
-    std::size_t p = 0, t = 0, star = std::string_view::npos, mark = 0;
-    while (t < text.size()) {
-        if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
-            ++p;
-            ++t;
-        } else if (p < pattern.size() && pattern[p] == '*') {
-            star = p++;
-            mark = t;
-        } else if (star != std::string_view::npos) {
-            p = star + 1;
-            t = ++mark;
-        } else {
-            return false;
-        }
-    }
-    while (p < pattern.size() && pattern[p] == '*') ++p;
-    return p == pattern.size();
-}
 
 Scene& Scene::current() {
     // Never destroyed: plug-in objects with static lifetime may still refer to it while the process ends.
@@ -496,8 +477,8 @@ std::vector<Node*> Scene::findNodes(std::string_view pattern) const {
     const auto consider = [&](Node* n) {
         if (parts.size() > 1) {
             DagNode* dag = n->dag();
-            if (!dag || !pathMatches(*dag, parts, [](auto p, const auto& t) { return matchesPattern(p, t); })) return;
-        } else if (!matchesPattern(parts[0], n->name)) {
+            if (!dag || !pathMatches(*dag, parts, matchesName)) return;
+        } else if (!matchesName(parts[0], n->name)) {
             return;
         }
         found.push_back(n);

@@ -217,9 +217,6 @@ private:
     std::unordered_set<const Cell*> cycles_;
 };
 
-/// Whether text matches a pattern with * and ?.
-bool matchesPattern(std::string_view pattern, std::string_view text);
-
 /// Registers the node types that every scene knows.
 void registerBuiltinTypes(Scene& scene);
 

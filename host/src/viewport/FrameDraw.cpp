@@ -1,9 +1,9 @@
 #include "viewport/FrameDraw.h"
 
 #include "api/Handle.h"
+#include "base/Messages.h"
 #include "mesh/PolyMesh.h"
 #include "scene/MeshNode.h"
-#include "scene/Messages.h"
 #include "scene/Scene.h"
 
 #include <maya/MPxLocatorNode.h>

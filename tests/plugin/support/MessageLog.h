@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <string>
 #include <utility>

@@ -1,3 +1,4 @@
+#include "base/Pattern.h"
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
 
@@ -75,7 +76,7 @@ bool listed(Node& node, const Attribute& a, const ParsedArguments& args) {
     if (!args.has("st")) return true;
     for (std::size_t i = 0; i < args.occurrences("st"); ++i) {
         const std::string pattern = args.value("st", 0, i).toString();
-        if (matchesPattern(pattern, a.longName) || matchesPattern(pattern, a.shortName)) return true;
+        if (matchesName(pattern, a.longName) || matchesName(pattern, a.shortName)) return true;
     }
     return false;
 }

@@ -1,7 +1,7 @@
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
 
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,9 +1,9 @@
 #include "mel/commands/ModelImport.h"
 
+#include "base/Messages.h"
 #include "files/MeshImport.h"
 #include "mel/commands/CommandSupport.h"
 #include "scene/MeshNode.h"
-#include "scene/Messages.h"
 
 namespace host::mel {
 

@@ -1,8 +1,8 @@
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
 
+#include "base/Messages.h"
 #include "scene/MeshNode.h"
-#include "scene/Messages.h"
 
 #include <algorithm>
 #include <functional>

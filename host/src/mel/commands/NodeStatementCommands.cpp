@@ -1,8 +1,8 @@
+#include "base/Messages.h"
 #include "files/NumberWords.h"
 #include "files/SceneStatements.h"
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
-#include "scene/Messages.h"
 
 namespace host::mel {
 

@@ -1,4 +1,4 @@
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <cstdio>
 #include <fmt/format.h>

@@ -1,11 +1,13 @@
-#include "mel/Pattern.h"
-
-#include "MelFixture.h"
+#include "base/Pattern.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-using host::mel::Error;
-using host::mel::Pattern;
+#include <ostream>
+#include <string>
+
+using host::Pattern;
+using host::PatternError;
 
 namespace {
 
@@ -67,18 +69,26 @@ INSTANTIATE_TEST_SUITE_P(Escapes, PatternTest,
                                          PatternCase{"\\[x", "[x", 0, 2}, PatternCase{"\\$\\^", "$^", 0, 2},
                                          PatternCase{"a\\*", "aa*", 1, 2}));
 
+// Faults: what another dialect of patterns means by these reaches the text.
+INSTANTIATE_TEST_SUITE_P(Dialect, PatternTest,
+                         testing::Values(PatternCase{"*a", "aa*a", 2, 2}, PatternCase{"a{2}", "aaa{2}", 2, 4},
+                                         PatternCase{"\\d+", "12dd", 2, 2}, PatternCase{"a+?", "aab", 0, 2},
+                                         PatternCase{"a?+b", "aab", 0, 3}, PatternCase{"(?b)", "a?b", 1, 2},
+                                         PatternCase{"[[:a]+", "x:[a", 1, 3}, PatternCase{"^*a", "ba", 1, 1},
+                                         PatternCase{"a^", "a\n", -1, 0}, PatternCase{"a$", "a\nb", -1, 0}));
+
 // Faults: a broken pattern that reads past its end, or is taken for one that matches nothing.
 TEST(PatternError, NamesWhatDoesNotPair) {
     for (const char* pattern : {"[", "[^", "[a-", "[]", "a[b", "(", "a(b", "(a|", "((a)", ")", "a)b", "(a))"})
-        EXPECT_THROW(Pattern{pattern}, Error) << pattern;
+        EXPECT_THROW(Pattern{pattern}, PatternError) << pattern;
     try {
         Pattern{std::string(1000, 'a') + "["};
         FAIL();
-    } catch (const Error& e) {
+    } catch (const PatternError& e) {
         EXPECT_THAT(e.what(), testing::HasSubstr("unpaired \"[\""));
         EXPECT_LT(std::string(e.what()).size(), 400u) << "a message, not the whole pattern";
     }
-    EXPECT_THROW(Pattern{std::string(1 << 20, 'a')}, Error);
+    EXPECT_THROW(Pattern{std::string(1 << 20, 'a')}, PatternError);
 }
 
 // Faults: a file name pattern that matches a part only, a star that takes too much or too little and never comes back,
@@ -107,6 +117,16 @@ TEST(PatternGlob, MatchesTheWholeText) {
                                                  {"a.c", "abc", false},
                                                  {"a+", "aa", false},
                                                  {"A*", "abc", false}})
-        EXPECT_EQ(Pattern::glob(pattern, text), matches) << pattern << " on " << text;
-    EXPECT_THROW(Pattern::glob("[a", "a"), Error);
+        EXPECT_EQ(host::matchesFileName(pattern, text), matches) << pattern << " on " << text;
+    EXPECT_THROW(host::matchesFileName("[a", "a"), PatternError);
+    EXPECT_TRUE(host::matchesName("a[1]*", "a[1]b")) << "nodes and attributes have no sets of characters";
+}
+
+// Fault: time that grows with the square of the text, 16 hours for this one.
+TEST(PatternSpeed, FindsInAMebibyte) {
+    const std::string text(1 << 20, 'a');
+    EXPECT_FALSE(Pattern("[a-z]*b").find(text));
+    EXPECT_FALSE(Pattern("(a|aa)+$x").find(text));
+    EXPECT_EQ(Pattern("a(b*a)*$").find(text)->second, text.size());
+    EXPECT_FALSE(host::matchesFileName("*a*[ab]?b", text));
 }
