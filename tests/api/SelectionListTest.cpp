@@ -1,6 +1,8 @@
 #include "GraphFixture.h"
 
 #include <maya/MDagPath.h>
+#include <maya/MFnSingleIndexedComponent.h>
+#include <maya/MIntArray.h>
 
 namespace {
 
@@ -58,7 +60,7 @@ TEST_F(SelectionListTest, PlugsComponentsAndNodes) {
     EXPECT_EQ(list.getPlug(3, found), MStatus::kInvalidParameter);
     MDagPath path;
     EXPECT_TRUE(list.getDagPath(1, path));
-    EXPECT_EQ(path.node(), object("box"));
+    EXPECT_EQ(path.node(), object("boxShape"));
     MObject node;
     EXPECT_TRUE(list.getDependNode(0, node));
     EXPECT_EQ(node, object("haze"));
@@ -77,6 +79,49 @@ TEST_F(SelectionListTest, PlugsComponentsAndNodes) {
     EXPECT_EQ(list.getDagPath(2, path), MStatus::kInvalidParameter);
     EXPECT_EQ(list.add(plug("fog1.tx").attribute()), MStatus::kInvalidParameter);
     EXPECT_EQ(list.add(MPlug()), MStatus::kInvalidParameter);
+}
+
+// Fault: components handed out as their whole mesh, not joined, or changed by what another list does with them.
+TEST_F(SelectionListTest, ComponentsAsObjects) {
+    run("select box.vtx[4:5] box.vtx[0] box.f[2] haze");
+    ASSERT_TRUE(MGlobal::getActiveSelectionList(list));
+    ASSERT_EQ(list.length(), 3u);
+    MDagPath path;
+    MObject component;
+    ASSERT_TRUE(list.getDagPath(0, path, component));
+    EXPECT_EQ(path.node(), object("boxShape"));
+    EXPECT_EQ(component.apiType(), MFn::kMeshVertComponent);
+    MFnSingleIndexedComponent vertices(component);
+    EXPECT_EQ(vertices.elementCount(), 3);
+    EXPECT_EQ(vertices.element(1), 4);
+    MIntArray elements;
+    EXPECT_TRUE(vertices.addElement(2) && vertices.addElement(1) && vertices.getElements(elements));
+    EXPECT_EQ(std::vector<int>(&elements[0], &elements[0] + elements.length()), (std::vector{0, 1, 2, 4, 5}));
+    MObject face, none;
+    EXPECT_TRUE(list.getDagPath(1, path, face) && face.hasFn(MFn::kMeshComponent));
+    EXPECT_EQ(face.apiType(), MFn::kMeshPolygonComponent);
+    EXPECT_TRUE(list.getDagPath(2, path, none) && none.isNull());
+
+    MSelectionList other;
+    ASSERT_TRUE(list.getDagPath(0, path));
+    EXPECT_TRUE(other.add(path, component) && other.add(path, face, true));
+    EXPECT_THAT(names(other), ElementsAre("box.vtx[0:2]", "box.vtx[4:5]", "box.f[2]"));
+    MFnSingleIndexedComponent made;
+    MObject some = made.create(MFn::kMeshVertComponent);
+    EXPECT_TRUE(made.addElement(5) && made.addElement(7));
+    EXPECT_TRUE(other.hasItemPartly(path, some) && !other.hasItem(path, some));
+    EXPECT_TRUE(other.toggle(path, some));
+    EXPECT_THAT(names(other), ElementsAre("box.vtx[0:2]", "box.vtx[4]", "box.vtx[7]", "box.f[2]"));
+    EXPECT_TRUE(other.merge(path, some, MSelectionList::kRemoveFromList));
+    EXPECT_TRUE(MGlobal::setActiveSelectionList(other));
+    EXPECT_EQ(run("ls -sl"), "box.vtx[0:2] box.vtx[4] box.f[2]");
+    EXPECT_TRUE(MGlobal::unselect(path, component));
+    EXPECT_EQ(run("ls -sl"), "box.f[2]");
+    EXPECT_TRUE(made.setCompleteData(8) && made.isComplete() && made.elementMax() == 7);
+    EXPECT_EQ(made.create(MFn::kCurveCVComponent, nullptr), MObject::kNullObj);
+    MDagPath fog;
+    ASSERT_TRUE(MDagPath::getAPathTo(object("fog1"), fog));
+    EXPECT_EQ(list.add(fog, component), MStatus::kInvalidParameter) << "no mesh";
 }
 
 // Fault: an item merged although all are asked for or the reverse; strategies taken for one another.

@@ -32,6 +32,7 @@ public:
     static MStatus select(const MDagPath& object, const MObject& component,
                           MGlobal::ListAdjustment listAdjustment = kAddToList);
     static MStatus unselect(MObject& object);
+    static MStatus unselect(const MDagPath& object, const MObject& component);
     static MStatus clearSelectionList();
     static bool isSelected(MObject& object, MStatus* ReturnStatus = NULL);
     static MStatus viewFrame(const MTime& time);

@@ -5,7 +5,6 @@
 #include <maya/MPlug.h>
 #include <maya/MStatus.h>
 
-#include <string>
 #include <vector>
 
 class MString;
@@ -38,8 +37,13 @@ public:
     bool hasItem(const MObject& item, MStatus* ReturnStatus = NULL) const;
     bool hasItem(const MDagPath& item, const MObject& component = MObject::kNullObj,
                  MStatus* ReturnStatus = NULL) const;
+    /// Whether the list has some of the components.
+    bool hasItemPartly(const MDagPath& item, const MObject& component, MStatus* ReturnStatus = NULL) const;
     bool hasItem(const MPlug& plug, MStatus* ReturnStatus = NULL) const;
     MSelectionList& operator=(const MSelectionList& other);
+    MStatus toggle(const MDagPath& item, const MObject& component = MObject::kNullObj);
+    MStatus merge(const MDagPath& item, const MObject& component = MObject::kNullObj,
+                  const MergeStrategy strategy = kMergeNormal);
     MStatus merge(const MSelectionList& other, const MergeStrategy strategy = kMergeNormal);
     MStatus getSelectionStrings(MStringArray& array) const;
     MStatus getSelectionStrings(unsigned int index, MStringArray& array) const;
@@ -49,10 +53,11 @@ private:
     friend struct host::api::Access;
     struct Item {
         MObject node;
-        MPlug plug;       ///< null for whole nodes and components
-        std::string part; ///< a component's text ("vtx[0:3]")
+        MPlug plug;        ///< null for whole nodes and components
+        MObject component; ///< null for whole nodes and plugs
     };
-    bool same(const Item& a, const Item& b) const;
+    bool same(const Item& a, const Item& b) const; ///< but for which components
     MStatus append(Item item, bool merge);
+    void combine(const Item& item, MergeStrategy strategy);
     std::vector<Item> items_;
 };

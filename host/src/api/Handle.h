@@ -12,6 +12,7 @@
 
 class MDataBlock;
 class MPxNode;
+class MSelectionList;
 
 namespace host::api {
 
@@ -19,7 +20,7 @@ struct Plugin;
 
 /// What an MObject refers to.
 struct Handle {
-    enum class Kind { Node, Attribute, Data, Plugin };
+    enum class Kind { Node, Attribute, Data, Plugin, Component };
     explicit Handle(Kind k) : kind(k) {}
     virtual ~Handle() = default;
     const Kind kind;
@@ -42,6 +43,21 @@ struct DataObject final : Handle {
     scene::Value value;
 };
 
+/// Components of some mesh. What is added one by one is sorted in when somebody asks, and an index is found at once.
+struct ComponentObject final : Handle {
+    explicit ComponentObject(scene::Components c) : Handle(Kind::Component), set_(std::move(c)) {}
+    scene::ComponentKind type() const { return set_.kind(); }
+    const scene::Components& components() const;
+    const std::vector<int>& indices() const; ///< ascending
+    void replace(scene::Components components);
+    void add(int index) { added_.push_back(index); }
+    bool complete = false; ///< stands for all that a mesh has
+
+private:
+    mutable scene::Components set_;
+    mutable std::vector<int> added_, indices_;
+};
+
 struct PluginHandle final : Handle {
     explicit PluginHandle(Plugin* p) : Handle(Kind::Plugin), plugin(p) {}
     Plugin* plugin;
@@ -60,6 +76,11 @@ struct Access {
     static scene::AttributePtr attribute(const MObject& o);
     static DataObject* data(const MObject& o);
     static Plugin* plugin(const MObject& o);
+    static ComponentObject* component(const MObject& o);
+
+    /// The items of a selection list, which may hold nodes that are gone, and the reverse.
+    static std::vector<scene::Selected> items(const MSelectionList& list);
+    static void append(MSelectionList& list, const scene::Selected& item);
 
     static MPlug plug(scene::Cell& cell);
     /// The plug's cell, made if need be; null when the plug is null, its node gone, or an array on the way has no

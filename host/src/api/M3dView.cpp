@@ -68,7 +68,7 @@ M3dView::DisplayStatus M3dView::displayStatus(const MDagPath& path, MStatus* Ret
         intermediate |= n->intermediate();
         templated |= n->templated();
         for (const auto& item : selection)
-            if (item.node.get() == n && item.part.empty()) {
+            if (item.node.get() == n && item.isWhole()) {
                 selected = true;
                 lead |= &item == &selection.back();
             }

@@ -107,37 +107,14 @@ MStatus runFor(const MString& command, T& result, bool display, bool undoable) {
 }
 
 MStatus adjust(const MSelectionList& list, MGlobal::ListAdjustment how) {
-    std::vector<scene::Selected> items;
-    for (unsigned int i = 0; i < list.length(); ++i) {
-        MObject node;
-        MPlug plug;
-        if (!list.getDependNode(i, node)) continue;
-        std::string part;
-        MStringArray text;
-        if (list.getSelectionStrings(i, text) && text.length() > 0) {
-            const std::string whole = toText(text[0]);
-            const auto dot = whole.find('.');
-            if (dot != std::string::npos) part = whole.substr(dot + 1);
-        }
-        items.push_back({Access::node(node), part});
-    }
+    const auto items = Access::items(list);
     auto selection = Scene::current().selection();
-    const auto has = [](const std::vector<scene::Selected>& l, const scene::Selected& s) {
-        return std::find(l.begin(), l.end(), s) != l.end();
-    };
     switch (how) {
     case MGlobal::kReplaceList: selection = items; break;
     case MGlobal::kAddToList: selection.insert(selection.end(), items.begin(), items.end()); break;
     case MGlobal::kAddToHeadOfList: selection.insert(selection.begin(), items.begin(), items.end()); break;
-    case MGlobal::kRemoveFromList: std::erase_if(selection, [&](const auto& s) { return has(items, s); }); break;
-    case MGlobal::kXORWithList:
-        for (const auto& item : items) {
-            if (has(selection, item))
-                std::erase(selection, item);
-            else
-                selection.push_back(item);
-        }
-        break;
+    case MGlobal::kRemoveFromList: selection = without(selection, items); break;
+    case MGlobal::kXORWithList: selection = toggled(selection, items); break;
     }
     Scene::current().setSelection(std::move(selection));
     return MStatus::kSuccess;
@@ -160,12 +137,7 @@ MStatus MGlobal::getSelectionListByName(const MString& name, MSelectionList& lis
 
 MStatus MGlobal::getActiveSelectionList(MSelectionList& dest, bool) {
     dest.clear();
-    for (const auto& item : Scene::current().selection()) {
-        if (item.part.empty())
-            dest.add(Access::object(item.node.get()));
-        else
-            dest.add(fromText(Scene::current().displayName(*item.node) + "." + item.part));
-    }
+    for (const auto& item : Scene::current().selection()) Access::append(dest, item);
     return MStatus::kSuccess;
 }
 
@@ -185,12 +157,16 @@ MStatus MGlobal::select(MObject& object, ListAdjustment how) {
     return status ? adjust(list, how) : status;
 }
 
-MStatus MGlobal::select(const MDagPath& object, const MObject&, ListAdjustment how) {
-    MObject node = object.node();
-    return select(node, how);
+MStatus MGlobal::select(const MDagPath& object, const MObject& component, ListAdjustment how) {
+    MSelectionList list;
+    const MStatus status = list.add(object, component);
+    return status ? adjust(list, how) : status;
 }
 
 MStatus MGlobal::unselect(MObject& object) { return select(object, kRemoveFromList); }
+MStatus MGlobal::unselect(const MDagPath& object, const MObject& component) {
+    return select(object, component, kRemoveFromList);
+}
 MStatus MGlobal::clearSelectionList() { return adjust(MSelectionList(), kReplaceList); }
 
 bool MGlobal::isSelected(MObject& object, MStatus* ReturnStatus) {

@@ -62,6 +62,16 @@ MFn::Type dataType(const scene::Value& v) {
     return MFn::kData;
 }
 
+MFn::Type componentType(scene::ComponentKind kind) {
+    switch (kind) {
+    case scene::ComponentKind::Vertex: return MFn::kMeshVertComponent;
+    case scene::ComponentKind::Edge: return MFn::kMeshEdgeComponent;
+    case scene::ComponentKind::Face: return MFn::kMeshPolygonComponent;
+    case scene::ComponentKind::Uv: return MFn::kMeshMapComponent;
+    }
+    return MFn::kComponent;
+}
+
 } // namespace
 
 MObject MObject::kNullObj;
@@ -78,6 +88,7 @@ MFn::Type MObject::apiType() const {
     if (auto a = Access::attribute(*this)) return attributeType(*a);
     if (auto* d = Access::data(*this)) return dataType(d->value);
     if (handle_->kind == Handle::Kind::Plugin) return MFn::kPlugin;
+    if (const auto* c = Access::component(*this)) return componentType(c->type());
     const auto n = Access::node(*this);
     return n ? static_cast<MFn::Type>(n->type.apiType) : MFn::kInvalid;
 }
@@ -109,6 +120,8 @@ bool MObject::hasFn(MFn::Type fs) const {
     case Handle::Kind::Data:
         return fs == MFn::kData || (fs == MFn::kMesh && own == MFn::kMeshData) ||
                (fs == MFn::kGeometryData && own == MFn::kMeshData);
+    case Handle::Kind::Component:
+        return fs == MFn::kComponent || fs == MFn::kMeshComponent || fs == MFn::kSingleIndexedComponent;
     case Handle::Kind::Plugin: return false;
     }
     return false;
@@ -120,6 +133,14 @@ const char* MObject::apiTypeStr() const {
     case Handle::Kind::Attribute: return "kAttribute";
     case Handle::Kind::Data: return "kData";
     case Handle::Kind::Plugin: return "kPlugin";
+    case Handle::Kind::Component:
+        switch (Access::component(*this)->type()) {
+        case scene::ComponentKind::Vertex: return "kMeshVertComponent";
+        case scene::ComponentKind::Edge: return "kMeshEdgeComponent";
+        case scene::ComponentKind::Face: return "kMeshPolygonComponent";
+        case scene::ComponentKind::Uv: return "kMeshMapComponent";
+        }
+        break;
     case Handle::Kind::Node: break;
     }
     const auto n = Access::node(*this);
@@ -217,6 +238,32 @@ scene::AttributePtr Access::attribute(const MObject& o) {
 DataObject* Access::data(const MObject& o) {
     auto* h = handle(o);
     return h && h->kind == Handle::Kind::Data ? static_cast<DataObject*>(h) : nullptr;
+}
+
+const scene::Components& ComponentObject::components() const {
+    if (!added_.empty()) {
+        set_.add(scene::Components::of(set_.kind(), std::move(added_)));
+        added_.clear();
+        indices_.clear();
+    }
+    return set_;
+}
+
+const std::vector<int>& ComponentObject::indices() const {
+    const auto& all = components();
+    if (indices_.empty()) indices_ = all.indices();
+    return indices_;
+}
+
+void ComponentObject::replace(scene::Components components) {
+    set_ = std::move(components);
+    added_.clear();
+    indices_.clear();
+}
+
+ComponentObject* Access::component(const MObject& o) {
+    auto* h = handle(o);
+    return h && h->kind == Handle::Kind::Component ? static_cast<ComponentObject*>(h) : nullptr;
 }
 
 Plugin* Access::plugin(const MObject& o) {

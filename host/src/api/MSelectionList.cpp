@@ -10,6 +10,7 @@
 
 using namespace host;
 using host::api::Access;
+using host::api::ComponentObject;
 using host::api::fromText;
 using host::api::toText;
 using scene::Scene;
@@ -19,16 +20,59 @@ MSelectionList::MSelectionList(const MSelectionList& srcList) = default;
 MSelectionList::~MSelectionList() = default;
 MSelectionList& MSelectionList::operator=(const MSelectionList& other) = default;
 
+namespace {
+
+/// Components of a mesh, of the one below the path where that ends at a transform. `shape` stays null for others.
+const ComponentObject* componentsAt(const MDagPath& path, const MObject& component, MObject& shape) {
+    const auto* held = Access::component(component);
+    const auto node = Access::dagNode(path.node());
+    if (!held || !node || held->components().isEmpty()) return nullptr;
+    const auto found = scene::findComponents(*node, held->components().names().front());
+    if (!found) return nullptr;
+    shape = Access::object(found->shape);
+    return held;
+}
+
+} // namespace
+
 bool MSelectionList::same(const Item& a, const Item& b) const {
-    return a.node == b.node && a.part == b.part && a.plug.isNull() == b.plug.isNull() &&
+    return a.node == b.node && a.component.apiType() == b.component.apiType() && a.plug.isNull() == b.plug.isNull() &&
            (a.plug.isNull() || a.plug == b.plug);
+}
+
+void MSelectionList::combine(const Item& item, MergeStrategy strategy) {
+    const auto at = std::find_if(items_.begin(), items_.end(), [&](const Item& i) { return same(i, item); });
+    if (at == items_.end()) {
+        if (strategy != kRemoveFromList) items_.push_back(item);
+        return;
+    }
+    const auto* given = Access::component(item.component);
+    if (!given) {
+        if (strategy != kMergeNormal) items_.erase(at);
+        return;
+    }
+    scene::Components all = Access::component(at->component)->components(), others = given->components();
+    if (strategy == kMergeNormal)
+        all.add(others);
+    else if (strategy == kRemoveFromList)
+        all.remove(others);
+    else {
+        others.remove(all);
+        all.remove(given->components());
+        all.add(others);
+    }
+    if (all.isEmpty())
+        items_.erase(at);
+    else
+        at->component = Access::object(std::make_shared<ComponentObject>(std::move(all)));
 }
 
 MStatus MSelectionList::append(Item item, bool merge) {
     if (item.node.isNull()) return MStatus::kInvalidParameter;
-    if (merge && std::any_of(items_.begin(), items_.end(), [&](const Item& i) { return same(i, item); }))
-        return MStatus::kSuccess;
-    items_.push_back(std::move(item));
+    if (merge)
+        combine(item, kMergeNormal);
+    else
+        items_.push_back(std::move(item));
     return MStatus::kSuccess;
 }
 
@@ -56,7 +100,7 @@ MStatus MSelectionList::getDependNode(unsigned int index, MObject& depNode) cons
 
 MStatus MSelectionList::getDagPath(unsigned int index, MDagPath& dagPath, MObject& component) const {
     if (index >= items_.size()) return MStatus::kInvalidParameter;
-    if (&component != &MObject::kNullObj) component = MObject();
+    if (&component != &MObject::kNullObj) component = items_[index].component;
     return MDagPath::getAPathTo(items_[index].node, dagPath);
 }
 
@@ -72,8 +116,12 @@ MStatus MSelectionList::add(const MObject& object, const bool mergeWithExisting)
     return append({object, MPlug(), {}}, mergeWithExisting);
 }
 
-MStatus MSelectionList::add(const MDagPath& object, const MObject&, const bool mergeWithExisting) {
-    return append({object.node(), MPlug(), {}}, mergeWithExisting);
+MStatus MSelectionList::add(const MDagPath& object, const MObject& component, const bool mergeWithExisting) {
+    if (component.isNull()) return append({object.node(), MPlug(), {}}, mergeWithExisting);
+    MObject shape;
+    const auto* held = componentsAt(object, component, shape);
+    if (!held) return MStatus::kInvalidParameter;
+    return append({shape, MPlug(), Access::object(std::make_shared<ComponentObject>(*held))}, mergeWithExisting);
 }
 
 MStatus MSelectionList::add(const MPlug& plug, const bool mergeWithExisting) {
@@ -97,11 +145,11 @@ MStatus MSelectionList::add(const MString& matchString, const bool) {
     const std::string part = text.substr(dot + 1);
     if (scene::Cell* cell = s.tryPlug(*node, part))
         return append({Access::object(node), Access::plug(*cell), {}}, true);
-    // Components are kept as their text.
-    static const char* const components[] = {"vtx[", "f[", "e[", "map[", "vtxFace["};
-    const bool component =
-        std::any_of(std::begin(components), std::end(components), [&](const char* c) { return part.rfind(c, 0) == 0; });
-    return component ? append({Access::object(node), MPlug(), part}, true) : MStatus(MStatus::kInvalidParameter);
+    const auto found = scene::findComponents(*node, part);
+    if (!found) return MStatus::kInvalidParameter;
+    return append(
+        {Access::object(found->shape), MPlug(), Access::object(std::make_shared<ComponentObject>(found->components))},
+        true);
 }
 
 MStatus MSelectionList::remove(unsigned int index) {
@@ -116,8 +164,12 @@ MStatus MSelectionList::replace(unsigned int index, const MObject& item) {
     return MStatus::kSuccess;
 }
 
-MStatus MSelectionList::replace(unsigned int index, const MDagPath& item, const MObject&) {
-    return replace(index, item.node());
+MStatus MSelectionList::replace(unsigned int index, const MDagPath& item, const MObject& component) {
+    if (index >= items_.size()) return MStatus::kInvalidParameter;
+    MSelectionList one;
+    const MStatus status = one.add(item, component);
+    if (status) items_[index] = one.items_.front();
+    return status;
 }
 
 MStatus MSelectionList::replace(unsigned int index, const MPlug& plug) {
@@ -129,11 +181,41 @@ MStatus MSelectionList::replace(unsigned int index, const MPlug& plug) {
 bool MSelectionList::hasItem(const MObject& item, MStatus* ReturnStatus) const {
     setStatus(ReturnStatus, MStatus::kSuccess);
     return std::any_of(items_.begin(), items_.end(),
-                       [&](const Item& i) { return i.node == item && i.plug.isNull() && i.part.empty(); });
+                       [&](const Item& i) { return i.node == item && i.plug.isNull() && i.component.isNull(); });
 }
 
-bool MSelectionList::hasItem(const MDagPath& item, const MObject&, MStatus* ReturnStatus) const {
-    return hasItem(item.node(), ReturnStatus);
+bool MSelectionList::hasItem(const MDagPath& item, const MObject& component, MStatus* ReturnStatus) const {
+    if (component.isNull()) return hasItem(item.node(), ReturnStatus);
+    MObject shape;
+    const auto* wanted = componentsAt(item, component, shape);
+    setStatus(ReturnStatus, wanted ? MStatus::kSuccess : MStatus::kInvalidParameter);
+    return wanted && std::any_of(items_.begin(), items_.end(), [&](const Item& i) {
+               const auto* held = Access::component(i.component);
+               return i.node == shape && held && held->components().contains(wanted->components());
+           });
+}
+
+bool MSelectionList::hasItemPartly(const MDagPath& item, const MObject& component, MStatus* ReturnStatus) const {
+    MObject shape;
+    const auto* wanted = componentsAt(item, component, shape);
+    setStatus(ReturnStatus, wanted ? MStatus::kSuccess : MStatus::kInvalidParameter);
+    return wanted && std::any_of(items_.begin(), items_.end(), [&](const Item& i) {
+               const auto* held = Access::component(i.component);
+               if (i.node != shape || !held || held->components().kind() != wanted->components().kind()) return false;
+               scene::Components left = wanted->components();
+               left.remove(held->components());
+               return left.count() < wanted->components().count();
+           });
+}
+
+MStatus MSelectionList::toggle(const MDagPath& item, const MObject& component) {
+    return merge(item, component, kXORWithList);
+}
+
+MStatus MSelectionList::merge(const MDagPath& item, const MObject& component, const MergeStrategy strategy) {
+    MSelectionList one;
+    const MStatus status = one.add(item, component);
+    return status ? merge(one, strategy) : status;
 }
 
 bool MSelectionList::hasItem(const MPlug& plug, MStatus* ReturnStatus) const {
@@ -142,13 +224,7 @@ bool MSelectionList::hasItem(const MPlug& plug, MStatus* ReturnStatus) const {
 }
 
 MStatus MSelectionList::merge(const MSelectionList& other, const MergeStrategy strategy) {
-    for (const Item& item : std::vector<Item>(other.items_)) {
-        const auto at = std::find_if(items_.begin(), items_.end(), [&](const Item& i) { return same(i, item); });
-        if (at == items_.end() && strategy != kRemoveFromList)
-            items_.push_back(item);
-        else if (at != items_.end() && strategy != kMergeNormal)
-            items_.erase(at);
-    }
+    for (const Item& item : std::vector<Item>(other.items_)) combine(item, strategy);
     return MStatus::kSuccess;
 }
 
@@ -169,9 +245,37 @@ MStatus MSelectionList::getSelectionStrings(unsigned int index, MStringArray& ar
     const auto n = Access::node(item.node);
     if (!n) return MStatus::kFailure;
     if (!item.plug.isNull()) return array.append(item.plug.name());
-    std::string text = n->scene.displayName(*n);
-    if (!item.part.empty()) text += "." + item.part;
-    return array.append(fromText(text));
+    const auto* held = Access::component(item.component);
+    if (!held) return array.append(fromText(n->scene.displayName(*n)));
+    const std::string head = n->scene.displayName(scene::componentOwner(*n)) + ".";
+    for (const auto& name : held->components().names()) array.append(fromText(head + name));
+    return MStatus::kSuccess;
 }
 
 const char* MSelectionList::className() { return "MSelectionList"; }
+
+std::vector<scene::Selected> Access::items(const MSelectionList& list) {
+    std::vector<scene::Selected> items;
+    for (const auto& item : list.items_) {
+        const auto n = node(item.node);
+        if (!n) continue;
+        items.push_back({n});
+        if (!item.plug.isNull()) {
+            std::shared_ptr<scene::Node> keep;
+            if (const scene::Cell* held = cell(item.plug, keep))
+                items.back().part = held->attributePath();
+            else
+                items.pop_back();
+        } else if (const auto* held = component(item.component))
+            items.back().components = held->components();
+    }
+    return items;
+}
+
+void Access::append(MSelectionList& list, const scene::Selected& item) {
+    MSelectionList::Item added{object(item.node.get()), MPlug(), {}};
+    if (item.components) added.component = object(std::make_shared<ComponentObject>(*item.components));
+    if (!item.part.empty())
+        if (scene::Cell* cell = item.node->scene.tryPlug(*item.node, item.part)) added.plug = plug(*cell);
+    list.append(std::move(added), false);
+}

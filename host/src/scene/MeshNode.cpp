@@ -5,6 +5,8 @@
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
 
+#include <optional>
+
 namespace host::scene {
 namespace {
 
@@ -128,6 +130,14 @@ std::shared_ptr<const mesh::PolyMesh> meshOf(Node& shape) {
     return meshBehavior(shape) ? meshIn(shape.cell("outMesh")) : nullptr;
 }
 
+std::shared_ptr<const mesh::PolyMesh> storedMeshOf(Node& shape) {
+    MeshBehavior* b = meshBehavior(shape);
+    if (!b) return nullptr;
+    b->settle();
+    Cell& input = shape.cell("inMesh");
+    return input.source ? meshIn(input) : b->own;
+}
+
 void setMesh(Scene& scene, Node& shape, std::shared_ptr<const mesh::PolyMesh> mesh) {
     auto* b = meshBehavior(shape);
     if (!b) throw SceneError("'" + scene.displayName(shape) + "' is not a mesh.");
@@ -159,6 +169,84 @@ void setMesh(Scene& scene, Node& shape, std::shared_ptr<const mesh::PolyMesh> me
     const auto oldTweaks = b->tweaks;
     set(own, tweaks);
     scene.record([=] { set(own, tweaks); }, [=] { set(oldOwn, oldTweaks); });
+}
+
+namespace {
+
+mesh::Float3 sum(const mesh::Float3& a, const mesh::Float3& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+
+/// What is known of one vertex: its stored place (unused where a connection brings the mesh) and its tweak.
+struct PointState {
+    int vertex;
+    mesh::Float3 stored;
+    std::optional<mesh::Float3> tweak;
+};
+
+/// The mesh for writing: a copy where somebody else holds it. Meshes are made without const.
+mesh::PolyMesh& writable(std::shared_ptr<const mesh::PolyMesh>& mesh) {
+    if (mesh.use_count() > 1) mesh = std::make_shared<mesh::PolyMesh>(*mesh);
+    return const_cast<mesh::PolyMesh&>(*mesh);
+}
+
+void setPoints(Node& shape, const std::vector<PointState>& states) {
+    MeshBehavior& b = *meshBehavior(shape);
+    Cell& out = shape.cell("outMesh");
+    const bool fed = shape.cell("inMesh").source;
+    // What the shape shows follows at once, so that the next look need not make the mesh anew.
+    auto* data = std::get_if<DataPtr>(&out.value);
+    auto* shown = data && !out.dirty && data->use_count() == 1 ? dynamic_cast<MeshData*>(data->get()) : nullptr;
+    const bool shared = shown && shown->mesh && shown->mesh == b.own;
+    if (shown && !shared && (!shown->mesh || shown->mesh.use_count() > 1)) shown = nullptr;
+    if (shared) shown->mesh.reset();
+    const auto input = fed ? meshIn(shape.cell("inMesh")) : nullptr;
+    bool exact = shown;
+    for (const PointState& s : states) {
+        if (s.tweak)
+            b.tweaks[s.vertex] = *s.tweak;
+        else
+            b.tweaks.erase(s.vertex);
+        if (!fed) writable(b.own).setPoint(s.vertex, s.stored);
+        if (shared || !shown) {
+            exact &= !s.tweak;
+            continue;
+        }
+        const mesh::Float3 base = (fed ? input : b.own)->point(s.vertex);
+        writable(shown->mesh).setPoint(s.vertex, s.tweak ? sum(base, *s.tweak) : base);
+    }
+    if (shared) shown->mesh = b.own;
+    if (exact)
+        dirtyDependents(out);
+    else
+        dirtyWithDependents(out);
+    dirtyWithDependents(shape.cell("worldMesh"));
+}
+
+} // namespace
+
+void movePoints(Scene& scene, Node& shape, const std::vector<PointMove>& moves) {
+    MeshBehavior* b = meshBehavior(shape);
+    if (!b) throw SceneError("'" + scene.displayName(shape) + "' is not a mesh.");
+    const bool fed = shape.cell("inMesh").source;
+    auto base = storedMeshOf(shape);
+    if (!base) throw SceneError("The mesh '" + scene.displayName(shape) + "' is empty.");
+    std::vector<PointState> before, after;
+    before.reserve(moves.size());
+    after.reserve(moves.size());
+    for (const PointMove& move : moves) {
+        if (move.vertex < 0 || move.vertex >= base->numVertices())
+            throw SceneError("The mesh '" + scene.displayName(shape) + "' has no vertex " +
+                             std::to_string(move.vertex) + ".");
+        const mesh::Float3 was = base->point(move.vertex);
+        const auto tweak = b->tweaks.find(move.vertex);
+        before.push_back({move.vertex, was, tweak == b->tweaks.end() ? std::nullopt : std::optional(tweak->second)});
+        const mesh::Float3 d{move.to.x - was.x, move.to.y - was.y, move.to.z - was.z};
+        after.push_back(fed ? PointState{move.vertex, was, d == mesh::Float3() ? std::nullopt : std::optional(d)}
+                            : PointState{move.vertex, move.to, std::nullopt});
+    }
+    base.reset();
+    const auto set = [keep = shape.shared_from_this()](const auto& states) { setPoints(*keep, states); };
+    set(after);
+    scene.record([=] { set(after); }, [=] { set(before); });
 }
 
 std::shared_ptr<const mesh::PolyMesh> transformed(const mesh::PolyMesh& mesh, const MMatrix& m) {

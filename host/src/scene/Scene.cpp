@@ -509,14 +509,7 @@ std::string Scene::displayName(Node& node) const {
 }
 
 void Scene::setSelection(std::vector<Selected> items) {
-    std::vector<Selected> unique;
-    std::set<std::pair<const Node*, std::string_view>> there;
-    unique.reserve(items.size()); // the texts keep their place
-    for (auto& item : items)
-        if (!there.contains({item.node.get(), item.part})) {
-            unique.push_back(std::move(item));
-            there.emplace(unique.back().node.get(), unique.back().part);
-        }
+    const auto unique = merged(items);
     const auto before = selection_;
     const bool was = modified;
     selection_ = unique;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scene/Node.h"
+#include "scene/Selection.h"
 #include "scene/Undo.h"
 
 #include <map>
@@ -18,13 +19,6 @@ namespace host::scene {
 class SceneError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
-};
-
-/// One item of a selection: a node, or a plug or component of one ("translateX", "vtx[0:3]").
-struct Selected {
-    NodePtr node;
-    std::string part;
-    bool operator==(const Selected&) const = default;
 };
 
 /// A connection with a side that is not known here, kept for saving.

@@ -171,15 +171,29 @@ TEST_F(DropMesh, UndoesAndRedoes) {
     plane("ground", 100, 1, 0, 0, 0);
     plane("drop", 10, 3, 0.1, 20, 0.3);
     must("setAttr \"drop.r\" 10 20 30; setAttr \"drop.s\" 1.5 0.7 3");
+    // Scripts see it, too: point by point, in the mesh's own space.
+    const auto fromMel = [&] {
+        std::vector<double> places;
+        for (int v = 0; v < 16; ++v) {
+            must("xform -q -t drop.vtx[" + std::to_string(v) + "]");
+            for (const double number : result_.toFloatArray()) places.push_back(number);
+        }
+        return places;
+    };
     const auto before = points("drop");
+    const auto melBefore = fromMel();
     ASSERT_TRUE(drop("{\"ground\"}", "1"));
     const auto after = points("drop");
+    const auto melAfter = fromMel();
     ASSERT_NE(after, before);
+    ASSERT_NE(melAfter, melBefore);
     for (int round = 0; round < 2; ++round) {
         must("undo");
         EXPECT_EQ(points("drop"), before);
+        EXPECT_EQ(fromMel(), melBefore);
         must("redo");
         EXPECT_EQ(points("drop"), after);
+        EXPECT_EQ(fromMel(), melAfter);
     }
     must("undo");
     EXPECT_EQ(points("drop"), before);

@@ -1,5 +1,6 @@
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
+#include "mel/commands/MeshLists.h"
 
 #include "mel/Numbers.h"
 
@@ -198,13 +199,16 @@ Value getAttr(Call& call) {
                                       {"typ", "type"}});
     const StringArray names = args.names();
     if (names.empty()) throw Error("No attribute was specified.");
-    std::vector<Cell*> cells;
-    for (const std::string& name : names)
-        for (Cell* cell : plugsInRange(name)) cells.push_back(cell);
-
     std::optional<AtTime> held;
     if (args.has("t")) held.emplace(args.number("t", 0) * timeTicks());
     std::vector<Value> values;
+    std::vector<Cell*> cells;
+    for (const std::string& name : names)
+        if (auto list = meshListValue(name, args))
+            values.push_back(std::move(*list));
+        else
+            for (Cell* cell : plugsInRange(name)) cells.push_back(cell);
+
     for (Cell* cell : cells) {
         if (cell->isArray() && cell->attribute.worldSpace && !args.has("s") && !args.has("mi"))
             cell = &cell->element(0);

@@ -1,5 +1,6 @@
 #include "mel/commands/CommandSupport.h"
 
+#include "mesh/PolyMesh.h"
 #include "scene/DagBehavior.h"
 #include "scene/MeshNode.h"
 #include "scene/Units.h"
@@ -58,16 +59,6 @@ std::vector<Node*> nodesNamed(const StringArray& names) {
     return found;
 }
 
-bool isComponent(Node& node, const std::string& part) {
-    const auto bracket = part.find('[');
-    if (bracket == std::string::npos || part.back() != ']') return false;
-    const std::string kind = part.substr(0, bracket);
-    static const std::unordered_set<std::string> kinds{"vtx", "f", "e", "map", "vtxFace"};
-    DagNode* dag = node.dag();
-    if (!dag || !kinds.contains(kind)) return false;
-    return std::ranges::any_of(shapesOf(*dag), [](DagNode* shape) { return meshBehavior(*shape) != nullptr; });
-}
-
 Cell* findPlug(const std::string& name, bool create) {
     const auto dot = name.find('.');
     if (dot == std::string::npos) return nullptr;
@@ -97,8 +88,8 @@ std::vector<Selected> itemsNamed(const std::string& name) {
             continue;
         }
         const std::string part = name.substr(dot + 1);
-        if (isComponent(*node, part))
-            items.push_back({node->shared_from_this(), part});
+        if (const auto found = findComponents(*node, part))
+            items.push_back({found->shape->shared_from_this(), {}, found->components});
         else if (Cell* cell = findPlug(nameOf(*node) + "." + part, false))
             items.push_back({cell->node.shared_from_this(), cell->attributePath()});
     }
@@ -106,10 +97,24 @@ std::vector<Selected> itemsNamed(const std::string& name) {
     return items;
 }
 
+std::vector<Selected> objectsGivenOrSelected(const StringArray& names) {
+    std::vector<Selected> items;
+    for (const std::string& name : names)
+        for (auto& item : itemsNamed(name)) items.push_back(std::move(item));
+    if (names.empty()) items = theScene().selection();
+    if (items.empty()) throw Error("No object was specified or selected.");
+    for (const Selected& item : items)
+        if (!item.part.empty()) throw Error("'" + namesOf(item).front() + "' is an attribute, not an object.");
+    return merged(items);
+}
+
 std::vector<Node*> selectedNodes() {
     std::vector<Node*> nodes;
-    for (const Selected& item : theScene().selection())
-        if (std::ranges::find(nodes, item.node.get()) == nodes.end()) nodes.push_back(item.node.get());
+    std::unordered_set<Node*> seen;
+    for (const Selected& item : theScene().selection()) {
+        Node& node = item.components ? componentOwner(*item.node) : *item.node;
+        if (seen.insert(&node).second) nodes.push_back(&node);
+    }
     return nodes;
 }
 
@@ -133,9 +138,16 @@ std::string nameOf(Node& node, bool full) {
     return full && dag ? dag->fullPath() : theScene().displayName(node);
 }
 
-std::string nameOf(const Selected& item, bool full) {
-    const std::string name = nameOf(*item.node, full);
-    return item.part.empty() ? name : name + "." + item.part;
+StringArray namesOf(const Selected& item, bool full, bool flat) {
+    if (!item.components) {
+        const std::string name = nameOf(*item.node, full);
+        return {item.part.empty() ? name : name + "." + item.part};
+    }
+    // A full path leads to the shape; else its transform's name is enough.
+    const std::string head = nameOf(full ? *item.node : componentOwner(*item.node), full) + ".";
+    StringArray names = item.components->names(flat);
+    for (auto& name : names) name.insert(0, head);
+    return names;
 }
 
 StringArray namesOf(const std::vector<Node*>& nodes, bool full) {
@@ -260,6 +272,13 @@ void Bounds::include(const MPoint& p) {
     }
 }
 
+void Bounds::include(const Bounds& other) {
+    for (std::size_t k = 0; k < 3; ++k) {
+        sides[k] = std::min(sides[k], other.sides[k]);
+        sides[k + 3] = std::max(sides[k + 3], other.sides[k + 3]);
+    }
+}
+
 MVector Bounds::centre() const {
     return MVector((sides[0] + sides[3]) / 2, (sides[1] + sides[4]) / 2, (sides[2] + sides[5]) / 2);
 }
@@ -275,6 +294,28 @@ void deleteHistory(Node& shape) {
     for (Cell* cell : upstream.cells())
         if (!cell->destinations.empty()) return;
     theScene().deleteNodes({&upstream});
+}
+
+Points::Points(const Selected& item)
+    : shape(*item.node->dag()), mesh(meshOf(shape)), vertices(verticesOf(*mesh, *item.components).indices()) {}
+
+MPoint Points::at(int vertex) const {
+    const auto& p = mesh->point(vertex);
+    return MPoint(p.x, p.y, p.z);
+}
+
+void placePoints(const Selected& item, bool inWorld, const std::function<MPoint(const MPoint&)>& to) {
+    std::vector<PointMove> moves;
+    Points points(item);
+    const MMatrix matrix = inWorld ? points.shape.worldMatrix() : MMatrix();
+    if (matrix.det4x4() == 0) throw Error("'" + nameOf(points.shape) + "' has no size in the world: use -objectSpace.");
+    const MMatrix back = matrix.inverse();
+    for (const int v : points.vertices) {
+        const MPoint p = to(points.at(v) * matrix) * back;
+        moves.push_back({v, {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)}});
+    }
+    points.mesh.reset(); // or it would have to be copied
+    movePoints(theScene(), points.shape, moves);
 }
 
 namespace {

@@ -9,6 +9,8 @@
 #include <maya/MVector.h>
 
 #include <array>
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,22 +33,25 @@ scene::DagNode& transformNamed(const std::string& name);
 std::vector<scene::Node*> nodesNamed(const StringArray& names);
 /// Nodes, plugs and components ("pCube1.vtx[0:3]"); the node's part may be a pattern.
 std::vector<scene::Selected> itemsNamed(const std::string& name);
+/// What the names stand for, or the selection where there are none: nodes, and components of one kind and shape as one
+/// item. Throws when there is nothing, and for plugs.
+std::vector<scene::Selected> objectsGivenOrSelected(const StringArray& names);
 /// "node.attribute": an attribute of a transform's shape may be named through the transform.
 scene::Cell& plugNamed(const std::string& name);
 /// The same, or null. `create` false leaves array elements that nobody has touched absent.
 scene::Cell* findPlug(const std::string& name, bool create = true);
 /// The objects of a call, or the selected nodes where it has none.
 std::vector<scene::Node*> givenOrSelected(const ParsedArguments& arguments);
+/// The selected nodes, and those that have something selected of them.
 std::vector<scene::Node*> selectedNodes();
 /// The same; throws when there is nothing, or something that is not in the DAG.
 std::vector<scene::DagNode*> dagGivenOrSelected(const ParsedArguments& arguments);
-/// Whether the text names components of the node's mesh ("f[2]", "vtx[*]").
-bool isComponent(scene::Node& node, const std::string& part);
 /// @}
 
 /// The shortest unique path, or the full one.
 std::string nameOf(scene::Node& node, bool full = false);
-std::string nameOf(const scene::Selected& item, bool full = false);
+/// An item's names: several where it is components that do not follow one another, or all of them one by one (`flat`).
+StringArray namesOf(const scene::Selected& item, bool full = false, bool flat = false);
 StringArray namesOf(const std::vector<scene::Node*>& nodes, bool full = false);
 /// The name that a shape gets by itself below a transform of that name: "pCubeShape1" for "pCube1".
 std::string shapeNameFor(const std::string& transformName);
@@ -87,6 +92,7 @@ struct Bounds {
     std::array<double, 6> sides{1e20, 1e20, 1e20, -1e20, -1e20, -1e20}; ///< least x, y, z, then greatest
     bool empty() const { return sides[0] > sides[3]; }
     void include(const MPoint& p);
+    void include(const Bounds& other);
     MVector centre() const;
 };
 
@@ -95,6 +101,18 @@ void addToSet(scene::Node& set, scene::Node& member);
 
 /// Gives a mesh its present form as data of its own and cuts it off its history (undoable).
 void deleteHistory(scene::Node& meshShape);
+
+/// The vertices of components, and the mesh they belong to.
+struct Points {
+    explicit Points(const scene::Selected& components);
+    scene::DagNode& shape;
+    std::shared_ptr<const mesh::PolyMesh> mesh;
+    std::vector<int> vertices; ///< ascending
+    MPoint at(int vertex) const;
+};
+
+/// Moves the vertices of components to where `to` says, in the space of the world or of the mesh (undoable).
+void placePoints(const scene::Selected& components, bool inWorld, const std::function<MPoint(const MPoint&)>& to);
 
 /// The box around all shapes at and below the nodes, after `extra` is applied to the world's coordinates.
 Bounds boundsOf(const std::vector<scene::Node*>& nodes, const MMatrix& extra = MMatrix(), bool visibleOnly = false);

@@ -16,6 +16,7 @@ void registerDuplicateCommands(Interpreter& interpreter);
 void registerTransformCommands(Interpreter& interpreter);
 void registerXformCommand(Interpreter& interpreter);
 void registerAnimationCommands(Interpreter& interpreter);
+void registerComponentCommands(Interpreter& interpreter);
 void registerMeshCommands(Interpreter& interpreter);
 void registerSetCommands(Interpreter& interpreter);
 void registerSelectionCommands(Interpreter& interpreter);

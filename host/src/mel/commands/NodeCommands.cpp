@@ -23,7 +23,7 @@ Value objExists(Call& call) {
     if (dot == std::string::npos) return !nodes.empty();
     const std::string part = names[0].substr(dot + 1);
     return std::ranges::any_of(
-        nodes, [&](Node* node) { return isComponent(*node, part) || findPlug(nameOf(*node) + "." + part, false); });
+        nodes, [&](Node* node) { return findComponents(*node, part) || findPlug(nameOf(*node) + "." + part, false); });
 }
 
 /// The type's ancestors and itself, the most general first.
@@ -135,7 +135,11 @@ Value deleteCommand(Call& call) {
         for (Node* node : nodesNamed({name}))
             if (!pattern || (!node->isDefault && !node->locked)) nodes.push_back(node);
     }
-    if (names.empty()) nodes = selectedNodes();
+    if (names.empty()) {
+        for (const Selected& item : theScene().selection())
+            if (!item.isWhole()) throw Error("Components cannot be deleted: " + namesOf(item).front());
+        nodes = selectedNodes();
+    }
     if (nodes.empty() && names.empty()) throw Error("No object was specified or selected.");
     bakeWhatIsFed(nodes);
     theScene().deleteNodes(nodes);

@@ -1,11 +1,7 @@
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
 
-#include "mesh/PolyMesh.h"
-#include "scene/MeshNode.h"
-
 #include <algorithm>
-#include <charconv>
 #include <functional>
 #include <unordered_set>
 
@@ -14,32 +10,6 @@ namespace host::mel {
 using namespace scene;
 
 namespace {
-
-/// "vtx[0:2]" as "vtx[0]", "vtx[1]", "vtx[2]"; "*" stands for all that the mesh has.
-StringArray flattened(Node& node, const std::string& part) {
-    const auto open = part.find('['), close = part.find(']');
-    if (!isComponent(node, part) || close != part.size() - 1) return {part};
-    const std::string kind = part.substr(0, open), inside = part.substr(open + 1, close - open - 1);
-    int count = 0;
-    for (DagNode* shape : shapesOf(*node.dag()))
-        if (const auto mesh = meshOf(*shape))
-            count = kind == "vtx"   ? mesh->numVertices()
-                    : kind == "e"   ? mesh->numEdges()
-                    : kind == "f"   ? mesh->numPolygons()
-                    : kind == "map" ? mesh->uvSet(mesh->currentUvSet()).size()
-                                    : 0;
-    int first = 0, last = count - 1;
-    if (inside != "*") {
-        const char *begin = inside.data(), *end = begin + inside.size();
-        const auto [at, bad] = std::from_chars(begin, end, first);
-        if (bad != std::errc()) return {part};
-        last = first;
-        if (at != end && (*at != ':' || std::from_chars(at + 1, end, last).ec != std::errc())) return {part};
-    }
-    StringArray all;
-    for (int i = first; i <= std::min(last, count - 1); ++i) all.push_back(kind + "[" + std::to_string(i) + "]");
-    return all;
-}
 
 std::vector<std::string> texts(const ParsedArguments& args, const char* flag) {
     std::vector<std::string> all;
@@ -98,7 +68,7 @@ private:
 void sortByName(std::vector<Selected>& items) {
     std::ranges::stable_sort(items, [](const Selected& a, const Selected& b) {
         if (a.node->name != b.node->name) return a.node->name < b.node->name;
-        return nameOf(a, true) < nameOf(b, true);
+        return namesOf(a, true).front() < namesOf(b, true).front();
     });
 }
 
@@ -130,13 +100,14 @@ std::vector<Selected> lsItems(const ParsedArguments& args, const LsFilter& filte
             else
                 continue;
     }
-    if (args.has("sl") && !names.empty())
+    if (args.has("sl") && !names.empty()) {
+        std::unordered_set<const Node*> wanted;
+        for (const std::string& name : names)
+            for (Node* node : theScene().findNodes(name)) wanted.insert(node);
         std::erase_if(items, [&](const Selected& item) {
-            return std::ranges::none_of(names, [&](const std::string& name) {
-                const auto found = theScene().findNodes(name);
-                return std::ranges::find(found, item.node.get()) != found.end();
-            });
+            return !wanted.contains(item.node.get()) && !wanted.contains(&componentOwner(*item.node));
         });
+    }
     const bool everything = names.empty() && !args.has("sl");
     if (everything) {
         if (args.has("dag") || args.has("as") || args.has("v")) {
@@ -155,6 +126,19 @@ std::vector<Selected> lsItems(const ParsedArguments& args, const LsFilter& filte
         items = std::move(all);
     }
     return items;
+}
+
+/// What -showType says: components are shown as what a mesh keeps of them.
+std::string shownType(const Selected& item) {
+    if (item.isWhole()) return item.node->type.name;
+    if (!item.components) return "attribute";
+    switch (item.components->kind()) {
+    case ComponentKind::Vertex: return "float3";
+    case ComponentKind::Edge: return "long3";
+    case ComponentKind::Face: return "polyFaces";
+    case ComponentKind::Uv: return "float2";
+    }
+    return {};
 }
 
 Value ls(Call& call) {
@@ -204,23 +188,25 @@ Value ls(Call& call) {
                 for (DagNode* up = dag->parent; up; up = up->parent) above.insert(up);
         std::erase_if(items, [&](const Selected& item) { return above.contains(item.node.get()); });
     }
-    std::vector<Selected> unique;
-    std::unordered_set<std::string> seen;
-    for (auto& item : items) {
-        if (args.has("o")) item.part.clear();
-        for (const auto& part :
-             args.has("fl") && !item.part.empty() ? flattened(*item.node, item.part) : StringArray{item.part})
-            if (seen.insert(nameOf(*item.node, true) + "." + part).second) unique.push_back({item.node, part});
-    }
-    if (args.has("hd")) unique.resize(std::min<std::size_t>(unique.size(), std::max(0, args.integer("hd", 0))));
+    if (args.has("o"))
+        for (auto& item : items) item = {item.node};
+    struct Line {
+        const Selected* item;
+        std::string name;
+    };
+    items = merged(items);
+    std::vector<Line> lines;
+    for (const auto& item : items)
+        for (auto& name : namesOf(item, args.has("l"), args.has("fl"))) lines.push_back({&item, std::move(name)});
+    if (args.has("hd")) lines.resize(std::min<std::size_t>(lines.size(), std::max(0, args.integer("hd", 0))));
     if (args.has("tl")) {
-        const auto keep = std::min<std::size_t>(unique.size(), std::max(0, args.integer("tl", 0)));
-        unique.erase(unique.begin(), unique.end() - static_cast<std::ptrdiff_t>(keep));
+        const auto keep = std::min<std::size_t>(lines.size(), std::max(0, args.integer("tl", 0)));
+        lines.erase(lines.begin(), lines.end() - static_cast<std::ptrdiff_t>(keep));
     }
     StringArray names;
-    for (const auto& item : unique) {
-        names.push_back(args.has("uid") ? item.node->uuid : nameOf(item, args.has("l")));
-        if (args.has("st")) names.push_back(item.part.empty() ? item.node->type.name : "attribute");
+    for (auto& [item, name] : lines) {
+        names.push_back(args.has("uid") ? item->node->uuid : std::move(name));
+        if (args.has("st")) names.push_back(shownType(*item));
     }
     return names;
 }
@@ -255,7 +241,7 @@ Value select(Call& call) {
     const StringArray names = args.names();
     for (const std::string& name : names)
         for (auto& item : itemsNamed(name)) {
-            const bool expand = item.part.empty() && item.node->type.isA("objectSet") && !args.has("ne");
+            const bool expand = item.isWhole() && item.node->type.isA("objectSet") && !args.has("ne");
             if (!expand)
                 given.push_back(item);
             else
@@ -282,18 +268,12 @@ Value select(Call& call) {
         std::erase_if(given, [](auto& item) { return item.node->dag() && !visibleInWorld(*item.node->dag()); });
 
     std::vector<Selected> now = theScene().selection();
-    const auto has = [](const std::vector<Selected>& list, const Selected& item) {
-        return std::ranges::find(list, item) != list.end();
-    };
     if (args.has("d")) {
-        std::erase_if(now, [&](auto& item) { return has(given, item); });
+        now = without(now, given);
     } else if (args.has("tgl")) {
-        const auto before = now;
-        std::erase_if(now, [&](auto& item) { return has(given, item); });
-        for (auto& item : given)
-            if (!has(before, item)) now.push_back(item);
+        now = toggled(now, given);
     } else if (args.has("af")) {
-        std::erase_if(now, [&](auto& item) { return has(given, item); });
+        now = without(now, given);
         now.insert(now.begin(), given.begin(), given.end());
     } else if (args.has("add")) {
         now.insert(now.end(), given.begin(), given.end());

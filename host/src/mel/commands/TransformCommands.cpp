@@ -19,6 +19,7 @@ namespace {
 struct AxisNumbers {
     std::array<std::optional<double>, 3> values;
     std::vector<DagNode*> nodes;
+    std::vector<Selected> components;
     MVector over(const MVector& base) const {
         return MVector(values[0].value_or(base.x), values[1].value_or(base.y), values[2].value_or(base.z));
     }
@@ -55,14 +56,42 @@ AxisNumbers axisNumbers(const ParsedArguments& args, double factor) {
         throw Error("Expected " + std::to_string(axes.size()) + " numbers, got " + std::to_string(numbers.size()) +
                     ".");
     for (std::size_t i = 0; i < axes.size(); ++i) out.values[axes[i]] = numbers[i] * factor;
-    for (Node* node : names.empty() ? selectedNodes() : nodesNamed(names))
-        out.nodes.push_back(&transformNamed(nameOf(*node)));
-    if (out.nodes.empty()) throw Error("No object was specified or selected.");
+    for (const Selected& item : objectsGivenOrSelected(names))
+        if (item.components)
+            out.components.push_back(item);
+        else
+            out.nodes.push_back(&transformNamed(nameOf(*item.node)));
     return out;
+}
+
+void refuseComponents(const AxisNumbers& numbers, const char* command) {
+    if (!numbers.components.empty())
+        throw Error(std::string(command) +
+                    " takes objects, not components: " + namesOf(numbers.components.front()).front());
 }
 
 /// Without the axes that are not given, relative numbers are 0.
 MVector orZero(const AxisNumbers& n) { return n.over(MVector(0, 0, 0)); }
+
+void moveComponents(const AxisNumbers& numbers, const ParsedArguments& args) {
+    const bool inWorld = !args.has("os") && !args.has("ls");
+    MVector delta = orZero(numbers);
+    if (args.has("rpr") || args.has("spr")) {
+        // Components turn about the middle of the box around them: that is what is to lie at the point.
+        Bounds bounds;
+        for (const Selected& item : numbers.components) {
+            const Points points(item);
+            const MMatrix matrix = inWorld ? points.shape.worldMatrix() : MMatrix();
+            for (const int v : points.vertices) bounds.include(points.at(v) * matrix);
+        }
+        delta = bounds.empty() ? MVector() : numbers.over(bounds.centre()) - bounds.centre();
+    }
+    const bool relative = args.has("r") || args.has("rpr") || args.has("spr");
+    for (const Selected& item : numbers.components)
+        placePoints(item, inWorld, [&](const MPoint& p) {
+            return relative ? p + delta : pointOf(numbers.over(MVector(p.x, p.y, p.z)));
+        });
+}
 
 Value move(Call& call) {
     const ParsedArguments args(call, {{"x", "moveX"},
@@ -82,6 +111,7 @@ Value move(Call& call) {
                                       {"spr", "scalePivotRelative"}});
     const AxisNumbers numbers = axisNumbers(args, lengthUnit());
     const bool inParent = args.has("ls") || args.has("os");
+    moveComponents(numbers, args);
     for (DagNode* node : numbers.nodes) {
         const MVector now = tripleOf(*node, "translate");
         const MMatrix parent = node->parentMatrix();
@@ -141,6 +171,7 @@ Value rotate(Call& call) {
                                       {"ws", "worldSpace"},
                                       {"eu", "euler"}});
     const AxisNumbers numbers = axisNumbers(args, angleUnit());
+    refuseComponents(numbers, "rotate");
     for (DagNode* node : numbers.nodes) {
         const MVector was = tripleOf(*node, "rotate");
         const auto order = orderOf(*node);
@@ -182,6 +213,7 @@ Value scale(Call& call) {
                                       {"os", "objectSpace"},
                                       {"ls", "localSpace"}});
     const AxisNumbers numbers = axisNumbers(args, 1.0);
+    refuseComponents(numbers, "scale");
     for (DagNode* node : numbers.nodes) {
         const MVector was = tripleOf(*node, "scale");
         if (args.has("r")) {
@@ -259,9 +291,19 @@ FloatArray inUi(const MVector& v) { return {v.x / lengthUnit(), v.y / lengthUnit
 
 Value exactWorldBoundingBox(Call& call) {
     const ParsedArguments args(call, {{"ii", "ignoreInvisible"}, {"ce", "calculateExactly"}});
-    const auto nodes = givenOrSelected(args);
-    if (nodes.empty()) throw Error("No object was specified or selected.");
-    const Bounds bounds = boundsOf(nodes, MMatrix(), args.has("ii"));
+    Bounds bounds;
+    std::vector<Node*> nodes;
+    for (const Selected& item : objectsGivenOrSelected(args.names())) {
+        if (!item.components) {
+            nodes.push_back(item.node.get());
+            continue;
+        }
+        const Points points(item);
+        if (args.has("ii") && !visibleInWorld(points.shape)) continue;
+        const MMatrix matrix = points.shape.worldMatrix();
+        for (const int v : points.vertices) bounds.include(points.at(v) * matrix);
+    }
+    bounds.include(boundsOf(nodes, MMatrix(), args.has("ii")));
     if (bounds.empty()) return FloatArray(6, 0.0);
     FloatArray sides;
     for (double v : bounds.sides) sides.push_back(v / lengthUnit());

@@ -85,8 +85,8 @@ void registerSceneCommands(Interpreter& interpreter) {
     for (auto* add :
          {registerNodeCommands, registerCreationCommands, registerAttributeCommands, registerAttributeListCommands,
           registerConnectionCommands, registerDagCommands, registerDuplicateCommands, registerTransformCommands,
-          registerXformCommand, registerAnimationCommands, registerMeshCommands, registerSetCommands,
-          registerSelectionCommands, registerUndoCommands})
+          registerXformCommand, registerAnimationCommands, registerComponentCommands, registerMeshCommands,
+          registerSetCommands, registerSelectionCommands, registerUndoCommands})
         add(interpreter);
     interpreter.beforeTopLevelStatement = [] { theScene().undo.openChunk(); };
     interpreter.afterTopLevelStatement = [] { theScene().undo.closeChunk(); };

@@ -62,6 +62,28 @@ Value boxOf(DagNode& node, bool world) {
     return sides;
 }
 
+/// Where the vertices of components are, or the box around them.
+Value queryPoints(const std::vector<Selected>& items, const ParsedArguments& args) {
+    if (!args.has("t") && !args.has("bb"))
+        throw Error("xform -query of components takes -translation or -boundingBox.");
+    Bounds bounds;
+    FloatArray places;
+    for (const Selected& item : items) {
+        if (!item.components) throw Error("xform -query takes objects or components, not both.");
+        const Points points(item);
+        const MMatrix matrix = args.has("ws") ? points.shape.worldMatrix() : MMatrix();
+        for (const int v : points.vertices) {
+            const MPoint p = points.at(v) * matrix;
+            bounds.include(p);
+            for (unsigned k = 0; k < 3; ++k) places.push_back(p[k] / lengthUnit());
+        }
+    }
+    if (args.has("t")) return places;
+    FloatArray sides;
+    for (const double side : bounds.sides) sides.push_back(side / lengthUnit());
+    return sides;
+}
+
 Value query(DagNode& node, const ParsedArguments& args) {
     const bool world = args.has("ws");
     const double length = lengthUnit(), angle = angleUnit();
@@ -189,6 +211,14 @@ void centrePivots(DagNode& node) {
     setPivot(node, "scalePivot", "scalePivotTranslate", scaleStage(node), bounds.centre());
 }
 
+void changePoints(const Selected& item, const ParsedArguments& args) {
+    for (const char* flag : {"ro", "s", "sh", "m", "rp", "sp", "piv", "rt", "st", "ra", "roo", "cp", "ztp"})
+        if (args.has(flag)) throw Error("xform takes only -translation for components: " + namesOf(item).front());
+    if (!args.has("t")) return;
+    const MVector given = flagTriple(args, "t", lengthUnit());
+    placePoints(item, args.has("ws"), [&](const MPoint& p) { return args.has("r") ? p + given : pointOf(given); });
+}
+
 void change(DagNode& node, const ParsedArguments& args) {
     const bool relative = args.has("r");
     if (args.has("roo")) setOrder(node, args.text("roo"), args.boolean("p", true));
@@ -243,10 +273,15 @@ Value xform(Call& call) {
                                 {"ws", "worldSpace"},
                                 {"eu", "euler"}},
                                true);
-    std::vector<DagNode*> nodes;
-    for (DagNode* node : dagGivenOrSelected(args)) nodes.push_back(&transformNamed(nameOf(*node)));
-    if (args.query()) return query(*nodes.front(), args);
-    for (DagNode* node : nodes) change(*node, args);
+    const auto items = objectsGivenOrSelected(args.names());
+    if (args.query())
+        return items.front().components ? queryPoints(items, args)
+                                        : query(transformNamed(nameOf(*items.front().node)), args);
+    for (const Selected& item : items)
+        if (item.components)
+            changePoints(item, args);
+        else
+            change(transformNamed(nameOf(*item.node)), args);
     return {};
 }
 
