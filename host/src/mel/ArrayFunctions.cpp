@@ -1,4 +1,5 @@
 #include "mel/Execution.h"
+#include "mel/TextTools.h"
 
 #include <algorithm>
 #include <set>
@@ -116,12 +117,14 @@ template <class E>
 Value join(Arguments& a) {
     a.expect(2);
     array<E>(a, 0);
+    const std::string separator = a.text(1);
     std::string out;
     bool first = true;
     for (const std::string& e : a[0].toStringArray()) {
-        if (!first) out += a.text(1);
+        if (!first) out += separator;
         first = false;
         out += e;
+        requireTextSize(out.size());
     }
     return out;
 }

@@ -4,6 +4,8 @@
 #include "mel/Interpreter.h"
 #include "mel/OpenFile.h"
 
+#include <cstdint>
+#include <limits>
 #include <random>
 #include <set>
 #include <unordered_map>
@@ -48,9 +50,17 @@ struct Interpreter::Impl {
     std::vector<std::filesystem::path> scriptPath;
     std::set<std::string> searched; ///< script files that were run in search of a procedure
     int depth = 0;                  ///< of texts and procedures that are running
+    std::int64_t stepsLeft = std::numeric_limits<std::int64_t>::max();
 
     std::mt19937 random{0x4f52564f};
     std::map<int, std::unique_ptr<OpenFile>> files;
+
+    /// Throws Error when the steps are used up.
+    void spend(std::int64_t steps) {
+        if (stepsLeft < steps) outOfSteps();
+        stepsLeft -= steps;
+    }
+    [[noreturn]] void outOfSteps();
 
     Variable& global(const std::string& name);
     void addLanguageFunction(const char* name, LanguageFunction function);
@@ -62,6 +72,7 @@ struct Interpreter::Impl {
     Procedure* autoLoad(const std::string& name);
     Value callValues(const std::string& name, std::vector<Value> arguments);
     Value runCommand(const std::shared_ptr<Command>& command, const std::string& name, std::vector<Value> arguments);
+    Value runLanguage(const Command& command, Arguments& arguments);
     /// `arguments` are the parameters' values already, in the first of the procedure's slots.
     Value runProcedure(const std::shared_ptr<Procedure>& procedure, std::vector<Variable>& locals);
 };
@@ -86,6 +97,8 @@ struct DepthCount {
 
 /// How many characters a text has, or elements an array.
 int melSize(const Value& v);
+/// The steps of working on a value.
+inline std::int64_t stepsFor(const Value& v) { return 1 + melSize(v) / 64; }
 
 /// @name The language's functions by theme
 /// @{

@@ -1,5 +1,6 @@
 #include "base/Messages.h"
 #include "mel/Execution.h"
+#include "mel/TextTools.h"
 
 #include <algorithm>
 
@@ -185,7 +186,10 @@ Place ComponentUse::place(Frame& frame) const {
 
 Value BinaryChain::evaluate(Frame& frame) const {
     Value result = first->evaluate(frame);
-    for (const Link& link : links) result = applyBinary(link.op, result, link.operand->evaluate(frame));
+    for (const Link& link : links) {
+        result = applyBinary(link.op, result, link.operand->evaluate(frame));
+        frame.impl.spend(stepsFor(result));
+    }
     return result;
 }
 
@@ -207,10 +211,21 @@ Value Conditional::evaluate(Frame& frame) const {
 void Assignment::run(Frame& frame) const {
     if (Variable* variable = target->variable(frame)) {
         Value v = source->evaluate(frame);
+        auto* text = compound && op == BinaryOperator::Add ? variable->value.get<std::string>() : nullptr;
+        if (text && (v.isNumber() || v.get<std::string>())) {
+            // In place: a text that grows piece by piece must not be copied each time.
+            const std::string more = v.toString();
+            requireTextSize(text->size() + more.size());
+            text->append(more);
+            frame.impl.spend(stepsFor(v));
+            return;
+        }
         variable->assign(compound ? applyBinary(op, variable->value, v) : std::move(v));
+        frame.impl.spend(stepsFor(variable->value));
         return;
     }
     const Place place = target->place(frame);
+    frame.impl.spend(1 + place.index / 64);
     Value v = source->evaluate(frame);
     place.write(compound ? applyBinary(op, place.read(), v) : std::move(v));
 }
@@ -221,6 +236,7 @@ Value Assignment::evaluate(Frame& frame) const {
         return variable->value;
     }
     const Place place = target->place(frame); // once: the index may have effects
+    frame.impl.spend(1 + place.index / 64);
     Value v = source->evaluate(frame);
     place.write(compound ? applyBinary(op, place.read(), v) : std::move(v));
     return place.read();
@@ -308,7 +324,7 @@ Value CallExpression::evaluate(Frame& frame) const {
                 else
                     passed.values.push_back(&temporary.emplace_back(e->evaluate(frame)));
             }
-            return held->language(passed);
+            return impl.runLanguage(*held, passed);
         }
         const std::shared_ptr<Procedure> procedure = found->shared_from_this();
         if (arguments.size() != procedure->parameters.size())

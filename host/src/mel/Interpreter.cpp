@@ -125,13 +125,21 @@ Value Interpreter::Impl::runCommand(const std::shared_ptr<Command>& command, con
     if (command->language) {
         Arguments passed{owner, name, {}};
         for (Value& v : arguments) passed.values.push_back(&v);
-        return command->language(passed);
+        return runLanguage(*command, passed);
     }
+    spend(1);
     DepthCount count(*this, name);
     if (owner.beforeCommand) owner.beforeCommand(name);
     AtEnd end{owner.afterCommand ? std::function<void()>([&] { owner.afterCommand(name); }) : nullptr};
     Call call{owner, name, std::move(arguments)};
     return command->function(call);
+}
+
+Value Interpreter::Impl::runLanguage(const Command& command, Arguments& arguments) {
+    for (const Value* v : arguments.values) spend(stepsFor(*v));
+    Value result = command.language(arguments);
+    spend(stepsFor(result));
+    return result;
 }
 
 Value Interpreter::Impl::runProcedure(const std::shared_ptr<Procedure>& procedure, std::vector<Variable>& locals) {
@@ -238,6 +246,13 @@ std::optional<Value> Interpreter::globalVariable(const std::string& name) const 
 void Interpreter::setGlobalVariable(const std::string& name, Value value) {
     if (value.isNone()) return;
     impl_->global(name).assign(std::move(value));
+}
+
+void Interpreter::setStepLimit(std::int64_t steps) { impl_->stepsLeft = steps; }
+
+void Interpreter::Impl::outOfSteps() {
+    stepsLeft = 0;
+    throw Error("The script takes too many steps.");
 }
 
 void Interpreter::setArguments(std::vector<std::string> arguments) {

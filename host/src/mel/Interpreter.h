@@ -2,6 +2,7 @@
 
 #include "mel/Command.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -60,6 +61,10 @@ public:
     /// Global variables, for hosts and tests. Names are without "$".
     std::optional<Value> globalVariable(const std::string& name) const;
     void setGlobalVariable(const std::string& name, Value value);
+
+    /// Lets scripts take so many steps from now on; then they fail, whatever they catch. A step is a statement, a turn
+    /// of a loop, a call, or 64 characters or elements that one of them works on. Without a limit they may take any.
+    void setStepLimit(std::int64_t steps);
 
     /// Sets the global string array $argv: the arguments the scripts were started with.
     void setArguments(std::vector<std::string> arguments);

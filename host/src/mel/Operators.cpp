@@ -1,6 +1,7 @@
 #include "mel/Operators.h"
 
 #include "mel/Command.h"
+#include "mel/TextTools.h"
 
 #include <climits>
 #include <cmath>
@@ -11,8 +12,6 @@ namespace {
 
 using Op = BinaryOperator;
 using Type = Value::Type;
-
-constexpr std::size_t kTextLimit = std::size_t{1} << 28;
 
 [[noreturn]] void throwUnusable(const Value& v) {
     throw Error(std::string("Cannot use data of type ") + typeName(v.type()) + " in a scalar operation.");
@@ -136,7 +135,7 @@ Value applyBinary(Op op, const Value& a, const Value& b) {
     if (ta == Type::String || tb == Type::String) {
         if (op == Op::Add) {
             std::string left = a.toString(), right = b.toString();
-            if (left.size() + right.size() > kTextLimit) throw Error("The text is too long.");
+            requireTextSize(left.size() + right.size());
             return std::move(left) + right;
         }
         if (op >= Op::Less) return holds(op, a.toString().compare(b.toString()));

@@ -19,8 +19,10 @@ void evaluateAll(const std::vector<ExpressionPointer>& expressions, Frame& frame
 Flow runFrom(const std::vector<StatementPointer>& statements, std::size_t start, Frame& frame) {
     std::size_t i = start;
     try {
-        for (; i < statements.size(); ++i)
+        for (; i < statements.size(); ++i) {
+            frame.impl.spend(1);
             if (const Flow flow = statements[i]->execute(frame); flow != Flow::Normal) return flow;
+        }
         return Flow::Normal;
     } catch (const Error& e) {
         if (e.line() > 0) throw;
@@ -64,6 +66,7 @@ Flow Declaration::execute(Frame& frame) const {
         const int size = item.size ? converted(item.size->evaluate(frame), Type::Int).toInt() : 0;
         if (item.size && (size < 0 || size > (1 << 25)))
             throw Error("Invalid array size " + std::to_string(size) + '.');
+        frame.impl.spend(1 + size / 64);
         Variable* variable;
         if (use.slot >= 0) {
             variable = &frame.locals[use.slot];
@@ -100,6 +103,7 @@ Flow Loop::execute(Frame& frame) const {
     evaluateAll(initial, frame);
     if (testFirst && !holdsLast(conditions, frame)) return Flow::Normal;
     do {
+        frame.impl.spend(1);
         const Flow flow = body->execute(frame);
         if (flow == Flow::Return) return flow;
         if (flow == Flow::Break) break;
@@ -114,6 +118,7 @@ Flow ForIn::execute(Frame& frame) const {
     if (variable->slot >= 0 && variable->type != Type::None && element.type == Type::None)
         element.reset(variable->type, 0, 0);
     for (std::size_t i = 0; i < all.size(); ++i) {
+        frame.impl.spend(1);
         element.assign(arrayElement(all, i));
         const Flow flow = body->execute(frame);
         if (flow == Flow::Return) return flow;

@@ -20,6 +20,10 @@ StringArray tokens(std::string_view text, std::string_view separators) {
     return out;
 }
 
+void requireTextSize(std::size_t characters) {
+    if (characters > std::size_t{1} << 28) throw Error("The text is too long.");
+}
+
 namespace {
 
 constexpr const char* kSpace = " \t\r\n\v\f";
@@ -112,6 +116,7 @@ Value substituteAll(Arguments& a) {
     const char *at = s.data(), *const end = at + s.size();
     while (const void* found = memmem(at, static_cast<std::size_t>(end - at), old.data(), old.size())) {
         out.append(at, static_cast<const char*>(found)).append(replacement);
+        requireTextSize(out.size());
         at = static_cast<const char*>(found) + old.size();
     }
     return out.append(at, end);
@@ -183,6 +188,7 @@ Value format(Arguments& a) {
                 if (index == 0 || index > p.occurrences("s"))
                     throw Error("format: there is no argument for ^" + std::to_string(index) + "s.");
                 out += p.value("s", 0, index - 1).toString();
+                requireTextSize(out.size());
                 i = end;
                 continue;
             }

@@ -9,4 +9,7 @@ namespace host::mel {
 /// The parts of a text between separators; empty parts are left out.
 StringArray tokens(std::string_view text, std::string_view separators);
 
+/// Throws Error for more characters than a text may have (2^28).
+void requireTextSize(std::size_t characters);
+
 } // namespace host::mel
