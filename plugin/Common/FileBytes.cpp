@@ -7,14 +7,26 @@
 #include <memory>
 
 namespace orvo {
+namespace {
+
+/// The length of a file, whose position is its end then; negative when it has none.
+std::int64_t lengthOf(std::FILE* file) {
+#ifdef _WIN32
+    // std::ftell counts modulo 4 GiB there.
+    return _fseeki64(file, 0, SEEK_END) == 0 ? _ftelli64(file) : -1;
+#else
+    return std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
+#endif
+}
+
+} // namespace
 
 std::optional<std::vector<std::uint8_t>> readFileBytes(const std::string& path, std::string* problem) {
     struct Close {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
     const std::unique_ptr<std::FILE, Close> file(openFile(path, "rb"));
-    if (!file || std::fseek(file.get(), 0, SEEK_END) != 0) return std::nullopt;
-    const long size = std::ftell(file.get());
+    const std::int64_t size = file ? lengthOf(file.get()) : -1;
     if (size < 0 || !fewEnoughBytes(static_cast<std::uint64_t>(size), problem) ||
         std::fseek(file.get(), 0, SEEK_SET) != 0)
         return std::nullopt;

@@ -2,20 +2,26 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <string_view>
+
+#ifdef _WIN32
+#include "WindowsPath.h"
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <io.h>
+#else
+#include <filesystem>
 #include <system_error>
+#endif
 
 namespace orvo {
 namespace {
 
-namespace fs = std::filesystem;
-
 char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-[[maybe_unused]] bool equalIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lowered(x) == lowered(y); });
-}
 
 bool before(const FolderEntry& a, const FolderEntry& b) {
     const auto order = [](char x, char y) {
@@ -27,16 +33,18 @@ bool before(const FolderEntry& a, const FolderEntry& b) {
     return less(a.name, b.name) || (!less(b.name, a.name) && a.name < b.name);
 }
 
+#ifndef _WIN32
+
+namespace fs = std::filesystem;
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lowered(x) == lowered(y); });
+}
+
 fs::file_status statusOf(const std::string& path) {
     std::error_code code;
     return fs::status(path, code);
 }
-
-#ifdef _WIN32
-
-std::optional<std::string> resolve(const std::string& path, bool) { return path; }
-
-#else
 
 /// The name in `folder` (with its separator; empty for the current one) that answers to `name`.
 std::optional<std::string> nameIn(const std::string& folder, std::string_view name) {
@@ -81,14 +89,129 @@ std::optional<std::string> resolve(const std::string& path, bool lastAsGiven) {
     return resolved;
 }
 
-#endif
-
 std::optional<std::string> locate(const std::string& path, bool lastAsGiven) {
     if (path.empty() || path.find('\0') != std::string::npos) return std::nullopt;
     return resolve(path, lastAsGiven);
 }
 
+#endif
+
 } // namespace
+
+#ifdef _WIN32
+
+namespace {
+
+/// FILE_ATTRIBUTE_... of a file or folder; nothing when there is none.
+std::optional<DWORD> attributesOf(const std::wstring& place) {
+    const DWORD attributes = place.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(place.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+    return attributes;
+}
+
+/// The path of what is at `place`, links and mapped drives resolved; nothing when there is nothing.
+std::optional<std::wstring> finalPath(const std::wstring& place) {
+    constexpr DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE file =
+        CreateFileW(place.c_str(), 0, sharing, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return std::nullopt;
+    std::wstring found(32768, L'\0'); // the longest there is
+    const DWORD length = GetFinalPathNameByHandleW(file, found.data(), static_cast<DWORD>(found.size()), 0);
+    CloseHandle(file);
+    if (length == 0 || length >= found.size()) return std::nullopt;
+    found.resize(length);
+    return found;
+}
+
+} // namespace
+
+std::optional<std::string> existingPath(const std::string& path) {
+    if (!attributesOf(windowsPath(path))) return std::nullopt;
+    return path;
+}
+
+std::optional<std::string> pathWithoutLinks(const std::string& path) {
+    const auto isSeparator = [](char c) { return c == '/' || c == '\\'; };
+    const bool isAbsolute = path.size() > 2 && isSeparator(path[path[1] == ':' ? 2 : 1]);
+    const std::wstring place = isAbsolute ? windowsPath(path) : std::wstring();
+    if (place.empty()) return std::nullopt;
+    std::wstring resolved = place;
+    for (std::size_t end = place.size(); end != std::wstring::npos && end > 4 && place[end - 1] != L':';
+         end = place.find_last_of(L'\\', end - 1))
+        if (const auto found = finalPath(place.substr(0, end))) {
+            resolved = *found + place.substr(end);
+            break;
+        }
+    std::string text = utf8Text(resolved);
+    if (text.starts_with("\\\\?\\UNC\\"))
+        text.replace(0, 7, "\\");
+    else if (text.starts_with("\\\\?\\"))
+        text.erase(0, 4);
+    std::replace(text.begin(), text.end(), '\\', '/');
+    return text;
+}
+
+std::FILE* openFile(const std::string& path, const char* mode) {
+    const std::wstring place = windowsPath(path);
+    if (place.empty()) {
+        errno = ENOENT;
+        return nullptr;
+    }
+    if (attributesOf(place).value_or(0) & FILE_ATTRIBUTE_DIRECTORY) {
+        errno = EISDIR;
+        return nullptr;
+    }
+    std::FILE* file = _wfopen(place.c_str(), std::wstring(mode, mode + std::string_view(mode).size()).c_str());
+    if (file && GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)))) != FILE_TYPE_DISK) {
+        std::fclose(file);
+        errno = EINVAL;
+        return nullptr;
+    }
+    return file;
+}
+
+bool fileExists(const std::string& path) {
+    return !(attributesOf(windowsPath(path)).value_or(FILE_ATTRIBUTE_DIRECTORY) & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+std::optional<std::uint64_t> fileSize(const std::string& path) {
+    const std::wstring place = windowsPath(path);
+    WIN32_FILE_ATTRIBUTE_DATA found;
+    if (place.empty() || !GetFileAttributesExW(place.c_str(), GetFileExInfoStandard, &found) ||
+        found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
+        return std::nullopt;
+    return std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow;
+}
+
+bool folderExists(const std::string& path) {
+    return attributesOf(windowsPath(path)).value_or(0) & FILE_ATTRIBUTE_DIRECTORY;
+}
+
+std::optional<std::vector<FolderEntry>> listFolder(const std::string& path) {
+    std::wstring pattern = windowsPath(path);
+    if (pattern.empty()) return std::nullopt;
+    pattern += pattern.ends_with(L'\\') ? L"*" : L"\\*";
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        // The root of an empty drive has not even "." and "..".
+        if (GetLastError() == ERROR_FILE_NOT_FOUND && folderExists(path)) return std::vector<FolderEntry>();
+        return std::nullopt;
+    }
+    std::vector<FolderEntry> entries;
+    do {
+        const std::wstring_view name = found.cFileName;
+        if (name != L"." && name != L"..")
+            entries.push_back({utf8Text(name), (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0});
+    } while (FindNextFileW(search, &found));
+    const bool complete = GetLastError() == ERROR_NO_MORE_FILES;
+    FindClose(search);
+    if (!complete) return std::nullopt;
+    std::sort(entries.begin(), entries.end(), before);
+    return entries;
+}
+
+#else
 
 std::optional<std::string> existingPath(const std::string& path) {
     auto found = locate(path, false);
@@ -137,6 +260,14 @@ bool fileExists(const std::string& path) {
     return found && !fs::is_directory(statusOf(*found));
 }
 
+std::optional<std::uint64_t> fileSize(const std::string& path) {
+    const auto found = existingPath(path);
+    std::error_code code;
+    const std::uintmax_t size = found ? fs::file_size(*found, code) : 0;
+    if (!found || code) return std::nullopt;
+    return size;
+}
+
 bool folderExists(const std::string& path) {
     const auto found = existingPath(path);
     return found && fs::is_directory(statusOf(*found));
@@ -155,5 +286,7 @@ std::optional<std::vector<FolderEntry>> listFolder(const std::string& path) {
     std::sort(entries.begin(), entries.end(), before);
     return entries;
 }
+
+#endif
 
 } // namespace orvo

@@ -43,6 +43,9 @@ std::optional<FileState> fileState(const std::string& path);
 /// Whether something other than a folder is at `path`.
 bool fileExists(const std::string& path);
 
+/// The bytes of the file at `path`; nothing when it is not there, or has no length.
+std::optional<std::uint64_t> fileSize(const std::string& path);
+
 /// Whether a folder is at `path`.
 bool folderExists(const std::string& path);
 

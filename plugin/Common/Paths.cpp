@@ -11,6 +11,20 @@ namespace {
 
 bool isSeparator(char c) { return c == '/' || c == '\\'; }
 
+/// Whether a path names a file server's share, as in "//server/share/file".
+[[maybe_unused]] bool isOnShare(std::string_view path) {
+    return path.size() > 2 && isSeparator(path[0]) && isSeparator(path[1]) && !isSeparator(path[2]);
+}
+
+/// Whether a path may be that of a file outside of the project although no drive says so.
+bool maybeRooted(std::string_view path) {
+#ifdef _WIN32
+    return isOnShare(path);
+#else
+    return path.starts_with('/');
+#endif
+}
+
 char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 /// The answer of a script, empty when it fails.
@@ -46,6 +60,14 @@ std::string collapseSeparators(std::string_view path) {
     return kept;
 }
 
+std::string collapsePath(std::string_view path) {
+    std::string kept = collapseSeparators(path);
+#ifdef _WIN32
+    if (isOnShare(path)) kept.insert(0, 1, kept.front());
+#endif
+    return kept;
+}
+
 std::string stripLeadingSeparators(std::string_view path) {
     while (!path.empty() && isSeparator(path.front())) path.remove_prefix(1);
     return std::string(path);
@@ -59,7 +81,7 @@ std::string rootOfWorkspace(const std::string& workspace) {
 
 bool makeRelativeTo(const std::string& root, std::string& path) {
     const std::string start = toLowerCase(toBackslashes(root));
-    const std::string whole = collapseSeparators(toLowerCase(toBackslashes(path)));
+    const std::string whole = collapsePath(toLowerCase(toBackslashes(path)));
     const bool isUnder = whole.size() > start.size() && whole.starts_with(start);
     path = stripLeadingSeparators(isUnder ? std::string_view(whole).substr(start.size()) : std::string_view(path));
     return isUnder;
@@ -67,7 +89,7 @@ bool makeRelativeTo(const std::string& root, std::string& path) {
 
 bool joinToRoot(const std::string& root, std::string& path) {
     if (path.find(':') != std::string::npos) return false;
-    path = collapseSeparators(toBackslashes(root + path));
+    path = collapsePath(toBackslashes(root + path));
     return true;
 }
 
@@ -93,9 +115,7 @@ bool makeProjectRelative(std::string& path) { return makeRelativeTo(projectRoot(
 bool makeAbsolute(std::string& path) {
     std::string joined = path;
     if (!joinToRoot(projectRoot(), joined)) return false;
-#ifndef _WIN32
-    if (path.starts_with('/') && existingPath(path)) return false;
-#endif
+    if (maybeRooted(path) && existingPath(path)) return false;
     path = std::move(joined);
     return true;
 }

@@ -13,6 +13,8 @@ std::string toBackslashes(std::string path);
 std::string toLowerCase(std::string path);
 /// Every run of separators ("/" and "\") shrinks to its first one.
 std::string collapseSeparators(std::string_view path);
+/// The same, but on Windows the two separators stay that begin the path of a share ("//server/share/file").
+std::string collapsePath(std::string_view path);
 std::string stripLeadingSeparators(std::string_view path);
 /// A workspace folder without "artsource/" (in any case) at its end; the separator before it stays.
 std::string rootOfWorkspace(const std::string& workspace);
@@ -33,8 +35,9 @@ const char* shaderDirectory();
 /// The workspace's folder without "artsource/". Asked of the host once, at the first call; empty when that failed.
 const std::string& projectRoot();
 
-/// makeRelativeTo and joinToRoot with the project root. Where paths have no drives, an existing path that begins with
-/// "/" counts as absolute: makeAbsolute leaves it as it is, as it leaves a path with a drive colon.
+/// makeRelativeTo and joinToRoot with the project root. An existing path that begins with "/" counts as absolute where
+/// paths have no drives, and on Windows one of a share: makeAbsolute leaves it as it is, as it leaves a path with a
+/// drive colon.
 bool makeProjectRelative(std::string& path);
 bool makeAbsolute(std::string& path);
 /// A path that leads into the project through a link, or past ".", "..", as if it had been given through the root's own

@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <filesystem>
 #include <new>
 #include <system_error>
 #include <utility>
@@ -170,9 +169,8 @@ bool loadByHost(TextureHandle& handle, const std::string& path, const TextureSam
     if (!place) return false;
     // The host's own limits may be wider.
     std::string problem;
-    std::error_code unknown;
-    const std::uint64_t size = std::filesystem::file_size(*place, unknown);
-    if (!unknown && !fewEnoughBytes(size, &problem)) {
+    const auto size = fileSize(*place);
+    if (size && !fewEnoughBytes(*size, &problem)) {
         reportProblem(path, problem);
         return false;
     }

@@ -185,7 +185,7 @@ void ParticleCloudDome::loadFolder(const std::string& folder) {
             "ParticleCloudDome::RefreshCloudGeomData:  Could not find any .xml files in dir [%s]\n", folder);
 
     for (const FolderEntry& entry : *entries) {
-        const std::string path = collapseSeparators(folder + "\\" + entry.name);
+        const std::string path = collapsePath(folder + "\\" + entry.name);
         XmlFile file;
         // A whole file that is something else may lie here; a damaged one may have been a cloud.
         if (file.load(path) && !isCloudFile(file)) continue;

@@ -102,7 +102,7 @@ CloudShadingParams ParticleCloudShadingParamsLocator::fileParams() const {
 
 CloudShadingParams ParticleCloudShadingParamsLocator::readParams() {
     CloudShadingParams params = storedParams();
-    std::string path = collapseSeparators(storedForm(params.shadingTexture));
+    std::string path = collapsePath(storedForm(params.shadingTexture));
     // Only a change is written: a draw that changed the scene would be followed by another draw.
     if (path != params.shadingTexture && isFreeToChange(thisMObject(), shadingTexture))
         writeString(thisMObject(), shadingTexture, path.c_str());

@@ -19,9 +19,10 @@ protected:
     }
     ~CloudFiles() override { std::filesystem::remove_all(folder_); }
 
+    /// Of a text file, whose line ends are the system's.
     static std::string contents(const std::filesystem::path& file) {
         std::ostringstream text;
-        text << std::ifstream(file, std::ios::binary).rdbuf();
+        text << std::ifstream(file).rdbuf();
         return text.str();
     }
     static std::string golden(const char* name) {
@@ -65,7 +66,9 @@ inline std::string withoutAttribute(std::string text, const std::string& attribu
 /// Numbers have a decimal comma while it lives, where the machine has such a locale.
 class CommaLocale {
 public:
-    CommaLocale() : found_(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr) {}
+    CommaLocale()
+        : found_(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr ||
+                 std::setlocale(LC_ALL, "German_Germany.1252") != nullptr) {}
     ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
     bool found() const { return found_; }
 

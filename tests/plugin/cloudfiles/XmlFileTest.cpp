@@ -160,8 +160,10 @@ TEST_F(XmlFileOnDisk, TellsWhatCannotBeRead) {
          std::initializer_list<std::pair<std::string, const char*>>{{path("none.xml"), ": cannot be read: "},
                                                                     {folder_.string(), ": cannot be read: "},
                                                                     {"", ": cannot be read: "},
-                                                                    {write("empty.xml", ""), ": empty"},
-                                                                    {"/dev/zero", ": larger than 64 MB"}}) {
+#ifndef _WIN32
+                                                                    {"/dev/zero", ": larger than 64 MB"},
+#endif
+                                                                    {write("empty.xml", ""), ": empty"}}) {
         XmlFile file;
         EXPECT_FALSE(file.load(name));
         EXPECT_THAT(file.error(), testing::StartsWith(name + error));

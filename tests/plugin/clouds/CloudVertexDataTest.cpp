@@ -58,7 +58,7 @@ TEST(CloudVertexData, WritesTheElementAndTheRecordsOfEachCloud) {
     EXPECT_TRUE(saveCloudToXml(file, "", bytes, {settings, geom, {1000, 2000, 3000}, 2500, true}, shading));
     EXPECT_TRUE(file.close());
     std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
+    text << std::ifstream(path).rdbuf(); // as text, whose line ends are the system's
     std::filesystem::remove(path);
     EXPECT_EQ(text.str(), "  <ParticleCloud\n"
                           "  \tvertexDataAddress = \"128\"\n"

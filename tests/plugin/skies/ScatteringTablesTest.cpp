@@ -2,7 +2,6 @@
 
 #include "PlainScattering.h"
 #include "SkyTool/ScatteringKernels.h"
-#include "SkyTool/TexturedSkyLocator.h"
 
 #include <gtest/gtest.h>
 
@@ -263,14 +262,4 @@ TEST(ScatteringTables, TheSunReadsItsTexel) {
 TEST(ProceduralSkySliders, TheFalloffDefaultIsE) {
     EXPECT_NEAR(sliderValue(0.4491496604814464, falloffSliderScale), 2.718281828459045, 1e-14);
     EXPECT_DOUBLE_EQ(sliderValue(0.1, densitySliderScale), 0.015);
-}
-
-// Catches rows for columns: 90 degrees turn the view direction (x, z) = (1, 0) into (0, -1).
-TEST(TexturedSky, RotationTurnsTheViewDirection) {
-    const auto m = skyRotation(90);
-    const auto turned = [&](float x, float z) { return std::pair{m[0] * x + m[2] * z, m[1] * x + m[3] * z}; };
-    EXPECT_NEAR(turned(1, 0).first, 0, 1e-7);
-    EXPECT_NEAR(turned(1, 0).second, -1, 1e-7);
-    EXPECT_NEAR(turned(0, 1).first, 1, 1e-7);
-    EXPECT_NEAR(turned(0, 1).second, 0, 1e-7);
 }

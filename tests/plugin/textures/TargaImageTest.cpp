@@ -123,6 +123,7 @@ TEST(TargaWriter, WritesPlainFilesFromTheBottom) {
     ASSERT_TRUE(picture.save(path));
     std::ifstream in(path, std::ios::binary);
     EXPECT_THAT(Bytes(std::istreambuf_iterator<char>(in), {}), ElementsAreArray(header(3, 300, 1, 8) + Bytes(300, 7)));
+    in.close();
     std::filesystem::remove(path);
 }
 

@@ -1,8 +1,10 @@
 #include "SkyTool/BasicSkyParams.h"
 #include "SkyTool/ExpHeightFogLocator.h"
+#include "SkyTool/TexturedSkyLocator.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <utility>
 
 using namespace orvo;
 
@@ -26,4 +28,14 @@ TEST(ExpHeightFog, ValueIsTheOpticalDepthAboveTheEye) {
     EXPECT_NEAR(expHeightFogValue(40, 0, 4000), 4000 * 0.36787944117144233, 1e-9);
     EXPECT_NEAR(expHeightFogValue(40, 10, 1000), 4000, 1e-9);
     EXPECT_NEAR(expHeightFogValue(40, 10, -3000), 4000 * 2.718281828459045, 1e-8);
+}
+
+// Catches rows for columns: 90 degrees turn the view direction (x, z) = (1, 0) into (0, -1).
+TEST(TexturedSky, RotationTurnsTheViewDirection) {
+    const auto m = skyRotation(90);
+    const auto turned = [&](float x, float z) { return std::pair{m[0] * x + m[2] * z, m[1] * x + m[3] * z}; };
+    EXPECT_NEAR(turned(1, 0).first, 0, 1e-7);
+    EXPECT_NEAR(turned(1, 0).second, -1, 1e-7);
+    EXPECT_NEAR(turned(0, 1).first, 1, 1e-7);
+    EXPECT_NEAR(turned(0, 1).second, 0, 1e-7);
 }
