@@ -1,7 +1,6 @@
 # The plug-in against a Maya devkit: ORVOSKY_MAYA_SDK names the folder that holds include/maya and lib.
 #
-# Gives the target orvo_host_api (headers, libraries and definitions of that host) and the function orvo_maya_plugin,
-# which gives a module what that host expects of its name and exports.
+# Gives the target orvo_host_api (headers, libraries and definitions of that host) and the function orvo_maya_plugin.
 
 set(orvo_sdk "${ORVOSKY_MAYA_SDK}")
 if(NOT IS_DIRECTORY "${orvo_sdk}")
@@ -27,19 +26,6 @@ message(STATUS "Building the plug-in for the Maya devkit in ${orvo_sdk}")
 add_library(orvo_host_api INTERFACE)
 target_include_directories(orvo_host_api SYSTEM INTERFACE "${ORVOSKY_MAYA_INCLUDE}")
 target_link_libraries(orvo_host_api INTERFACE ${orvo_sdk_libraries})
-if(WIN32)
-  # NOMINMAX: windows.h, which GL needs, must not take the names of std::min and std::max.
-  target_compile_definitions(orvo_host_api INTERFACE NT_PLUGIN REQUIRE_IOSTREAM _BOOL NOMINMAX)
-else()
-  target_compile_definitions(orvo_host_api INTERFACE LINUX LINUX_64 UNIX REQUIRE_IOSTREAM _BOOL Bits64_)
-endif()
-
-function(orvo_maya_plugin target)
-  if(WIN32)
-    set_target_properties(${target} PROPERTIES SUFFIX ".mll")
-    target_link_options(${target} PRIVATE /export:initializePlugin /export:uninitializePlugin)
-  else()
-    # The devkit's headers need not mark what must be visible; the list of exports hides the rest.
-    set_target_properties(orvosky_objects PROPERTIES CXX_VISIBILITY_PRESET default VISIBILITY_INLINES_HIDDEN OFF)
-  endif()
-endfunction()
+include(OrvoMayaPlugin)
+orvo_maya_definitions(orvo_definitions)
+target_compile_definitions(orvo_host_api INTERFACE ${orvo_definitions})

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <climits>
 #include <new>
-#include <system_error>
 #include <utility>
 #include <vector>
 
