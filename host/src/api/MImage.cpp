@@ -1,20 +1,16 @@
 #include <maya/MImage.h>
 
 #include "base/Messages.h"
+#include "base/FileReplacement.h"
 #include "images/ImageCodec.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <atomic>
 #include <cctype>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <new>
 #include <stdexcept>
-#include <unistd.h>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -93,21 +89,6 @@ void spread(std::vector<Value>& values, int stored, Value full) {
 std::string lower(std::string s) {
     for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return s;
-}
-
-/// Writes a whole file beside its place and moves it there, so that a failure leaves an earlier one as it was.
-bool store(const std::vector<unsigned char>& file, const fs::path& place) {
-    static std::atomic<unsigned> serial{0};
-    fs::path part = place;
-    part += fmt::format(".part-{}-{}", ::getpid(), serial++);
-    std::error_code code;
-    std::ofstream out(part, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
-    out.close();
-    if (out) fs::rename(part, place, code);
-    if (out && !code) return true;
-    fs::remove(part, code);
-    return false;
 }
 
 } // namespace
@@ -237,7 +218,8 @@ MStatus MImage::writeToFile(MString pathname, MString outputFormat) const {
         }
         std::vector<unsigned char> file;
         if (!codec->encode(named, top->rows(), file).empty()) return MStatus::kFailure;
-        return store(file, path) ? MStatus::kSuccess : MStatus::kFailure;
+        host::base::replaceFile(path, {reinterpret_cast<const char*>(file.data()), file.size()});
+        return MStatus::kSuccess;
     } catch (const std::exception&) {
         return MStatus::kFailure;
     }

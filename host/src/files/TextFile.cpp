@@ -1,13 +1,12 @@
 #include "files/TextFile.h"
 
+#include "base/FileReplacement.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <system_error>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace host::files {
 namespace {
@@ -42,38 +41,11 @@ std::string readTextFile(const std::filesystem::path& file) {
 }
 
 void writeTextFile(const std::filesystem::path& file, std::string_view text) {
-    const std::string name = file.generic_string();
-    std::error_code error;
-    if (std::filesystem::is_directory(file, error)) throw FileError(name, "cannot be written: it is a folder");
-    // A link stays one: what it leads to is replaced.
-    std::filesystem::path target =
-        std::filesystem::exists(file, error) ? std::filesystem::canonical(file, error) : file;
-    if (error || target.empty()) target = file;
-    if (std::filesystem::exists(target, error) && ::access(target.c_str(), W_OK) != 0)
-        throw FileError(name, std::string("cannot be written: ") + std::strerror(errno));
-
-    std::string beside = target.string() + ".XXXXXX";
-    const int descriptor = ::mkstemp(beside.data());
-    if (descriptor < 0) throw FileError(name, std::string("cannot be written: ") + std::strerror(errno));
-    int failure = 0;
-    for (std::string_view rest = text; !rest.empty() && !failure;) {
-        const ssize_t n = ::write(descriptor, rest.data(), rest.size());
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0)
-            failure = n < 0 ? errno : EIO;
-        else
-            rest.remove_prefix(static_cast<std::size_t>(n));
+    try {
+        base::replaceFile(file, text);
+    } catch (const base::ReplacementError& e) {
+        throw FileError(file.generic_string(), std::string("cannot be written: ") + e.what());
     }
-    if (!failure && ::fsync(descriptor) != 0 && errno != EINVAL) failure = errno;
-    auto mode = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write |
-                std::filesystem::perms::group_read | std::filesystem::perms::others_read;
-    if (const auto old = std::filesystem::status(target, error); std::filesystem::exists(old)) mode = old.permissions();
-    if (!failure && ::fchmod(descriptor, static_cast<mode_t>(mode)) != 0) failure = errno;
-    if (::close(descriptor) != 0 && !failure) failure = errno;
-    if (!failure && std::rename(beside.c_str(), target.c_str()) != 0) failure = errno;
-    if (!failure) return;
-    std::filesystem::remove(beside, error);
-    throw FileError(name, std::string("cannot be written: ") + std::strerror(failure));
 }
 
 bool isSceneFile(const std::filesystem::path& file) {

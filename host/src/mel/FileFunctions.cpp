@@ -1,4 +1,5 @@
 #include "base/Pattern.h"
+#include "base/FileReplacement.h"
 #include "mel/Execution.h"
 #include "mel/Numbers.h"
 #include "mel/TextTools.h"
@@ -232,6 +233,20 @@ Value scriptPathName(Arguments& a) {
 
 // The file system
 
+/// A copy that fails leaves what was there.
+bool copied(const fs::path& from, const fs::path& to) {
+    try {
+        base::FileReplacement copy({to});
+        fs::copy_file(from, copy.staged(0));
+        copy.commit();
+        return true;
+    } catch (const base::ReplacementError&) {
+        return false;
+    } catch (const fs::filesystem_error&) {
+        return false;
+    }
+}
+
 Value systemFile(Arguments& a) {
     const ParsedArguments p(a.asCall(), {{"del", "delete"},
                                          {"cp", "copy", 1},
@@ -249,9 +264,7 @@ Value systemFile(Arguments& a) {
         fs::create_directories(path, status);
         return !status && fs::is_directory(path, status);
     }
-    if (p.has("cp"))
-        return fs::is_regular_file(path, status) &&
-               fs::copy_file(path, systemPath(p.text("cp")), fs::copy_options::overwrite_existing, status);
+    if (p.has("cp")) return fs::is_regular_file(path, status) && copied(path, systemPath(p.text("cp")));
     if (p.has("mov") || p.has("ren")) {
         fs::rename(path, systemPath(p.text(p.has("mov") ? "mov" : "ren")), status);
         return !status;

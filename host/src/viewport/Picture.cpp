@@ -1,47 +1,41 @@
 #include "viewport/Picture.h"
 
+#include "base/FileReplacement.h"
 #include "images/ImageCodec.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cerrno>
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fmt/format.h>
-#include <memory>
 #include <system_error>
-#include <unistd.h>
+#include <utility>
 
 namespace host::viewport {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// A name beside `path`, unlike that of any other writer.
-fs::path neighbourOf(const fs::path& path) {
-    static std::atomic<unsigned> serial{0};
-    fs::path name = path.filename();
-    name += fmt::format(".part-{}-{}", ::getpid(), serial++);
-    return path.parent_path() / name;
-}
-
-/// Writes a whole file; the answer is empty when all of it reached the disk's hands.
-std::string store(const std::vector<unsigned char>& bytes, const fs::path& place) {
-    std::FILE* file = std::fopen(place.c_str(), "wb");
-    if (!file) return std::generic_category().message(errno);
-    errno = 0;
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() && std::fflush(file) == 0;
-    const int problem = errno;
-    if (std::fclose(file) == 0 && written) return {};
-    return std::generic_category().message(written ? errno : problem);
-}
-
 } // namespace
 
 Picture::Picture(int width, int height, int channels)
     : width(width), height(height), channels(channels),
       pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * static_cast<std::size_t>(channels)) {}
+
+std::string Picture::refusal(const std::string& path) {
+    const auto refused = [&](std::string_view reason) {
+        return fmt::format("Cannot write picture \"{}\": {}", path, reason);
+    };
+    try {
+        const std::string extension = fs::path(path).extension().string();
+        if (extension.empty()) return refused("its name has no extension that tells the format");
+        base::requireReplaceable(path);
+        images::ImageCodec::Alpha alpha{};
+        if (images::imageCodec().canWrite(path, alpha)) return {};
+        return refused(fmt::format("unknown format \"{}\"", extension));
+    } catch (const std::exception& problem) {
+        return refused(problem.what());
+    }
+}
 
 bool Picture::write(const std::string& path, std::string* error) const {
     const auto fail = [&](std::string_view reason) {
@@ -51,34 +45,20 @@ bool Picture::write(const std::string& path, std::string* error) const {
     if (width < 1 || height < 1 || (channels != 3 && channels != 4) ||
         pixels.size() != rowBytes() * static_cast<std::size_t>(height))
         return fail("it holds no pixels");
-    const fs::path target(path);
-    if (target.extension().empty()) return fail("its name has no extension that tells the format");
-    std::error_code code;
-    if (fs::is_directory(target, code)) return fail("a folder of that name is there");
-    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    if (!fs::is_directory(folder, code)) return fail("its folder does not exist");
-
-    const fs::path part = neighbourOf(target);
-    std::string reason;
+    if (std::string reason = refusal(path); !reason.empty()) {
+        if (error) *error = std::move(reason);
+        return false;
+    }
     try {
-        auto& codec = images::imageCodec();
-        images::ImageCodec::Alpha alpha{};
-        if (!codec.canWrite(path, alpha))
-            return fail(fmt::format("unknown format \"{}\"", target.extension().string()));
         std::vector<unsigned char> file;
-        reason = codec.encode(path, {width, height, channels, false, pixels.data()}, file);
-        if (reason.empty()) reason = store(file, part);
+        const std::string reason =
+            images::imageCodec().encode(path, {width, height, channels, false, pixels.data()}, file);
+        if (!reason.empty()) return fail(reason);
+        base::replaceFile(path, {reinterpret_cast<const char*>(file.data()), file.size()});
+        return true;
     } catch (const std::exception& problem) {
-        reason = problem.what();
+        return fail(problem.what());
     }
-    if (reason.empty()) {
-        fs::rename(part, target, code);
-        if (!code) return true;
-        reason = code.message();
-    }
-    std::error_code ignored;
-    fs::remove(part, ignored);
-    return fail(reason);
 }
 
 std::optional<Picture> Picture::read(const std::string& path, std::string* error) {

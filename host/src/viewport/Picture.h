@@ -16,10 +16,14 @@ public:
     /// A black, fully transparent picture; sizes of 0 or more, `channels` 3 or 4.
     Picture(int width, int height, int channels);
 
+    /// What keeps a picture from being written to `path`, as far as that can be known before there is one: an unknown
+    /// extension, a folder that is missing or not writable, a file that cannot be replaced. Empty when nothing does.
+    static std::string refusal(const std::string& path);
+
     /// Writes the picture in the format of the path's extension (png, jpg, tif, exr, and what else OpenImageIO
-    /// writes; alpha is dropped where the format has none). The file is written beside its place and moved there
-    /// when it is complete, so a failure leaves an earlier picture as it was. False with a text in `error`, when
-    /// given, for an empty picture, an unknown extension, a place that cannot be written or a full disk.
+    /// writes; alpha is dropped where the format has none). The file takes its place
+    /// when it is complete and on the disk, so a failure leaves an earlier picture as it was. False with a text in
+    /// `error`, when given, for an empty picture, what refusal() says, or a full disk.
     bool write(const std::string& path, std::string* error = nullptr) const;
 
     /// Reads an image of any format that OpenImageIO knows; values are brought to 8 bits, one and two channels
