@@ -229,6 +229,21 @@ std::optional<std::string> pathWithoutLinks(const std::string& path) {
     return resolved.generic_string();
 }
 
+std::optional<std::string> placeToWrite(const std::string& path) {
+    auto place = locate(path, true);
+    for (int links = 0; place && links <= 40; ++links) {
+        const fs::path at(*place);
+        std::error_code code;
+        const fs::file_status status = fs::symlink_status(at, code);
+        if (!fs::status_known(status)) return std::nullopt;
+        if (!fs::is_symlink(status)) return place;
+        const fs::path to = fs::read_symlink(at, code);
+        if (code) return std::nullopt;
+        place = (at.parent_path() / to).string(); // an absolute one stands for itself
+    }
+    return std::nullopt;
+}
+
 std::FILE* openFile(const std::string& path, const char* mode) {
     const bool creates = mode[0] == 'w' || mode[0] == 'a';
     const auto place = locate(path, creates);

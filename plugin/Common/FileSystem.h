@@ -26,6 +26,10 @@ std::optional<std::string> existingPath(const std::string& path);
 /// there is resolved. Nothing for a relative path, and when it cannot be resolved.
 std::optional<std::string> pathWithoutLinks(const std::string& path);
 
+/// Where a file is to be written: the folder must exist, the last component is taken as given, and a link leads to what
+/// it names. Nothing when there is no such place.
+std::optional<std::string> placeToWrite(const std::string& path);
+
 /// Opens a file as std::fopen does; the caller closes it. For a mode that begins with 'w' or 'a' the folder must exist
 /// and the last component is taken as given. Null, with errno telling why, when the file cannot be opened, or when
 /// it is a folder, a pipe or a socket.

@@ -30,7 +30,7 @@ void writeCloudShadingElement(OutputFile& file, const char* indent, const CloudS
 }
 
 bool saveCloudShadingFile(const std::string& path, const CloudShadingParams& params) {
-    OutputFile file(path, "wt");
+    OutputFile file(path, "wt", OutputFile::Earlier::Replaced);
     if (!file.isOpen()) return false;
     file.print("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n");
     file.print("<%s\n", cloudRootElement);

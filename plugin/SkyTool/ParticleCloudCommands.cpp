@@ -5,6 +5,7 @@
 #include "ParticleCloud.h"
 #include "ParticleCloudShadingParamsLocator.h"
 
+#include <algorithm>
 #include <maya/MStringArray.h>
 #include <optional>
 #include <string>
@@ -123,10 +124,24 @@ MStatus ParticleCloud_ExportDataCommand::doIt(const MArgList& args) {
         const auto clouds = cloudsOf(*names);
         if (!clouds) return refused("ParticleCloud_ExportDataCommand   Failed to find cloud instance objects! :(");
 
-        // Gathered before the file is opened: a cloud that cannot be had leaves no half-written element.
+        // Gathered before the file is opened: a cloud that cannot be had leaves no half-written element, and where
+        // there is none the file is left alone.
         std::vector<std::unique_ptr<CloudShapeSet>> shapes;
         for (ParticleCloud* cloud : *clouds) shapes.push_back(cloud->GenerateSpriteData());
-        OutputFile file(path, "wt");
+        bool written = false;
+        const auto report = [&] {
+            MStatus result = MStatus::kSuccess;
+            for (std::size_t i = 0; i < clouds->size(); ++i) {
+                const bool exported = written && shapes[i];
+                reportInfo(exported ? "CloudExport: Exporting cloud [%s] to file [%s] success\n"
+                                    : "CloudExport: Exporting cloud [%s] to file [%s] FAILED\n",
+                           (*clouds)[i]->name().asChar(), path);
+                if (!exported) result = MStatus::kFailure;
+            }
+            return result;
+        };
+        if (std::none_of(shapes.begin(), shapes.end(), [](const auto& set) { return set != nullptr; })) return report();
+        OutputFile file(path, "wt", OutputFile::Earlier::Replaced);
         if (!file.isOpen())
             return refused("ParticleCloud_ExportDataCommand: Error.  could not open file [%s] for export.", path);
         writeCloudFileHeader(file, cloudLibraryType);
@@ -135,19 +150,8 @@ MStatus ParticleCloud_ExportDataCommand::doIt(const MArgList& args) {
         for (std::size_t i = 0; i < clouds->size(); ++i)
             if (shapes[i]) writeParticleCloudElement(file, "\t", {(*clouds)[i]->settings(), *shapes[i]});
         writeCloudFileFooter(file);
-        const bool written = file.close();
-
-        MStatus result = MStatus::kSuccess;
-        for (std::size_t i = 0; i < clouds->size(); ++i) {
-            const std::string name = (*clouds)[i]->name().asChar();
-            if (written && shapes[i]) {
-                reportInfo("CloudExport: Exporting cloud [%s] to file [%s] success\n", name, path);
-            } else {
-                reportInfo("CloudExport: Exporting cloud [%s] to file [%s] FAILED\n", name, path);
-                result = MStatus::kFailure;
-            }
-        }
-        return result;
+        written = file.close();
+        return report();
     });
 }
 

@@ -262,6 +262,24 @@ TEST_F(ParticleCloudScene, ExportsALibraryThatADomeReads) {
 
 // Faults: a draw that regenerates while it should not, or does not while it should; sprites that differ from run to
 // run; a seed that does not follow the name.
+// Faults: an earlier library emptied by clouds that have no shapes, or by a place that cannot be written.
+TEST_F(ParticleCloudScene, KeepsALibraryThatItCannotReplace) {
+    shading();
+    wholeCloud("first");
+    cloud("bare");
+    const fs::path path = folder_ / "lib.xml";
+    std::ofstream(path) << "earlier";
+    log_.clear();
+    EXPECT_FALSE(mel("orvosky_ParticleCloud_ExportDataCommand \"" + path.string() + "\" bare"));
+    EXPECT_THAT(log_.infos(),
+                ElementsAre("CloudExport: Exporting cloud [bare] to file [" + path.string() + "] FAILED\n"));
+    EXPECT_EQ(contents(path), "earlier");
+    log_.clear();
+    EXPECT_FALSE(mel("orvosky_ParticleCloud_ExportDataCommand \"" + path.string() + "\" {\"bare\", \"first\"}"));
+    EXPECT_EQ(log_.infos().size(), 2u);
+    EXPECT_TRUE(followsSchema(path, "particle-cloud-library.xsd")) << "what could be had is there";
+}
+
 TEST_F(ParticleCloudScene, FollowsTheSceneWhileAutoUpdateIsOn) {
     shading();
     wholeCloud();

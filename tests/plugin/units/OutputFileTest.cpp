@@ -1,13 +1,18 @@
 #include "Common/OutputFile.h"
+#include "FailingCalls.h"
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <new>
 #include <sstream>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace orvo;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -56,6 +61,60 @@ TEST(OutputFile, AFileThatDidNotOpenFailsToClose) {
     EXPECT_FALSE(file.isOpen());
     file.print("lost");
     EXPECT_FALSE(file.close());
+}
+
+// Faults: an earlier file lost to a new one that failed at any of its calls, was given up, or is no place for a file;
+// its link or permissions lost; a temporary left; success pretended.
+TEST(OutputFile, ReplacesAFileOnlyByAWholeOne) {
+    // In memory where there is such a place: hundreds of rounds would else wait for the disk.
+    const fs::path memory = "/dev/shm";
+    const fs::path folder = (access(memory.c_str(), W_OK) == 0 ? memory : fs::path(testing::TempDir())) /
+                            ("orvo-output-" + std::to_string(getpid())),
+                   file = folder / "a.xml", link = folder / "link.xml";
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    fs::create_symlink("a.xml", link);
+    const auto replaced = [&](const fs::path& path) {
+        OutputFile out(path.string(), "wt", OutputFile::Earlier::Replaced);
+        out.print("%s", std::string(10000, 'n'));
+        return out.close();
+    };
+    const auto expect = [&](const std::string& text, const std::string& when) {
+        std::ostringstream found;
+        found << std::ifstream(file, std::ios::binary).rdbuf();
+        EXPECT_TRUE(found.str() == text) << when << ": " << found.str().substr(0, 20);
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2) << when;
+    };
+    EXPECT_TRUE(replaced(link));
+    expect(std::string(10000, 'n'), "a new file");
+    EXPECT_TRUE(fs::is_symlink(link));
+    fs::permissions(file, fs::perms(0640));
+    for (const int error : {EIO, ENOSPC, ENOMEM, EMFILE})
+        for (int n = 1, calls = 0; calls >= n - 1; ++n) {
+            std::ofstream(file, std::ios::binary) << "earlier";
+            bool done = false;
+            {
+                const orvo::test::PlannedCalls planned({.number = n, .error = error});
+                try {
+                    done = replaced(link);
+                } catch (const std::bad_alloc&) {}
+                calls = planned.count();
+            }
+            const std::string when = "error " + std::to_string(error) + " at call " + std::to_string(n);
+            // What fails when the new file is in place can only be told.
+            expect(done || fs::file_size(file) > 7 ? std::string(10000, 'n') : "earlier", when);
+            EXPECT_EQ(fs::status(file).permissions(), fs::perms(0640)) << when;
+            EXPECT_TRUE(done || n <= calls) << when;
+        }
+    std::ofstream(file, std::ios::binary) << "earlier";
+    OutputFile(file.string(), "wt", OutputFile::Earlier::Replaced).write("given up");
+    expect("earlier", "given up");
+    OutputFile device("/dev/full", "wt", OutputFile::Earlier::Replaced);
+    device.write("x");
+    EXPECT_FALSE(device.close());
+    for (const fs::path& none : {folder, folder / "none/a.xml"})
+        EXPECT_FALSE(OutputFile(none.string(), "wt", OutputFile::Earlier::Replaced).isOpen()) << none;
+    fs::remove_all(folder);
 }
 
 TEST(OutputFile, XmlEscapesWhatMarkupWouldTake) {
