@@ -26,7 +26,7 @@ Failure scriptFailure(const host::mel::Error& e) { return Failure(e.silent ? std
 
 } // namespace
 
-Session::Session(const CommonOptions& common) {
+Session::Session(const CommonOptions& common, const fs::path& scene) {
     const fs::path program = programFolder();
     const fs::path tools = program.parent_path() / "share" / "orvosky";
     setenv("ORVOSKY_TOOL_ROOT", (tools.string() + "/").c_str(), 1);
@@ -37,6 +37,7 @@ Session::Session(const CommonOptions& common) {
     host::Host& host = host::Host::instance();
     host::Host::Options options;
     options.project = common.project;
+    options.scene = scene;
     options.pluginFolders = {program};
     options.scriptFolders = {tools / "scripts"};
     try {
@@ -60,7 +61,10 @@ void Session::openScene(const fs::path& scene) {
     if (extension == ".mb")
         throw Failure(scene.string() + ": Maya binary scenes cannot be read; save it as Maya ASCII.");
     try {
-        host.interpreter().call("file", {"-force", "-open", scene.string()});
+        // The project would look below its own root first.
+        std::error_code none;
+        const fs::path named = fs::exists(scene, none) ? fs::absolute(scene) : scene;
+        host.interpreter().call("file", {"-force", "-open", named.string()});
     } catch (const host::mel::Error& e) {
         throw Failure(e.what());
     }

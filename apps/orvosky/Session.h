@@ -15,15 +15,16 @@ enum ExitStatus : int { kWorked = 0, kFailed = 1, kWrongUsage = 2 };
 
 /// What all subcommands take.
 struct CommonOptions {
-    std::string project;   ///< workspace root; empty: found from the current folder upward
+    std::string project;   ///< workspace root; empty: found from the scene or the current folder upward
     bool noPlugin = false; ///< run the bare host
 };
 
 /// The host as the program runs it: workspace and search paths set, plug-in loaded, userSetup.mel sourced.
 class Session {
 public:
-    /// Throws Failure when the workspace or the plug-in cannot be had.
-    explicit Session(const CommonOptions& options);
+    /// `scene` is what will be opened, where that is known: its project serves when none is named. Throws Failure when
+    /// the workspace or the plug-in cannot be had.
+    explicit Session(const CommonOptions& options, const std::filesystem::path& scene = {});
     /// Empties the scene, so that nodes free what they hold while that is still possible.
     ~Session();
     Session(const Session&) = delete;

@@ -43,7 +43,9 @@ Environment:
 
 void addCommonOptions(CLI::App& line, CommonOptions& options) {
     line.add_option("--project", options.project,
-                    "Workspace root (default: the nearest folder upward with\na workspace.mel, else the current one)")
+                    "Workspace root (default: the nearest folder with a\nworkspace.mel above the scene, else above the "
+                    "current\n"
+                    "one, else the current one)")
         ->option_text("DIR");
     line.add_flag("--no-plugin", options.noPlugin, "Do not load the plug-in");
 }

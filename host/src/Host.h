@@ -23,18 +23,22 @@ class PluginManager;
 class Host {
 public:
     struct Options {
-        /// The workspace root; empty: the nearest folder upward from the current one with a workspace.mel, else the
-        /// current one.
+        /// The workspace root. Empty: the nearest folder with a workspace.mel above `scene`, else above the current
+        /// folder, else the current folder.
         std::filesystem::path project;
         /// Folders searched for plug-ins by bare name, before those of MAYA_PLUG_IN_PATH.
         std::vector<std::filesystem::path> pluginFolders;
         /// Folders searched for scripts after the workspace's and those of MAYA_SCRIPT_PATH.
         std::vector<std::filesystem::path> scriptFolders;
+        /// The file that will be opened, when one will be.
+        std::filesystem::path scene = {};
     };
 
     static Host& instance();
 
-    /// Sets the workspace and the search paths. Call once, before anything else is used.
+    /// Sets the workspace and the search paths. The workspace's own scripts are found only when it was named, or is a
+    /// project that the current folder lies in; otherwise a warning says that they are left out. Call once, before
+    /// anything else is used.
     void start(const Options& options);
     /// Sources userSetup.mel when the script path has one; an error in it is reported, not thrown.
     void runUserSetup();

@@ -65,12 +65,11 @@ Workspace::Workspace(const fs::path& root) : root_(plain(root)), current_(root_)
     }
 }
 
-fs::path Workspace::findUpward(const fs::path& start) {
-    const std::string first = plain(start);
+std::optional<fs::path> Workspace::findUpward(const fs::path& start) {
     std::error_code error;
-    for (fs::path at = first;; at = at.parent_path()) {
+    for (fs::path at = plain(start);; at = at.parent_path()) {
         if (fs::is_regular_file(at / "workspace.mel", error)) return at;
-        if (at == at.parent_path()) return first;
+        if (at == at.parent_path()) return std::nullopt;
     }
 }
 

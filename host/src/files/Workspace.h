@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,8 +20,8 @@ public:
     /// warning.
     explicit Workspace(const std::filesystem::path& root);
 
-    /// The nearest folder from `start` upward that holds a workspace.mel; `start` itself when there is none.
-    static std::filesystem::path findUpward(const std::filesystem::path& start);
+    /// The nearest folder from `start` upward that holds a workspace.mel.
+    static std::optional<std::filesystem::path> findUpward(const std::filesystem::path& start);
 
     /// Makes another folder the root. Throws FileError when it is not there or its workspace.mel cannot be read; then
     /// nothing changes.
