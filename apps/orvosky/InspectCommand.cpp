@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <csignal>
 #include <cstdio>
 
 namespace orvosky {
@@ -24,6 +25,7 @@ std::string listed(const inspect::Inspection& found) {
 
 int inspectCommand(const InspectOptions& options) {
     return reported([&] {
+        std::signal(SIGPIPE, SIG_DFL); // a reader that has seen enough is no failure to speak of
         const inspect::Inspection found = inspect::inspectFile(options.file);
         const std::string text = options.json ? inspect::asJson(found) : inspect::asText(found);
         if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)

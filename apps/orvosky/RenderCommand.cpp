@@ -1,4 +1,5 @@
 #include "Session.h"
+#include "Targets.h"
 
 #include "Host.h"
 #include "base/Messages.h"
@@ -50,11 +51,12 @@ host::scene::DagNode& cameraFor(const RenderOptions& options) {
 
 int renderCommand(const CommonOptions& common, const RenderOptions& options) {
     return reported([&] {
+        requirePictureTarget(options.picture);
         // Without GL there is nothing to wait for.
         std::string error;
         auto view = host::viewport::Viewport::create(options.width, options.height, &error);
         if (!view) throw Failure("Cannot render " + options.picture + ": " + error);
-        Session session(common);
+        Session session(common, options.scene);
         session.openScene(options.scene);
         auto& scene = host::Host::instance().scene();
         if (options.timeGiven) scene.setTime(options.time * host::timeUnit().ticks);

@@ -101,12 +101,12 @@ protected:
         return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), content(out), content(error)};
     }
 
-    /// What lies in the folder beside the files of the test itself.
+    /// What the program made for itself in the folder and should have removed.
     std::vector<std::string> leftovers() const {
         std::vector<std::string> found;
         for (const auto& e : fs::directory_iterator(folder_)) {
             const std::string name = e.path().filename();
-            if (name != ".out" && name != ".err" && name.rfind(".orvosky", 0) == 0) found.push_back(name);
+            if (name.starts_with(".part")) found.push_back(name);
         }
         return found;
     }
