@@ -2,7 +2,7 @@
 #include "files/SceneWriter.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
-#include "scene/Messages.h"
+#include "base/Messages.h"
 
 #include <cstdint>
 #include <cstdlib>
