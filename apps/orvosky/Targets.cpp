@@ -1,6 +1,6 @@
 #include "Targets.h"
 
-#include "scene/Messages.h"
+#include "base/Messages.h"
 #include "viewport/Picture.h"
 
 #include <fmt/format.h>
