@@ -10,8 +10,8 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
 #include <exception>
-#include <ranges>
 
 namespace host::viewport {
 namespace {
@@ -78,7 +78,9 @@ std::vector<FrameDraw::Item> FrameDraw::visibleShapes() const {
     std::vector<Item> shapes;
     std::vector<Open> open;
     const auto openChildren = [&](const scene::DagNode& node, bool templated) {
-        for (scene::DagNode* child : node.children | std::views::reverse) open.push_back({child, templated});
+        std::for_each(node.children.rbegin(), node.children.rend(), [&](scene::DagNode* child) {
+            open.push_back({child, templated});
+        });
     };
     if (const scene::DagNode* world = scene::Scene::current().world()) openChildren(*world, false);
     while (!open.empty()) {
