@@ -175,6 +175,9 @@ TEST_F(ImageFile, RefusalsNameTheReason) {
     dds[8] = 7, dds[9] = 0x10, dds[12] = dds[16] = 1, dds[76] = 32, dds[80] = 0x40, dds[88] = 16;
     const std::string sparse = write("sparse.png", bytes("\x89PNG"));
     fs::resize_file(sparse, std::uintmax_t{2} << 30);
+    Bytes dxt2 = joined(dds, Bytes(14)); // a block that is transparent
+    dxt2[12] = dxt2[16] = 4, dxt2[80] = 4;
+    std::ranges::copy(std::string("DXT2"), dxt2.begin() + 84);
     // An attribute of 2 GiB, for which memory would be set aside.
     const Bytes exr =
         joined(bytes(std::string("v/1\1\2\0\0\0", 8)), bytes(std::string("owner\0string\0\0\0\0\x7f", 17)));
@@ -187,7 +190,8 @@ TEST_F(ImageFile, RefusalsNameTheReason) {
                                        {sparse, "at most 536870912 are read"},
                                        {write("large.pgm", bytes("P5\n16384 8193\n255\n")), "134217728"},
                                        {write("lie.exr", exr), "its header is damaged"},
-                                       {write("masks.dds", dds), "layout"}}) {
+                                       {write("masks.dds", dds), "layout"},
+                                       {write("dxt2.dds", dxt2), "layout"}}) {
         MImage image;
         told.clear();
         EXPECT_EQ(image.readFromFile(file.c_str()), MStatus::kFailure) << file;

@@ -1,4 +1,4 @@
-#include "images/DdsMasks.h"
+#include "images/DdsHeader.h"
 #include "images/ExrHeader.h"
 #include "images/ImageCodec.h"
 
@@ -115,7 +115,7 @@ public:
             error = "unknown format";
             return nullptr;
         }
-        if (format->reader == std::string_view("dds") && !mendDdsMasks(file)) {
+        if (format->reader == std::string_view("dds") && !mendDdsHeader(file)) {
             error = "its pixels are in a layout that is not read";
             return nullptr;
         }

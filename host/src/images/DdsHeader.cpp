@@ -1,4 +1,4 @@
-#include "images/DdsMasks.h"
+#include "images/DdsHeader.h"
 
 #include <array>
 #include <bit>
@@ -9,8 +9,9 @@ namespace host::images {
 namespace {
 
 // Places in the file, and flags of the pixel format.
-constexpr std::size_t kFlags = 80, kBits = 88, kMasks = 92, kHeaderEnd = 128;
+constexpr std::size_t kFlags = 80, kCode = 84, kBits = 88, kMasks = 92, kHeaderEnd = 128;
 constexpr std::uint32_t kAlpha = 0x1, kAlphaOnly = 0x2, kFourCode = 0x4, kRgb = 0x40, kLuminance = 0x20000;
+constexpr std::uint32_t kDxt2 = 0x32545844, kDxt4 = 0x34545844; // "DXT2", "DXT4"
 
 using Masks = std::array<std::uint32_t, 4>; // red, green, blue, alpha
 
@@ -40,11 +41,14 @@ bool sound(std::uint32_t flags, std::uint32_t bits, const Masks& masks) {
 
 } // namespace
 
-bool mendDdsMasks(std::span<unsigned char> file) {
+bool mendDdsHeader(std::span<unsigned char> file) {
     if (file.size() < kHeaderEnd) return true;
     std::uint32_t flags = wordAt(file, kFlags);
     const std::uint32_t bits = wordAt(file, kBits);
-    if ((flags & kFourCode) != 0) return true;
+    if ((flags & kFourCode) != 0) {
+        const std::uint32_t code = wordAt(file, kCode);
+        return code != kDxt2 && code != kDxt4;
+    }
     Masks masks;
     for (std::size_t i = 0; i < masks.size(); ++i) masks[i] = wordAt(file, kMasks + 4 * i);
     if (sound(flags, bits, masks)) return true;
