@@ -64,7 +64,9 @@ HWY_INLINE HWY_ATTR Values smoothStep(Values edge0, Values edge1, Values x) {
 } // namespace
 
 /// In a shape's unit space the row is a line. A box is felt when its centre lies within the shape's radius and the
-/// box's own reach; the steps for which it does follow from the line's point nearest the origin.
+/// box's own reach; the steps for which it does follow from the line's point nearest the origin. The slack in that
+/// radius, which is a thousand times the rounding in unit space, is room for the rounding of these bounds, too: each end
+/// of the line's stretch moves outwards by at least as much as the radius grows.
 HWY_ATTR void spans(const ShapeTable& shapes, const BoxRow& row, double shapeRadius, std::vector<ShapeSpan>& found) {
     found.clear();
     const Values3 start = spread(row.start), stride = spread(row.stride);
@@ -83,9 +85,8 @@ HWY_ATTR void spans(const ShapeTable& shapes, const BoxRow& row, double shapeRad
                     hn::Mul(halfSide, hn::LoadU(d, shapes.component(ShapeTable::reach) + s)));
         const auto reach2 = hn::Sub(hn::Mul(radius, radius), dot(gap, gap));
         const auto half = hn::Sqrt(hn::Mul(hn::Max(reach2, zero), inverse));
-        const auto margin = hn::Add(hn::Mul(hn::Set(d, 1e-9), hn::Add(hn::Abs(nearest), half)), hn::Set(d, 1e-6));
-        auto from = hn::Max(hn::Ceil(hn::Sub(hn::Sub(nearest, half), margin)), zero);
-        auto to = hn::Min(hn::Floor(hn::Add(hn::Add(nearest, half), margin)), last);
+        auto from = hn::Max(hn::Ceil(hn::Sub(nearest, half)), zero);
+        auto to = hn::Min(hn::Floor(hn::Add(nearest, half)), last);
         // A row that stands still, or nearly so, in unit space has no nearest point to go by.
         const auto moves = hn::Gt(stepLength2, hn::Set(d, 1e-30));
         from = hn::IfThenElse(moves, from, zero);

@@ -169,6 +169,59 @@ TEST(CloudKernels, MatchThePlainDoublesToTheBit) {
     }
 }
 
+// Catches bounds without room for rounding, or without the box around a point: shapes and rows are laid so that a box
+// has just one point, to the last bit, at which the plain code feels the shape.
+TEST(CloudKernels, SpansHoldABoxThatJustTouches) {
+    RandomGenerator random(40);
+    const auto between = [&](double a, double b) { return a + random.RandomDouble53() * (b - a); };
+    const auto direction = [](const Vector3& v, const Matrix44& m) {
+        return MatrixTransformPoint(m, v) - MatrixTransformPoint(m, {});
+    };
+    for (int trial = 0; trial < 2000; ++trial) {
+        RandomCloud cloud = randomCloud(1, 100 + static_cast<std::uint32_t>(trial));
+        Matrix44 &world = cloud.worldMatrices[0], &toUnit = cloud.set.spheres[0].transform;
+        const Vector3 away = Vector3{between(-1, 1), between(-1, 1), between(-1, 1)} * (trial % 3 == 0 ? 1e9 : 0.0);
+        world = MatrixMultiply(world, translationMatrix(away));
+        toUnit = MatrixMultiply(translationMatrix(away * -1.0), toUnit);
+        cloud.set.boundCentre = cloud.set.boundCentre + away;
+        const double radius = trial % 2 ? 1.2 : 1.8, halfSide = trial % 4 < 2 ? 0.0 : between(100, 9000);
+        // The row leads through the shape's centre towards the corner that is farthest out, or past it, on the surface.
+        Vector3 corner{1, 1, 1};
+        for (const Vector3& other : {Vector3{-1, 1, 1}, Vector3{1, -1, 1}, Vector3{1, 1, -1}})
+            if (length(direction(other, toUnit)) > length(direction(corner, toUnit))) corner = other;
+        const Vector3 out = normalised(direction(corner, toUnit));
+        const Vector3 aside = normalised(cross(out, {between(-1, 1), between(-1, 1), between(-1, 1)}));
+        const double past = halfSide > 0.0 ? 0.0 : radius * (trial % 5 ? 1.0 - std::pow(10.0, -between(1, 14)) : 0.0);
+        const Vector3 along = direction(out, world), centre = MatrixTransformPoint(world, aside * past);
+        const Vector3 stride = along * std::pow(10.0, -between(0, 4)) * (trial % 7 < 4 ? 1.0 : -1.0);
+        const int box = static_cast<int>(between(0, 40));
+
+        const auto rowAt = [&](double t) {
+            return BoxRow{centre + along * t - stride * static_cast<double>(box), stride, halfSide, 40};
+        };
+        const auto isFelt = [&](double t) {
+            const BoxRow row = rowAt(t);
+            Vector3 p = row.start;
+            for (int i = 0; i < box; ++i) p = p + row.stride;
+            const Vector3 q = MatrixTransformPoint(toUnit, p - corner * halfSide);
+            return dot(q, q) <= radius * radius;
+        };
+        double felt = 0.0, tooFar = 100.0;
+        if (!isFelt(felt) || isFelt(tooFar)) continue; // on the surface, rounding decides
+        for (double middle; middle = (felt + tooFar) / 2, felt < middle && middle < tooFar;)
+            (isFelt(middle) ? felt : tooFar) = middle;
+        const ShapeTable table(cloud.set);
+        ASSERT_TRUE(table.usable());
+        onEveryVectorUnit([&] {
+            std::vector<ShapeSpan> spans;
+            spansOfShapes(table, rowAt(felt), radius, spans);
+            ASSERT_EQ(spans.size(), 1u) << trial;
+            ASSERT_LE(spans[0].first, box) << trial;
+            ASSERT_GE(spans[0].last, box) << trial;
+        });
+    }
+}
+
 // Catches shared state between worker threads.
 TEST(GenerateSprites, GivesTheSameCloudOnTwoThreadsAtOnce) {
     const RandomCloud cloud = randomCloud(20, 31);
