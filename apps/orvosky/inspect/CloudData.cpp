@@ -28,26 +28,25 @@ struct Room {
     bool last;         ///< the end mark follows, without padding
 };
 
-bool allZero(Bytes bytes, std::uint64_t begin, std::uint64_t end) {
-    return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(begin),
-                       bytes.begin() + static_cast<std::ptrdiff_t>(end), [](unsigned char b) { return b == 0; });
+bool allZero(Bytes bytes) {
+    return std::all_of(bytes.begin(), bytes.end(), [](unsigned char b) { return b == 0; });
 }
 
-bool fits(const Records& r, const Room& room, Bytes bytes) {
+bool fits(const Records& r, const Room& room, PlainFile& data) {
     if (r.end() > room.end) return false;
-    return room.last ? r.end() == room.end : room.end - r.end() < alignment && allZero(bytes, r.end(), room.end);
+    return room.last ? r.end() == room.end : room.end - r.end() < alignment && allZero(data.bytes(r.end(), room.end));
 }
 
 std::string belonging(std::uint64_t bytes) { return counted(bytes, "byte") + (bytes == 1 ? " belongs" : " belong"); }
 
 /// Says what is wrong with how a cloud's records fill the space up to what follows. Readers know the size of a record
 /// from the flag alone; that the other size would do is worth saying.
-void checkRoom(const Records& r, const Room& room, const Element* next, Bytes bytes, Problems& problems) {
-    if (fits(r, room, bytes)) return;
+void checkRoom(const Records& r, const Room& room, const Element* next, PlainFile& data, Problems& problems) {
+    if (fits(r, room, data)) return;
     Records other = r;
     other.size = r.size == plainRecord ? shadowedRecord : plainRecord;
     const std::string hint =
-        fits(other, room, bytes)
+        fits(other, room, data)
             ? fmt::format("; records of {} bytes, without regard to the flag, would fit", other.size)
             : std::string();
     const std::string follows = next ? next->described() : "the end mark";
@@ -105,8 +104,9 @@ void noteSpheres(const Element& cloud, const Triple& inBounds, double radius, do
 }
 
 /// Reads the sprites and adds what they are like to the element.
-void measure(const Records& r, Bytes bytes, Inspection& found) {
+void measure(const Records& r, PlainFile& data, Inspection& found) {
     Element& cloud = *r.cloud;
+    const Bytes bytes = data.bytes(r.address, r.end());
     ByteRange opacity;
     std::array<int, 3> low{32767, 32767, 32767}, high{-32768, -32768, -32768};
     std::uint64_t outside = 0, firstOutside = 0, zeroShadows = 0;
@@ -115,7 +115,7 @@ void measure(const Records& r, Bytes bytes, Inspection& found) {
     const auto radius = cloud.get<double>("geomBoundSphereRadius");
     const auto bounds = cloud.get<Triple>("geomBoundSpherePos"), set = cloud.get<Triple>("cullingSpherePos");
     for (std::uint64_t i = 0; i < r.sprites; ++i) {
-        const std::uint64_t at = r.address + i * r.size;
+        const std::uint64_t at = i * r.size;
         Triple c;
         bool valid = true;
         for (std::size_t k = 0; k < 3; ++k) {
@@ -164,8 +164,8 @@ void measure(const Records& r, Bytes bytes, Inspection& found) {
 
 } // namespace
 
-void checkCloudData(std::span<Element*> clouds, Bytes bytes, Inspection& found) {
-    const std::uint64_t recordsEnd = bytes.empty() ? 0 : bytes.size() - 1; // the end mark follows
+void checkCloudData(std::span<Element*> clouds, PlainFile& data, Inspection& found) {
+    const std::uint64_t recordsEnd = data.size() == 0 ? 0 : data.size() - 1; // the end mark follows
     Problems& problems = found.problems;
 
     std::vector<std::optional<Records>> all;
@@ -199,14 +199,14 @@ void checkCloudData(std::span<Element*> clouds, Bytes bytes, Inspection& found) 
         }
         const bool last = i + 1 == all.size();
         if (last)
-            checkRoom(r, {recordsEnd, true}, nullptr, bytes, problems);
+            checkRoom(r, {recordsEnd, true}, nullptr, data, problems);
         else if (all[i + 1] && all[i + 1]->address > r.address && all[i + 1]->address <= recordsEnd)
-            checkRoom(r, {all[i + 1]->address, false}, all[i + 1]->cloud, bytes, problems);
+            checkRoom(r, {all[i + 1]->address, false}, all[i + 1]->cloud, data, problems);
         else if (r.end() > recordsEnd)
             problems.add(*r.cloud,
                          fmt::format("its records of {} bytes end at byte {}, beyond the {} that the data hold", r.size,
                                      r.end(), counted(recordsEnd, "byte")));
-        if (r.end() <= recordsEnd) measure(r, bytes, found);
+        if (r.end() <= recordsEnd) measure(r, data, found);
     }
 }
 

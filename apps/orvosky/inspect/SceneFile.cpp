@@ -19,7 +19,6 @@ namespace fs = std::filesystem;
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
 constexpr double above0 = 1e-6; // the smallest number of six decimals
-constexpr std::uint64_t dataLimit = 256 << 20;
 
 struct SceneElement {
     ElementRule rule;
@@ -251,6 +250,22 @@ std::optional<std::string> dataPath(const std::string& file) {
     return file.substr(0, at + 1) + "cdata";
 }
 
+/// Checks the data file against its declaration and the clouds.
+void checkData(std::span<Element*> clouds, const Element& declared, const std::string& path, PlainFile& data,
+               Inspection& found) {
+    const auto size = declared.get<std::int64_t>("size");
+    if (size && static_cast<std::uint64_t>(*size) != data.size())
+        found.problems.add(
+            declared, fmt::format("size is {}, but {} holds {}", *size, printable(path), counted(data.size(), "byte")));
+    const int last = data.size() == 0 ? 0 : data.bytes(data.size() - 1, data.size())[0];
+    found.data = {.file = path, .size = data.size(), .endMark = last == 1};
+    if (last != 1)
+        found.problems.add(declared, data.size() == 0 ? printable(path) + " is empty"
+                                                      : fmt::format("the last byte of {} is {}, not the end mark 1",
+                                                                    printable(path), last));
+    checkCloudData(clouds, data, found);
+}
+
 void checkData(std::span<Element*> clouds, Inspection& found) {
     const Element* declared = find(found, "CloudVertData");
     const auto path = dataPath(found.file);
@@ -267,24 +282,12 @@ void checkData(std::span<Element*> clouds, Inspection& found) {
         found.problems.add(*declared, "the file's name does not end in .atmos, so it has no .cdata");
         return;
     }
-    std::string bytes;
     try {
-        bytes = readBytes(*path, dataLimit);
+        PlainFile data(*path);
+        checkData(clouds, *declared, *path, data, found);
     } catch (const Failure& e) {
         found.problems.add(*declared, e.what());
-        return;
     }
-    const auto size = declared->get<std::int64_t>("size");
-    if (size && static_cast<std::uint64_t>(*size) != bytes.size())
-        found.problems.add(*declared, fmt::format("size is {}, but {} holds {}", *size, printable(*path),
-                                                  counted(bytes.size(), "byte")));
-    found.data = {.file = *path, .size = bytes.size(), .endMark = !bytes.empty() && bytes.back() == 1};
-    if (!found.data->endMark)
-        found.problems.add(*declared, bytes.empty()
-                                          ? printable(*path) + " is empty"
-                                          : fmt::format("the last byte of {} is {}, not the end mark 1",
-                                                        printable(*path), static_cast<unsigned char>(bytes.back())));
-    checkCloudData(clouds, {reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}, found);
 }
 
 } // namespace

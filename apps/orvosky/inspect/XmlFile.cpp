@@ -1,23 +1,21 @@
 #include "XmlFile.h"
 
 #include "../Failure.h"
+#include "PlainFile.h"
 #include "Inspection.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <vector>
 
 namespace orvosky::inspect {
 namespace {
 
-namespace fs = std::filesystem;
-
-constexpr std::uint64_t xmlLimit = 64 << 20; // bytes
-constexpr std::size_t depthLimit = 64, elementLimit = 2'000'000, attributeLimit = 64;
+// Room for a sprite cloud of four million triangles, and for more clouds than their data could be addressed.
+constexpr std::uint64_t xmlLimit = 512 << 20; // bytes
+constexpr std::size_t depthLimit = 64, elementLimit = 8'000'000, attributeLimit = 64;
 
 constexpr std::string_view blanks = " \t\r\n";
 constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_";
@@ -140,25 +138,7 @@ void checkCharacters(const std::string& text, const std::string& file) {
 
 } // namespace
 
-std::string readBytes(const std::string& file, std::uint64_t limit) {
-    const std::string name = printable(file);
-    std::error_code error;
-    const fs::file_status status = fs::status(file, error);
-    if (status.type() == fs::file_type::not_found) throw Failure(name + ": the file does not exist.");
-    if (status.type() == fs::file_type::directory) throw Failure(name + ": is a folder, not a file.");
-    if (status.type() != fs::file_type::regular)
-        throw Failure(name + ": " + (error ? "cannot be read: " + error.message() : "is not a plain file") + ".");
-    std::ifstream in(file, std::ios::binary);
-    std::string bytes;
-    std::vector<char> block(1 << 16);
-    while (in.read(block.data(), static_cast<std::streamsize>(block.size())), in.gcount() > 0) {
-        bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));
-        if (bytes.size() > limit)
-            throw Failure(name + ": is larger than " + std::to_string(limit >> 20) + " MiB, more than can be right.");
-    }
-    if (!in.eof() || in.bad()) throw Failure(name + ": cannot be read.");
-    return bytes;
-}
+std::string readBytes(const std::string& file, std::uint64_t limit) { return PlainFile(file).whole(limit); }
 
 XmlFile::XmlFile(const std::string& file) {
     const std::string text = readBytes(file, xmlLimit);
