@@ -3,6 +3,7 @@
 
 #include "Host.h"
 #include "base/Messages.h"
+#include "scene/Scene.h"
 
 namespace orvosky {
 namespace {
@@ -46,29 +47,49 @@ private:
     std::vector<std::string> held_;
 };
 
+/// Why there is no one sky to export; empty when there is.
+std::string missingSky() {
+    std::size_t roots = 0;
+    for (const auto& [serial, node] : host::Host::instance().scene().nodes()) roots += node->name == "OrvoSkyData";
+    if (roots == 1) return {};
+    return roots == 0 ? "the scene has no node named OrvoSkyData."
+                      : "the scene has " + std::to_string(roots) + " nodes named OrvoSkyData; there has to be one.";
+}
+
 } // namespace
 
 int exportCommand(const CommonOptions& common, const ExportOptions& options) {
     return reported([&] {
         requireExportTarget(options.target);
+        const std::string nothing = "Nothing was exported to " + options.target;
         Session session(common, options.scene);
+        const ReportWatch watch(options.reports);
         session.openScene(options.scene);
-        session.bringUpToDate();
+        watch.tellUnlessTold(session.bringUpToDate());
+        watch.requireNoErrors(nothing);
         if (!host::Host::instance().interpreter().hasCommand("orvosky_SaveSkySystemToXMLCommand"))
             throw Failure("Cannot export " + options.target + ": the plug-in is not loaded.");
+        if (const std::string why = missingSky(); !why.empty()) throw Failure(nothing + ": " + why);
         try {
             // Readers start from the target, so what it refers to has to be there first.
             host::base::FileReplacement files({cloudDataOf(options.target), options.target});
             const std::string staged = files.staged(1).string();
             NamesInMessages names(staged, options.target);
-            session.call("orvosky_SaveSkySystemToXMLCommand", {staged});
+            const int before = watch.errors();
+            try {
+                session.call("orvosky_SaveSkySystemToXMLCommand", {staged});
+            } catch (const Failure&) {
+                // The command says what is wrong, and that it failed; of a sky without nodes it says the latter alone.
+                const bool unexplained = watch.errors() - before < 2;
+                throw Failure(nothing + (unexplained ? ": there are no sky nodes under OrvoSkyData." : "."));
+            }
+            watch.requireNoErrors(nothing);
             files.commit();
             names.sendHeld();
-        } catch (const Failure&) {
-            throw Failure("Nothing was exported to " + options.target + ".");
         } catch (const host::base::ReplacementError& e) {
             throw exportFailure(options.target, e);
         }
+        watch.finish(options.target + " was written");
     });
 }
 

@@ -1,5 +1,6 @@
 #include "Session.h"
 #include "inspect/InspectionText.h"
+#include "inspect/NamedFiles.h"
 
 #include "base/Messages.h"
 
@@ -26,11 +27,16 @@ std::string listed(const inspect::Inspection& found) {
 int inspectCommand(const InspectOptions& options) {
     return reported([&] {
         std::signal(SIGPIPE, SIG_DFL); // a reader that has seen enough is no failure to speak of
-        const inspect::Inspection found = inspect::inspectFile(options.file);
+        inspect::Inspection found = inspect::inspectFile(options.file);
+        inspect::checkNamedFiles(found, options.project);
         const std::string text = options.json ? inspect::asJson(found) : inspect::asText(found);
         if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
             throw Failure("Cannot write to the standard output.");
+        for (const std::string& warning : found.warnings) host::showWarning(warning);
         if (found.problems.count() > 0) throw Failure(listed(found));
+        if (options.strict && !found.warnings.empty())
+            throw Failure(inspect::printable(options.file) + ": " + inspect::counted(found.warnings.size(), "warning") +
+                          " (see above).");
     });
 }
 

@@ -8,6 +8,7 @@
 #include "viewport/CameraNode.h"
 #include "viewport/Viewport.h"
 
+#include <algorithm>
 #include <numbers>
 
 namespace orvosky {
@@ -47,6 +48,42 @@ host::scene::DagNode& cameraFor(const RenderOptions& options) {
     return viewport::createCamera(host::Host::instance().scene(), options.camera + "View", frame, optics);
 }
 
+bool isShown(host::scene::DagNode& node) {
+    for (host::scene::DagNode* at = &node; at; at = at->parent)
+        if (!at->visible()) return false;
+    return true;
+}
+
+/// Whether the artist left a node switched on; nodes without a switch do nothing that is seen.
+bool isSwitchedOn(host::scene::Node& node) {
+    for (const char* name : {"Enable", "enable"})
+        if (host::scene::Cell* cell = host::Host::instance().scene().tryPlug(node, name)) return cell->number() != 0;
+    return false;
+}
+
+bool showsAnything(host::scene::DagNode& root) {
+    if (!root.visible() || root.templated()) return false;
+    if (!root.type.plugin.empty() && isSwitchedOn(root)) return true;
+    return std::ranges::any_of(root.children, [](host::scene::DagNode* child) { return showsAnything(*child); });
+}
+
+/// Why the picture lacks the sky; empty when a sky renderer has something to draw.
+std::string whatHidesTheSky() {
+    auto& scene = host::Host::instance().scene();
+    int renderers = 0;
+    bool works = false;
+    for (const auto& [serial, node] : scene.nodes()) {
+        if (!node->type.isA("orvosky_SkyRenderer")) continue;
+        ++renderers;
+        works = works || (isShown(*node->dag()) && isSwitchedOn(*node));
+    }
+    if (renderers == 0) return "the scene has no orvosky_SkyRenderer";
+    if (!works) return "no orvosky_SkyRenderer of the scene is switched on and visible";
+    host::scene::Node* root = scene.findNode("OrvoSkyData");
+    if (!root || !root->dag()) return "the scene has no node named OrvoSkyData";
+    return showsAnything(*root->dag()) ? "" : "nothing under OrvoSkyData is switched on and visible";
+}
+
 } // namespace
 
 int renderCommand(const CommonOptions& common, const RenderOptions& options) {
@@ -57,16 +94,22 @@ int renderCommand(const CommonOptions& common, const RenderOptions& options) {
         auto view = host::viewport::Viewport::create(options.width, options.height, &error);
         if (!view) throw Failure("Cannot render " + options.picture + ": " + error);
         Session session(common, options.scene);
+        const ReportWatch watch(options.reports);
         session.openScene(options.scene);
         auto& scene = host::Host::instance().scene();
         if (options.timeGiven) scene.setTime(options.time * host::timeUnit().ticks);
         view->setCamera(cameraFor(options));
         if (!options.helpers) view->setObjectDisplay(view->objectDisplay() & ~unsigned(M3dView::kDisplayLocators));
-        session.bringUpToDate();
+        watch.tellUnlessTold(session.bringUpToDate());
+        if (scene.findType("orvosky_SkyRenderer"))
+            if (const std::string why = whatHidesTheSky(); !why.empty())
+                host::showWarning("The picture shows no sky of a sky renderer: " + why + ".");
         if (!view->render(&error)) throw Failure("Cannot render " + options.picture + ": " + error);
+        watch.requireNoErrors("Nothing was rendered to " + options.picture);
         if (!view->picture().write(options.picture, &error)) throw Failure(error);
         host::showInfo("Rendered " + options.picture + " (" + std::to_string(options.width) + " x " +
                        std::to_string(options.height) + ", camera " + options.camera + ").");
+        watch.finish(options.picture + " was written");
     });
 }
 

@@ -60,12 +60,15 @@ Subcommand addRender(CLI::App& program, CommonOptions& common) {
              });
     app->add_flag("--helpers", line->helpers,
                   "Show the aids for working, too: wires of cloud shapes,\noutlines of cloud domes");
+    addReportOptions(*app, line->reports);
     addCommonOptions(*app, common);
-    app->footer(helpFoot({.examples = "  orvosky render scenes/dusk.ma dusk.png\n"
-                                      "  orvosky render scenes/dusk.ma dusk.exr --size 1920x1080 --camera horizon\n"
-                                      "  orvosky render my.mel my.png --look 135,20 --fov 75\n",
-                          .exitStatuses = "  0  the picture is there\n"
-                                          "  1  it is not: an earlier picture is still there as it was\n"}));
+    app->footer(
+        helpFoot({.examples = "  orvosky render scenes/dusk.ma dusk.png\n"
+                              "  orvosky render scenes/dusk.ma dusk.exr --size 1920x1080 --camera horizon\n"
+                              "  orvosky render my.mel my.png --look 135,20 --fov 75\n",
+                  .exitStatuses = "  0  the picture is there\n"
+                                  "  1  it is not: an earlier picture is still there as it was; with --keep-going,\n"
+                                  "     it is, in spite of the errors that are shown\n"}));
     return {app, [&common, line] { return renderCommand(common, *line); }};
 }
 

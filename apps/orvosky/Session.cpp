@@ -102,14 +102,14 @@ void Session::call(const std::string& name, const std::vector<std::string>& argu
     }
 }
 
-void Session::bringUpToDate() {
+std::string Session::bringUpToDate() {
     constexpr const char* command = "orvosky_UpdateSkySystemCommand";
-    if (!host::Host::instance().interpreter().hasCommand(command)) return;
     try {
-        call(command, {});
+        if (host::Host::instance().interpreter().hasCommand(command)) call(command, {});
     } catch (const Failure& e) {
-        if (*e.what()) host::showError(e.what());
+        return e.what();
     }
+    return {};
 }
 
 int reportCurrentFailure() {

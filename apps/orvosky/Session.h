@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Failure.h"
+#include "ReportWatch.h"
 
 #include <array>
 #include <filesystem>
@@ -38,9 +39,10 @@ public:
     void runText(const std::string& text, const std::vector<std::string>& arguments);
     /// Calls a command or procedure with text arguments. Throws Failure.
     void call(const std::string& name, const std::vector<std::string>& arguments);
-    /// Brings the scene's sky nodes up to date, as they have to be before they are exported or drawn. What goes wrong with
-    /// one is reported and leaves it as it is.
-    void bringUpToDate();
+    /// Brings the scene's sky nodes up to date, as they have to be before they are exported or drawn. What goes wrong
+    /// with one is reported and leaves it as it is. @return the text of a failure, which is mostly told already; else
+    /// empty
+    std::string bringUpToDate();
 };
 
 /// Runs a subcommand's work: reports a Failure, and whatever else is thrown, as an error.
@@ -57,6 +59,7 @@ int runCommand(const CommonOptions& common, const RunOptions& options);
 
 struct ExportOptions {
     std::string scene, target;
+    ReportOptions reports = {};
 };
 int exportCommand(const CommonOptions& common, const ExportOptions& options);
 
@@ -69,12 +72,15 @@ struct RenderOptions {
     /// Degrees: the azimuth, 0 along -Z, clockwise as seen from above, and the elevation above the horizon.
     std::optional<std::array<double, 2>> look;
     std::optional<double> fov; ///< horizontal, degrees
+    ReportOptions reports = {};
 };
 int renderCommand(const CommonOptions& common, const RenderOptions& options);
 
 struct InspectOptions {
     std::string file;
-    bool json = false; ///< for tools
+    std::string project; ///< where the files lie that the file names; empty: the project that the file lies in
+    bool json = false;   ///< for tools
+    bool strict = false; ///< warnings count as errors
 };
 /// Needs neither workspace nor plug-in.
 int inspectCommand(const InspectOptions& options);

@@ -50,6 +50,11 @@ void addCommonOptions(CLI::App& line, CommonOptions& options) {
     line.add_flag("--no-plugin", options.noPlugin, "Do not load the plug-in");
 }
 
+void addReportOptions(CLI::App& line, ReportOptions& options) {
+    line.add_flag("--keep-going", options.keepGoing, "Write in spite of errors; the exit status is 1 all the same");
+    line.add_flag("--strict", options.strict, "Take warnings for errors");
+}
+
 void addValue(CLI::App& line, const std::string& name, const std::string& shownAs, const std::string& description,
               std::function<void(const std::string& text)> take) {
     line.add_option_function<std::string>(

@@ -27,12 +27,15 @@ struct Subcommand {
 Subcommand addRun(CLI::App& program, CommonOptions& common, std::vector<std::string> scriptWords);
 Subcommand addExport(CLI::App& program, CommonOptions& common);
 Subcommand addRender(CLI::App& program, CommonOptions& common);
-Subcommand addInspect(CLI::App& program);
+Subcommand addInspect(CLI::App& program, CommonOptions& common);
 Subcommand addHelp(CLI::App& program);
 /// @}
 
 /// Adds what is common to all that open a workspace: to the program itself, and to each subcommand's own options.
 void addCommonOptions(CLI::App& line, CommonOptions& options);
+
+/// Adds what reported errors and warnings mean: --keep-going and --strict.
+void addReportOptions(CLI::App& line, ReportOptions& options);
 
 /// Adds an option with a value, `shownAs` in the help. `take` throws Failure for a text that is no such value.
 void addValue(CLI::App& line, const std::string& name, const std::string& shownAs, const std::string& description,

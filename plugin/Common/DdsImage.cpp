@@ -1,8 +1,10 @@
 #include "DdsImage.h"
 
 #include "FileBytes.h"
+#include "FileSystem.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 
@@ -112,6 +114,18 @@ bool CTexture::load(const std::string& path, bool flip, std::string* problem) {
     *this = {};
     const auto bytes = readFileBytes(path, problem);
     return bytes && read(*bytes, flip, problem);
+}
+
+bool CTexture::isBlockCubeMap(const std::string& path) {
+    std::array<std::uint8_t, 4 + headerSize> begin{};
+    std::FILE* file = openFile(path, "rb");
+    if (!file) return false;
+    const bool whole = std::fread(begin.data(), begin.size(), 1, file) == 1;
+    std::fclose(file);
+    if (!whole || std::memcmp(begin.data(), "DDS ", 4) != 0) return false;
+    const Bytes header = Bytes(begin).subspan(4);
+    CTexture picture;
+    return (wordAt(header, atCaps2) & cubeMapBit) && picture.takeFormat(header) && picture.isCompressed();
 }
 
 bool CTexture::decode(Bytes file, bool flip, std::string* problem) {

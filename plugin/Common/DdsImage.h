@@ -45,6 +45,10 @@ public:
     /// The same for the file at `path`; `problem` is also set for one of more than orvo::maxFileBytes.
     bool load(const std::string& path, bool flip, std::string* problem = nullptr);
 
+    /// Whether the file at `path` begins as a cube map in DXT1, DXT3 or DXT5, which are the formats that GL takes as
+    /// they are. Only its header is read.
+    static bool isBlockCubeMap(const std::string& path);
+
     bool isValid() const { return valid_; }
     bool isCompressed() const { return compressed_; }
     bool isCubeMap() const { return cubeMap_; }

@@ -112,4 +112,10 @@ MObject LocatorAttributes::text(const char* name, const AttributeFlags& flags, c
     return added(object, where);
 }
 
+MObject LocatorAttributes::filePath(const char* name, const AttributeFlags& flags, const Where& where) {
+    const MObject object = text(name, flags, where);
+    succeeded(MFnTypedAttribute(object).setUsedAsFilename(true), where);
+    return object;
+}
+
 } // namespace orvo

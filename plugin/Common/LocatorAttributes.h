@@ -50,6 +50,8 @@ public:
                                const AttributeFlags& flags = {}, const Where& where = Where::current());
     /// A text, empty at first.
     static MObject text(const char* name, const AttributeFlags& flags = {}, const Where& where = Where::current());
+    /// A text that names a file or a folder; the host knows it as such.
+    static MObject filePath(const char* name, const AttributeFlags& flags = {}, const Where& where = Where::current());
 };
 
 } // namespace orvo

@@ -18,11 +18,22 @@ struct Job {
             geom = GenerateSprites(shapes, settings.spriteDensity, settings.spriteSize * 100.0,
                                    shading.enableSelfShadow, shading.sunDir, settings.enableGroundFade,
                                    settings.groundFadeStart * 100.0, settings.groundFadeEnd * 100.0);
-        } catch (...) { // out of memory: the cloud is left out
+        } catch (...) { // out of memory
             geom.reset();
         }
     }
 };
+
+/// The job of a placed cloud; null without the memory for it.
+std::unique_ptr<Job> tryMakeJob(const CloudTemplate& source, const DomeCloudPlacement& cloud,
+                                const CloudShadingParams& shading) {
+    try {
+        return std::unique_ptr<Job>(
+            new Job{source.settings, placedShapes(source.shapes, cloud.position, cloud.angle), shading});
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 
 bool tryStart(const ThreadStarter& start, Job& job, std::vector<std::jthread>& threads) {
     try {
@@ -45,28 +56,36 @@ DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std:
     threads.reserve(maxDomeThreads);
     const auto finishBatch = [&] {
         threads.clear();
-        for (const auto& job : jobs)
-            if (job->geom && job->geom->numSprites > 0)
+        for (const auto& job : jobs) {
+            if (!job->geom) job->run();
+            if (!job->geom)
+                ++result.failed;
+            else if (job->geom->numSprites > 0)
                 result.clouds.push_back(
                     {job->settings, std::move(job->geom), job->shapes.boundCentre, job->shapes.boundRadius});
+        }
         jobs.clear();
     };
 
+    jobs.reserve(maxDomeThreads);
+    result.clouds.reserve(placed.size());
     for (const DomeCloudPlacement& cloud : placed) {
         const CloudTemplate& source = templates[static_cast<std::size_t>(cloud.templateIndex)];
-        std::unique_ptr<Job> job(
-            new Job{source.settings, placedShapes(source.shapes, cloud.position, cloud.angle), shading});
-        Job& work = *job;
-        jobs.reserve(maxDomeThreads);
-        bool started = tryStart(start, work, threads);
+        ++result.started;
+        auto job = tryMakeJob(source, cloud, shading);
+        bool started = job && tryStart(start, *job, threads);
         if (!started && !threads.empty()) {
             finishBatch();
-            started = tryStart(start, work, threads);
+            if (!job) job = tryMakeJob(source, cloud, shading);
+            started = job && tryStart(start, *job, threads);
         }
-        if (!started) break;
+        if (!job) {
+            ++result.failed;
+            continue;
+        }
         jobs.push_back(std::move(job));
-        ++result.started;
-        if (threads.size() == maxDomeThreads) finishBatch();
+        // A job whose thread did not start is done when its batch is finished.
+        if (!started || threads.size() == maxDomeThreads) finishBatch();
     }
     finishBatch();
     return result;
@@ -80,14 +99,15 @@ DomeBuild buildDome(std::span<const CloudTemplate> templates, const DomeLayout& 
     const DomePlacement placement = placeDomeClouds(radii, layout);
     DomeGeneration generation = generateDomeClouds(templates, placement.clouds, shading, start);
 
-    // What the clouds take in an export is known once they are packed.
-    std::vector<unsigned char> packed;
-    for (const DomeCloud& cloud : generation.clouds) {
-        padCloudVertexData(packed);
-        (void)appendCloudVertexData(exportedDomeCloud(cloud), shading, packed); // one that fails takes nothing
-    }
+    std::size_t dataSize = 0;
+    for (const DomeCloud& cloud : generation.clouds)
+        dataSize = paddedCloudVertexSize(dataSize) + cloudVertexDataSize(*cloud.geom, cloud.geom->boundRadius);
     for (DomeCloud& cloud : generation.clouds) scaleDomeCloud(cloud, layout.scale);
-    return {std::move(generation.clouds), generation.started, placement.limitReached, packed.size()};
+    return {.clouds = std::move(generation.clouds),
+            .started = generation.started,
+            .failed = generation.failed,
+            .limitReached = placement.limitReached,
+            .dataSize = dataSize};
 }
 
 GeneratedCloud exportedDomeCloud(const DomeCloud& cloud) {

@@ -21,19 +21,22 @@ std::jthread startThread(std::function<void()> work);
 
 struct DomeGeneration {
     std::vector<DomeCloud> clouds; ///< in the order of their placement; a cloud that failed or has no sprites lacks
-    std::size_t started = 0;       ///< threads
+    std::size_t started = 0;       ///< clouds that were begun
+    std::size_t failed = 0;        ///< of these, the clouds for which there was no memory
 };
 
 /// Generates the placed clouds, not scaled yet, in batches of at most maxDomeThreads threads: the next batch begins
 /// when the last one has ended. When a thread cannot be started the batch ends early and the cloud is tried again; when
-/// not even the first of a batch can be started, the remaining clouds are left out.
+/// not even the first of a batch can be started, the calling thread does the work. It also does a cloud over for which
+/// the memory beside the others of its batch did not suffice.
 DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std::span<const DomeCloudPlacement> placed,
                                   const CloudShadingParams& shading, const ThreadStarter& start = startThread);
 
 /// A dome full of clouds.
 struct DomeBuild {
     std::vector<DomeCloud> clouds; ///< scaled
-    std::size_t started = 0;       ///< clouds whose threads were started
+    std::size_t started = 0;       ///< clouds that were begun
+    std::size_t failed = 0;        ///< of these, the clouds for which there was no memory
     bool limitReached = false;     ///< whether maxDomeClouds ended the placement
     std::size_t dataSize = 0;      ///< bytes of the clouds' exported vertex data
 };

@@ -29,16 +29,23 @@ unsigned char transmittance(double falloff, double depth) {
 
 } // namespace
 
-void padCloudVertexData(std::vector<unsigned char>& bytes) {
-    bytes.resize((bytes.size() + alignment - 1) / alignment * alignment, 0);
+std::size_t paddedCloudVertexSize(std::size_t size) { return (size + alignment - 1) / alignment * alignment; }
+
+void padCloudVertexData(std::vector<unsigned char>& bytes) { bytes.resize(paddedCloudVertexSize(bytes.size()), 0); }
+
+bool recordsHoldShadow(const ParticleCloudGeom& geom) { return !geom.shadowCube0.empty() && !geom.shadowCube1.empty(); }
+
+std::size_t cloudVertexDataSize(const ParticleCloudGeom& geom, double radius) {
+    if (geom.numSprites <= 0 || geom.positions.empty() || !std::isfinite(radius)) return 0;
+    return static_cast<std::size_t>(geom.numSprites) * (recordsHoldShadow(geom) ? 16 : 8);
 }
 
 bool appendCloudVertexData(const ParticleCloudGeom& geom, const Matrix44& toBounds, double radius, double falloff,
                            std::vector<unsigned char>& bytes) {
-    if (geom.numSprites <= 0 || geom.positions.empty() || !std::isfinite(radius)) return false;
-    const bool withShadow = !geom.shadowCube0.empty() && !geom.shadowCube1.empty();
-    const std::size_t start = bytes.size(), recordSize = withShadow ? 16 : 8;
-    bytes.resize(start + recordSize * static_cast<std::size_t>(geom.numSprites));
+    const std::size_t size = cloudVertexDataSize(geom, radius), start = bytes.size();
+    if (size == 0) return false;
+    const bool withShadow = recordsHoldShadow(geom);
+    bytes.resize(start + size);
     unsigned char* out = bytes.data() + start;
     for (std::size_t sprite = 0; sprite < static_cast<std::size_t>(geom.numSprites); ++sprite) {
         const std::size_t vertex = sprite * corners;
@@ -100,8 +107,9 @@ bool saveCloudToXml(OutputFile& file, const char* indent, std::vector<unsigned c
     real("%s\tgroundShadowAmount  = \"%f\"\n", shading.groundShadowAmount);
     real("%s\tsunShadowAmount  = \"%f\"\n", shading.sunShadowAmount);
     real("%s\tspriteShadowAmount  = \"%f\"\n", shading.spriteShadowAmount);
-    integer("%s\tcloudSelfShadowEnable  = \"%d\"\n", shading.enableSelfShadow);
-    if (shading.enableSelfShadow) real("%s\tcloudSelfShadowAmount  = \"%f\"\n", shading.selfShadowAmount);
+    const bool withShadow = recordsHoldShadow(cloud.geom);
+    integer("%s\tcloudSelfShadowEnable  = \"%d\"\n", withShadow);
+    if (withShadow) real("%s\tcloudSelfShadowAmount  = \"%f\"\n", shading.selfShadowAmount);
     file.print("%s/>\n", indent);
     return true;
 }

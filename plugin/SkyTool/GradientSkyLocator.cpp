@@ -77,7 +77,7 @@ MStatus GradientSkyLocator::initialize() {
         sunDiskFalloff = A::real("sunDiskFalloff", 32.0, {.min = 0.0, .max = 50.0});
         sunDiskWeight = A::real("sunDiskWeight", 1.0, {.min = 0.0, .max = 2.0});
         sunEnable = A::boolean("sunEnable", true);
-        gradientTexture = A::text("gradientTexture");
+        gradientTexture = A::filePath("gradientTexture");
         brightness = A::real("brightness", 1.0, {.min = 0.0, .max = 3.0});
         xcoord = A::real("xcoord", 0.45, {.min = 0.0, .max = 1.0});
         return MStatus(MStatus::kSuccess);

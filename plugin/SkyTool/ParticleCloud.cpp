@@ -220,6 +220,10 @@ bool ParticleCloud::saveToXml(OutputFile& file, const char* indent, std::vector<
     auto* params = ParticleCloudShadingParamsLocator::firstLiveInstance();
     if (!params) return false;
     if (!geom_ || !shapes_) return true;
+    const CloudShadingParams shading = params->readParams();
+    if (failed_ || lastInputs_ != inputsOf(shading))
+        reportWarning("ParticleCloud::SaveToXML:  [%s] is out of date: it is exported as it was last generated\n",
+                      name().asChar());
     const CloudSettings s = settings();
     return saveCloudToXml(file, indent, cloudVertices,
                           {.settings = s,
@@ -227,7 +231,7 @@ bool ParticleCloud::saveToXml(OutputFile& file, const char* indent, std::vector<
                            .setCentre = shapes_->boundCentre,
                            .setRadius = shapes_->boundRadius,
                            .enableDomePositioning = false},
-                          params->readParams());
+                          shading);
 }
 
 } // namespace orvo

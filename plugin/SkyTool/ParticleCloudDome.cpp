@@ -78,7 +78,7 @@ MStatus ParticleCloudDome::initialize() {
         domeOuterRadius = A::real("domeOuterRadius", 4000.0, {.min = 10.0, .softMin = 1.0, .softMax = 12000.0}, plain);
         placementDensity = A::real("placementDensity", 1.0, {.min = 0.001, .softMax = 5.0}, plain);
         cloudScale = A::real("cloudScale", 1.0, {.min = 0.001, .softMax = 10.0}, plain);
-        cloudDataDir = A::text("cloudDataDir", plain);
+        cloudDataDir = A::filePath("cloudDataDir", plain);
         return MStatus(MStatus::kSuccess);
     });
 }
@@ -212,6 +212,9 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
     } else {
         reportInfo("CLOUDS PRODUCED [%d]  CLOUD MEMORY USED [%d]\n", dome.started, dome.dataSize);
     }
+    if (dome.failed > 0)
+        reportPlacedError("ParticleCloudDome:  [%s] lacks %d of its %d clouds: out of memory\n", name().asChar(),
+                          dome.failed, dome.started);
 }
 
 void ParticleCloudDome::prepareClouds(const CloudShadingParams& shading) {
@@ -282,6 +285,9 @@ bool ParticleCloudDome::saveToXml(OutputFile& file, const char* indent, std::vec
         return false;
     }
     const CloudShadingParams shading = shadingNode->readParams();
+    if (builtFor_ && *builtFor_ != readBuildInputs(shading))
+        reportWarning("ParticleCloudDome::SaveToXML:  [%s] is out of date: it is exported as it was last generated\n",
+                      name().asChar());
     const MObject node = thisMObject();
     file.print("%s<ParticleCloudDome\n", indent);
     file.print("%s\tdomeHeight = \"%f\"\n", indent, readDouble(node, domeHeight));

@@ -38,7 +38,7 @@ MStatus ParticleCloudShadingParamsLocator::initialize() {
         using A = LocatorAttributes;
         const AttributeLimits unit{.min = 0.0, .max = 1.0};
         const AttributeLimits upTo10{.min = 0.0, .max = 10.0, .softMin = 0.0, .softMax = 2.0};
-        shadingTexture = A::text("shadingTexture");
+        shadingTexture = A::filePath("shadingTexture");
         cloudColour = doubleColour("cloudColour", {1, 1, 1});
         shadingOpacity = A::real("shadingOpacity", 1.0, unit);
         shadingBrightness = A::real("shadingBrightness", 1.1, upTo10);

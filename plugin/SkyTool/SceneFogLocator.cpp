@@ -99,10 +99,18 @@ std::unique_ptr<TriMesh> meshOf(const MPlug& outMesh, const MDagPath& path) {
     return made;
 }
 
+bool contains(const MStringArray& texts, const char* wanted) {
+    for (unsigned i = 0; i < texts.length(); ++i)
+        if (texts[i] == wanted) return true;
+    return false;
+}
+
 std::vector<MeshArrays> gatherMeshes() {
     std::vector<MeshArrays> meshes;
-    MStringArray names;
-    // Fails, with the host's own message, where the plug-in that brings the type is not loaded.
+    MStringArray types, names;
+    // Asked for first: listing nodes of an unknown type, where the other plug-in is not loaded, is an error that the
+    // artist would see.
+    if (MGlobal::executeCommand("allNodeTypes", types).error() || !contains(types, "XeliLocatorNode")) return meshes;
     if (MGlobal::executeCommand("ls -v -l -type XeliLocatorNode", names).error()) return meshes;
     for (unsigned i = 0; i < names.length(); ++i) {
         MDagPath path;

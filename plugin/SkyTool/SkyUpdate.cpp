@@ -1,9 +1,12 @@
 #include "SkyUpdate.h"
 
+#include "../Common/MayaUtils.h"
 #include "../Common/Messages.h"
 #include "ExpHeightFogLocator.h"
 #include "ParticleCloudShadingParamsLocator.h"
 #include "ProceduralSkyLocator.h"
+#include "SkyChecks.h"
+#include "SkyExport.h"
 #include "SkyNodeKinds.h"
 
 #include <algorithm>
@@ -12,10 +15,11 @@
 namespace orvo {
 namespace {
 
+constexpr const char* command = "orvosky_UpdateSkySystemCommand";
+
 template <class Node, class Step>
 void forAllInScene(const Step& step) {
-    for (Node* node : InstanceList<Node>::shared().inScene())
-        guarded("orvosky_UpdateSkySystemCommand", [&] { step(*node); });
+    for (Node* node : InstanceList<Node>::shared().inScene()) guarded(command, [&] { step(*node); });
 }
 
 /// The nodes of these kinds, in the order of the records. A node that fails keeps no other one from its turn.
@@ -24,8 +28,7 @@ void updateKinds(const std::vector<SkyNodeRecord>& records, std::initializer_lis
         if (std::find(kinds.begin(), kinds.end(), record.kind) == kinds.end()) continue;
         const SkyNodeOperations& operations = skyNodeKinds()[record.kind].operations;
         ExportNode* node = operations.find ? operations.find(record.fullPathName) : nullptr;
-        if (node && operations.bringUpToDate)
-            guarded("orvosky_UpdateSkySystemCommand", [&] { operations.bringUpToDate(*node); });
+        if (node && operations.bringUpToDate) guarded(command, [&] { operations.bringUpToDate(*node); });
     }
 }
 
@@ -51,6 +54,10 @@ bool updateSkySystem() {
     updateKinds(records, {kGradientSkyKind, kTexturedSkyKind, kSpriteCloudKind});
     updateKinds(records, {kParticleCloudKind});
     updateKinds(records, {kParticleCloudDomeKind});
+
+    const auto isTemplated = [](const SkyNodeRecord& record) { return isTemplatedAlongDag(record.node); };
+    for (const SkyNodeRecord& record : exportableNodes(records, skyNodeKinds(), isTemplated))
+        guarded(command, [&] { warnOfUnusableValues(record.node); });
     return errorsShown() == before;
 }
 

@@ -8,6 +8,7 @@ namespace orvo {
 ///
 /// Procedural skies, height fogs and shading parameters count wherever they lie, as they work by themselves; the other
 /// kinds, which the renderer draws, below "OrvoSkyData".
+/// Then it warns of what the nodes that take part in an export hold and no reader can use (warnOfUnusableValues).
 /// @return false when an error was reported on the way; what it did not concern is up to date
 bool updateSkySystem();
 

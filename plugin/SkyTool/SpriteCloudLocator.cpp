@@ -100,7 +100,7 @@ MStatus SpriteCloudLocator::initialize() {
         using A = LocatorAttributes;
         enable = A::boolean("enable", true);
         alwaysUpdateMesh = A::boolean("alwaysUpdateMesh", true);
-        spriteTexture = A::text("spriteTexture");
+        spriteTexture = A::filePath("spriteTexture");
         RenderMode = A::enumeration("RenderMode", kAlphaBlend, {{"Opaque", kOpaque}, {"AlphaBlend", kAlphaBlend}});
         tint = A::colour("tint", {1, 1, 1});
         brightness = A::real("brightness", 1.0, {.min = 0.0, .max = 3.0});

@@ -56,7 +56,7 @@ MStatus TexturedSkyLocator::initialize() {
     return guarded("TexturedSkyLocator::initialize", MStatus(MStatus::kFailure), [] {
         using A = LocatorAttributes;
         Enable = A::boolean("Enable", true);
-        cubeMapTexture = A::text("cubeMapTexture");
+        cubeMapTexture = A::filePath("cubeMapTexture");
         brightness = A::real("brightness", 1.0, {.min = 0.0, .max = 3.0});
         rotation = A::real("rotation", 0.0, {.min = 0.0, .max = 360.0});
         return MStatus(MStatus::kSuccess);

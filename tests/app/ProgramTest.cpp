@@ -232,9 +232,166 @@ TEST_F(Program, WhatIsWrittenDependsOnTheSceneAlone) {
 
     for (const std::string name : {"first", "last"}) { // the procedural sky would hide what the renderer drew before it
         write(folder_ / (name + ".mel"), "file -f -open \"" + (folder_ / name).string() + ".ma\"; setAttr air.v 0;\n");
-        EXPECT_EQ(run({"--project", "proj", "render", name + ".mel", name + ".png", "--size", "64x36"}).status, 0);
+        EXPECT_EQ(run({"render", name + ".mel", name + ".png", "--size", "64x36", "--project", "proj"}).status, 0);
     }
     EXPECT_EQ(content(folder_ / "first.png"), content(folder_ / "last.png"));
+}
+
+// Faults: an error on the way that costs neither exit status nor earlier files; --keep-going that does not, or hides
+// it; warnings that --strict lets pass.
+TEST_F(Program, ErrorsAreFailures) {
+    write(folder_ / "proj/workspace.mel", "//Maya 2010 Project Definition\n");
+    const std::string scene = smallScene;
+    const std::string clouds = scene + "createNode transform -n \"shading\" -p \"OrvoSkyData\";\n"
+                                       "createNode orvosky_ParticleCloudShadingParams -n \"shadingS\" -p \"shading\";\n"
+                                       "setAttr \".shadingTexture\" -type \"string\" \"build\\\\a.dds\";\n"
+                                       "createNode transform -n \"dome\" -p \"OrvoSkyData\";\n"
+                                       "createNode orvosky_ParticleCloudDome -n \"domeS\" -p \"dome\";\n";
+    write(folder_ / "proj/value.ma", scene + "setAttr \"skyShape.sunIntensity\" 50;\n");
+    write(folder_ / "proj/plugin.ma", "requires \"not_a_plugin\" \"1\";\n" + scene);
+    write(folder_ / "proj/library.ma", clouds + "setAttr \".cloudDataDir\" -type \"string\" \"build\\\\none.xml\";\n");
+    fs::create_directories(folder_ / "proj/build/none");
+    write(folder_ / "proj/templates.ma", clouds + "setAttr \".cloudDataDir\" -type \"string\" \"build\\\\none\";\n");
+    const std::map<std::string, std::string> environment{{"MAYA_PLUG_IN_PATH", orvo::test::testData()}};
+    const auto expectFailure = [&](const char* command, const std::string& file, const std::string& name) {
+        const std::vector<std::string> arguments{command, "proj/" + file, name, "--project", "proj"};
+        write(folder_ / name, "earlier");
+        EXPECT_EQ(run(arguments, environment).status, 1) << file;
+        EXPECT_EQ(content(folder_ / name), "earlier") << file;
+        auto goingOn = arguments;
+        goingOn.push_back("--keep-going");
+        EXPECT_EQ(run(goingOn, environment).status, 1) << file;
+        EXPECT_NE(content(folder_ / name), "earlier") << file;
+    };
+    for (const char* file : {"value.ma", "plugin.ma", "library.ma", "templates.ma"}) {
+        expectFailure("export", file, "a.atmos");
+        expectFailure("render", file, "a.png");
+    }
+    // Shaders that are not found are nothing to an export.
+    write(folder_ / "proj/scripts/OrvoGetPath_ToolsRoot.mel",
+          "global proc string OrvoGetPath_ToolsRoot() { return \"/nowhere/\"; }\n");
+    fs::create_directories(folder_ / "proj/build/clouds");
+    fs::copy(orvo::test::testData("clouds/library.xml"), folder_ / "proj/build/clouds/library.xml");
+    write(folder_ / "proj/shaders.ma",
+          clouds + "setAttr \".cloudDataDir\" -type \"string\" \"build\\\\clouds\\\\library.xml\";\n");
+    expectFailure("render", "shaders.ma", "a.png");
+    const Outcome o = run({"export", "proj/shaders.ma", "b.atmos", "--project", "proj"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_THAT(o.error, HasSubstr("Warning: shadingS.shadingTexture names a file that is not there: build\\a.dds\n"));
+    EXPECT_EQ(run({"export", "proj/shaders.ma", "c.atmos", "--project", "proj", "--strict"}).status, 1);
+    EXPECT_FALSE(fs::exists(folder_ / "c.atmos"));
+}
+
+// Faults: clouds that are lost without a word when memory or threads run out.
+TEST_F(Program, ExportsAllCloudsOrNone) {
+    const std::string project = orvo::test::sourceTree("examples/project");
+    ASSERT_EQ(run({"export", project + "/scenes/dusk.ma", "all.atmos", "--project", project}).status, 0);
+    for (int kilobytes = 200000; kilobytes > 60000; kilobytes -= 20000) {
+        const int status = std::system(("cd '" + folder_.string() + "' && ulimit -v " + std::to_string(kilobytes) +
+                                        " && '" + orvo::test::program() + "' --project '" + project + "' export '" +
+                                        project + "/scenes/dusk.ma' few.atmos >.out 2>.err")
+                                           .c_str());
+        if (status == 0) {
+            EXPECT_EQ(content(folder_ / "few.atmos"), content(folder_ / "all.atmos")) << kilobytes;
+            EXPECT_EQ(content(folder_ / "few.cdata"), content(folder_ / "all.cdata")) << kilobytes;
+        } else {
+            EXPECT_THAT(content(folder_ / ".err"), Not(IsEmpty())) << kilobytes;
+            EXPECT_FALSE(fs::exists(folder_ / "few.atmos")) << kilobytes;
+        }
+        fs::remove(folder_ / "few.atmos");
+        fs::remove(folder_ / "few.cdata");
+    }
+}
+
+// Faults: files, numbers and choices that no reader can use and nobody hears of; a warning that does not say where; a
+// cube map that GL refuses, shown as a checkerboard in silence; files looked for in no project.
+TEST_F(Program, WarnsOfWhatNoReaderCanUse) {
+    write(folder_ / "proj/workspace.mel", "//Maya 2010 Project Definition\n");
+    fs::create_directories(folder_ / "proj/build/Skies");
+    fs::copy(orvo::test::testData("textures/dxt1.dds"), folder_ / "proj/build/Skies/Plain.dds");
+    fs::copy(orvo::test::testData("skies/faces.dds"), folder_ / "proj/build/Skies/faces.dds");
+    const auto sky = [](const std::string& name, const char* type, const char* attribute, const char* path) {
+        return "createNode transform -n \"" + name + "T\" -p \"OrvoSkyData\";\ncreateNode " + type + " -n \"" + name +
+               "\" -p \"" + name + "T\";\nsetAttr \"." + attribute + "\" -type \"string\" \"build\\\\skies\\\\" + path +
+               "\";\n";
+    };
+    write(folder_ / "proj/named.ma",
+          smallScene + sky("gone", "orvosky_GradientSkyLocator", "gradientTexture", "gone.png") +
+              sky("flat", "orvosky_TexturedSkyLocator", "cubeMapTexture", "plain.dds") +
+              sky("cube", "orvosky_TexturedSkyLocator", "cubeMapTexture", "FACES.dds") +
+              sky("off", "orvosky_GradientSkyLocator", "gradientTexture", "off.png") +
+              "setAttr \".Enable\" no;\nsetAttr \"skyShape.zenithColour\" -type \"float3\" 0 nan 0;\n"
+              "setAttr \"setShape.cloudBackBufferRes\" 9;\n");
+    const auto takenIn = testing::AllOf(
+        HasSubstr("Warning: gone.gradientTexture names a file that is not there: build\\skies\\gone.png\n"),
+        HasSubstr(
+            "Warning: flat.cubeMapTexture names a file that OpenGL cannot take, since it is no DDS cube map in DXT1, "
+            "DXT3 or DXT5; a checkerboard is shown in its place: build\\skies\\plain.dds\n"),
+        HasSubstr("Warning: skyShape.zenithColour.zenithColourG is not a finite number\n"),
+        HasSubstr("Warning: setShape.cloudBackBufferRes is 9, which is none of its values\n"));
+    Outcome o = run({"export", "proj/named.ma", "proj/a.atmos", "--project", "proj"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_THAT(o.error, takenIn);
+    EXPECT_EQ(std::ranges::count(o.error, '\n'), 4) << o.error;
+    o = run({"render", "proj/named.ma", "a.png", "--project", "proj", "--size", "16x9"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_THAT(o.error, takenIn);
+    for (const char* command : {"export", "render"})
+        EXPECT_EQ(run({command, "proj/named.ma", "b.atmos", "--project", "proj", "--strict"}).status, 1);
+
+    write(folder_ / "proj/good.ma", smallScene +
+                                        sky("gone", "orvosky_GradientSkyLocator", "gradientTexture", "gone.png") +
+                                        sky("flat", "orvosky_TexturedSkyLocator", "cubeMapTexture", "plain.dds") +
+                                        sky("cube", "orvosky_TexturedSkyLocator", "cubeMapTexture", "FACES.dds"));
+    ASSERT_EQ(run({"export", "proj/good.ma", "proj/good.atmos", "--project", "proj"}).status, 0);
+    fs::copy(folder_ / "proj/good.atmos", folder_ / "away.atmos");
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"inspect", "proj/good.atmos"}, {"inspect", "away.atmos", "--project", "proj/"}}) {
+        o = run(arguments);
+        EXPECT_EQ(o.status, 0) << o.error;
+        EXPECT_THAT(o.error,
+                    testing::MatchesRegex(
+                        "Warning: [a-z/]*.atmos line [0-9]*, GradientSky 1: gradientTexture names a file that is "
+                        "not there: skies.gone.png\n"
+                        "Warning: [a-z/]*.atmos line [0-9]*, TexturedSky 1: texture names a file that OpenGL "
+                        "cannot take, since it is no DDS cube map in DXT1, DXT3 or DXT5: skies.plain.dds\n"));
+    }
+    EXPECT_EQ(run({"inspect", "proj/good.atmos", "--strict"}).status, 1);
+    EXPECT_THAT(run({"inspect", "away.atmos", "--strict"}).error, IsEmpty());
+}
+
+// Faults: a failure that does not say what lacks; a picture without its sky and without a word.
+TEST_F(Program, SaysWhatTheSkyLacks) {
+    const std::string renderer = "createNode transform -n \"r\";\ncreateNode orvosky_SkyRenderer -n \"rS\" -p \"r\";\n";
+    const std::string root = "createNode transform -n \"OrvoSkyData\";\n", head = "//Maya ASCII 2010 scene\n";
+    const std::string whole = smallScene;
+    const auto said = [&](const char* command, const std::string& scene) {
+        write(folder_ / "s.ma", scene);
+        const Outcome o = run({command, "s.ma", std::string(command) + ".atmos.png", "--size", "16x9"});
+        return o.error;
+    };
+    const auto exported = [&](const std::string& scene) {
+        write(folder_ / "s.ma", scene);
+        const Outcome o = run({"export", "s.ma", "a.atmos"});
+        EXPECT_EQ(o.status, 1);
+        return o.error;
+    };
+    EXPECT_THAT(exported(head + renderer), HasSubstr("a.atmos: the scene has no node named OrvoSkyData.\n"));
+    EXPECT_THAT(exported(whole + "createNode transform -n \"g\";\ncreateNode transform -n \"OrvoSkyData\" -p \"g\";\n"),
+                HasSubstr("a.atmos: the scene has 2 nodes named OrvoSkyData; there has to be one.\n"));
+    EXPECT_THAT(exported(head + root), HasSubstr("a.atmos: there are no sky nodes under OrvoSkyData.\n"));
+
+    const auto rendered = [&](const std::string& scene) { return said("render", scene); };
+    const std::string none = "Warning: The picture shows no sky of a sky renderer: ";
+    EXPECT_EQ(rendered(head), none + "the scene has no orvosky_SkyRenderer.\n");
+    for (const char* off : {"renderer1Shape.Enable", "renderer1.v"})
+        EXPECT_EQ(rendered(whole + "setAttr \"" + off + "\" no;\n"),
+                  none + "no orvosky_SkyRenderer of the scene is switched on and visible.\n");
+    EXPECT_EQ(rendered(head + renderer), none + "the scene has no node named OrvoSkyData.\n");
+    for (const char* off : {"skyShape.Enable\" no", "sky.v\" no", "OrvoSkyData.template\" yes"})
+        EXPECT_EQ(rendered(whole + "setAttr \"" + off + ";\n"),
+                  none + "nothing under OrvoSkyData is switched on and visible.\n");
+    EXPECT_EQ(rendered(whole), "");
 }
 
 // Fault: a picture that was not drawn taken for one.

@@ -20,7 +20,10 @@ TEST_P(HostileSceneTest, IsRefusedByNameAndNothingRuns) {
     for (std::size_t at; (at = text.find("TRACE")) != text.npos;) text.replace(at, 5, trace.string());
     std::vector<std::string> loaded;
     files::SceneReader::Options options;
-    options.loadPlugin = [&](const std::string& name) { loaded.push_back(name); };
+    options.loadPlugin = [&](const std::string& name) {
+        loaded.push_back(name);
+        return true;
+    };
     open("createNode transform -n \"a\";\n" + text + "\ncreateNode transform -n \"next\";\n", options);
     ASSERT_GE(messages.size(), 1u);
     EXPECT_THAT(messages[0], HasSubstr("test.ma line 2: "));

@@ -69,7 +69,8 @@ struct Inspection {
     std::string version = {}; ///< of the root element
     std::vector<Element> elements = {};
     std::optional<DataFile> data = {};
-    std::vector<std::string> notes = {}; ///< worth knowing, but no fault
+    std::vector<std::string> notes = {};    ///< worth knowing, but no fault
+    std::vector<std::string> warnings = {}; ///< of the files that it names
     Problems problems = {};
 };
 

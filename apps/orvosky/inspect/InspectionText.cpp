@@ -86,6 +86,7 @@ std::string asJson(const Inspection& found) {
     if (found.data)
         object["data"] = {{"file", found.data->file}, {"size", found.data->size}, {"endMark", found.data->endMark}};
     object["notes"] = found.notes;
+    object["warnings"] = found.warnings;
     object["problems"] = found.problems.texts();
     object["ok"] = found.problems.count() == 0;
     // A file's name may be of any bytes, JSON text may not.

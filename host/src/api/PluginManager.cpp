@@ -62,14 +62,19 @@ Plugin* PluginManager::find(const std::string& name) {
     return at == plugins_.end() ? nullptr : at->get();
 }
 
+std::filesystem::path PluginManager::fileOf(const std::string& bareName) const {
+    for (const auto& folder : folders_)
+        if (auto file = moduleFile(folder / bareName); !file.empty()) return file;
+    return {};
+}
+
+bool PluginManager::isThere(const std::string& bareName) { return find(bareName) || !fileOf(bareName).empty(); }
+
 Plugin& PluginManager::loadByBareName(const std::string& name) {
     if (name.empty() || name.find_first_of("/\\") != std::string::npos || name == "." || name == "..")
         throw scene::SceneError("Plug-in \"" + name + "\" is refused: a plug-in is loaded by its bare name.");
     if (Plugin* p = find(name)) return *p;
-    for (const auto& folder : folders_) {
-        const auto file = moduleFile(folder / name);
-        if (!file.empty()) return loadFile(file);
-    }
+    if (const auto file = fileOf(name); !file.empty()) return loadFile(file);
     throw scene::SceneError("Plug-in, \"" + name + "\", was not found on the plug-in search path.");
 }
 

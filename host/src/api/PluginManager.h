@@ -33,6 +33,8 @@ public:
     /// Loads by bare name (along the search path) or by path. Loading what is loaded does nothing.
     /// Throws scene::SceneError with a text for the user when it is not found or its initialisation fails.
     Plugin& load(const std::string& nameOrPath);
+    /// Whether a bare name is loaded, or is there on the search path.
+    bool isThere(const std::string& bareName);
     /// Loads by bare name alone: a name with a folder in it is refused.
     Plugin& loadByBareName(const std::string& name);
     /// Throws scene::SceneError when it is in use, unknown, or its clean-up fails.
@@ -43,6 +45,7 @@ public:
     const std::vector<std::unique_ptr<Plugin>>& loaded() const { return plugins_; }
 
 private:
+    std::filesystem::path fileOf(const std::string& bareName) const;
     Plugin& loadFile(const std::filesystem::path& file);
     std::vector<std::filesystem::path> folders_;
     std::vector<std::unique_ptr<Plugin>> plugins_;

@@ -21,23 +21,26 @@ using namespace scene;
 
 namespace {
 
-/// Warnings about single statements, each with its place; beyond a limit they are only counted.
+/// What is wrong with single statements, each with its place; beyond a limit it is only counted. What failed is not in
+/// the scene: those are errors.
 class Complaints {
 public:
     explicit Complaints(std::string file) : file_(std::move(file)) {}
 
-    void failed(const Statement& s, const std::string& text) { say(failed_, 50, s, text); }
-    void refused(const Statement& s, const std::string& text) { say(refused_, 20, s, text); }
-    void say(const std::string& text) { showWarning(file_ + ": " + text); }
+    void failed(const Statement& s, const std::string& text) { say(Severity::Error, failed_, 50, s, text); }
+    void refused(const Statement& s, const std::string& text) { say(Severity::Warning, refused_, 20, s, text); }
+    void say(const std::string& text, Severity severity = Severity::Warning) {
+        Messages::instance().send(severity, file_ + ": " + text);
+    }
     void finish() {
-        if (failed_ > 50) say(fmt::format("{} more statements failed.", failed_ - 50));
+        if (failed_ > 50) say(fmt::format("{} more statements failed.", failed_ - 50), Severity::Error);
         if (refused_ > 20) say(fmt::format("{} more statements were refused.", refused_ - 20));
     }
     int count() const { return failed_ + refused_; }
 
 private:
-    void say(int& count, int most, const Statement& s, const std::string& text) {
-        if (++count <= most) showWarning(fmt::format("{} line {}: {}", file_, s.line, text));
+    void say(Severity severity, int& count, int most, const Statement& s, const std::string& text) {
+        if (++count <= most) Messages::instance().send(severity, fmt::format("{} line {}: {}", file_, s.line, text));
     }
     std::string file_;
     int failed_ = 0, refused_ = 0;
@@ -486,21 +489,26 @@ void Reading::requires_(const Statement& s) {
         return;
     }
     if (missingPlugins_.contains(name)) return;
-    std::string reason = "it cannot be loaded here.";
+    std::string missing, failure;
     try {
         // A file names plug-ins; where they lie is for the user to say.
         if (name.empty() || name.find_first_of("/\\") != name.npos || name.find("..") != name.npos)
-            reason = "only a bare name is loaded.";
-        else if (options_.loadPlugin) {
-            options_.loadPlugin(name);
+            missing = "only a bare name is loaded.";
+        else if (!options_.loadPlugin)
+            missing = "it cannot be loaded here.";
+        else if (!options_.loadPlugin(name))
+            missing = "it was not found on the plug-in search path.";
+        else
             return;
-        }
     } catch (const SceneError& e) {
-        reason = e.what();
+        failure = e.what();
     }
     missingPlugins_.insert(name);
     scene_.requiredPlugins.insert(s.kept());
-    throw SceneError("The plug-in '" + name + "' is required: " + reason);
+    const std::string text = "The plug-in '" + name + "' is required: ";
+    if (!failure.empty()) throw SceneError(text + failure);
+    // Scenes require plug-ins of all kinds that have nothing to do with what they are opened for.
+    complaints_.refused(s, text + missing);
 }
 
 void Reading::fileInfo(const Statement& s) {

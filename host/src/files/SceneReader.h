@@ -17,7 +17,9 @@ namespace host::files {
 /// else: its statements never reach the script language. Anything else in it (procedures, control flow, expressions,
 /// commands, references to other files) is skipped with a warning that names it. What the file says of node types,
 /// attributes and data that are not known here is kept with the scene, so that saving loses nothing; one warning
-/// counts it. Nothing is changed when the file cannot be read or is cut off: its syntax is checked first.
+/// counts it. A statement that the file may make and that fails, such as a value beyond an attribute's limits, is an
+/// error; the next one follows all the same. Nothing is changed when the file cannot be read or is cut off: its syntax
+/// is checked first.
 class SceneReader {
 public:
     struct Options {
@@ -26,8 +28,8 @@ public:
         bool import = false;
         /// Put before the names of imported nodes, such as "props:" or "left_".
         std::string prefix;
-        /// Loads a plug-in by its bare name; throws SceneError when it is not to be had.
-        std::function<void(const std::string& name)> loadPlugin;
+        /// Loads a plug-in by its bare name; false when there is none of that name. Throws SceneError when it fails.
+        std::function<bool(const std::string& name)> loadPlugin;
     };
     struct Result {
         std::vector<scene::NodePtr> created; ///< in the order of the file

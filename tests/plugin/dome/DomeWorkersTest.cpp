@@ -147,7 +147,8 @@ TEST_F(DomeWorkers, RunInBatchesOf64) {
     EXPECT_THAT(counting.batches, ElementsAre(64, 64, 22));
 }
 
-// Catches a cloud that is lost, and threads that are left running, when a thread cannot be started.
+// Catches clouds that are lost, and threads that are left running, when a thread cannot be started or runs out of
+// memory.
 TEST_F(DomeWorkers, WaitForTheOpenBatchWhenAThreadCannotBeStarted) {
     CountingStarter atMostFive;
     atMostFive.refuse = [](int alive, int) { return alive == 5; };
@@ -158,15 +159,19 @@ TEST_F(DomeWorkers, WaitForTheOpenBatchWhenAThreadCannotBeStarted) {
 
     CountingStarter never;
     never.refuse = [](int, int) { return true; };
-    const DomeGeneration none = generate(13, never);
-    EXPECT_EQ(none.started, 0u);
-    EXPECT_TRUE(none.clouds.empty());
+    const DomeGeneration alone = generate(13, never);
+    EXPECT_EQ(alone.started, 13u);
+    expectSame(alone.clouds, crowded.clouds);
 
     CountingStarter untilSeven;
     untilSeven.refuse = [](int, int calls) { return calls >= 7; };
     const DomeGeneration some = generate(13, untilSeven);
-    EXPECT_EQ(some.started, 7u);
-    expectSame(some.clouds, generate(7).clouds);
+    expectSame(some.clouds, crowded.clouds);
+    EXPECT_EQ(crowded.failed + alone.failed + some.failed, 0u);
+
+    // Threads that do nothing stand for those that ran out of memory beside the others.
+    const DomeGeneration again = generate(13, [](const std::function<void()>&) { return std::jthread(); });
+    expectSame(again.clouds, crowded.clouds);
 }
 
 // Catches empty clouds in the list, a memory count without the padding or after the scaling, and counts of clouds that

@@ -123,6 +123,30 @@ protected:
     fs::path folder_;
 };
 
+// Faults: an element that says of self-shadow what the parameters are by now, beside records that were made before; an
+// old cloud exported in silence; an update that leaves it old, or makes it again for nothing.
+TEST_F(ParticleCloudScene, AnOldCloudIsExportedAsWhatItIs) {
+    shading();
+    wholeCloud();
+    must("setAttr puff.autoUpdate 0; setAttr \"OrvoSkyData.v\" 0; setAttr shadingShape.selfShadowAmount 0.25");
+    for (const bool shadow : {true, false}) {
+        must("setAttr shadingShape.enableSelfShadow " + number(shadow) + "; orvosky_UpdateSkySystemCommand");
+        must("setAttr shadingShape.enableSelfShadow " + number(!shadow));
+        log_.clear();
+        const std::string atmos = exported();
+        EXPECT_THAT(log_.all(), testing::Contains("Warning: ParticleCloud::SaveToXML:  [puff] is out of date: it is "
+                                                  "exported as it was last generated\n"));
+        const double sprites = values(atmos, "numSprites").at(0);
+        EXPECT_EQ(fs::file_size(folder_ / "sky.cdata"), sprites * (shadow ? 16 : 8) + 1);
+        EXPECT_THAT(values(atmos, "cloudSelfShadowEnable"), ElementsAre(shadow));
+        EXPECT_EQ(values(atmos, "cloudSelfShadowAmount"), shadow ? std::vector{0.25} : std::vector<double>());
+    }
+    must("orvosky_UpdateSkySystemCommand");
+    log_.clear();
+    EXPECT_THAT(values(exported(), "cloudSelfShadowEnable"), ElementsAre(1));
+    EXPECT_THAT(log_.all(), ElementsAre(StartsWith("Info: SaveSkySystemToXML:  Export to file")));
+}
+
 // Faults: a failed gathering that says nothing, the wrong thing or without its place, or that stops at one bad shape.
 TEST_F(ParticleCloudScene, SaysWhyItCannotGather) {
     shading();

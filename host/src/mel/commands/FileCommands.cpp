@@ -19,7 +19,12 @@ namespace {
 
 files::Workspace& workspace() { return Host::instance().workspace(); }
 
-void loadPlugin(const std::string& name) { Host::instance().plugins().loadByBareName(name); }
+bool loadPlugin(const std::string& name) {
+    auto& plugins = Host::instance().plugins();
+    if (!plugins.isThere(name)) return false;
+    plugins.loadByBareName(name);
+    return true;
+}
 
 std::string lowerExtension(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension().string();
@@ -325,7 +330,7 @@ Value requirePlugin(Call& call) {
     const ParsedArguments a(call, {{"nt", "nodeType", 1}, {"dt", "dataType", 1}});
     const auto names = a.names();
     if (names.empty()) throw Error("requires needs the name of a plug-in.");
-    if (names[0] != "maya") loadPlugin(names[0]);
+    if (names[0] != "maya") Host::instance().plugins().loadByBareName(names[0]);
     return {};
 }
 
