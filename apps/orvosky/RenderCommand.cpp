@@ -106,7 +106,10 @@ int renderCommand(const CommonOptions& common, const RenderOptions& options) {
                 host::showWarning("The picture shows no sky of a sky renderer: " + why + ".");
         if (!view->render(&error)) throw Failure("Cannot render " + options.picture + ": " + error);
         watch.requireNoErrors("Nothing was rendered to " + options.picture);
-        if (!view->picture().write(options.picture, &error)) throw Failure(error);
+        host::viewport::Picture picture = view->picture();
+        picture.origin = {.software = "orvosky " ORVOSKY_VERSION,
+                          .scene = std::filesystem::path(options.scene).filename().string()};
+        if (!picture.write(options.picture, &error)) throw Failure(error);
         host::showInfo("Rendered " + options.picture + " (" + std::to_string(options.width) + " x " +
                        std::to_string(options.height) + ", camera " + options.camera + ").");
         watch.finish(options.picture + " was written");

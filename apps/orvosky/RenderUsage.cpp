@@ -65,6 +65,7 @@ Subcommand addRender(CLI::App& program, CommonOptions& common) {
     app->footer(
         helpFoot({.examples = "  orvosky render scenes/dusk.ma dusk.png\n"
                               "  orvosky render scenes/dusk.ma dusk.exr --size 1920x1080 --camera horizon\n"
+                              "  orvosky render scenes/dusk.ma red.png --set duskSkyShape.sunColour=1,0.2,0.1\n"
                               "  orvosky render my.mel my.png --look 135,20 --fov 75\n",
                   .exitStatuses = "  0  the picture is there\n"
                                   "  1  it is not: an earlier picture is still there as it was; with --keep-going,\n"

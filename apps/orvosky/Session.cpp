@@ -1,11 +1,14 @@
 #include "Session.h"
 
+#include "AttributeSettings.h"
+
 #include "Host.h"
 #include "api/PluginManager.h"
 #include "base/Messages.h"
 #include "files/FileError.h"
 #include "files/SceneReader.h"
 #include "files/Workspace.h"
+#include "mel/commands/Commands.h"
 #include "scene/Scene.h"
 
 #include <cstdlib>
@@ -26,7 +29,7 @@ Failure scriptFailure(const host::mel::Error& e) { return Failure(e.silent ? std
 
 } // namespace
 
-Session::Session(const CommonOptions& common, const fs::path& scene) {
+Session::Session(const CommonOptions& common, const fs::path& scene) : settings_(common.settings) {
     const fs::path program = programFolder();
     const fs::path tools = program.parent_path() / "share" / "orvosky";
     setenv("ORVOSKY_TOOL_ROOT", (tools.string() + "/").c_str(), 1);
@@ -49,13 +52,17 @@ Session::Session(const CommonOptions& common, const fs::path& scene) {
     host.runUserSetup();
 }
 
-Session::~Session() { host::Host::instance().scene().reset(); }
+Session::~Session() {
+    host::mel::doAfterOpening({});
+    host::Host::instance().scene().reset();
+}
 
 void Session::openScene(const fs::path& scene) {
     host::Host& host = host::Host::instance();
     const std::string extension = scene.extension().string();
     if (extension == ".mel") {
         runScript(scene, {});
+        applySettings(settings_);
         return;
     }
     if (extension == ".mb")
@@ -68,6 +75,24 @@ void Session::openScene(const fs::path& scene) {
     } catch (const host::mel::Error& e) {
         throw Failure(e.what());
     }
+    applySettings(settings_);
+}
+
+void Session::applySettingsToOpenedScenes() {
+    if (settings_.empty()) return;
+    host::mel::doAfterOpening([this] {
+        applied_ = true;
+        try {
+            applySettings(settings_);
+        } catch (const Failure& e) {
+            throw host::mel::Error(e.what());
+        }
+    });
+}
+
+void Session::requireSettingsApplied() const {
+    if (!settings_.empty() && !applied_)
+        throw Failure("--set " + settings_.front() + " was not applied: the script opened no scene.");
 }
 
 void Session::runScript(const fs::path& script, const std::vector<std::string>& arguments) {

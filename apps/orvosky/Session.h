@@ -18,6 +18,7 @@ enum ExitStatus : int { kWorked = 0, kFailed = 1, kWrongUsage = 2 };
 struct CommonOptions {
     std::string project;   ///< workspace root; empty: found from the scene or the current folder upward
     bool noPlugin = false; ///< run the bare host
+    std::vector<std::string> settings; ///< for applySettings, after a scene was opened
 };
 
 /// The host as the program runs it: workspace and search paths set, plug-in loaded, userSetup.mel sourced.
@@ -31,18 +32,26 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Opens a Maya ASCII scene, or runs a MEL script that builds one. Throws Failure.
+    /// Opens a Maya ASCII scene, or runs a MEL script that builds one; then applies the settings. Throws Failure.
     void openScene(const std::filesystem::path& scene);
     /// Runs a script file. Throws Failure with the place of the error.
     void runScript(const std::filesystem::path& script, const std::vector<std::string>& arguments);
     /// Runs script text given on the command line.
     void runText(const std::string& text, const std::vector<std::string>& arguments);
+    /// Applies the settings to every scene that a script opens from now on; what is wrong with one fails the script.
+    void applySettingsToOpenedScenes();
+    /// Throws Failure when there are settings, and no scene was opened for them.
+    void requireSettingsApplied() const;
     /// Calls a command or procedure with text arguments. Throws Failure.
     void call(const std::string& name, const std::vector<std::string>& arguments);
     /// Brings the scene's sky nodes up to date, as they have to be before they are exported or drawn. What goes wrong
     /// with one is reported and leaves it as it is. @return the text of a failure, which is mostly told already; else
     /// empty
     std::string bringUpToDate();
+
+private:
+    std::vector<std::string> settings_;
+    bool applied_ = false;
 };
 
 /// Runs a subcommand's work: reports a Failure, and whatever else is thrown, as an error.

@@ -47,6 +47,15 @@ void addCommonOptions(CLI::App& line, CommonOptions& options) {
                     "current\n"
                     "one, else the current one)")
         ->option_text("DIR");
+    line.add_option_function<std::vector<std::string>>(
+            "--set",
+            [&options](const std::vector<std::string>& given) {
+                options.settings.insert(options.settings.end(), given.begin(), given.end());
+            },
+            "Set an attribute after the scene was opened; may be given\nagain. Numbers of a compound are separated by "
+            "commas, a field\nof an enumeration is given by its name or number")
+        ->option_text("NODE.ATTR=VALUE")
+        ->allow_extra_args(false);
     line.add_flag("--no-plugin", options.noPlugin, "Do not load the plug-in");
 }
 

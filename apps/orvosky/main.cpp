@@ -16,7 +16,7 @@ namespace {
 using namespace orvosky;
 
 /// Whether an option's value is the next word.
-bool valueFollows(const std::string& word) { return word == "-e" || word == "--project"; }
+bool valueFollows(const std::string& word) { return word == "-e" || word == "--project" || word == "--set"; }
 
 /// Where the subcommand stands: the first word that is neither an option nor an option's value.
 std::size_t subcommandAt(const std::vector<std::string>& words) {

@@ -99,7 +99,7 @@ std::string realText(const Conversion& c, double value) {
         std::to_chars(digits.data(), digits.data() + digits.size(), std::fabs(value), style, precision).ptr;
     std::string body(digits.data(), end);
     if (c.letter != lower) toUpper(body);
-    return padded(c, signText(c, std::signbit(value)), body, c.zeros && std::isfinite(value));
+    return padded(c, signText(c, std::signbit(value) && !std::isnan(value)), body, c.zeros && std::isfinite(value));
 }
 
 /// Nothing when the conversion is not for such an argument.

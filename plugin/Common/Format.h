@@ -9,7 +9,8 @@
 #include <variant>
 
 /// printf-style text that is the same in every locale of the process: byte for byte what C's printf gives in the "C"
-/// locale. Every number that the plug-in writes or shows goes through here.
+/// locale, but that "nan" never has a minus sign: which sign a division by zero gives it is the processor's whim. Every
+/// number that the plug-in writes or shows goes through here.
 namespace orvo {
 
 /// One argument of a format, with its own type: a conversion never reads memory that is not the argument's.

@@ -46,7 +46,4 @@ private:
     bool failed_ = false;
 };
 
-/// Text as the value of an attribute in double quotes: & < > and " become entities.
-std::string xmlEscaped(std::string_view text);
-
 } // namespace orvo

@@ -42,10 +42,10 @@ public:
         if (room() < kLongestNumber) flush();
         at_ = std::to_chars(at_, at_ + kLongestNumber, static_cast<std::int32_t>(value)).ptr;
     }
-    /// As printf's "%f" writes it in the "C" locale.
+    /// As formatText's "%f" writes it.
     void real(double value) {
         if (room() < kLongestNumber) flush();
-        if (std::signbit(value)) *at_++ = '-';
+        if (std::signbit(value) && !std::isnan(value)) *at_++ = '-';
         value = std::fabs(value);
         if (!std::isfinite(value)) return text(std::isnan(value) ? "nan" : "inf");
         if (!common(value)) at_ = std::to_chars(at_, at_ + kLongestNumber, value, std::chars_format::fixed, 6).ptr;

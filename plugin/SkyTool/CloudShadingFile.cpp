@@ -1,5 +1,6 @@
 #include "CloudShadingFile.h"
 
+#include "../Common/XmlText.h"
 #include "CloudLibrary.h"
 
 namespace orvo {

@@ -4,7 +4,9 @@
 #include "../Common/MayaUtils.h"
 #include "ViewQuad.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace orvo {
 namespace {
@@ -102,8 +104,11 @@ void ExpHeightFogLocator::render(M3dView& view) {
     drawViewQuad(view, node, *program, fogQuadStyle, {}, [&](const Vector3& eyePoint) {
         setUniform(*program, "eyePoint", eyePoint);
         setUniform(*program, "fogDensity", readDouble(node, fogDensity) / 100000.0);
-        setUniform(*program, "fogValue",
-                   expHeightFogValue(readDouble(node, fogHeight), readDouble(node, fogHeightOffset), eyePoint.y));
+        // Far above the fog the value is too small for single precision, and 0 divided by 0 is no fog's depth: a ray
+        // that does not rise leads through fog without end, however thin.
+        const double value =
+            expHeightFogValue(readDouble(node, fogHeight), readDouble(node, fogHeightOffset), eyePoint.y);
+        setUniform(*program, "fogValue", std::max(value, double(std::numeric_limits<float>::min())));
         setUniform(*program, "fogColour", readFloat3(node, fogColour));
         setUniform(*program, "fogAlpha", readDouble(node, fogAlpha));
     });

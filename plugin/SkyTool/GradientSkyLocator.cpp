@@ -2,6 +2,7 @@
 
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaUtils.h"
+#include "../Common/XmlText.h"
 #include "BasicSkyParams.h"
 #include "ViewQuad.h"
 

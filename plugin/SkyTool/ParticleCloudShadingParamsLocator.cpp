@@ -3,6 +3,7 @@
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaUtils.h"
 #include "../Common/Paths.h"
+#include "../Common/XmlText.h"
 #include "CloudLibrary.h"
 #include "CloudShadingFile.h"
 

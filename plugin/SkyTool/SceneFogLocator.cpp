@@ -96,6 +96,9 @@ std::unique_ptr<TriMesh> meshOf(const MPlug& outMesh, const MDagPath& path) {
         const MPoint world = MPoint(p.x, p.y, p.z) * toWorld;
         p = {world.x, world.y, world.z};
     }
+    // Mirroring turns the winding, from which normals are made, but not the side of the ground that one stands on.
+    if (toWorld.det3x3() < 0)
+        for (auto& triangle : made->triangles) std::swap(triangle[1], triangle[2]);
     return made;
 }
 

@@ -3,6 +3,7 @@
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaUtils.h"
 #include "../Common/TriMeshXml.h"
+#include "../Common/XmlText.h"
 #include "ViewQuad.h"
 
 #include <algorithm>

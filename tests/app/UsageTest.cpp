@@ -25,8 +25,8 @@ TEST_F(Program, HelpTellsAllThatASubcommandTakes) {
         EXPECT_THAT(o.out, HasSubstr("\nExit status:\n  0  "));
         for (const std::string& word : words) EXPECT_THAT(o.out, HasSubstr(word)) << subcommand;
         if (subcommand == "inspect") continue;
-        for (const char* word : {"--project DIR", "--no-plugin", "MAYA_SCRIPT_PATH", "MAYA_PLUG_IN_PATH",
-                                 "ORVOSKY_NO_GL", "ORVOSKY_TOOL_ROOT"})
+        for (const char* word : {"--project DIR", "--no-plugin", "--set NODE.ATTR=VALUE", "MAYA_SCRIPT_PATH",
+                                 "MAYA_PLUG_IN_PATH", "ORVOSKY_NO_GL", "ORVOSKY_TOOL_ROOT"})
             EXPECT_THAT(o.out, HasSubstr(word)) << subcommand;
     }
     EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
@@ -69,6 +69,54 @@ TEST_F(Program, MessagesHoldNoControlCharacters) {
     EXPECT_EQ(o.status, 1);
     EXPECT_THAT(o.error, testing::Not(HasSubstr("\x1b")));
     EXPECT_THAT(o.error, HasSubstr("\\x1B]0;owned\\x07.ma"));
+}
+
+struct SetCase {
+    std::vector<std::string> settings;
+    const char* wanted; ///< in the export, or in the error
+};
+
+// Faults: a setting that is lost, taken for another value, or set in a scene that is drawn before it.
+TEST_F(Program, SetsAttributesOfTheOpenedScene) {
+    const SetCase good[] = {
+        {{"skyShape.zenithColour=0.25,-0.5,1e-1"}, "zenithColour = \"0.250000 -0.500000 0.100000\""},
+        {{"skyShape.sunEnable=off"}, "sunEnable = \"0\""},
+        {{"setShape.cloudBackBufferRes=Quarter"}, "cloudBackBufferRes  = \"2\""},
+        {{"setShape.cloudBackBufferRes=1"}, "cloudBackBufferRes  = \"1\""},
+        {{"skyShape.sunIntensity=2", "skyShape.sunIntensity=3.5"}, "sunIntensity  = \"3.500000\""},
+        {{"|OrvoSkyData|sky|skyShape.horizonColourR=0.5"}, "horizonColour = \"0.500000 "}};
+    for (const SetCase& c : good) {
+        std::vector<std::string> words{"export", "small.ma", "a.atmos"};
+        for (const std::string& setting : c.settings) words.insert(words.end(), {"--set", setting});
+        EXPECT_EQ(run(words).status, 0) << run(words).error;
+        EXPECT_THAT(content(folder_ / "a.atmos"), HasSubstr(c.wanted));
+    }
+    fs::remove(folder_ / "a.atmos");
+    const SetCase bad[] = {
+        {{"nobody.v=1"}, "--set nobody.v=1: there is no node nobody.\n"},
+        {{"skyShape.colour=1"}, "skyShape has no attribute colour.\n"},
+        {{"skyShape.zenithColour=1,2"}, "it takes 3 numbers, separated by commas.\n"},
+        {{"skyShape.sunIntensity=bright"}, "it takes a number.\n"},
+        {{"skyShape.sunIntensity=9"}, "--set skyShape.sunIntensity=9: "}, // beyond its limit
+        {{"skyShape.sunEnable=2"}, "it takes on or off.\n"},
+        {{"setShape.cloudBackBufferRes=Fifth"}, "it takes one of Half (0), Third (1), Quarter (2).\n"},
+        {{"skyShape"}, "give it as NODE.ATTR=VALUE.\n"}};
+    for (const SetCase& c : bad) {
+        const Outcome o = run({"export", "--set", c.settings[0], "small.ma", "a.atmos"});
+        EXPECT_EQ(o.status, 1) << c.settings[0];
+        EXPECT_THAT(o.error, HasSubstr(c.wanted));
+        EXPECT_FALSE(fs::exists(folder_ / "a.atmos"));
+    }
+    // A script's scene is set as soon as it is open; texts are taken as they are.
+    write(folder_ / "noted.ma",
+          std::string(smallScene) +
+              "createNode transform -n \"note\";\n\taddAttr -ci true -sn \"nts\" -ln \"notes\" -dt "
+              "\"string\";\n");
+    EXPECT_EQ(
+        run({"run", "--set", "note.notes=a=b, c", "-e", "file -f -open \"noted.ma\"; print `getAttr note.notes`;"}).out,
+        "a=b, c");
+    EXPECT_THAT(run({"run", "--set", "note.notes=x", "-e", "print 1;"}).error,
+                HasSubstr("--set note.notes=x was not applied: the script opened no scene.\n"));
 }
 
 } // namespace

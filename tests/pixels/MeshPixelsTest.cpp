@@ -310,21 +310,23 @@ TEST_F(FogPixels, FollowsItsFormula) {
         {.start = 20, .end = 90, .alpha = 0.6, .colour = {0.9, 0.6, 0.3}, .sunDir = {0.5, 0.3, -1}},
         {.start = 300, .end = 30, .ground = {1, 0.8, 0.2}, .sunDir = {0, -1, 0}}, // the other way round
         {.start = 50, .end = 50, .colour = {0, 0, 1}}};
-    for (const Fog& f : cases) {
-        host::Host::instance().scene().reset();
-        run("createNode transform -n OrvoSkyData; createNode transform -n set -p OrvoSkyData;"
-            "createNode orvosky_SkyRenderer;");
-        makeGround();
-        // Neither what is hidden counts, nor what lies below, nor a height fog (in front of some of it) that has no
-        // depth.
-        makeGround("hidden");
-        makeGround("zDeep");
-        run("setAttr hiddenT.t 0 500 0; setAttr hiddenT.v 0; setAttr zDeepT.ty -900; createNode transform -n h -p "
-            "OrvoSkyData; createNode orvosky_ExpHeightFog -n height -p h; setAttr height.fogAlpha 0.0001");
-        make(f);
-        EXPECT_LE(worstOf(f, draw("0 700 0")), 1) << f.start << " to " << f.end;
-        EXPECT_EQ(number("xeli.snapMeshForm"), 4);
-    }
+    for (const char* scale : {"1 1 1", "-1 1 1", "1 1 -2"})
+        for (const Fog& f : cases) {
+            host::Host::instance().scene().reset();
+            run("createNode transform -n OrvoSkyData; createNode transform -n set -p OrvoSkyData;"
+                "createNode orvosky_SkyRenderer;");
+            makeGround();
+            // Neither what is hidden counts, nor what lies below, nor a height fog (in front of some of it) that has no
+            // depth.
+            makeGround("hidden");
+            makeGround("zDeep");
+            run("setAttr hiddenT.t 0 500 0; setAttr hiddenT.v 0; setAttr zDeepT.ty -900; createNode transform -n h -p "
+                "OrvoSkyData; createNode orvosky_ExpHeightFog -n height -p h; setAttr height.fogAlpha 0.0001");
+            run(std::string("setAttr xeliT.s ") + scale); // a mirrored ground still faces up
+            make(f);
+            EXPECT_LE(worstOf(f, draw("0 700 0")), 1) << f.start << " to " << f.end << ", scaled by " << scale;
+            EXPECT_EQ(number("xeli.snapMeshForm"), 4);
+        }
 }
 
 // Catches a crash or a lost setting for locators that are not as they should be, and messages about them.

@@ -172,6 +172,28 @@ TEST_F(SkyPixels, HeightFogComposesOverTheSky) {
     }
 }
 
+// Fault: fog that lies so far below the eye that nothing divided by nothing gives the rays that do not rise no fog.
+TEST_F(SkyPixels, HeightFogFarBelowHidesWhatIsBelowTheHorizon) {
+    Fog fog;
+    fog.height = 1; // metre
+    fog.alpha = 0.8;
+    fog.colour = {1, 0.5, 0.25};
+    const Sky sky;
+    for (const double height : {15000.0, 100000.0}) { // the depth is too small for single, then for double precision
+        SetUp();
+        make(sky);
+        make(fog);
+        const Camera c{{0, height, 0}, -5, 30, 35, 96, 54};
+        EXPECT_LE(worst(draw(c, 1, 1e6), c,
+                        [&](const V3& v) {
+                            const V3 behind = sky.colour(v);
+                            return v.y > 0 ? behind : behind * (1 - fog.alpha) + fog.colour * fog.alpha;
+                        }),
+                  1)
+            << height;
+    }
+}
+
 // Faults: a quad that the far plane or the depth buffer cuts at other clipping distances.
 TEST_F(SkyPixels, ClippingDistancesDoNotMatter) {
     const Sky sky;

@@ -75,6 +75,27 @@ TEST_F(PictureTest, FormatsWithoutAlphaDropIt) {
     EXPECT_TRUE(sample().write((folder / "a.exr").string(), &error)) << error;
 }
 
+// Faults: values that a reader takes for linear light, a picture that does not say where it comes from, bytes that
+// differ with the time of day, notes that make a file unreadable.
+TEST_F(PictureTest, FilesOfFloatsSayWhatTheyHold) {
+    Picture picture(2, 1, 3);
+    picture.pixels = {255, 0, 128, 64, 0, 255};
+    picture.origin = {.software = "orvosky 9.9", .scene = "dusk\n.ma"};
+    for (const char* name : {"a.exr", "a.hdr"}) {
+        const auto path = (folder / name).string();
+        ASSERT_TRUE(picture.write(path, &error)) << error;
+        const auto file = bytesOf(path);
+        const std::string text(file.begin(), file.end());
+        for (const char* told : {"sRGB", "display-referred", "not linear light", "orvosky 9.9", "dusk"})
+            EXPECT_THAT(text, HasSubstr(told)) << name;
+        EXPECT_THAT(text, testing::Not(testing::ContainsRegex("[0-9]{4}:[0-9]{2}:[0-9]{2}"))) << name;
+        const auto back = Picture::read(path, &error);
+        ASSERT_TRUE(back) << error;
+        for (std::size_t i = 0; i < picture.pixels.size(); ++i)
+            EXPECT_NEAR(back->pixels[i], picture.pixels[i], 1) << name;
+    }
+}
+
 // Fault: grey images refused, or spread wrongly over the channels. A binary PGM of two pixels.
 TEST_F(PictureTest, GreyImagesBecomeGreyPictures) {
     const auto path = (folder / "grey.pgm").string();

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,11 +20,17 @@ constexpr bool credible(std::uint64_t fileBytes, std::uint64_t pixels) {
     return pixels <= (1u << 22) || pixels / 16384 <= fileBytes;
 }
 
+/// One line about a picture, in a file that holds more than pixels.
+struct Note {
+    std::string name, text; ///< as "Software" and the program's name; a name is letters alone
+};
+
 /// Pixels in memory: rows of 8-bit or float channels side by side, without padding.
 struct PixelRows {
     int width = 0, height = 0, channels = 0;
     bool floats = false;
     const void* data = nullptr;
+    std::span<const Note> notes{}; ///< written where values are floats, whose meaning a file does not tell: exr and hdr
 };
 
 /// An image file that is open for reading.

@@ -66,6 +66,18 @@ std::unique_ptr<OIIO::ImageOutput> writerFor(const std::string& path) {
     return output && output->supports("ioproxy") ? std::move(output) : nullptr;
 }
 
+/// Puts notes behind the first line of a Radiance picture, whose writer knows none.
+void addNotes(std::span<const Note> notes, std::vector<unsigned char>& file) {
+    std::string lines;
+    for (const Note& note : notes) {
+        lines += note.name == "Software" ? "SOFTWARE=" : "# " + note.name + ": ";
+        for (const char c : note.text) lines += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
+        lines += '\n';
+    }
+    const auto end = std::find(file.begin(), file.end(), '\n');
+    if (end != file.end()) file.insert(end + 1, lines.begin(), lines.end());
+}
+
 class Reader final : public ImageReader {
 public:
     explicit Reader(std::vector<unsigned char> file) : file_(std::move(file)), bytes_(file_.data(), file_.size()) {}
@@ -138,12 +150,18 @@ public:
         const bool dropAlpha = pixels.channels % 2 == 0 && !output->supports("alpha");
         OIIO::ImageSpec spec(pixels.width, pixels.height, pixels.channels - (dropAlpha ? 1 : 0), typeOf(pixels.floats));
         keepAlphaApart(spec);
+        const std::string_view format = output->format_name();
+        if (format == "openexr") {
+            for (const Note& note : pixels.notes) spec.attribute(note.name, note.text);
+            spec.attribute("DateTime", ""); // else the time of writing, and the same picture has other bytes each time
+        }
         if (!output->set_ioproxy(&memory) || !output->open(path, spec)) return reasonOf(output->geterror());
         const auto pixelStep = static_cast<OIIO::stride_t>(pixels.channels * (pixels.floats ? sizeof(float) : 1));
         const bool written =
             output->write_image(typeOf(pixels.floats), pixels.data, pixelStep, pixelStep * pixels.width);
         std::string reason = written ? "" : reasonOf(output->geterror());
         if (!output->close() && reason.empty()) reason = reasonOf(output->geterror());
+        if (format == "hdr") addNotes(pixels.notes, file);
         return reason;
     }
 

@@ -51,8 +51,13 @@ bool Picture::write(const std::string& path, std::string* error) const {
     }
     try {
         std::vector<unsigned char> file;
+        const images::Note notes[] = {
+            {"ColorSpace", "sRGB"},
+            {"ImageDescription", "display-referred picture of 8 bits a channel, 255 stored as 1.0; not linear light"},
+            {"Software", origin.software},
+            {"DocumentName", origin.scene}};
         const std::string reason =
-            images::imageCodec().encode(path, {width, height, channels, false, pixels.data()}, file);
+            images::imageCodec().encode(path, {width, height, channels, false, pixels.data(), notes}, file);
         if (!reason.empty()) return fail(reason);
         base::replaceFile(path, {reinterpret_cast<const char*>(file.data()), file.size()});
         return true;

@@ -16,6 +16,12 @@ public:
     /// A black, fully transparent picture; sizes of 0 or more, `channels` 3 or 4.
     Picture(int width, int height, int channels);
 
+    /// What `write` tells of the picture in a file of floats, beside its colour space: its origin.
+    struct Origin {
+        std::string software; ///< name and version of the program that made it
+        std::string scene;    ///< what it shows: a file's name
+    };
+
     /// What keeps a picture from being written to `path`, as far as that can be known before there is one: an unknown
     /// extension, a folder that is missing or not writable, a file that cannot be replaced. Empty when nothing does.
     static std::string refusal(const std::string& path);
@@ -24,6 +30,9 @@ public:
     /// writes; alpha is dropped where the format has none). The file takes its place
     /// when it is complete and on the disk, so a failure leaves an earlier picture as it was. False with a text in
     /// `error`, when given, for an empty picture, what refusal() says, or a full disk.
+    ///
+    /// The values are those of the 8 bits in every format, 255 being 1.0: made for a display, as sRGB has them. In exr
+    /// and hdr files, which one would take for linear light, a note says so, and `origin` is told.
     bool write(const std::string& path, std::string* error = nullptr) const;
 
     /// Reads an image of any format that OpenImageIO knows; values are brought to 8 bits, one and two channels
@@ -40,6 +49,7 @@ public:
     int width = 0, height = 0;
     int channels = 3;
     std::vector<std::uint8_t> pixels; ///< width x height x channels bytes
+    Origin origin;
 };
 
 } // namespace host::viewport

@@ -116,8 +116,3 @@ TEST(OutputFile, ReplacesAFileOnlyByAWholeOne) {
         EXPECT_FALSE(OutputFile(none.string(), "wt", OutputFile::Earlier::Replaced).isOpen()) << none;
     fs::remove_all(folder);
 }
-
-TEST(OutputFile, XmlEscapesWhatMarkupWouldTake) {
-    EXPECT_EQ(xmlEscaped("a<b> & \"c\" 'd' \xc3\xa4"), "a&lt;b&gt; &amp; &quot;c&quot; 'd' \xc3\xa4");
-    EXPECT_EQ(xmlEscaped("&amp;"), "&amp;amp;");
-}

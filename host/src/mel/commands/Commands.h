@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 namespace host::mel {
 
 class Interpreter;
@@ -28,6 +30,10 @@ void registerNodeStatementCommands(Interpreter& interpreter);
 /// Registers all of the above, and lets the interpreter's hooks group what it does into undo steps: a top-level
 /// statement is one step, a command within it one entry.
 void registerSceneCommands(Interpreter& interpreter);
+
+/// What is done each time that `file -open` has opened a scene, before the command answers. It may throw Error, which
+/// is then the command's. Empty for nothing.
+void doAfterOpening(std::function<void()> work);
 
 /// loadPlugin, unloadPlugin, pluginInfo, optionVar.
 void registerPluginCommands(Interpreter& interpreter);

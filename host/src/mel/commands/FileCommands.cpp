@@ -40,6 +40,11 @@ void requireAsciiScene(const std::string& path) {
     throw Error(path + ": files of the type '" + extension + "' are not supported; only Maya ASCII scenes are.");
 }
 
+std::function<void()>& afterOpening() {
+    static std::function<void()> work;
+    return work;
+}
+
 files::SceneReader::Result readScene(const std::string& path, files::SceneReader::Options options) {
     requireAsciiScene(path);
     options.loadPlugin = loadPlugin;
@@ -171,6 +176,7 @@ Value file(Call& call) {
         const std::string path = workspace().findScene(name());
         readScene(path, {});
         scene.fileName = path;
+        if (const auto work = afterOpening()) work();
         return path;
     }
     if (a.has("i")) return importFile(a, workspace().findScene(name()));
@@ -335,6 +341,8 @@ Value requirePlugin(Call& call) {
 }
 
 } // namespace
+
+void doAfterOpening(std::function<void()> work) { afterOpening() = std::move(work); }
 
 void registerFileCommands(Interpreter& interpreter) {
     registerSceneCommand(interpreter, "file", file);
