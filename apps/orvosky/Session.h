@@ -16,8 +16,8 @@ enum ExitStatus : int { kWorked = 0, kFailed = 1, kWrongUsage = 2 };
 
 /// What all subcommands take.
 struct CommonOptions {
-    std::string project;   ///< workspace root; empty: found from the scene or the current folder upward
-    bool noPlugin = false; ///< run the bare host
+    std::string project;               ///< workspace root; empty: found from the scene or the current folder upward
+    bool noPlugin = false;             ///< run the bare host
     std::vector<std::string> settings; ///< for applySettings, after a scene was opened
 };
 

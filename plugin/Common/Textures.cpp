@@ -165,11 +165,11 @@ bool loadByHost(TextureHandle& handle, const std::string& path, const TextureSam
     const auto place = existingPath(path);
     MImage picture;
     unsigned int width = 0, height = 0;
-    if (!place) return false;
+    const auto size = place ? fileSize(*place) : std::nullopt;
+    if (!size) return false; // an empty path is the project's folder
     // The host's own limits may be wider.
     std::string problem;
-    const auto size = fileSize(*place);
-    if (size && !fewEnoughBytes(*size, &problem)) {
+    if (!fewEnoughBytes(*size, &problem)) {
         reportProblem(path, problem);
         return false;
     }

@@ -65,8 +65,8 @@ HWY_INLINE HWY_ATTR Values smoothStep(Values edge0, Values edge1, Values x) {
 
 /// In a shape's unit space the row is a line. A box is felt when its centre lies within the shape's radius and the
 /// box's own reach; the steps for which it does follow from the line's point nearest the origin. The slack in that
-/// radius, which is a thousand times the rounding in unit space, is room for the rounding of these bounds, too: each end
-/// of the line's stretch moves outwards by at least as much as the radius grows.
+/// radius, which is a thousand times the rounding in unit space, is room for the rounding of these bounds, too: each
+/// end of the line's stretch moves outwards by at least as much as the radius grows.
 HWY_ATTR void spans(const ShapeTable& shapes, const BoxRow& row, double shapeRadius, std::vector<ShapeSpan>& found) {
     found.clear();
     const Values3 start = spread(row.start), stride = spread(row.stride);

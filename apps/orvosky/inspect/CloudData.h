@@ -1,7 +1,7 @@
 #pragma once
 
-#include "PlainFile.h"
 #include "Inspection.h"
+#include "PlainFile.h"
 
 #include <span>
 

@@ -1,8 +1,8 @@
 #include "XmlFile.h"
 
 #include "../Failure.h"
-#include "PlainFile.h"
 #include "Inspection.h"
+#include "PlainFile.h"
 
 #include <nlohmann/json.hpp>
 

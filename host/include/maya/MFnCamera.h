@@ -107,5 +107,4 @@ public:
 
 protected:
     virtual const char* className() const;
-
 };

@@ -9,5 +9,4 @@ public:
 
 protected:
     virtual const char* className() const;
-
 };

@@ -1,7 +1,7 @@
 #include <maya/MImage.h>
 
-#include "base/Messages.h"
 #include "base/FileReplacement.h"
+#include "base/Messages.h"
 #include "images/ImageCodec.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-#include "base/Pattern.h"
 #include "base/FileReplacement.h"
+#include "base/Pattern.h"
 #include "mel/Execution.h"
 #include "mel/Numbers.h"
 #include "mel/TextTools.h"
