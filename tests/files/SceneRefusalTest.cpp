@@ -61,7 +61,8 @@ INSTANTIATE_TEST_SUITE_P(
         std::pair{"requires \"/tmp/evil.so\" \"1.0\";", "only a bare name"},
         std::pair{"scriptNode -st 1 -bs \"system(\\\"touch TRACE\\\")\" -n \"s\";", "'scriptNode'"},
         std::pair{"scriptJob -ie \"x\";", "'scriptJob'"}, std::pair{"workspace -o \"/\";", "'workspace'"},
-        std::pair{"delete \"a\";", "'delete'"}));
+        std::pair{"delete \"a\";", "'delete'"},
+        std::pair{"createNode \"two words\" -n \"made\";", "is no name of a type"}));
 
 // Fault: script and expression nodes are run, or a flood of refusals is told one by one.
 TEST_F(SceneFixture, ScriptsAreKeptAndRefusalsAreCounted) {

@@ -2,6 +2,8 @@
 
 #include "files/NumberWords.h"
 
+#include <algorithm>
+#include <cctype>
 #include <type_traits>
 
 namespace host::files {
@@ -50,6 +52,9 @@ CreateRequest::CreateRequest(const Statement& s) {
             throw SceneError("createNode: invalid flag '" + std::string(word.text) + "'.");
     }
     if (type.empty()) throw SceneError("createNode: the type of the node is missing.");
+    const auto isLetterOfNames = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == ':'; };
+    if (!std::all_of(type.begin(), type.end(), isLetterOfNames))
+        throw SceneError("createNode: '" + std::string(type) + "' is no name of a type.");
 }
 
 Node& createNodeStatement(const StatementContext& c, const CreateRequest& r,
