@@ -45,7 +45,7 @@ host::scene::DagNode& cameraFor(const RenderOptions& options) {
         optics =
             viewport::withHorizontalView(optics, *options.fov * degree, options.width, options.height).value_or(optics);
     }
-    return viewport::createCamera(host::Host::instance().scene(), options.camera + "View", frame, optics);
+    return viewport::createCamera(host::Host::instance().scene(), "pictureCamera", frame, optics);
 }
 
 bool isShown(host::scene::DagNode& node) {

@@ -12,7 +12,9 @@
 #endif
 #include <windows.h>
 
+#include <fcntl.h>
 #include <io.h>
+#include <sys/stat.h>
 #else
 #include <filesystem>
 #include <system_error>
@@ -151,6 +153,15 @@ std::optional<std::string> pathWithoutLinks(const std::string& path) {
     return text;
 }
 
+std::optional<std::string> placeToWrite(const std::string& path) {
+    const std::wstring place = windowsPath(path);
+    if (place.empty()) return std::nullopt;
+    if (!(attributesOf(place).value_or(0) & FILE_ATTRIBUTE_REPARSE_POINT)) return path;
+    const auto found = finalPath(place);
+    if (!found) return std::nullopt; // a link that leads nowhere
+    return utf8Text(*found);
+}
+
 std::FILE* openFile(const std::string& path, const char* mode) {
     const std::wstring place = windowsPath(path);
     if (place.empty()) {
@@ -161,7 +172,16 @@ std::FILE* openFile(const std::string& path, const char* mode) {
         errno = EISDIR;
         return nullptr;
     }
-    std::FILE* file = _wfopen(place.c_str(), std::wstring(mode, mode + std::string_view(mode).size()).c_str());
+    std::string_view kind = mode;
+    std::FILE* file = nullptr;
+    if (kind.ends_with('x')) { // which the library of older systems does not know
+        kind.remove_suffix(1);
+        const int text = kind.find('b') == std::string_view::npos ? _O_TEXT : _O_BINARY;
+        const int opened = _wopen(place.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | text, _S_IREAD | _S_IWRITE);
+        if (opened >= 0 && !(file = _fdopen(opened, std::string(kind).c_str()))) _close(opened);
+    } else {
+        file = _wfopen(place.c_str(), std::wstring(kind.begin(), kind.end()).c_str());
+    }
     if (file && GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)))) != FILE_TYPE_DISK) {
         std::fclose(file);
         errno = EINVAL;
@@ -170,17 +190,20 @@ std::FILE* openFile(const std::string& path, const char* mode) {
     return file;
 }
 
-bool fileExists(const std::string& path) {
-    return !(attributesOf(windowsPath(path)).value_or(FILE_ATTRIBUTE_DIRECTORY) & FILE_ATTRIBUTE_DIRECTORY);
-}
-
-std::optional<std::uint64_t> fileSize(const std::string& path) {
+std::optional<FileState> fileState(const std::string& path) {
     const std::wstring place = windowsPath(path);
     WIN32_FILE_ATTRIBUTE_DATA found;
     if (place.empty() || !GetFileAttributesExW(place.c_str(), GetFileExInfoStandard, &found) ||
         found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
         return std::nullopt;
-    return std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow;
+    const auto whole = [](DWORD high, DWORD low) { return std::uintmax_t{high} << 32 | low; };
+    return FileState{
+        whole(found.nFileSizeHigh, found.nFileSizeLow),
+        static_cast<std::intmax_t>(whole(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime))};
+}
+
+bool fileExists(const std::string& path) {
+    return !(attributesOf(windowsPath(path)).value_or(FILE_ATTRIBUTE_DIRECTORY) & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 bool folderExists(const std::string& path) {
@@ -273,14 +296,6 @@ std::optional<FileState> fileState(const std::string& path) {
 bool fileExists(const std::string& path) {
     const auto found = existingPath(path);
     return found && !fs::is_directory(statusOf(*found));
-}
-
-std::optional<std::uint64_t> fileSize(const std::string& path) {
-    const auto found = existingPath(path);
-    std::error_code code;
-    const std::uintmax_t size = found ? fs::file_size(*found, code) : 0;
-    if (!found || code) return std::nullopt;
-    return size;
 }
 
 bool folderExists(const std::string& path) {

@@ -30,9 +30,9 @@ std::optional<std::string> pathWithoutLinks(const std::string& path);
 /// it names. Nothing when there is no such place.
 std::optional<std::string> placeToWrite(const std::string& path);
 
-/// Opens a file as std::fopen does; the caller closes it. For a mode that begins with 'w' or 'a' the folder must exist
-/// and the last component is taken as given. Null, with errno telling why, when the file cannot be opened, or when
-/// it is a folder, a pipe or a socket.
+/// Opens a file as std::fopen does; the caller closes it. An 'x' at the end of the mode asks for a new file. For a mode
+/// that begins with 'w' or 'a' the folder must exist and the last component is taken as given. Null, with errno telling
+/// why, when the file cannot be opened, or when it is a folder, a pipe or a socket.
 std::FILE* openFile(const std::string& path, const char* mode);
 
 /// What changes when a file is written: its size in bytes and the time of its last change, in the clock's own units.
@@ -46,9 +46,6 @@ std::optional<FileState> fileState(const std::string& path);
 
 /// Whether something other than a folder is at `path`.
 bool fileExists(const std::string& path);
-
-/// The bytes of the file at `path`; nothing when it is not there, or has no length.
-std::optional<std::uint64_t> fileSize(const std::string& path);
 
 /// Whether a folder is at `path`.
 bool folderExists(const std::string& path);

@@ -29,8 +29,7 @@ public:
               if constexpr (!std::is_void_v<Result>) return Result();
           }) {}
     template <class Callable>
-    requires(!std::is_same_v<std::remove_cvref_t<Callable>, GlEntry>) GlEntry(Callable&& callable)
-        : Base(std::forward<Callable>(callable)) {}
+    requires(!std::is_same_v<Callable, GlEntry>) GlEntry(Callable callable) : Base(std::move(callable)) {}
 };
 
 /// The OpenGL entry points beyond version 1.1 that the plug-in calls, under their GL names without the "gl". Arguments

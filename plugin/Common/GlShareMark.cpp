@@ -29,7 +29,7 @@ std::shared_ptr<const GlShareMark> GlShareMark::ofCurrentContext() {
     static unsigned long long made = 0;
     // The address tells the marks of one copy of the module from those of another.
     const auto copy = reinterpret_cast<std::uintptr_t>(&made);
-    const std::shared_ptr<const GlShareMark> mark(new GlShareMark(formatText("// orvosky %u of %x", ++made, copy)));
+    std::shared_ptr<const GlShareMark> mark(new GlShareMark(formatText("// orvosky %u of %x", ++made, copy)));
     if (!mark->isCurrent()) return nullptr;
     marks.push_back(mark);
     return mark;

@@ -2,34 +2,55 @@
 
 #include "FileSystem.h"
 
-#include <cerrno>
-#include <filesystem>
 #include <random>
-#include <system_error>
 
 #ifdef _WIN32
+#include "WindowsPath.h"
+
 #include <io.h>
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
 #else
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #endif
 
 namespace orvo {
 namespace {
 
-namespace fs = std::filesystem;
+/// What a path names.
+enum class Kind { Unknown, Nothing, File, Other };
 
 #ifdef _WIN32
 
+constexpr const char* separators = "/\\:";
+
 struct SignalsHeld {};
 
-bool keepsPermissions(std::FILE*, const fs::path&) { return true; } // a file that can be written has but one kind
+Kind kindOf(const std::string& path) {
+    return folderExists(path) ? Kind::Other : fileExists(path) ? Kind::File : Kind::Nothing;
+}
+bool keepsPermissions(std::FILE*, const std::string&) { return true; } // they are the folder's
 bool onDisk(std::FILE* file) { return _commit(_fileno(file)) == 0; }
-bool folderOnDisk(const fs::path&) { return true; }
+bool folderOnDisk(const std::string&) { return true; }
+std::wstring nativePath(const std::string& path) { return windowsPath(path); }
+bool moved(const std::wstring& from, const std::wstring& to) {
+    return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+}
+bool removed(const std::wstring& path) { return DeleteFileW(path.c_str()); }
 
 #else
+
+namespace fs = std::filesystem;
+
+constexpr const char* separators = "/";
 
 /// Lets a signal that ends the process wait until no temporary file would be left.
 class SignalsHeld {
@@ -48,11 +69,18 @@ private:
     sigset_t before_;
 };
 
+Kind kindOf(const std::string& path) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(path, ignored);
+    if (!fs::status_known(status)) return Kind::Unknown;
+    return fs::is_regular_file(status) ? Kind::File : fs::exists(status) ? Kind::Other : Kind::Nothing;
+}
+
 /// Some file systems have nothing to say on it.
 bool synced(int file) { return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP; }
 
 /// Gives a new file the permissions of the one that it is to replace.
-bool keepsPermissions(std::FILE* file, const fs::path& earlier) {
+bool keepsPermissions(std::FILE* file, const std::string& earlier) {
     struct stat status {};
     if (stat(earlier.c_str(), &status) != 0) return errno == ENOENT;
     return fchmod(fileno(file), status.st_mode & 07777) == 0;
@@ -60,7 +88,7 @@ bool keepsPermissions(std::FILE* file, const fs::path& earlier) {
 
 bool onDisk(std::FILE* file) { return synced(fileno(file)); }
 
-bool folderOnDisk(const fs::path& folder) {
+bool folderOnDisk(const std::string& folder) {
     const int opened = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (opened < 0) return errno == EACCES; // one that may be written to and not be read
     const bool done = synced(opened);
@@ -68,34 +96,40 @@ bool folderOnDisk(const fs::path& folder) {
     return done;
 }
 
+std::string nativePath(const std::string& path) { return path; }
+bool moved(const std::string& from, const std::string& to) { return std::rename(from.c_str(), to.c_str()) == 0; }
+bool removed(const std::string& path) { return std::remove(path.c_str()) == 0; }
+
 #endif
+
+/// The folder of a file with the separator at its end; empty when there is none.
+std::string folderOf(const std::string& path) { return path.substr(0, path.find_last_of(separators) + 1); }
 
 } // namespace
 
 /// A new file beside the one that it is to replace.
 struct OutputFile::Replacement {
-    fs::path place, beside;
+    std::string place, folder, beside;
+    decltype(nativePath({})) from, to; // made while memory can still be asked for
+    bool isThere = false;
     SignalsHeld signals;
 
-    explicit Replacement(fs::path at) : place(std::move(at)) {
+    explicit Replacement(std::string at) : place(std::move(at)), folder(folderOf(place)) {
         static constexpr char letters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
         std::random_device random;
-        std::string name = ".part-";
-        for (int i = 0; i < 12; ++i) name += letters[random() % (sizeof letters - 1)];
-        beside = place.parent_path() / name;
+        beside = folder + ".part-";
+        for (int i = 0; i < 12; ++i) beside += letters[random() % (sizeof letters - 1)];
+        from = nativePath(beside);
+        to = nativePath(place);
     }
     ~Replacement() {
-        std::error_code ignored;
-        if (!beside.empty() && !fs::remove(beside, ignored) && ignored) fs::remove(beside, ignored);
+        if (isThere && !removed(from)) removed(from);
     }
     /// Whether the new file, which is closed, took the place.
-    bool moved() {
-        std::error_code failed;
-        if (!folderOnDisk(place.parent_path())) return false;
-        fs::rename(beside, place, failed);
-        if (failed) return false;
-        beside.clear();
-        return folderOnDisk(place.parent_path());
+    bool takesPlace() {
+        if (!folderOnDisk(folder) || !moved(from, to)) return false;
+        isThere = false;
+        return folderOnDisk(folder);
     }
 };
 
@@ -105,14 +139,13 @@ OutputFile::OutputFile(const std::string& path, const char* mode, Earlier earlie
         return;
     }
     const auto place = placeToWrite(path);
-    std::error_code failed;
-    const auto status = place ? fs::status(*place, failed) : fs::file_status();
-    if (!fs::status_known(status)) return;
-    if (fs::exists(status) && !fs::is_regular_file(status)) {
+    const Kind kind = place ? kindOf(*place) : Kind::Unknown;
+    if (kind == Kind::Unknown) return;
+    if (kind == Kind::Other) {
         file_ = openFile(path, mode);
         return;
     }
-    if (fs::exists(status)) {
+    if (kind == Kind::File) {
         // It is asked whether the earlier file may be written, as if it were to be.
         std::FILE* const writable = openFile(*place, "r+b");
         if (!writable) return;
@@ -120,11 +153,9 @@ OutputFile::OutputFile(const std::string& path, const char* mode, Earlier earlie
     }
     replacement_ = std::make_unique<Replacement>(*place);
     // Exclusively: nobody can plant a link of that name.
-    file_ = openFile(replacement_->beside.string(), (std::string(mode) + "x").c_str());
-    if (!file_) {
-        replacement_->beside.clear();
-        replacement_.reset();
-    }
+    file_ = openFile(replacement_->beside, (std::string(mode) + "x").c_str());
+    replacement_->isThere = file_ != nullptr;
+    if (!file_) replacement_.reset();
 }
 
 OutputFile::~OutputFile() {
@@ -142,7 +173,7 @@ bool OutputFile::close() {
     if (replacement_ && !failed_ && !(keepsPermissions(file_, replacement_->place) && onDisk(file_))) failed_ = true;
     if (std::fclose(file_) != 0) failed_ = true;
     file_ = nullptr;
-    if (replacement_ && !failed_ && !replacement_->moved()) failed_ = true;
+    if (replacement_ && !failed_ && !replacement_->takesPlace()) failed_ = true;
     replacement_.reset();
     return !failed_;
 }

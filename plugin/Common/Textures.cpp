@@ -165,11 +165,12 @@ bool loadByHost(TextureHandle& handle, const std::string& path, const TextureSam
     const auto place = existingPath(path);
     MImage picture;
     unsigned int width = 0, height = 0;
-    const auto size = place ? fileSize(*place) : std::nullopt;
-    if (!size) return false; // an empty path is the project's folder
+    if (!fileExists(path)) return false; // an empty path is that of the project's folder
+    const auto state = fileState(*place);
+    if (!state) return false;
     // The host's own limits may be wider.
     std::string problem;
-    if (!fewEnoughBytes(*size, &problem)) {
+    if (!fewEnoughBytes(state->size, &problem)) {
         reportProblem(path, problem);
         return false;
     }

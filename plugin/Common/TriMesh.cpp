@@ -92,7 +92,7 @@ bool readMesh(const MFnMesh& mesh, bool worldSpace, bool uvs, PolygonMesh& read)
 }
 
 /// A failing status, reported with the message and the place of the call.
-MStatus failed(MStatus status, const char* message, const SourcePlace& where = SourcePlace::current()) {
+MStatus failed(const MStatus& status, const char* message, const SourcePlace& where = SourcePlace::current()) {
     if (status.error()) reportFailure(status, message, where);
     return status;
 }

@@ -139,12 +139,40 @@ TEST_F(WindowsFiles, ALockedFileIsNeitherReadNorReplaced) {
         XmlFile xml;
         EXPECT_FALSE(xml.load("sky.atmos"));
         EXPECT_EQ(xml.error(), "sky.atmos: cannot be read: Permission denied");
-        OutputFile file("sky.atmos", "wt");
-        file.write("new");
-        EXPECT_FALSE(file.close());
+        for (const auto earlier : {OutputFile::Earlier::Overwritten, OutputFile::Earlier::Replaced}) {
+            OutputFile file("sky.atmos", "wt", earlier);
+            EXPECT_FALSE(file.isOpen());
+            EXPECT_FALSE(file.close());
+        }
+    }
+    OutputFile late("sky.atmos", "wt", OutputFile::Earlier::Replaced);
+    late.write("new");
+    {
+        const Locked lock("sky.atmos");
+        EXPECT_FALSE(late.close()) << "locked while the new one was written";
     }
     EXPECT_EQ(textOf("sky.atmos"), "old");
     EXPECT_EQ(listFolder(".")->size(), 1u) << "what was written beside it stays";
+}
+
+// Catches a new file that never takes the place of the old one, or leaves something beside it.
+TEST_F(WindowsFiles, AFileIsReplacedByAWholeOne) {
+    const std::string name = "Wolke \xE9\x9B\xB2.xml";
+    for (const std::string& path :
+         {name, folder + "/" + name, "\\\\?\\" + folder + "\\" + name, folder.substr(0, 2) + name}) {
+        OutputFile file(path, "wt", OutputFile::Earlier::Replaced);
+        file.write(path + "\n");
+        EXPECT_TRUE(file.close()) << path;
+        EXPECT_EQ(textOf(name), path + "\r\n");
+    }
+    OutputFile(name, "wb", OutputFile::Earlier::Replaced).write("given up");
+    EXPECT_EQ(listFolder(".")->size(), 1u);
+    const auto before = fileState(name);
+    put("other", "");
+    EXPECT_EQ(fileState(name), before);
+    EXPECT_EQ(openFile("other", "wbx"), nullptr) << "it is there";
+    EXPECT_FALSE(OutputFile("none/a.xml", "wt", OutputFile::Earlier::Replaced).isOpen());
+    EXPECT_FALSE(OutputFile(".", "wt", OutputFile::Earlier::Replaced).isOpen());
 }
 
 // Catches a size of 32 bits: these files are too large, not 10 bytes long.
@@ -160,7 +188,7 @@ TEST_F(WindowsFiles, AFileOverFourGigabytesIsNotRead) {
         CloseHandle(file);
         ASSERT_TRUE(grown);
         EXPECT_FALSE(readFileBytes("large.bin")) << size;
-        EXPECT_EQ(fileSize("large.bin"), static_cast<std::uint64_t>(size));
+        EXPECT_EQ(fileState("large.bin")->size, static_cast<std::uintmax_t>(size));
     }
 }
 
