@@ -165,7 +165,7 @@ bool loadByHost(TextureHandle& handle, const std::string& path, const TextureSam
     const auto place = existingPath(path);
     MImage picture;
     unsigned int width = 0, height = 0;
-    if (!fileExists(path)) return false; // an empty path is that of the project's folder
+    if (!place || !fileExists(*place)) return false; // an empty path is that of the project's folder
     const auto state = fileState(*place);
     if (!state) return false;
     // The host's own limits may be wider.
