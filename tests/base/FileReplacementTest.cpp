@@ -155,6 +155,24 @@ TEST_F(Replacement, AnyCallMayBeTheLast) {
     }
 }
 
+// Fault: a signal that is to be ignored ends the process, or is taken for ever after.
+TEST_F(Replacement, IgnoredSignalsStayIgnored) {
+    put(kEarlier);
+    const pid_t child = fork();
+    if (child == 0) {
+        std::signal(SIGHUP, SIG_IGN);
+        int calls = 0;
+        const std::string said =
+            failure({.name = "renameat", .number = 2, .signal = SIGHUP}, calls, [&] { replacePair(); });
+        raise(SIGHUP);
+        _exit(said.empty() ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(found(), kNew);
+}
+
 // Fault: two writers that mix: one moves its files between the moves of the other.
 TEST_F(Replacement, OneWriterAtATime) {
     put({});
@@ -185,6 +203,9 @@ TEST_F(Replacement, PlacesAreKeptAsTheyAre) {
     replacePair();
     umask(mask);
     EXPECT_EQ(fs::read_symlink(folder_ / "sky.atmos"), "store/v1.atmos");
+    EXPECT_EQ(fs::status(FileReplacement({folder_ / "sky.atmos"}).staged(0).parent_path()).permissions(),
+              fs::perms(0700))
+        << "others could plant links where new content is written";
     const Files expected{{"sky.atmos", "new scene"},
                          {"sky.cdata", "new data"},
                          {"store", ""},

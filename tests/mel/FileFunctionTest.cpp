@@ -2,11 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -68,6 +70,24 @@ TEST_F(FileFunctionTest, ModesAndHandles) {
         run("int $r = fopen($d + \"b.txt\", \"r+\"); print (fgetline($r)); int $s = fopen($d + \"b.txt\", \"r\"); "
             "print (fgetline($s)); print (fgetline($r)); fclose $r; print (fgetline($s));"),
         "1\n1\n2\n2\n");
+}
+
+// Fault: a copy that fails half way and leaves neither the old file nor the new one. A limit on the size of files
+// stands for a full disk.
+TEST_F(FileFunctionTest, ACopyThatFailsLeavesWhatWasThere) {
+    write("large.txt", std::string(100000, 'x'));
+    write("kept.txt", "kept");
+    rlimit usual{};
+    getrlimit(RLIMIT_FSIZE, &usual);
+    const rlimit full{20000, usual.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &full);
+    const std::string said = run("print (`sysFile -copy ($d + \"kept.txt\") ($d + \"large.txt\")`);");
+    setrlimit(RLIMIT_FSIZE, &usual);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(said, "0");
+    EXPECT_EQ(read("kept.txt"), "kept");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2);
 }
 
 // Faults: words cut at the wrong characters, the last word or line without an end lost, a number that takes the next

@@ -181,4 +181,15 @@ TEST_F(PictureTest, AFullDiskLeavesTheEarlierPicture) {
     EXPECT_EQ(entries(), 3u) << "a temporary file was left";
 }
 
+// Fault: a temporary name that can be guessed: what is written goes where a link leads that waits under it.
+TEST_F(PictureTest, NoLinkCanBePlanted) {
+    const auto path = (folder / "a.png").string(), other = (folder / "other").string();
+    std::ofstream(other) << "somebody else's";
+    for (int i = 0; i < 100; ++i)
+        fs::create_symlink("other", path + ".part-" + std::to_string(::getpid()) + "-" + std::to_string(i));
+    ASSERT_TRUE(sample().write(path, &error)) << error;
+    EXPECT_FALSE(fs::is_symlink(path));
+    EXPECT_EQ(fs::file_size(other), 15u);
+}
+
 } // namespace

@@ -298,9 +298,11 @@ struct FileReplacement::Parts {
                     static_cast<void>(!fchown(content, earlier.st_uid, static_cast<gid_t>(-1)));
                 if (fchmod(content, earlier.st_mode & 07777) != 0) fail(files[i], errno);
             }
-            if (!synced(content) || !content.close() || !synced(from)) fail(files[i], errno);
+            if (!synced(content) || !content.close()) fail(files[i], errno);
             steps.push_back({files[i], names[i], last ? std::string() : keptNames[i], &place, &from});
         }
+        for (const PrivateFolder& folder : folders)
+            if (!steps.empty() && !synced(folder)) fail(files.back(), errno);
         return steps;
     }
 
@@ -355,10 +357,13 @@ struct FileReplacement::Parts {
             for (const Step& other : steps) reason += remains(other);
             throw ReplacementError(step.file, Kind::Failed, reason);
         }
-        for (const Step& step : steps)
-            if (!synced(step.place->folder))
+        const Place* last = nullptr;
+        for (const Step& step : steps) {
+            if (!(last && step.place->sameFolder(*last)) && !synced(step.place->folder))
                 throw ReplacementError(step.file, Kind::Failed,
                                        "it is in place, but perhaps not for good: " + reasonOf(errno));
+            last = step.place;
+        }
     }
 };
 
