@@ -3,6 +3,7 @@
 #include "base/Messages.h"
 #include "files/FileNames.h"
 #include "files/NumberWords.h"
+#include "files/SceneSurvey.h"
 #include "scene/MeshFilter.h"
 #include "scene/MeshNode.h"
 
@@ -57,70 +58,10 @@ bool isBookkeeping(std::string_view type) {
     return types.contains(type);
 }
 
-/// What a first look at a file finds.
-struct Survey {
-    std::vector<RawList> lists;
-    std::unordered_set<std::string> parents; ///< names and paths of nodes that others are put below
-    std::vector<bool> transforms;            ///< whether a createNode statement is followed by a transform's values
-
-    /// Throws SyntaxError.
-    explicit Survey(std::string_view text);
-    /// Whether a node of that path has children: a file gives parents the shortest path that is theirs alone.
-    bool isParent(std::string_view fullPath) const;
-};
-
-/// Whether the statement sets what only transforms have. Of a node without a parent only whole vectors tell.
-bool setsTransform(const Statement& s, bool hasParent) {
-    static const std::set<std::string_view> vectors{".t",   ".r",  ".s",  ".rp",        ".sp",     ".rpt",
-                                                    ".spt", ".ra", ".sh", ".translate", ".rotate", ".scale"};
-    static const std::set<std::string_view> parts{".tx", ".ty", ".tz", ".rx", ".ry", ".rz",
-                                                  ".sx", ".sy", ".sz", ".it", ".opm"};
-    const auto plug = std::find_if(s.words.begin(), s.words.end(), [](const Word& w) { return w.quoted; });
-    if (plug == s.words.end() || !plug->text.starts_with('.')) return false;
-    if (hasParent && (parts.contains(plug->text) || vectors.contains(plug->text))) return true;
-    const auto isDouble3 = [](const Word& w) { return w.quoted && w.text == "double3"; };
-    return vectors.contains(plug->text) && std::any_of(plug, s.words.end(), isDouble3);
-}
-
-Survey::Survey(std::string_view text) {
-    StatementScanner scanner(text);
-    Statement s;
-    bool open = false, hasParent = false;
-    while (scanner.next(s)) {
-        if (s.name == "createNode") {
-            open = true;
-            hasParent = false;
-            transforms.push_back(false);
-            for (std::size_t i = 0; i + 1 < s.words.size(); ++i) {
-                if (!s.words[i].isFlag() || (s.words[i].text != "-p" && s.words[i].text != "-parent")) continue;
-                parents.emplace(s.words[i + 1].text);
-                hasParent = true;
-            }
-        } else if (s.name == "select") {
-            open = false;
-        } else if (s.name == "parent" && !s.words.empty()) {
-            parents.emplace(s.words.back().text);
-        } else if (open && s.name == "setAttr" && !transforms.back()) {
-            transforms.back() = setsTransform(s, hasParent);
-        }
-    }
-    lists = scanner.takeLists();
-}
-
-bool Survey::isParent(std::string_view fullPath) const {
-    for (std::string_view path = fullPath; !path.empty();) {
-        if (parents.contains(std::string(path))) return true;
-        const auto bar = path.find('|');
-        if (bar == path.npos) break;
-        path.remove_prefix(bar + 1);
-    }
-    return false;
-}
-
 /// One reading of a file.
 class Reading {
 public:
-    Reading(Scene& scene, const SceneReader::Options& options, const std::string& file, Survey survey)
+    Reading(Scene& scene, const SceneReader::Options& options, const std::string& file, SceneSurvey survey)
         : scene_(scene), options_(options), complaints_(file), names_(scene), survey_(std::move(survey)),
           context_{scene, {}, nullptr, [this](std::string_view n) { return names_.find(n); }, compounds_} {}
 
@@ -162,7 +103,7 @@ private:
     const SceneReader::Options& options_;
     Complaints complaints_;
     FileNames names_;
-    Survey survey_;
+    SceneSurvey survey_;
     std::size_t created_ = 0; ///< createNode statements so far
     OpenCompounds compounds_;
     StatementContext context_;
@@ -666,7 +607,7 @@ SceneReader::Result SceneReader::read(const std::filesystem::path& file) {
 SceneReader::Result SceneReader::readText(std::string_view text, const std::string& name) {
     // The whole syntax first: a file that was cut off must not cost the scene that is open. On the way: what tells
     // which unknown nodes are transforms, and which shapes.
-    std::optional<Survey> survey;
+    std::optional<SceneSurvey> survey;
     try {
         survey.emplace(text);
     } catch (const SyntaxError& e) {

@@ -118,6 +118,8 @@ createNode orvoTestControlShape -n "controlShape" -p "control";
 	rename -uid "B0000015-4B1C-9D3E-77A2-5C0F1E2D3B4A";
 	setAttr -k off ".v";
 	setAttr ".size" 2.5;
+	setAttr ".s" 3;
+	setAttr ".sx" 8;
 	setAttr -s 2 ".colours[0:1]" -type "float3"  1 0 0 0 1 0;
 createNode transform -n "held" -p "control";
 	rename -uid "B0000016-4B1C-9D3E-77A2-5C0F1E2D3B4A";
