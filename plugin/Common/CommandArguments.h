@@ -13,11 +13,11 @@ inline std::string stringArgument(const MArgList& args, unsigned index) {
     MString text;
     const MStatus status = args.get(index, text);
     if (status.error()) {
-        reportError("Maya Reports: %s", status.errorString().asChar());
+        reportError("Maya Reports: %s", status.errorString().asUTF8());
         reportError("");
         return {};
     }
-    return text.asChar();
+    return text.asUTF8();
 }
 
 /// Reports, with its place, why a command goes no further.

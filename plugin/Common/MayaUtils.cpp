@@ -1,5 +1,7 @@
 #include "MayaUtils.h"
 
+#include "HostText.h"
+
 #include <maya/MDistance.h>
 #include <maya/MDoubleArray.h>
 #include <maya/MFn.h>
@@ -220,7 +222,7 @@ MStatus exactWorldBoundingBox(const MString& name, MBoundingBox& box) {
 
 void deleteIfExists(std::string& name) {
     if (name.empty()) return;
-    const MString object(name.c_str());
+    const MString object = hostText(name);
     name.clear();
     int exists = 0;
     if (!succeeded(MGlobal::executeCommand(MString("objExists ") + object + ";", exists)) || exists != 1) return;

@@ -1,5 +1,7 @@
 #include "Messages.h"
 
+#include "HostText.h"
+
 #include <array>
 #include <maya/MGlobal.h>
 #include <maya/MString.h>
@@ -18,7 +20,7 @@ void showMessage(MessageLevel level, const std::string& text) {
     std::array<char, 20480> buffer;
     const std::size_t length = text.copy(buffer.data(), buffer.size() - 1);
     buffer[length] = '\0';
-    const MString message(buffer.data());
+    const MString message = hostText(buffer.data());
     switch (level) {
     case MessageLevel::Info:
     case MessageLevel::Notice: MGlobal::displayInfo(message); break;
@@ -46,7 +48,7 @@ void reportPlace(const SourcePlace& where, MessageLevel level) {
 
 void reportFailure(const MStatus& status, const std::string& message, const SourcePlace& where) {
     reportPlace(where);
-    reportError("Maya Reports: %s", status.errorString().asChar());
+    reportError("Maya Reports: %s", status.errorString().asUTF8());
     reportPlace(where);
     reportError("%s", message);
 }

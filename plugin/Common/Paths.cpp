@@ -31,7 +31,7 @@ char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' +
 std::string scriptText(const char* command) {
     MString answer;
     if (MGlobal::executeCommand(command, answer).error()) return {};
-    return answer.asChar();
+    return answer.asUTF8();
 }
 
 std::string toolRoot() {

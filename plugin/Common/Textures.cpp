@@ -3,6 +3,7 @@
 #include "DdsImage.h"
 #include "FileBytes.h"
 #include "FileSystem.h"
+#include "HostText.h"
 #include "Messages.h"
 #include "TargaImage.h"
 
@@ -174,7 +175,7 @@ bool loadByHost(TextureHandle& handle, const std::string& path, const TextureSam
         reportProblem(path, problem);
         return false;
     }
-    if (picture.readFromFile(place->c_str()).error() || picture.getSize(width, height).error()) return false;
+    if (picture.readFromFile(hostText(*place)).error() || picture.getSize(width, height).error()) return false;
     const unsigned char* rgba = picture.pixels();
     if (!rgba || width > INT_MAX || height > INT_MAX) return false;
     const int w = static_cast<int>(width), h = static_cast<int>(height);

@@ -152,7 +152,7 @@ MStatus DropMeshCommand::findStatics(Statics& statics, MStringArray& names) cons
             statics.push_back(std::move(mesh));
             names.append(staticNames_[i]);
         } else {
-            reportWarning("DropMeshCommand: unable to get static mesh [%s]\n", staticNames_[i].asChar());
+            reportWarning("DropMeshCommand: unable to get static mesh [%s]\n", staticNames_[i].asUTF8());
         }
     }
     if (statics.empty())

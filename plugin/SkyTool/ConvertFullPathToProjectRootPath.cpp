@@ -1,6 +1,7 @@
 #include "ConvertFullPathToProjectRootPath.h"
 
 #include "../Common/CommandArguments.h"
+#include "../Common/HostText.h"
 #include "../Common/Paths.h"
 
 namespace orvo {
@@ -15,7 +16,7 @@ MStatus OrvoSky_ConvertFullPathToProjectRootPath::doIt(const MArgList& args) {
         std::string path = inProjectSpelling(stringArgument(args, 0));
         makeProjectRelative(path);
         clearResult();
-        appendToResult(MString(path.c_str()));
+        appendToResult(hostText(path));
         return MStatus::kSuccess;
     });
 }

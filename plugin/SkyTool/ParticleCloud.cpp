@@ -153,7 +153,7 @@ std::unique_ptr<CloudShapeSet> ParticleCloud::GenerateSpriteData() {
     const Sphere bounds = boundsOfShapes(worlds);
     set->boundCentre = bounds.centre;
     set->boundRadius = bounds.radius;
-    set->seed = Crc32(name().asChar());
+    set->seed = Crc32(name().asUTF8());
     return set;
 }
 
@@ -166,7 +166,7 @@ ParticleCloud::GenerationInputs ParticleCloud::inputsOf(const CloudShadingParams
             .shadow = shading.enableSelfShadow,
             .lightDirection = shading.sunDir,
             .shapes = gatherShapes(true).value_or(std::vector<ShapeInput>()),
-            .name = name().asChar()};
+            .name = name().asUTF8()};
 }
 
 void ParticleCloud::refresh() {
@@ -223,7 +223,7 @@ bool ParticleCloud::saveToXml(OutputFile& file, const char* indent, std::vector<
     const CloudShadingParams shading = params->readParams();
     if (failed_ || lastInputs_ != inputsOf(shading))
         reportWarning("ParticleCloud::SaveToXML:  [%s] is out of date: it is exported as it was last generated\n",
-                      name().asChar());
+                      name().asUTF8());
     const CloudSettings s = settings();
     return saveCloudToXml(file, indent, cloudVertices,
                           {.settings = s,

@@ -20,13 +20,13 @@ std::optional<std::vector<std::string>> namesFrom(const MArgList& args, unsigned
     for (unsigned i = first; i < args.length(); ++i) {
         MString name;
         if (!args.get(i, name).error()) {
-            names.emplace_back(name.asChar());
+            names.emplace_back(name.asUTF8());
             continue;
         }
         MStringArray several;
         unsigned at = i;
         if (args.get(at, several).error()) return std::nullopt;
-        for (unsigned n = 0; n < several.length(); ++n) names.emplace_back(several[n].asChar());
+        for (unsigned n = 0; n < several.length(); ++n) names.emplace_back(several[n].asUTF8());
     }
     return names;
 }
@@ -55,7 +55,7 @@ std::optional<std::vector<ParticleCloud*>> cloudsOf(const std::vector<std::strin
 bool hasFlags(const MArgList& args) {
     for (unsigned i = 0; i < args.length(); ++i) {
         MString text;
-        if (!args.get(i, text).error() && text.length() > 1 && text.asChar()[0] == '-') return true;
+        if (!args.get(i, text).error() && text.length() > 1 && text.asUTF8()[0] == '-') return true;
     }
     return false;
 }
@@ -79,7 +79,7 @@ MStatus ParticleCloud_RenderCloudCommand::doIt(const MArgList& args) {
             for (ParticleCloud* cloud : *clouds) {
                 cloud->refresh();
                 reportInfo("ParticleCloud_RenderCloudCommand:  Cloud [%s]  produced [%d] sprites\n",
-                           cloud->name().asChar(), cloud->numSprites());
+                           cloud->name().asUTF8(), cloud->numSprites());
             }
             return MStatus::kSuccess;
         } catch (const std::exception&) {
@@ -117,7 +117,7 @@ MStatus ParticleCloud_ExportDataCommand::doIt(const MArgList& args) {
         MString pathText;
         if (args.get(0, pathText).error() || pathText.length() == 0)
             return refused("ParticleCloud_ExportDataCommand   Could not get filePath.");
-        const std::string path = pathText.asChar();
+        const std::string path = pathText.asUTF8();
         const auto names = namesFrom(args, 1);
         if (!names) return refused("ParticleCloud_ExportDataCommand   Could not get cloud names from argument list.");
         if (names->empty()) return refused("ParticleCloud_ExportDataCommand   No cloud names given! :(");
@@ -135,7 +135,7 @@ MStatus ParticleCloud_ExportDataCommand::doIt(const MArgList& args) {
                 const bool exported = written && shapes[i];
                 reportInfo(exported ? "CloudExport: Exporting cloud [%s] to file [%s] success\n"
                                     : "CloudExport: Exporting cloud [%s] to file [%s] FAILED\n",
-                           (*clouds)[i]->name().asChar(), path);
+                           (*clouds)[i]->name().asUTF8(), path);
                 if (!exported) result = MStatus::kFailure;
             }
             return result;

@@ -2,6 +2,7 @@
 
 #include "../Common/FileSystem.h"
 #include "../Common/GlStateScope.h"
+#include "../Common/HostText.h"
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaCamera.h"
 #include "../Common/MayaUtils.h"
@@ -113,7 +114,7 @@ void ParticleCloudDome::loadAnew() {
 }
 
 void ParticleCloudDome::loadFromDisk(const std::string& path) {
-    writeString(thisMObject(), cloudDataDir, path.c_str());
+    writeString(thisMObject(), cloudDataDir, hostText(path));
     refresh();
 }
 
@@ -152,10 +153,10 @@ void ParticleCloudDome::forgetClouds() {
 void ParticleCloudDome::loadTemplates() {
     if (templatesLoaded_) return;
     templatesLoaded_ = true;
-    const std::string authored = readString(thisMObject(), cloudDataDir).asChar();
+    const std::string authored = readString(thisMObject(), cloudDataDir).asUTF8();
     const std::string stored = storedForm(authored);
     if (stored != authored && isFreeToChange(thisMObject(), cloudDataDir))
-        writeString(thisMObject(), cloudDataDir, stored.c_str());
+        writeString(thisMObject(), cloudDataDir, hostText(stored));
     const std::string location = absoluteCopy(stored);
 
     if (folderExists(location)) {
@@ -213,7 +214,7 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
         reportInfo("CLOUDS PRODUCED [%d]  CLOUD MEMORY USED [%d]\n", dome.started, dome.dataSize);
     }
     if (dome.failed > 0)
-        reportPlacedError("ParticleCloudDome:  [%s] lacks %d of its %d clouds: out of memory\n", name().asChar(),
+        reportPlacedError("ParticleCloudDome:  [%s] lacks %d of its %d clouds: out of memory\n", name().asUTF8(),
                           dome.failed, dome.started);
 }
 
@@ -287,7 +288,7 @@ bool ParticleCloudDome::saveToXml(OutputFile& file, const char* indent, std::vec
     const CloudShadingParams shading = shadingNode->readParams();
     if (builtFor_ && *builtFor_ != readBuildInputs(shading))
         reportWarning("ParticleCloudDome::SaveToXML:  [%s] is out of date: it is exported as it was last generated\n",
-                      name().asChar());
+                      name().asUTF8());
     const MObject node = thisMObject();
     file.print("%s<ParticleCloudDome\n", indent);
     file.print("%s\tdomeHeight = \"%f\"\n", indent, readDouble(node, domeHeight));

@@ -37,7 +37,7 @@ MStatus ParticleCloudDome_LoadFromDiskCommand::doIt(const MArgList& args) {
         if (!readText(args, 1, name)) return refused("ParticleCloudDome_LoadFromDiskCommand   Could not get nodeName.");
         ParticleCloudDome* dome = ParticleCloudDome::findInstance(name);
         if (!dome) return refused("ParticleCloudDome_LoadFromDiskCommand   Could not get dome node pointer.");
-        dome->loadFromDisk(path.asChar());
+        dome->loadFromDisk(path.asUTF8());
         return MStatus::kSuccess;
     });
 }

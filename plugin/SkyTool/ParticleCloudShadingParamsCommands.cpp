@@ -15,7 +15,7 @@ std::optional<std::string> textArgument(const MArgList& args, unsigned index) {
     MStatus status;
     const MString text = args.asString(index, &status);
     if (status.error()) return std::nullopt;
-    return text.asChar();
+    return text.asUTF8();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "ParticleCloudShadingParamsLocator.h"
 
+#include "../Common/HostText.h"
 #include "../Common/LocatorAttributes.h"
 #include "../Common/MayaUtils.h"
 #include "../Common/Paths.h"
@@ -76,7 +77,7 @@ void ParticleCloudShadingParamsLocator::postConstructor() {
 CloudShadingParams ParticleCloudShadingParamsLocator::storedParams() const {
     const MObject node = thisMObject();
     CloudShadingParams params;
-    params.shadingTexture = readString(node, shadingTexture).asChar();
+    params.shadingTexture = readString(node, shadingTexture).asUTF8();
     params.cloudColour = readDouble3(node, cloudColour);
     params.shadingOpacity = readDouble(node, shadingOpacity);
     params.shadingBrightness = readDouble(node, shadingBrightness);
@@ -106,14 +107,14 @@ CloudShadingParams ParticleCloudShadingParamsLocator::readParams() {
     std::string path = collapsePath(storedForm(params.shadingTexture));
     // Only a change is written: a draw that changed the scene would be followed by another draw.
     if (path != params.shadingTexture && isFreeToChange(thisMObject(), shadingTexture))
-        writeString(thisMObject(), shadingTexture, path.c_str());
+        writeString(thisMObject(), shadingTexture, hostText(path));
     params.shadingTexture = std::move(path);
     return params;
 }
 
 bool ParticleCloudShadingParamsLocator::saveToXml(OutputFile& file, const char* indent) {
     const MObject node = thisMObject();
-    const std::string stored = readString(node, shadingTexture).asChar();
+    const std::string stored = readString(node, shadingTexture).asUTF8();
     std::string texture = stored;
     if (!stripBuildFolder(texture)) {
         reportError("ParticleCloudShadingParams - Shading Texture: Bad filepath - must exist and be in the build "
@@ -163,7 +164,7 @@ bool ParticleCloudShadingParamsLocator::loadParamsFile(const std::string& path, 
           lightingSunGlowHaloSize, cloudColour}) {
         const MPlug plug(node, attribute);
         if (plug.isFreeToChange() == MPlug::kFreeToChange) continue;
-        if (error) *error = std::string(plug.name().asChar()) + " is locked or connected";
+        if (error) *error = std::string(plug.name().asUTF8()) + " is locked or connected";
         return false;
     }
     bool ok = true;
@@ -175,7 +176,7 @@ bool ParticleCloudShadingParamsLocator::loadParamsFile(const std::string& path, 
     set(sunShadowAmount, params->sunShadowAmount);
     set(groundShadowAmount, params->groundShadowAmount);
     set(spriteShadowAmount, params->spriteShadowAmount);
-    set(shadingTexture, MString(params->shadingTexture.c_str()));
+    set(shadingTexture, hostText(params->shadingTexture));
     set(enableSelfShadow, params->enableSelfShadow);
     set(selfShadowAmount, params->selfShadowAmount);
     set(selfShadowFalloff, params->selfShadowFalloff);

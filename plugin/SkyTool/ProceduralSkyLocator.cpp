@@ -222,7 +222,7 @@ void ProceduralSkyLocator::bringUpToDate() {
     if (!computed) {
         reportError("ProceduralSkyLocator:  %s has heights too large to be integrated in steps of %g m, or parameters "
                     "that are no numbers. Nothing is drawn.",
-                    name().asChar(), atmosphereModel(wanted).stepLength);
+                    name().asUTF8(), atmosphereModel(wanted).stepLength);
         refused_ = wanted;
         return;
     }

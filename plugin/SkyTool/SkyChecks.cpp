@@ -22,13 +22,13 @@ namespace {
 void checkFile(const MPlug& plug, bool isCubeMap) {
     MString text;
     if (plug.getValue(text).error() || text.length() == 0) return;
-    const std::string path = absoluteCopy(text.asChar());
+    const std::string path = absoluteCopy(text.asUTF8());
     if (!existingPath(path))
-        reportWarning("%s names a file that is not there: %s", plug.name().asChar(), text.asChar());
+        reportWarning("%s names a file that is not there: %s", plug.name().asUTF8(), text.asUTF8());
     else if (isCubeMap && !nv_dds::CTexture::isBlockCubeMap(path))
         reportWarning("%s names a file that OpenGL cannot take, since it is no DDS cube map in DXT1, DXT3 or DXT5; a "
                       "checkerboard is shown in its place: %s",
-                      plug.name().asChar(), text.asChar());
+                      plug.name().asUTF8(), text.asUTF8());
 }
 
 void checkEnumeration(const MPlug& plug, const MObject& attribute) {
@@ -36,7 +36,7 @@ void checkEnumeration(const MPlug& plug, const MObject& attribute) {
     MStatus known;
     if (plug.getValue(value).error()) return;
     (void)MFnEnumAttribute(attribute).fieldName(value, &known);
-    if (known.error()) reportWarning("%s is %d, which is none of its values", plug.name().asChar(), value);
+    if (known.error()) reportWarning("%s is %d, which is none of its values", plug.name().asUTF8(), value);
 }
 
 void checkNumber(const MPlug& plug, MFnNumericData::Type type) {
@@ -47,7 +47,7 @@ void checkNumber(const MPlug& plug, MFnNumericData::Type type) {
         if (plug.getValue(single).error()) return;
         value = single;
     }
-    if (!std::isfinite(value)) reportWarning("%s is not a finite number", plug.name().asChar());
+    if (!std::isfinite(value)) reportWarning("%s is not a finite number", plug.name().asUTF8());
 }
 
 void check(const MPlug& plug, const MObject& node) {

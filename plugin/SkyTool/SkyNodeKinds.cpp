@@ -81,7 +81,7 @@ std::vector<SkyNodeRecord> collectSkyNodes(const MObject& root) {
         MStatus status;
         const MFnDagNode node(object, &status);
         if (status.error()) continue;
-        const SkyNodeKind kind = skyNodeKind(node.typeName().asChar());
+        const SkyNodeKind kind = skyNodeKind(node.typeName().asUTF8());
         if (kind != kUnknownKind && kind != kTransformKind) records.push_back({kind, object, fullPathName(object)});
         // The last child goes in first, so that the first one is walked next.
         for (unsigned i = node.childCount(); i-- > 0;) {

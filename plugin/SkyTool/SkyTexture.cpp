@@ -1,17 +1,18 @@
 #include "SkyTexture.h"
 
+#include "../Common/HostText.h"
 #include "../Common/MayaUtils.h"
 #include "../Common/Paths.h"
 
 namespace orvo {
 
 void SkyTexture::storePath(const MObject& node, const MObject& pathAttribute) {
-    const std::string given = readString(node, pathAttribute).asChar();
+    const std::string given = readString(node, pathAttribute).asUTF8();
     if (given == storedPath_) return;
     const std::string stored = storedForm(given);
-    if (stored != given && isFreeToChange(node, pathAttribute)) writeString(node, pathAttribute, stored.c_str());
+    if (stored != given && isFreeToChange(node, pathAttribute)) writeString(node, pathAttribute, hostText(stored));
     // Read back: an attribute that is locked or connected keeps its value.
-    storedPath_ = readString(node, pathAttribute).asChar();
+    storedPath_ = readString(node, pathAttribute).asUTF8();
 }
 
 std::uint32_t SkyTexture::update(const MObject& node, const MObject& pathAttribute, TextureLoad load,
@@ -31,7 +32,7 @@ void SkyTexture::release() {
 }
 
 std::string buildPath(const MObject& node, const MObject& pathAttribute, bool& inFolder) {
-    std::string path = readString(node, pathAttribute).asChar();
+    std::string path = readString(node, pathAttribute).asUTF8();
     inFolder = stripBuildFolder(path);
     return path;
 }
