@@ -1,17 +1,28 @@
 #include "Session.h"
 
+#include "Host.h"
+
+#include <optional>
+
 namespace orvosky {
 
 int runCommand(const CommonOptions& common, const RunOptions& options) {
-    return reported([&] {
+    std::optional<int> exitCode;
+    const int status = reported([&] {
         Session session(common);
         session.applySettingsToOpenedScenes();
-        if (!options.text.empty())
-            session.runText(options.text, options.arguments);
-        else
-            session.runScript(options.script, options.arguments);
+        try {
+            if (!options.text.empty())
+                session.runText(options.text, options.arguments);
+            else
+                session.runScript(options.script, options.arguments);
+        } catch (const Failure&) {
+            exitCode = host::Host::instance().interpreter().exitCode();
+            if (!exitCode) throw;
+        }
         session.requireSettingsApplied();
     });
+    return exitCode.value_or(status);
 }
 
 } // namespace orvosky

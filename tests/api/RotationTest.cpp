@@ -26,6 +26,9 @@ void expectNear(const MMatrix& actual, const MMatrix& expected, double within = 
 struct OrderCase {
     MEulerRotation::RotationOrder order;
     MVector angles, from, to;
+    friend void PrintTo(const OrderCase& c, std::ostream* out) {
+        *out << "order " << c.order << ", " << c.angles << ": " << c.from << " to " << c.to;
+    }
 };
 
 class EulerOrder : public testing::TestWithParam<OrderCase> {};
@@ -129,6 +132,7 @@ TEST(Quaternion, Identities) {
 
 struct TurnCase {
     MVector from, to;
+    friend void PrintTo(const TurnCase& c, std::ostream* out) { *out << c.from << " to " << c.to; }
 };
 
 class QuaternionBetween : public testing::TestWithParam<TurnCase> {};

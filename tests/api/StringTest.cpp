@@ -18,6 +18,7 @@ struct SubstringCase {
     int start, end;
     const char* bytes;  // of "abcdef"
     const char* points; // of "aäb€c😀"
+    friend void PrintTo(const SubstringCase& c, std::ostream* out) { *out << c.start << " to " << c.end; }
 };
 
 class Substring : public testing::TestWithParam<SubstringCase> {};
@@ -77,6 +78,7 @@ TEST(String, WideTextsAreWellFormedOrBytes) {
 struct SplitCase {
     const char* text;
     std::vector<std::string> parts;
+    friend void PrintTo(const SplitCase& c, std::ostream* out) { *out << testing::PrintToString(std::string(c.text)); }
 };
 
 class Split : public testing::TestWithParam<SplitCase> {};
@@ -104,6 +106,7 @@ struct NumberCase {
     bool isInt, isDouble;
     int asInt;
     double asDouble;
+    friend void PrintTo(const NumberCase& c, std::ostream* out) { *out << testing::PrintToString(std::string(c.text)); }
 };
 
 class NumberText : public testing::TestWithParam<NumberCase> {};

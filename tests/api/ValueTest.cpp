@@ -61,6 +61,7 @@ struct RateCase {
     MTime::Unit unit;
     double perSecond;
     const char* name;
+    friend void PrintTo(const RateCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class TimeRate : public testing::TestWithParam<RateCase> {};

@@ -58,6 +58,16 @@ TEST_F(Program, RunsScripts) {
     EXPECT_THAT(run({"run", "missing.mel"}).error, HasSubstr("missing.mel"));
 }
 
+// Faults: a script's own exit status lost, or an export that a script left unfinished called done.
+TEST_F(Program, QuitGivesTheStatus) {
+    const auto done = run({"run", "-e", "print \"a\"; quit -exitCode 7; print \"b\";"});
+    EXPECT_EQ(done.status, 7);
+    EXPECT_EQ(done.out + done.error, "a");
+    write(folder_ / "quits.mel", "quit;");
+    EXPECT_EQ(run({"run", (folder_ / "quits.mel").string()}).status, 0);
+    EXPECT_EQ(run({"export", (folder_ / "quits.mel").string(), (folder_ / "none.atmos").string()}).status, 1);
+}
+
 // Faults: the plug-in loaded when it should not be; commands of it that linger.
 TEST_F(Program, NoPluginRunsTheBareHost) {
     const Outcome o = run({"--no-plugin", "run", "-e", "print `pluginInfo -q -listPlugins`; createNode transform;"});

@@ -1,5 +1,8 @@
 #include "CommandFixture.h"
 
+#include "files/SceneReader.h"
+#include "files/SceneWriter.h"
+
 using host::mel::FloatArray;
 using host::mel::StringArray;
 using testing::HasSubstr;
@@ -191,6 +194,40 @@ TEST_F(NodeStatementTest, AddAttrFlags) {
           "addAttr -ln \"a b\" -at float a;", "addAttr -ln tx -at float a;", "addAttr -ln x -at float -p density a;"})
         EXPECT_NE(failure(script), "no error") << script;
     EXPECT_FALSE(holds("attributeQuery -exists -n a x;"));
+}
+
+// Faults: a property asked for or changed that is another one's, a change of the node's type, one that is not undone.
+TEST_F(NodeStatementTest, AddAttrAsksAndChanges) {
+    run("createNode transform -n a; addAttr -ln n -sn nn -at double -min 0 -dv 5 a; addAttr -ln mode -sn mo -at "
+        "\"enum\" -en "
+        "\"x:y\" a;");
+    EXPECT_EQ(number("addAttr -q -dv a.n;"), 5);
+    EXPECT_EQ(text("addAttr -q -sn a.n;"), "nn");
+    EXPECT_EQ(text("addAttr -q -at a.mode;") + text("addAttr -q -en a.mode;"), "enumx:y");
+    EXPECT_EQ(number("addAttr -q -hnv a.n;") + number("addAttr -q -hxv a.n;"), 1);
+    EXPECT_NE(failure("addAttr -q -max a.n;"), "no error");
+    run("addAttr -e -max 7 -dv 2 -nn \"N\" a.n; addAttr -e -en \"x:y=4:z\" a.mode; setAttr a.mode 5;");
+    EXPECT_NE(failure("setAttr a.n 8;"), "no error");
+    EXPECT_EQ(text("getAttr -as a.mode;") + text("attributeQuery -n a -nn n;"), "zN");
+    run("undo; undo; undo;");
+    EXPECT_EQ(number("addAttr -q -dv a.n;"), 5);
+    run("setAttr a.n 8;");
+    for (const char* script : {"addAttr -e -max 1 a.tx;", "addAttr -e -min 9 -max 1 a.n;", "addAttr -e -en \"a\" a.n;"})
+        EXPECT_NE(failure(script), "no error") << script;
+}
+
+// Faults: another name of an attribute lost by saving, or one that leads a reader in circles.
+TEST_F(NodeStatementTest, AliasesAreSaved) {
+    run("createNode transform -n a; addAttr -ln w -at double -m a; aliasAttr smile a.w[2]; setAttr a.smile 3;");
+    auto& scene = host::Host::instance().scene();
+    const std::string saved = host::files::SceneWriter(scene).text("a.ma");
+    EXPECT_THAT(saved, HasSubstr("setAttr \".aal\" -type \"attributeAlias\" {\"smile\",\"w[2]\"} ;"));
+    host::files::SceneReader(scene, {}).readText(saved, "a.ma");
+    EXPECT_EQ(number("getAttr a.smile;"), 3);
+    host::files::SceneReader(scene, {}).readText(
+        "createNode transform -n \"c\"; setAttr \".aal\" -type \"attributeAlias\" {\"x\",\"y[0]\",\"y\",\"x\"} ;",
+        "c.ma");
+    EXPECT_NE(failure("getAttr c.x;"), "no error");
 }
 
 // Faults: a compound that is entered before it is whole or never, children out of order or in the wrong parent, a

@@ -1,4 +1,4 @@
-#include "SceneFixture.h"
+#include "SceneFileFixture.h"
 
 #include "scene/AnimCurve.h"
 #include "scene/MeshNode.h"
@@ -139,7 +139,7 @@ std::string difference(const std::multiset<std::string>& a, const std::multiset<
     return all;
 }
 
-class SavedSceneTest : public SceneFixture, public testing::WithParamInterface<const char*> {
+class SavedSceneTest : public SceneFileFixture, public testing::WithParamInterface<const char*> {
 protected:
     MMatrix world(const char* node) { return scene.findNode(node)->dag()->worldMatrix(); }
     double at(const char* plug, double frame) {

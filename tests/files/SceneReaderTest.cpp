@@ -1,4 +1,4 @@
-#include "SceneFixture.h"
+#include "SceneFileFixture.h"
 
 #include "scene/MeshNode.h"
 
@@ -15,7 +15,7 @@ namespace {
 
 constexpr double degree = std::numbers::pi / 180;
 
-using SceneReaderTest = SceneFixture;
+using SceneReaderTest = SceneFileFixture;
 
 // Faults: values of a real file's shape lost or put elsewhere, script nodes run, needless complaints.
 TEST_F(SceneReaderTest, OpensA2010Scene) {
@@ -146,8 +146,9 @@ TEST_F(SceneReaderTest, ImportFollowsTheFilesOwnNames) {
 
 struct Failure {
     const char *text, *message;
+    friend void PrintTo(const Failure& c, std::ostream* out) { *out << c.message; }
 };
-class FailingStatementTest : public SceneFixture, public testing::WithParamInterface<Failure> {};
+class FailingStatementTest : public SceneFileFixture, public testing::WithParamInterface<Failure> {};
 
 // Faults: one bad statement ends the reading, is passed over in silence, or has no place in its message; a count or
 // range that lies makes memory.

@@ -1,4 +1,4 @@
-#include "SceneFixture.h"
+#include "SceneFileFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -9,14 +9,17 @@ using testing::HasSubstr;
 
 namespace {
 
-class HostileSceneTest : public SceneFixture,
-                         public testing::WithParamInterface<std::pair<const char*, const char*>> {};
+struct Hostile {
+    const char *text, *message;
+    friend void PrintTo(const Hostile& c, std::ostream* out) { *out << testing::PrintToString(std::string(c.text)); }
+};
+class HostileSceneTest : public SceneFileFixture, public testing::WithParamInterface<Hostile> {};
 
 // Faults: a scene file runs something; what is refused swallows the next statement, or leaves no trace.
 TEST_P(HostileSceneTest, IsRefusedByNameAndNothingRuns) {
     const auto trace = temporary("trace");
     std::filesystem::remove(trace);
-    std::string text = GetParam().first;
+    std::string text = GetParam().text;
     for (std::size_t at; (at = text.find("TRACE")) != text.npos;) text.replace(at, 5, trace.string());
     std::vector<std::string> loaded;
     files::SceneReader::Options options;
@@ -27,7 +30,7 @@ TEST_P(HostileSceneTest, IsRefusedByNameAndNothingRuns) {
     open("createNode transform -n \"a\";\n" + text + "\ncreateNode transform -n \"next\";\n", options);
     ASSERT_GE(messages.size(), 1u);
     EXPECT_THAT(messages[0], HasSubstr("test.ma line 2: "));
-    EXPECT_THAT(messages[0], HasSubstr(GetParam().second));
+    EXPECT_THAT(messages[0], HasSubstr(GetParam().message));
     EXPECT_TRUE(scene.findNode("next")) << "the statement behind is read";
     EXPECT_FALSE(scene.findNode("made"));
     EXPECT_TRUE(loaded.empty());
@@ -37,35 +40,35 @@ TEST_P(HostileSceneTest, IsRefusedByNameAndNothingRuns) {
 INSTANTIATE_TEST_SUITE_P(
     Scenes, HostileSceneTest,
     testing::Values(
-        std::pair{"system(\"touch TRACE\");", "'system'"}, std::pair{"eval(\"system \\\"touch TRACE\\\"\");", "'eval'"},
-        std::pair{"eval \"createNode transform -n made\";", "'eval'"},
-        std::pair{"python(\"open('TRACE','w')\");", "'python'"},
-        std::pair{"setAttr \".tx\" `system \"touch TRACE\"`;", "'setAttr'"},
-        std::pair{"setAttr \".tx\" (1 + 2);", "'setAttr'"},
-        std::pair{"createNode transform -n (\"ma\" + `x; y`);", "'createNode'"},
-        std::pair{"createNode transform -n $made;", "'createNode'"},
-        std::pair{"global proc made() { if (1) { createNode transform -n \"made\"; } string $s = \"}\"; /* } */ }",
+        Hostile{"system(\"touch TRACE\");", "'system'"}, Hostile{"eval(\"system \\\"touch TRACE\\\"\");", "'eval'"},
+        Hostile{"eval \"createNode transform -n made\";", "'eval'"},
+        Hostile{"python(\"open('TRACE','w')\");", "'python'"},
+        Hostile{"setAttr \".tx\" `system \"touch TRACE\"`;", "'setAttr'"},
+        Hostile{"setAttr \".tx\" (1 + 2);", "'setAttr'"},
+        Hostile{"createNode transform -n (\"ma\" + `x; y`);", "'createNode'"},
+        Hostile{"createNode transform -n $made;", "'createNode'"},
+        Hostile{"global proc made() { if (1) { createNode transform -n \"made\"; } string $s = \"}\"; /* } */ }",
                   "'global'"},
-        std::pair{"proc p(int $i) { createNode transform -n \"made\"; }", "'proc'"},
-        std::pair{"for ($i = 0; $i < 3; $i++) { createNode transform -n \"made\"; }", "'for'"},
-        std::pair{"if (`exists x`) { createNode transform -n \"made\"; } else { system(\"touch TRACE\"); }", "'if'"},
-        std::pair{"do { createNode transform -n \"made\"; } while (true);", "'do'"},
-        std::pair{"{ createNode transform -n \"made\"; }", "'{'"}, std::pair{"}", "'}'"},
-        std::pair{"$made = 5; ", "'$'"}, std::pair{"`createNode transform -n \"made\"`;", "'`'"},
-        std::pair{"string $a[] = {\"x;\", \"createNode transform -n made;\"};", "'string'"},
-        std::pair{"source \"evil.mel\";", "'source'"},
-        std::pair{"file -r -ns \"x\" \"other.ma\";", "'file': references"},
-        std::pair{"file -rename \"TRACE\";", "'file'"}, std::pair{"file -import \"other.ma\";", "'file'"},
-        std::pair{"loadPlugin \"evil\";", "'loadPlugin'"},
-        std::pair{"requires \"../evil\" \"1.0\";", "only a bare name"},
-        std::pair{"requires \"/tmp/evil.so\" \"1.0\";", "only a bare name"},
-        std::pair{"scriptNode -st 1 -bs \"system(\\\"touch TRACE\\\")\" -n \"s\";", "'scriptNode'"},
-        std::pair{"scriptJob -ie \"x\";", "'scriptJob'"}, std::pair{"workspace -o \"/\";", "'workspace'"},
-        std::pair{"delete \"a\";", "'delete'"},
-        std::pair{"createNode \"two words\" -n \"made\";", "is no name of a type"}));
+        Hostile{"proc p(int $i) { createNode transform -n \"made\"; }", "'proc'"},
+        Hostile{"for ($i = 0; $i < 3; $i++) { createNode transform -n \"made\"; }", "'for'"},
+        Hostile{"if (`exists x`) { createNode transform -n \"made\"; } else { system(\"touch TRACE\"); }", "'if'"},
+        Hostile{"do { createNode transform -n \"made\"; } while (true);", "'do'"},
+        Hostile{"{ createNode transform -n \"made\"; }", "'{'"}, Hostile{"}", "'}'"},
+        Hostile{"$made = 5; ", "'$'"}, Hostile{"`createNode transform -n \"made\"`;", "'`'"},
+        Hostile{"string $a[] = {\"x;\", \"createNode transform -n made;\"};", "'string'"},
+        Hostile{"source \"evil.mel\";", "'source'"},
+        Hostile{"file -r -ns \"x\" \"other.ma\";", "'file': references"},
+        Hostile{"file -rename \"TRACE\";", "'file'"}, Hostile{"file -import \"other.ma\";", "'file'"},
+        Hostile{"loadPlugin \"evil\";", "'loadPlugin'"},
+        Hostile{"requires \"../evil\" \"1.0\";", "only a bare name"},
+        Hostile{"requires \"/tmp/evil.so\" \"1.0\";", "only a bare name"},
+        Hostile{"scriptNode -st 1 -bs \"system(\\\"touch TRACE\\\")\" -n \"s\";", "'scriptNode'"},
+        Hostile{"scriptJob -ie \"x\";", "'scriptJob'"}, Hostile{"workspace -o \"/\";", "'workspace'"},
+        Hostile{"delete \"a\";", "'delete'"},
+        Hostile{"createNode \"two words\" -n \"made\";", "is no name of a type"}));
 
 // Fault: script and expression nodes are run, or a flood of refusals is told one by one.
-TEST_F(SceneFixture, ScriptsAreKeptAndRefusalsAreCounted) {
+TEST_F(SceneFileFixture, ScriptsAreKeptAndRefusalsAreCounted) {
     std::string text = "createNode script -n \"s\"; setAttr \".b\" -type \"string\" \"createNode transform -n made\"; "
                        "setAttr \".st\" 1;\n";
     for (int i = 0; i < 100; ++i) text += "print \"x\";\n";
@@ -79,8 +82,9 @@ TEST_F(SceneFixture, ScriptsAreKeptAndRefusalsAreCounted) {
 struct BadFile {
     const char *name, *bytes, *message;
     std::size_t size;
+    friend void PrintTo(const BadFile& c, std::ostream* out) { *out << c.name; }
 };
-class BadFileTest : public SceneFixture, public testing::WithParamInterface<BadFile> {};
+class BadFileTest : public SceneFileFixture, public testing::WithParamInterface<BadFile> {};
 
 // Faults: a file that is none opens as an empty scene, costs the scene that is open, or is not named in the message.
 TEST_P(BadFileTest, IsAnErrorThatNamesItAndChangesNothing) {
@@ -116,7 +120,7 @@ INSTANTIATE_TEST_SUITE_P(
                     bad("text.ma", "hello world\n", "missing")));
 
 // Faults: a folder, a device or a missing file hangs or crashes.
-TEST_F(SceneFixture, WhatIsNoFileIsAnError) {
+TEST_F(SceneFileFixture, WhatIsNoFileIsAnError) {
     const auto fifo = temporary("fifo");
     std::filesystem::remove(fifo);
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
@@ -135,7 +139,7 @@ TEST_F(SceneFixture, WhatIsNoFileIsAnError) {
     }
 }
 
-class TruncationTest : public SceneFixture, public testing::WithParamInterface<const char*> {};
+class TruncationTest : public SceneFileFixture, public testing::WithParamInterface<const char*> {};
 
 // Faults: a scene cut off anywhere crashes, hangs, or (cut within a statement) passes for whole.
 TEST_P(TruncationTest, EveryByte) {
@@ -160,7 +164,7 @@ INSTANTIATE_TEST_SUITE_P(Samples, TruncationTest,
                          testing::Values("release2010.ma", "release2016.ma", "release2022.ma"));
 
 // Fault: deep nesting in what is refused uses up the stack.
-TEST_F(SceneFixture, DeepNestingIsHarmless) {
+TEST_F(SceneFileFixture, DeepNestingIsHarmless) {
     const std::string deep(1'000'000, '{');
     EXPECT_THROW(open(deep), files::FileError);
     open("if (1) " + deep + std::string(deep.size(), '}') + " createNode transform -n \"next\";");

@@ -1,4 +1,4 @@
-#include "SceneFixture.h"
+#include "SceneFileFixture.h"
 
 #include "scene/MeshNode.h"
 
@@ -65,7 +65,7 @@ std::string contentsOf(Scene& scene) {
     return all;
 }
 
-class RoundTripTest : public SceneFixture, public testing::WithParamInterface<const char*> {};
+class RoundTripTest : public SceneFileFixture, public testing::WithParamInterface<const char*> {};
 
 // Faults: whatever the writer leaves out, puts in a wrong order, or writes so that it reads back as another value.
 TEST_P(RoundTripTest, SavedScenesOpenAsTheSame) {
@@ -96,7 +96,7 @@ TEST_P(RoundTripTest, SavedScenesOpenAsTheSame) {
 INSTANTIATE_TEST_SUITE_P(Samples, RoundTripTest, testing::Values("release2010.ma", "release2016.ma", "release2022.ma"));
 
 // Faults: digits lost in any unit, a comma written under a comma locale.
-TEST_F(SceneFixture, NumbersReadBackToTheBit) {
+TEST_F(SceneFileFixture, NumbersReadBackToTheBit) {
     std::mt19937_64 random(20110117);
     open("currentUnit -l inch -a degree -t pal;");
     for (int round = 0; round < 200; ++round) {
@@ -125,7 +125,7 @@ TEST_F(SceneFixture, NumbersReadBackToTheBit) {
 }
 
 // Faults: kept connections written with names of the past; those of deleted nodes written.
-TEST_F(SceneFixture, KeptConnectionsFollowTheirNodes) {
+TEST_F(SceneFileFixture, KeptConnectionsFollowTheirNodes) {
     open("createNode transform -n \"a\"; createNode foo -n \"f\"; createNode foo -n \"g\";"
          "connectAttr \"a.tx\" \"f.in\"; connectAttr \"f.out\" \"g.in\" -na;");
     scene.rename(*scene.findNode("f"), "renamed");
@@ -136,7 +136,7 @@ TEST_F(SceneFixture, KeptConnectionsFollowTheirNodes) {
 }
 
 // Faults: long and odd texts cut, split within an escape or a character.
-TEST_F(SceneFixture, LongTextsReadBack) {
+TEST_F(SceneFileFixture, LongTextsReadBack) {
     std::string text;
     for (int i = 0; i < 3000; ++i) text += i % 7 == 0 ? "\\\"\n" : i % 3 == 0 ? "\xC3\xA9" : "$x;";
     const NodePtr node = scene.createNode(*scene.findType("script"), "s");
@@ -146,7 +146,7 @@ TEST_F(SceneFixture, LongTextsReadBack) {
 }
 
 // Faults: a full disk passes for success, or costs the file that was there.
-TEST_F(SceneFixture, AFailedSaveKeepsTheOldFile) {
+TEST_F(SceneFileFixture, AFailedSaveKeepsTheOldFile) {
     const auto file = temporary("scene.ma");
     put(file, "old");
     rlimit old{};

@@ -1,4 +1,4 @@
-#include "SceneFixture.h"
+#include "SceneFileFixture.h"
 
 #include "files/Workspace.h"
 
@@ -12,7 +12,7 @@ using testing::UnorderedElementsAre;
 namespace {
 
 namespace fs = std::filesystem;
-using WorkspaceTest = SceneFixture;
+using WorkspaceTest = SceneFileFixture;
 
 // Faults: rules misread, workspace.mel run, the search upward missing the nearest or not ending.
 TEST_F(WorkspaceTest, ReadsRulesAndRunsNothing) {

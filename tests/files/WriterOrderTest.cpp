@@ -1,4 +1,4 @@
-#include "SceneFixture.h"
+#include "SceneFileFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -13,7 +13,7 @@ using testing::StartsWith;
 
 namespace {
 
-class WriterOrder : public SceneFixture {
+class WriterOrder : public SceneFileFixture {
 protected:
     DagNode& make(const std::string& name, DagNode* parent = nullptr) {
         return *scene.createNode(*scene.findType("transform"), name, parent)->dag();

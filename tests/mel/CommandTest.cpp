@@ -88,6 +88,56 @@ TEST(Hooks, SurroundTopLevelStatementsAndCommands) {
     EXPECT_EQ(log, "(<act><act>)");
 }
 
+// Faults: a deferred text that runs at once, before others that came first, or after its script has failed.
+TEST(Deferred, RunsWhenTheScriptHasEnded) {
+    MelFixture mel;
+    EXPECT_EQ(
+        mel.run("evalDeferred -lowestPriority \"print 4\"; evalDeferred \"evalDeferred \\\"print 3\\\"; print 2\"; "
+                "print 1;"),
+        "1234");
+    EXPECT_THROW(mel.interpreter.execute("evalDeferred \"print 5\"; error \"x\";"), Error);
+    EXPECT_EQ(mel.run("print 6"), "6");
+}
+
+// Faults: a script that goes on behind quit, inside a catch or in a deferred text.
+TEST(Quit, EndsEverything) {
+    MelFixture mel;
+    EXPECT_EQ(mel.interpreter.exitCode(), std::nullopt);
+    EXPECT_THROW(mel.run("evalDeferred \"print 3\"; print 1; catchQuiet(`quit -exitCode 3`); print 2;"), Error);
+    EXPECT_EQ(mel.printed, "1");
+    EXPECT_EQ(mel.interpreter.exitCode(), 3);
+    EXPECT_THROW(mel.run("print 4"), Error);
+}
+
+// Faults: a command that runs when it is asked for its flags.
+TEST(Help, ListsTheFlags) {
+    MelFixture mel;
+    int runs = 0;
+    const auto command = [&](Call& call) {
+        const ParsedArguments args(call, {{"sz", "size", 2}, {"v", "verbose"}}, true);
+        return Value(++runs);
+    };
+    mel.interpreter.registerCommand("telling", command, true);
+    mel.interpreter.registerCommand("silent", command);
+    EXPECT_EQ(mel.run("print `help telling`;"), "Synopsis: telling [flags]\nFlags:\n  -sz -size VALUE VALUE\n"
+                                                "  -v -verbose\n  -q -query\n  -e -edit\n");
+    EXPECT_EQ(mel.run("print `help silent`;"), "Synopsis: silent\n");
+    EXPECT_EQ(mel.run("print `help -list \"tell*\"`;"), "telling\n");
+    EXPECT_EQ(runs, 0);
+}
+
+// Faults: a script without end that runs on, though it catches what stops it.
+TEST(StepLimit, EndsWhatHasNoEnd) {
+    for (const char* script :
+         {"while (1) catchQuiet(`eval \"while (1);\"`);", "proc f() { f(); f(); } while (1) catchQuiet(`f`);",
+          "for (;;) {}", "string $s = \"x\"; while (1) $s += $s;", "string $a[]; while (1) $a[size($a)] = \"\";"}) {
+        MelFixture mel;
+        mel.interpreter.setStepLimit(100000);
+        EXPECT_THROW(mel.run(script), Error) << script;
+        EXPECT_THROW(mel.run("print 1"), Error);
+    }
+}
+
 TEST(Commands, CanBeReplacedRemovedAndCalledByTheHost) {
     MelFixture mel;
     Interpreter& i = mel.interpreter;

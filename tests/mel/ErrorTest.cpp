@@ -76,6 +76,8 @@ static const ErrorCase kRunning[] = {
     {"format -s \"a\" \"^2s\";", "no argument for ^2s", 1},
     {"match \"[a\" \"b\";", "unpaired \"[\"", 1},
     {"fprint 77 \"x\";", "no open file", 1},
+    {"system \"ls\";", "system: scripts cannot start other programs here.", 1},
+    {"help nosuch;", "No command is named 'nosuch'.", 1},
     {"source \"no/such/file.mel\";", "Cannot find file \"no/such/file.mel\"", 1},
     {"tokenize \"a b\" \" \" \"c\";", "string array", 1},
 };

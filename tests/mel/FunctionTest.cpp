@@ -2,7 +2,7 @@
 
 #include <clocale>
 
-class FunctionTest : public testing::TestWithParam<ScriptCase> {};
+class FunctionTest : public testing::TestWithParam<PrintCase> {};
 
 TEST_P(FunctionTest, PrintsWhatItsDescriptionSays) {
     MelFixture mel;
@@ -13,7 +13,7 @@ TEST_P(FunctionTest, PrintsWhatItsDescriptionSays) {
     }
 }
 
-static const ScriptCase kTexts[] = {
+static const PrintCase kTexts[] = {
     {"print (substring(\"abcdef\", 2, 4) + substring(\"abc\", 3, 99) + substring(\"abc\", 3, 2));", "bcdc"},
     {"print (startString(\"abcdef\", 2) + endString(\"abcdef\", 2) + endString(\"ab\", 9));", "abefab"},
     {"print (startsWith(\"abc\", \"ab\") + endsWith(\"abc\", \"ab\"));", "1"},
@@ -39,7 +39,7 @@ static const ScriptCase kTexts[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Texts, FunctionTest, testing::ValuesIn(kTexts));
 
-static const ScriptCase kArrays[] = {
+static const PrintCase kArrays[] = {
     {"print (sort({10, 9, 2})); print (sort({\"10\", \"9\", \"b\"}));", "2\n9\n10\n10\n9\nb\n"},
     {"string $a[] = {\"x\", \"y\", \"x\"}; print (stringArrayContains(\"y\", $a) + stringArrayCount(\"x\", $a) + "
      "stringArrayFind(\"x\", 1, $a));",
@@ -59,7 +59,7 @@ static const ScriptCase kArrays[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Arrays, FunctionTest, testing::ValuesIn(kArrays));
 
-static const ScriptCase kNumbers[] = {
+static const PrintCase kNumbers[] = {
     {"print (abs(-3) + \" \" + abs(-2.5) + \" \" + ceil(1.2) + \" \" + floor(-1.2) + \" \" + trunc(-1.7));",
      "3 2.5 2 -2 -1"},
     {"print (round(2.5) + \" \" + round(-2.5) + \" \" + sign(-4) + \" \" + fmod(-7.5, 2));", "3 -3 -1 -1.5"},
@@ -80,7 +80,7 @@ static const ScriptCase kNumbers[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Numbers, FunctionTest, testing::ValuesIn(kNumbers));
 
-static const ScriptCase kPaths[] = {
+static const PrintCase kPaths[] = {
     {"print (basename(\"/a/b.tar.gz\", \".gz\") + \" \" + basenameEx(\"c:/x/s.ma\") + \" \" + basename(\"/a/b/\", "
      "\"\"));",
      "b.tar s b"},

@@ -2,7 +2,7 @@
 
 // The expected texts are worked out by hand from the language's rules.
 
-class LanguageTest : public testing::TestWithParam<ScriptCase> {};
+class LanguageTest : public testing::TestWithParam<PrintCase> {};
 
 TEST_P(LanguageTest, PrintsWhatTheLanguageSays) {
     MelFixture mel;
@@ -13,7 +13,7 @@ TEST_P(LanguageTest, PrintsWhatTheLanguageSays) {
     }
 }
 
-static const ScriptCase kOperators[] = {
+static const PrintCase kOperators[] = {
     {"print (2 + 3 * 4 - 10 / 4);", "12"},
     {"print (-7 / 2 + \" \" + -7 % 3 + \" \" + 7.5 % 2);", "-3 -1 1.5"},
     {"print (7 / 2.0);", "3.5"},
@@ -41,7 +41,7 @@ static const ScriptCase kOperators[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Operators, LanguageTest, testing::ValuesIn(kOperators));
 
-static const ScriptCase kValues[] = {
+static const PrintCase kValues[] = {
     {"print (0x1F + \" \" + 1. + \" \" + .5 + \" \" + 1.5e-5 + \" \" + 2E3);", "31 1 0.5 1.5e-05 2000"},
     {"print (1.0 / 3);", "0.3333333333"},
     {"print (1234567890123.0);", "1.23456789e+12"},
@@ -70,7 +70,7 @@ static const ScriptCase kValues[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Values, LanguageTest, testing::ValuesIn(kValues));
 
-static const ScriptCase kStatements[] = {
+static const PrintCase kStatements[] = {
     {"int $i; for ($i = 0; $i < 5; $i++) { if ($i == 1) continue; if ($i == 3) break; print $i; }", "02"},
     {"for (int $i = 0, $j = 9; $i < 2; $i++, $j--) print ($i + $j);", "99"},
     {"int $i = 3; while ($i) { print $i--; }", "321"},
@@ -93,7 +93,7 @@ static const ScriptCase kStatements[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Statements, LanguageTest, testing::ValuesIn(kStatements));
 
-static const ScriptCase kProcedures[] = {
+static const PrintCase kProcedures[] = {
     {"print (twice(4)); global proc int twice(int $x) { return $x * 2; }", "8"}, // called before its definition
     {"proc int f(int $n) { return $n < 2 ? $n : f($n - 1) + f($n - 2); } print (f(15));", "610"},
     {"proc fill(string $a[]) { $a[size($a)] = \"n\"; } string $l[]; fill($l); fill $l; print (size($l));", "2"},
@@ -110,7 +110,7 @@ static const ScriptCase kProcedures[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Procedures, LanguageTest, testing::ValuesIn(kProcedures));
 
-static const ScriptCase kCommandSyntax[] = {
+static const PrintCase kCommandSyntax[] = {
     {"string $s = `substitute \"b\" (\"ab\" + `toupper (\"c\" + `tolower \"D\"`)`) \"x\"`; print $s;", "axCD"},
     {"print (size(`stringToStringArray \"a b c\" \" \"`) + `size \"four\"`);", "7"},
     {"if (`exists print` && !`exists no_such_thing`) print \"yes\";", "yes"},
@@ -122,7 +122,7 @@ static const ScriptCase kCommandSyntax[] = {
 INSTANTIATE_TEST_SUITE_P(CommandSyntax, LanguageTest, testing::ValuesIn(kCommandSyntax));
 
 /// Prints the words a command is given, each with its type's first letter (capital for an array).
-class WordTest : public testing::TestWithParam<ScriptCase> {};
+class WordTest : public testing::TestWithParam<PrintCase> {};
 
 TEST_P(WordTest, ReachTheCommandWithTheirTypes) {
     MelFixture mel;
@@ -138,7 +138,7 @@ TEST_P(WordTest, ReachTheCommandWithTheirTypes) {
     EXPECT_EQ(seen, GetParam().expected);
 }
 
-static const ScriptCase kWords[] = {
+static const PrintCase kWords[] = {
     {"show -type \"double3\" foo.t 1 -2 .5 -.5 1e-3;", "s:-type s:double3 s:foo.t i:1 i:-2 f:0.5 f:-0.5 f:0.001 "},
     {"show |a|b :ns:x foo.t[0:3] .vt[0:7] * pre*fix f[*] ... a->b;",
      "s:|a|b s::ns:x s:foo.t[0:3] s:.vt[0:7] s:* s:pre*fix s:f[*] s:... s:a->b "},

@@ -41,9 +41,9 @@ private:
     host::Messages::Sink previous_;
 };
 
-struct ScriptCase {
+struct PrintCase {
     const char* script;
     const char* expected;
 };
 
-inline void PrintTo(const ScriptCase& c, std::ostream* out) { *out << c.script; }
+inline void PrintTo(const PrintCase& c, std::ostream* out) { *out << c.script; }

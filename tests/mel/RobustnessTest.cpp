@@ -63,7 +63,11 @@ TEST(Robustness, DamagedTextParsesOrFailsCleanly) {
     }
 }
 
-class NestingTest : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+struct Nesting {
+    const char *open, *close;
+    friend void PrintTo(const Nesting& n, std::ostream* out) { *out << n.open << " " << n.close; }
+};
+class NestingTest : public testing::TestWithParam<Nesting> {};
 
 TEST_P(NestingTest, DeepTextIsAnErrorNotACrash) {
     constexpr int deep = 100000;
@@ -74,7 +78,7 @@ TEST_P(NestingTest, DeepTextIsAnErrorNotACrash) {
     EXPECT_NO_THROW(mel.interpreter.execute(some)) << some;
 }
 
-static const std::pair<const char*, const char*> kNestings[] = {
+static const Nesting kNestings[] = {
     {"(", ")"},       {"- ", ""},      {"!", ""},     {"{", ";}"},           {"if (1) ", ""},
     {"$x = ", ""},    {"1 ? ", ": 0"}, {"abs(", ")"}, {"abs(`abs (", ")`)"}, {"while (0) ", ""},
     {"size({", "})"}, {"(int)", ""},

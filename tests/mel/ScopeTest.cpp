@@ -140,7 +140,7 @@ TEST_F(ScopeTest, ErrorsNameTheFailingLine) {
     }
 }
 
-class FlowTest : public testing::TestWithParam<ScriptCase> {};
+class FlowTest : public testing::TestWithParam<PrintCase> {};
 
 // Faults: a switch that stops at the next case or jumps to default first, break and continue that leave the wrong
 // loop, catch that undoes or repeats what was done, backquotes that end at the wrong place.
@@ -153,7 +153,7 @@ TEST_P(FlowTest, PrintsWhatTheLanguageSays) {
     }
 }
 
-static const ScriptCase kSwitches[] = {
+static const PrintCase kSwitches[] = {
     {"proc t(int $n) { switch ($n) { case 0: print \"0\"; case 1: print \"1\"; default: print \"d\"; case 2: print "
      "\"2\"; break; case 3: print \"3\"; } print \";\"; } t(0); t(1); t(2); t(3); t(4);",
      "01d2;1d2;2;3;d2;"},
@@ -173,7 +173,7 @@ static const ScriptCase kSwitches[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Switches, FlowTest, testing::ValuesIn(kSwitches));
 
-static const ScriptCase kCommands[] = {
+static const PrintCase kCommands[] = {
     {"string $b[]; print (`tokenize \"a b\" $b` + size(`stringToStringArray \"x y z\" \" \"`)); print $b[`size "
      "\"a\"`];",
      "5b"},
@@ -186,7 +186,7 @@ static const ScriptCase kCommands[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Backquotes, FlowTest, testing::ValuesIn(kCommands));
 
-static const ScriptCase kCatches[] = {
+static const PrintCase kCatches[] = {
     {"int $v = 4; print (catchQuiet($v = `error \"x\"`)); print $v;", "14"}, // keeps its value
     {"string $r; print (catch($r = `toupper \"a\"`)); print $r;", "0A"},
     {"proc int f() { print \"a\"; error \"x\"; print \"never\"; return 1; } print (catchQuiet(f())); print \"b\";",
@@ -200,7 +200,7 @@ static const ScriptCase kCatches[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Catches, FlowTest, testing::ValuesIn(kCatches));
 
-static const ScriptCase kRecursion[] = {
+static const PrintCase kRecursion[] = {
     {"proc int odd(int $n) { return $n == 0 ? 0 : even($n - 1); } proc int even(int $n) { return $n == 0 ? 1 : odd($n "
      "- "
      "1); } print (even(301));",

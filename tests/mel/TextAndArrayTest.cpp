@@ -5,7 +5,7 @@
 using host::mel::Error;
 
 /// Edge cases of the functions on texts and arrays, and of numbers as texts; expectations by hand.
-class TextAndArrayTest : public testing::TestWithParam<ScriptCase> {};
+class TextAndArrayTest : public testing::TestWithParam<PrintCase> {};
 
 TEST_P(TextAndArrayTest, PrintsWhatTheDocumentationSays) {
     MelFixture mel;
@@ -18,7 +18,7 @@ TEST_P(TextAndArrayTest, PrintsWhatTheDocumentationSays) {
 
 // Faults: replacing within what was put in (never ends), every match in place of the first, a replacement read as a
 // pattern, parts left over from an earlier call, empty parts counted, a fixed set of separators.
-static const ScriptCase kTexts[] = {
+static const PrintCase kTexts[] = {
     {"print (substituteAllString(\"aaa\", \"a\", \"aa\") + substituteAllString(\"abc\", \"\", \"x\"));", "aaaaaaabc"},
     {"print (substituteAllString(\"a.b\", \".\", \"\") + substituteAllString(\"\", \"a\", \"b\") + \"|\");", "ab|"},
     {"print (substitute(\"b\", \"abcb\", \"\") + substitute(\"x\", \"abc\", \"y\"));", "acbabc"},
@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, TextAndArrayTest, testing::ValuesIn(kTexts));
 
 // Faults: indices off by one at the ends, a function that changes the array it was to copy, arrays shared by
 // assignment, a removal that takes neighbours along, orders that ignore the sign or the type.
-static const ScriptCase kArrays[] = {
+static const PrintCase kArrays[] = {
     {"string $a[] = {\"b\"}; print (stringArrayInsertAtIndex(0, $a, \"a\") + stringArrayInsertAtIndex(2, $a, \"c\") + "
      "stringArrayInsertAtIndex(-1, $a, \"n\")); print $a;",
      "2a\nb\nc\n"},
@@ -96,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(Arrays, TextAndArrayTest, testing::ValuesIn(kArrays));
 
 // Faults: more or fewer than ten significant digits, an exponent at the wrong size, rounding in a conversion to int,
 // int arithmetic where one side is a float, a sign or an exponent that ends the number in a text.
-static const ScriptCase kNumbers[] = {
+static const PrintCase kNumbers[] = {
     {"print (9999999999.0 + \" \" + 10000000000.0 + \" \" + 0.0001 + \" \" + 0.00001);",
      "9999999999 1e+10 0.0001 1e-05"},
     {"print (1234567.125 + \" \" + 2.0 / 3 + \" \" + 100.0 + \" \" + 1e-300);", "1234567.125 0.6666666667 100 1e-300"},

@@ -29,6 +29,7 @@ struct Solid {
     std::shared_ptr<const PolyMesh> mesh;
     int vertices, faces;
     double volume;
+    friend void PrintTo(const Solid& c, std::ostream* out) { *out << c.name; }
 };
 
 class ClosedPrimitive : public testing::TestWithParam<Solid> {};

@@ -52,6 +52,7 @@ struct Shape {
     const char* name;
     std::vector<Float3> points; // in the plane z = 0, counter-clockwise
     double area;
+    friend void PrintTo(const Shape& c, std::ostream* out) { *out << c.name; }
 };
 
 class SimplePolygon : public testing::TestWithParam<Shape> {};

@@ -19,6 +19,7 @@ struct OrderCase {
     const char* name;
     int order;
     Triple x, y, z; ///< where the unit vectors go
+    friend void PrintTo(const OrderCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class DagMatrix : public SceneFixture, public testing::WithParamInterface<OrderCase> {

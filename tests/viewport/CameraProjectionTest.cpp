@@ -16,6 +16,7 @@ struct FitCase {
     FilmFit fit;
     int portWidth, portHeight;
     double filmWidth, filmHeight; ///< apertures and squeeze worked by hand, inches
+    friend void PrintTo(const FitCase& c, std::ostream* out) { *out << c.name; }
 };
 
 // The film gate is 2 x 1 inches, squeezed by 1.5 to 3 x 1; a port of 400 x 100 is wider, one of 200 x 100 narrower.

@@ -155,6 +155,8 @@ private:
     std::map<std::string_view, std::string_view> values_;
 };
 
+} // namespace
+
 std::vector<std::pair<std::string, short>> enumFields(std::string_view text) {
     std::vector<std::pair<std::string, short>> fields;
     int next = 0;
@@ -175,6 +177,8 @@ std::vector<std::pair<std::string, short>> enumFields(std::string_view text) {
     }
     return fields;
 }
+
+namespace {
 
 AttributePtr makeAttribute(const Definition& d, const Kind& kind, const FileUnits& units, bool isData) {
     const std::string longName = d.has("ln") ? d.text("ln") : d.text("sn");

@@ -488,6 +488,14 @@ void AttributeWriter::write(Node& node) {
         cell(*c);
     }
     if (isCurve) curve(node);
+    if (!node.aliases.empty()) {
+        out_ += "\tsetAttr \".aal\" -type \"attributeAlias\" {";
+        for (const auto& [alias, path] : node.aliases) {
+            if (&alias != &node.aliases.front().first) out_ += ',';
+            out_ += quotedText(alias) + "," + quotedText(path);
+        }
+        out_ += "} ;\n";
+    }
     constexpr double firstFrame = 250;
     if (node.type.name == "time" && node.isDefault && node.scene.time() != firstFrame) {
         out_ += "\tsetAttr \".o\" ";

@@ -79,6 +79,8 @@ scene::Node& createNodeStatement(const StatementContext& context, const CreateRe
 void setAttrStatement(const StatementContext& context, const Statement& statement);
 /// addAttr [flags]: adds an attribute to the node.
 void addAttrStatement(const StatementContext& context, scene::Node& node, const Statement& statement);
+/// The fields of an enumeration, from "red:green=5:blue". Throws SceneError for too many.
+std::vector<std::pair<std::string, short>> enumFields(std::string_view text);
 /// The words of an addAttr statement that are neither flags nor their values: the names of the nodes.
 std::vector<std::string_view> addAttrObjects(const Statement& statement);
 /// @}

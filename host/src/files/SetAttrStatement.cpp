@@ -307,6 +307,16 @@ void setAttrStatement(const StatementContext& c, const Statement& s) {
     Node& node = c.plugNode(r.plug, path);
     if (!node.unknownType.empty() && !node.dag())
         throw UnknownHere("The node '" + c.scene.displayName(node) + "' is of a type that is not known here.");
+    if (r.type == "attributeAlias" && (path == "aal" || path == "aliasList")) {
+        std::vector<std::string> texts; // within braces, with commas between them
+        for (const Word& word : r.values)
+            if (word.quoted) texts.emplace_back(word.text);
+        if (texts.size() % 2 != 0) throw SceneError("Aliases come in pairs of a name and an attribute.");
+        std::vector<std::pair<std::string, std::string>> aliases;
+        for (std::size_t i = 0; i < texts.size(); i += 2) aliases.emplace_back(texts[i], texts[i + 1]);
+        c.scene.setAliases(node, std::move(aliases));
+        return;
+    }
     if (s.kind == Statement::Kind::Braced) throw UnknownHere("Data in braces is not known here.");
     const ListValues list{r.values, s.tail};
     if (setMeshList(c, node, path, r.type, list) || setCurveList(c, node, path, list)) return;

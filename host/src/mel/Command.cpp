@@ -34,6 +34,12 @@ public:
         return found;
     }
 
+    FlagList list() const {
+        FlagList all;
+        for (const FlagSpec& flag : flags_) all.flags.push_back({flag.shortName, flag.longName, flag.values});
+        return all;
+    }
+
 private:
     std::vector<FlagSpec> flags_;
 };
@@ -60,6 +66,7 @@ std::string Error::described() const {
 
 ParsedArguments::ParsedArguments(const Call& call, std::initializer_list<FlagSpec> flags, bool queryAndEdit) {
     const FlagTable table(flags, queryAndEdit);
+    if (call.asksForFlags) throw table.list();
     const std::vector<Value>& arguments = call.arguments;
     bool querying = false;
     if (queryAndEdit)

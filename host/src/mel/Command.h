@@ -37,6 +37,7 @@ struct Call {
     Interpreter& interpreter;
     std::string name;
     std::vector<Value> arguments;
+    bool asksForFlags = false; ///< ParsedArguments throws FlagList in place of reading the arguments
 };
 
 using CommandFunction = std::function<Value(Call&)>;
@@ -47,6 +48,15 @@ struct FlagSpec {
     const char* longName;
     int values = 0;
     bool valuesInQuery = false; ///< whether the values are expected in query mode, too
+};
+
+/// What a command answers that was asked for its flags. Nobody but `help` asks, and catches it.
+struct FlagList {
+    struct Flag {
+        std::string shortName, longName;
+        int values;
+    };
+    std::vector<Flag> flags;
 };
 
 /// The arguments of a call, taken apart by a command's flags.

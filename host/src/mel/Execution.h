@@ -5,6 +5,7 @@
 #include "mel/OpenFile.h"
 
 #include <cstdint>
+#include <deque>
 #include <limits>
 #include <random>
 #include <set>
@@ -36,6 +37,7 @@ using LanguageFunction = Value (*)(Arguments&);
 struct Command {
     CommandFunction function;            ///< registered from outside, or
     LanguageFunction language = nullptr; ///< one of the language's own
+    bool tellsFlags = false;
 };
 
 struct Interpreter::Impl {
@@ -61,6 +63,13 @@ struct Interpreter::Impl {
         stepsLeft -= steps;
     }
     [[noreturn]] void outOfSteps();
+
+    struct Deferred {
+        std::string text;
+        int delay; ///< 0 to 2; the higher ones wait for the lower ones
+    };
+    std::deque<Deferred> deferred; ///< what evalDeferred keeps for the end of the outermost text, in order
+    std::optional<int> exitCode;   ///< since a script called `quit`
 
     Variable& global(const std::string& name);
     void addLanguageFunction(const char* name, LanguageFunction function);

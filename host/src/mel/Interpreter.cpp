@@ -24,6 +24,25 @@ struct AtEnd {
     }
 };
 
+/// Texts that a script defers run when the outermost one has ended well; those of a failed one are forgotten.
+class Deferral {
+public:
+    explicit Deferral(Interpreter::Impl& impl) : impl_(impl), outermost_(impl.depth == 0) {
+        if (outermost_) impl_.deferred.clear();
+    }
+    void run() const {
+        while (outermost_ && !impl_.deferred.empty()) {
+            const std::string text = std::move(impl_.deferred.front().text);
+            impl_.deferred.pop_front();
+            impl_.runText(text, {});
+        }
+    }
+
+private:
+    Interpreter::Impl& impl_;
+    bool outermost_;
+};
+
 bool isFile(const std::filesystem::path& path) {
     std::error_code status;
     return std::filesystem::is_regular_file(path, status);
@@ -179,7 +198,12 @@ Interpreter::Impl::~Impl() = default;
 Interpreter::Interpreter() : impl_(std::make_unique<Impl>(*this)) {}
 Interpreter::~Interpreter() = default;
 
-Value Interpreter::execute(std::string_view text, const std::string& file) { return impl_->runText(text, file); }
+Value Interpreter::execute(std::string_view text, const std::string& file) {
+    const Deferral deferral(*impl_);
+    Value result = impl_->runText(text, file);
+    deferral.run();
+    return result;
+}
 
 Value Interpreter::sourceFile(const std::filesystem::path& file) {
     std::string content;
@@ -195,8 +219,8 @@ Value Interpreter::sourceFile(const std::filesystem::path& file) {
     return execute(content, file.string());
 }
 
-void Interpreter::registerCommand(std::string name, CommandFunction function) {
-    impl_->commands[std::move(name)] = std::make_shared<Command>(Command{std::move(function)});
+void Interpreter::registerCommand(std::string name, CommandFunction function, bool tellsFlags) {
+    impl_->commands[std::move(name)] = std::make_shared<Command>(Command{std::move(function), nullptr, tellsFlags});
 }
 
 void Interpreter::unregisterCommand(const std::string& name) { impl_->commands.erase(name); }
@@ -224,10 +248,16 @@ std::string Interpreter::whatIs(const std::string& name) {
 
 Value Interpreter::call(const std::string& name, std::vector<Value> arguments) {
     const bool outermost = impl_->depth == 0;
-    if (outermost && beforeTopLevelStatement) beforeTopLevelStatement();
-    AtEnd end{outermost ? afterTopLevelStatement : nullptr};
-    DepthCount count(*impl_, name);
-    return impl_->callValues(name, std::move(arguments));
+    const Deferral deferral(*impl_);
+    Value result;
+    {
+        if (outermost && beforeTopLevelStatement) beforeTopLevelStatement();
+        AtEnd end{outermost ? afterTopLevelStatement : nullptr};
+        DepthCount count(*impl_, name);
+        result = impl_->callValues(name, std::move(arguments));
+    }
+    deferral.run();
+    return result;
 }
 
 void Interpreter::setScriptPath(std::vector<std::filesystem::path> folders) {
@@ -252,8 +282,10 @@ void Interpreter::setStepLimit(std::int64_t steps) { impl_->stepsLeft = steps; }
 
 void Interpreter::Impl::outOfSteps() {
     stepsLeft = 0;
-    throw Error("The script takes too many steps.");
+    throw Error(exitCode ? "The script has called quit." : "The script takes too many steps.");
 }
+
+std::optional<int> Interpreter::exitCode() const { return impl_->exitCode; }
 
 void Interpreter::setArguments(std::vector<std::string> arguments) {
     setGlobalVariable("argv", StringArray(std::move(arguments)));

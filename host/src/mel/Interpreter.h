@@ -31,8 +31,9 @@ public:
     /// Reads the file and runs it (MEL's `source`). Throws Error when it cannot be read.
     Value sourceFile(const std::filesystem::path& file);
 
-    /// Registers a native command; replaces an earlier one of the same name.
-    void registerCommand(std::string name, CommandFunction function);
+    /// Registers a native command; replaces an earlier one of the same name. One that `tellsFlags` makes its
+    /// ParsedArguments before it does anything, so that `help` may ask it for its flags.
+    void registerCommand(std::string name, CommandFunction function, bool tellsFlags = false);
     void unregisterCommand(const std::string& name);
     bool hasCommand(std::string_view name) const;
 
@@ -61,6 +62,9 @@ public:
     /// Global variables, for hosts and tests. Names are without "$".
     std::optional<Value> globalVariable(const std::string& name) const;
     void setGlobalVariable(const std::string& name, Value value);
+
+    /// The exit code of a script that called `quit`, after which nothing of it runs any more.
+    std::optional<int> exitCode() const;
 
     /// Lets scripts take so many steps from now on; then they fail, whatever they catch. A step is a statement, a turn
     /// of a loop, a call, or 64 characters or elements that one of them works on. Without a limit they may take any.

@@ -1,6 +1,8 @@
 #include "base/Messages.h"
+#include "base/Pattern.h"
 #include "mel/Execution.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
@@ -61,6 +63,65 @@ Value eval(Arguments& a) {
         bare.silent = e.silent;
         throw bare;
     }
+}
+
+Value evalDeferred(Arguments& a) {
+    const ParsedArguments p(a.asCall(), {{"lp", "lowestPriority"}, {"low", "lowPriority"}, {"ls", "list"}});
+    auto& deferred = a.interpreter.impl().deferred;
+    if (p.has("ls")) {
+        StringArray texts;
+        for (const auto& d : deferred) texts.push_back(d.text);
+        return texts;
+    }
+    const StringArray texts = p.names();
+    if (texts.size() != 1) throw Error("evalDeferred needs the text of a script.");
+    const int delay = p.has("lp") ? 2 : p.has("low") ? 1 : 0;
+    const auto behind = std::ranges::upper_bound(deferred, delay, {}, &Interpreter::Impl::Deferred::delay);
+    deferred.insert(behind, {texts.front(), delay});
+    return {};
+}
+
+Value quit(Arguments& a) {
+    const ParsedArguments p(a.asCall(), {{"a", "abort"}, {"ec", "exitCode", 1}, {"f", "force"}});
+    auto& impl = a.interpreter.impl();
+    impl.exitCode = p.integer("ec", 0);
+    impl.outOfSteps();
+}
+
+/// What would start another program.
+Value noPrograms(Arguments& a) { throw Error(a.name + ": scripts cannot start other programs here."); }
+
+Value help(Arguments& a) {
+    const ParsedArguments p(a.asCall(), {{"l", "list"}, {"doc", "documentation"}, {"lng", "language", 1}});
+    const StringArray names = p.names();
+    auto& impl = a.interpreter.impl();
+    if (p.has("l")) {
+        StringArray found;
+        for (const auto& [name, command] : impl.commands)
+            if (names.empty() || matchesName(names.front(), name)) found.push_back(name);
+        return found;
+    }
+    if (names.size() != 1) throw Error("help needs the name of one command.");
+    const auto found = impl.commands.find(names.front());
+    if (found == impl.commands.end()) {
+        if (!a.interpreter.isCallable(names.front())) throw Error("No command is named '" + names.front() + "'.");
+        return a.interpreter.whatIs(names.front());
+    }
+    const auto command = found->second;
+    std::string text = "Synopsis: " + names.front();
+    if (!command->tellsFlags) return text + "\n";
+    try {
+        Call call{a.interpreter, names.front(), {}, true};
+        command->function(call);
+    } catch (const FlagList& list) {
+        if (!list.flags.empty()) text += " [flags]\nFlags:\n";
+        for (const auto& flag : list.flags) {
+            text += "  -" + flag.shortName + " -" + flag.longName;
+            for (int i = 0; i < flag.values; ++i) text += " VALUE";
+            text += '\n';
+        }
+    }
+    return text;
 }
 
 Value evalEcho(Arguments& a) {
@@ -227,10 +288,14 @@ int melSize(const Value& v) {
 
 void addLanguageBasics(Interpreter::Impl& impl) {
     static constexpr std::pair<const char*, LanguageFunction> functions[] = {
-        {"print", print},   {"warning", warning},  {"error", error},   {"trace", trace},       {"eval", eval},
-        {"source", source}, {"exists", exists},    {"whatIs", whatIs}, {"evalEcho", evalEcho}, {"getenv", getenv},
-        {"putenv", putenv}, {"size", size},        {"timerX", timerX}, {"date", date},         {"about", about},
-        {"catch", caught},  {"catchQuiet", caught}};
+        {"print", print},     {"warning", warning},   {"error", error},
+        {"trace", trace},     {"eval", eval},         {"source", source},
+        {"exists", exists},   {"whatIs", whatIs},     {"evalEcho", evalEcho},
+        {"getenv", getenv},   {"putenv", putenv},     {"size", size},
+        {"timerX", timerX},   {"date", date},         {"about", about},
+        {"catch", caught},    {"catchQuiet", caught}, {"evalDeferred", evalDeferred},
+        {"quit", quit},       {"help", help},         {"system", noPrograms},
+        {"exec", noPrograms}, {"popen", noPrograms}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction(name, function);
 }
 

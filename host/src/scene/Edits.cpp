@@ -146,7 +146,14 @@ Cell* Scene::tryPlug(Node& node, std::string_view path, bool create) {
     const auto segments = parsePath(path);
     if (segments.empty()) return nullptr;
     const Attribute* attribute = node.findAttribute(segments[0].name);
-    if (!attribute) return nullptr;
+    if (!attribute) {
+        // An alias stands for an attribute, never for another alias.
+        const auto head = [](std::string_view text) { return text.substr(0, text.find_first_of(".[")); };
+        for (const auto& [alias, meant] : node.aliases)
+            if (alias == head(path) && node.findAttribute(head(meant)))
+                return tryPlug(node, meant + std::string(path.substr(alias.size())), create);
+        return nullptr;
+    }
     // A child of a plain compound may be named alone; one inside an array needs its element named.
     for (const Attribute* up = attribute->parent; up; up = up->parent)
         if (up->array) return nullptr;
@@ -380,6 +387,12 @@ void Scene::deleteAttribute(Node& node, const Attribute& attribute) {
             keep->addDynamic(kept, place);
             keep->putCell(std::move(*cell));
         });
+}
+
+void Scene::setAliases(Node& node, std::vector<std::pair<std::string, std::string>> aliases) {
+    const auto set = [keep = node.shared_from_this()](const auto& to) { keep->aliases = to; };
+    record([set, aliases] { set(aliases); }, [set, before = node.aliases] { set(before); });
+    node.aliases = std::move(aliases);
 }
 
 void Scene::renameAttribute(Node& node, const Attribute& attribute, const std::string& name) {

@@ -145,6 +145,8 @@ public:
     std::string unknownType;
     /// Scene-file statements that mean nothing here, kept so that saving loses nothing.
     std::vector<std::string> keptStatements;
+    /// Other names of attributes, and the paths they stand for ("smile", "weight[0]"), in the order they were given.
+    std::vector<std::pair<std::string, std::string>> aliases;
 
     DagNode* dag();
     const Attribute* findAttribute(std::string_view attributeName) const;

@@ -119,6 +119,8 @@ public:
     void removeElement(Cell& element, bool breakConnections);
     void addAttribute(Node& node, AttributePtr attribute);
     void deleteAttribute(Node& node, const Attribute& attribute);
+    /// Replaces the node's other names of attributes.
+    void setAliases(Node& node, std::vector<std::pair<std::string, std::string>> aliases);
     /// Gives an added attribute another long and short name.
     void renameAttribute(Node& node, const Attribute& attribute, const std::string& name);
     /// @}

@@ -67,6 +67,13 @@ const AngularEntry& entryOf(AngularUnit unit) { return angularUnits[static_cast<
 
 } // namespace
 
+namespace {
+char currentUpAxis = 'y';
+}
+
+char upAxis() { return currentUpAxis; }
+void setUpAxis(char axis) { currentUpAxis = axis; }
+
 LinearUnit linearUnit() { return currentLinear; }
 AngularUnit angularUnit() { return currentAngular; }
 TimeUnit timeUnit() { return currentTime; }

@@ -28,6 +28,10 @@ void setAngularUnit(AngularUnit unit);
 /// `unit.ticks` is at least 1.
 void setTimeUnit(TimeUnit unit);
 
+/// The axis that scripts are told points up: 'y', at first, or 'z'. Nothing is turned by it.
+char upAxis();
+void setUpAxis(char axis);
+
 double centimetresPer(LinearUnit unit);
 double radiansPer(AngularUnit unit);
 

@@ -47,6 +47,7 @@ struct LinkCase {
     FakeDriver driver;
     bool valid;
     const char* log;
+    friend void PrintTo(const LinkCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class PermissiveLinkTest : public testing::TestWithParam<LinkCase> {};

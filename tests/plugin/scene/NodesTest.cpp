@@ -9,6 +9,7 @@ namespace {
 
 struct NewNode {
     const char *type, *shapeName;
+    friend void PrintTo(const NewNode& c, std::ostream* out) { *out << c.type; }
 };
 
 class NewNodes : public PluginScene, public testing::WithParamInterface<NewNode> {};

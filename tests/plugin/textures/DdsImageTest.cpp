@@ -40,6 +40,7 @@ struct Case {
     GLenum format;    ///< 0: refused
     int components;
     std::vector<std::array<std::uint32_t, 3>> levels; ///< width, height, depth
+    friend void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
 };
 
 class DdsCases : public testing::TestWithParam<Case> {};

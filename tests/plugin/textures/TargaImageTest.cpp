@@ -34,6 +34,7 @@ struct Case {
     Bytes file;
     int bytesPerPixel; ///< 0: refused
     Bytes pixels;
+    friend void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
 };
 
 class TargaCases : public testing::TestWithParam<Case> {};

@@ -70,6 +70,7 @@ struct FileCase {
     Kind shown;
     bool compressed = false;
     int rows = 8; ///< of the picture's upper part
+    friend void PrintTo(const FileCase& c, std::ostream* out) { *out << c.file; }
 };
 
 class LoadedFiles : public TexturesGl, public testing::WithParamInterface<FileCase> {};

@@ -10,12 +10,14 @@ struct RelativeCase {
     const char *root, *path;
     bool isUnder;
     const char* result;
+    friend void PrintTo(const RelativeCase& c, std::ostream* out) { *out << c.path << " below " << c.root; }
 };
 
 struct BuildCase {
     const char* path;
     bool stripped;
     const char* result;
+    friend void PrintTo(const BuildCase& c, std::ostream* out) { *out << testing::PrintToString(std::string(c.path)); }
 };
 
 class RelativePath : public testing::TestWithParam<RelativeCase> {};

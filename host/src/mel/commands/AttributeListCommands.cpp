@@ -1,4 +1,5 @@
 #include "base/Pattern.h"
+#include "mel/commands/AttributeText.h"
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
 
@@ -10,9 +11,6 @@ namespace host::mel {
 
 using namespace scene;
 
-namespace {
-
-/// "translateX" becomes "Translate X".
 std::string niceName(const Attribute& a) {
     if (!a.niceName.empty()) return a.niceName;
     std::string nice;
@@ -28,6 +26,8 @@ std::string niceName(const Attribute& a) {
     }
     return nice;
 }
+
+namespace {
 
 /// The name with those of the multi attributes around it; children of plain compounds go by their own.
 std::string listName(const Attribute& a, bool brief) {
@@ -115,7 +115,8 @@ Value listAttr(Call& call) {
     return found;
 }
 
-/// The name that -attributeType answers: data of all kinds is "typed".
+} // namespace
+
 std::string attributeTypeName(const Attribute& a) {
     if (a.type == AttributeType::String || a.type == AttributeType::Data) return "typed";
     return a.type == AttributeType::Compound ? "compound" : a.typeName();
@@ -142,6 +143,8 @@ std::string enumText(const Attribute& a) {
     }
     return text;
 }
+
+namespace {
 
 Value limitOf(const Attribute& a, std::initializer_list<std::optional<double> Limits::*> which) {
     FloatArray numbers;

@@ -16,14 +16,17 @@ namespace host::mel {
 
 using namespace scene;
 
-void registerSceneCommand(Interpreter& interpreter, const char* name, CommandFunction function) {
-    interpreter.registerCommand(name, [function = std::move(function)](Call& call) {
-        try {
-            return function(call);
-        } catch (const SceneError& e) {
-            throw Error(e.what());
-        }
-    });
+void registerSceneCommand(Interpreter& interpreter, const char* name, CommandFunction function, Flags flags) {
+    interpreter.registerCommand(
+        name,
+        [function = std::move(function)](Call& call) {
+            try {
+                return function(call);
+            } catch (const SceneError& e) {
+                throw Error(e.what());
+            }
+        },
+        flags == Flags::Told);
 }
 
 Node& nodeNamed(const std::string& name) {

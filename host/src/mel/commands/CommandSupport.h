@@ -19,8 +19,10 @@ namespace host::mel {
 
 inline scene::Scene& theScene() { return scene::Scene::current(); }
 
-/// Registers a command whose SceneErrors reach the script as Errors.
-void registerSceneCommand(Interpreter& interpreter, const char* name, CommandFunction function);
+/// Registers a command whose SceneErrors reach the script as Errors. Most have flags, and look at them first.
+enum class Flags { Told, None };
+void registerSceneCommand(Interpreter& interpreter, const char* name, CommandFunction function,
+                          Flags flags = Flags::Told);
 
 /// @name Finding
 /// Each throws "No object matches name: X" or "More than one object matches name: X".

@@ -3,6 +3,7 @@
 
 #include "base/Messages.h"
 #include "scene/MeshNode.h"
+#include "scene/Units.h"
 
 #include <algorithm>
 #include <functional>
@@ -187,12 +188,25 @@ Value refresh(Call& call) {
     return {};
 }
 
-Value evalDeferred(Call& call) {
-    const ParsedArguments args(call, {{"lp", "lowestPriority"}, {"lpr", "lowPriority"}, {"ls", "list"}});
-    const StringArray texts = args.names();
-    if (texts.empty()) throw Error("evalDeferred needs the text of a script.");
-    // There is no idle time here to wait for.
-    call.interpreter.execute(texts.front());
+/// A name that no node has, made from the wanted one.
+Value uniqueObjectName(Call& call) {
+    const ParsedArguments args(call, {});
+    const StringArray names = args.names();
+    if (names.size() != 1) throw Error("uniqueObjectName needs one name.");
+    const std::string name = theScene().freeName(names[0], nullptr, nullptr, false);
+    if (name.empty()) throw Error("New name has no legal characters.");
+    return name;
+}
+
+Value upAxisCommand(Call& call) {
+    const ParsedArguments args(call, {{"ax", "axis", 1}, {"rv", "rotateView"}}, true);
+    if (args.query()) return std::string(1, upAxis());
+    if (!args.has("ax")) throw Error("upAxis was not told which axis.");
+    const std::string axis = args.text("ax");
+    if (axis != "y" && axis != "z") throw Error("The up axis is y or z, not '" + axis + "'.");
+    const char before = upAxis(), after = axis[0];
+    setUpAxis(after);
+    theScene().record([after] { setUpAxis(after); }, [before] { setUpAxis(before); });
     return {};
 }
 
@@ -211,9 +225,11 @@ void registerNodeCommands(Interpreter& interpreter) {
     registerSceneCommand(interpreter, "rename", rename);
     registerSceneCommand(interpreter, "lockNode", lockNode);
     registerSceneCommand(interpreter, "refresh", refresh);
-    registerSceneCommand(interpreter, "evalDeferred", evalDeferred);
-    registerSceneCommand(interpreter, "instance", refused("Instances are not supported; use duplicate."));
-    registerSceneCommand(interpreter, "scriptJob", refused("Script jobs are not supported: there is no idle time."));
+    registerSceneCommand(interpreter, "uniqueObjectName", uniqueObjectName);
+    registerSceneCommand(interpreter, "upAxis", upAxisCommand);
+    registerSceneCommand(interpreter, "instance", refused("Instances are not supported; use duplicate."), Flags::None);
+    registerSceneCommand(interpreter, "scriptJob", refused("Script jobs are not supported: there is no idle time."),
+                         Flags::None);
 }
 
 } // namespace host::mel

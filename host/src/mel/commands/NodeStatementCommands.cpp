@@ -1,6 +1,7 @@
 #include "base/Messages.h"
 #include "files/NumberWords.h"
 #include "files/SceneStatements.h"
+#include "mel/commands/AttributeText.h"
 #include "mel/commands/CommandSupport.h"
 #include "mel/commands/Commands.h"
 
@@ -77,6 +78,10 @@ Value setAttr(Call& call) {
 }
 
 Value addAttr(Call& call) {
+    for (const Value& v : call.arguments)
+        if (const auto* word = v.get<std::string>())
+            for (const char* flag : {"-q", "-query", "-e", "-edit"})
+                if (*word == flag) return editOrQueryAddedAttribute(call);
     files::Statement s;
     toStatement(call, s);
     const auto c = context();
@@ -91,9 +96,9 @@ Value addAttr(Call& call) {
 } // namespace
 
 void registerNodeStatementCommands(Interpreter& interpreter) {
-    registerSceneCommand(interpreter, "createNode", createNode);
-    registerSceneCommand(interpreter, "setAttr", setAttr);
-    registerSceneCommand(interpreter, "addAttr", addAttr);
+    registerSceneCommand(interpreter, "createNode", createNode, Flags::None);
+    registerSceneCommand(interpreter, "setAttr", setAttr, Flags::None);
+    registerSceneCommand(interpreter, "addAttr", addAttr, Flags::None);
 }
 
 } // namespace host::mel

@@ -75,18 +75,19 @@ Value flushUndo(Call&) {
 } // namespace
 
 void registerUndoCommands(Interpreter& interpreter) {
-    registerSceneCommand(interpreter, "undo", undo);
-    registerSceneCommand(interpreter, "redo", redo);
+    registerSceneCommand(interpreter, "undo", undo, Flags::None);
+    registerSceneCommand(interpreter, "redo", redo, Flags::None);
     registerSceneCommand(interpreter, "undoInfo", undoInfo);
-    registerSceneCommand(interpreter, "flushUndo", flushUndo);
+    registerSceneCommand(interpreter, "flushUndo", flushUndo, Flags::None);
 }
 
 void registerSceneCommands(Interpreter& interpreter) {
     for (auto* add :
          {registerNodeCommands, registerCreationCommands, registerAttributeCommands, registerAttributeListCommands,
-          registerConnectionCommands, registerDagCommands, registerDuplicateCommands, registerTransformCommands,
-          registerXformCommand, registerAnimationCommands, registerComponentCommands, registerMeshCommands,
-          registerSetCommands, registerSelectionCommands, registerUndoCommands})
+          registerConnectionCommands, registerDagCommands, registerAttributeEditCommands, registerComponentListCommands,
+          registerHistoryCommands, registerDuplicateCommands, registerTransformCommands, registerXformCommand,
+          registerAnimationCommands, registerComponentCommands, registerMeshCommands, registerSetCommands,
+          registerSelectionCommands, registerUndoCommands})
         add(interpreter);
     interpreter.beforeTopLevelStatement = [] { theScene().undo.openChunk(); };
     interpreter.afterTopLevelStatement = [] { theScene().undo.closeChunk(); };

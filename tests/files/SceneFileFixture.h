@@ -16,7 +16,7 @@
 #include <vector>
 
 /// A test that opens scenes: starts with a new scene, and collects what the user would be told.
-class SceneFixture : public testing::Test {
+class SceneFileFixture : public testing::Test {
 protected:
     void SetUp() override {
         old_ = host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
