@@ -2,8 +2,8 @@
 // same run:
 //   a test of every triangle, for a sample of the vertices
 //   Embree called directly with the same rays, with and without the making of its tree
-#include "Host.h"
-#include "api/PluginManager.h"
+#include "api/plugins/PluginManager.h"
+#include "commands/Host.h"
 #include "scene/Scene.h"
 
 #include <maya/MFnDependencyNode.h>

@@ -5,8 +5,8 @@
 //   opening nodes that share one name; plain: the same nodes with names of their own
 //   evaluating an animation curve; plain: a binary search in a vector and one cubic
 //   setAttr and getAttr, from MEL and through the scene room; plain: a hash map of names to numbers
-#include "Host.h"
 #include "base/Messages.h"
+#include "commands/Host.h"
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
 #include "mesh/Primitives.h"

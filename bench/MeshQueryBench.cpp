@@ -2,8 +2,8 @@
 //   dropping a mesh of many vertices on a large one, as a plug-in command would; plain: Embree called directly with
 //   the same triangles and rays, and the hits added to an array
 //   the points of a mesh that are nearest to others; plain: a test of every triangle
-#include "Host.h"
 #include "base/Messages.h"
+#include "commands/Host.h"
 #include "mesh/QueryCache.h"
 #include "scene/Scene.h"
 #include "scene/Undo.h"

@@ -3,7 +3,7 @@
 #include "Failure.h"
 #include "Usage.h"
 
-#include "Host.h"
+#include "commands/Host.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 #include "Session.h"
 #include "Targets.h"
 
-#include "Host.h"
 #include "base/Messages.h"
+#include "commands/Host.h"
 #include "scene/Scene.h"
 
 namespace orvosky {

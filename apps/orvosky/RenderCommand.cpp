@@ -1,10 +1,10 @@
 #include "Session.h"
 #include "Targets.h"
 
-#include "Host.h"
 #include "base/Messages.h"
+#include "base/Units.h"
+#include "commands/Host.h"
 #include "scene/Scene.h"
-#include "scene/Units.h"
 #include "viewport/CameraNode.h"
 #include "viewport/Viewport.h"
 

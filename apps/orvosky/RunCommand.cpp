@@ -1,6 +1,6 @@
 #include "Session.h"
 
-#include "Host.h"
+#include "commands/Host.h"
 
 #include <optional>
 

@@ -2,13 +2,13 @@
 
 #include "AttributeSettings.h"
 
-#include "Host.h"
-#include "api/PluginManager.h"
+#include "api/plugins/PluginManager.h"
+#include "base/FileError.h"
 #include "base/Messages.h"
-#include "files/FileError.h"
+#include "commands/Commands.h"
+#include "commands/Host.h"
 #include "files/SceneReader.h"
 #include "files/Workspace.h"
-#include "mel/commands/Commands.h"
 #include "scene/Scene.h"
 
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include <maya/MArgList.h>
 
-#include "api/ArgListAccess.h"
+#include "api/px/ArgListAccess.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Host.h"
-#include "api/Handle.h"
-#include "api/PluginManager.h"
+#include "api/graph/Handle.h"
+#include "api/plugins/PluginManager.h"
 #include "base/Messages.h"
+#include "base/Units.h"
+#include "commands/Host.h"
 #include "scene/Scene.h"
-#include "scene/Units.h"
 
 #include <maya/MFnDagNode.h>
 #include <maya/MFnPlugin.h>

@@ -1,8 +1,8 @@
 #include "FoldedMesh.h"
 
-#include "api/Handle.h"
-#include "api/MeshAccess.h"
-#include "api/PluginManager.h"
+#include "api/fn/MeshAccess.h"
+#include "api/graph/Handle.h"
+#include "api/plugins/PluginManager.h"
 #include "scene/MeshNode.h"
 
 #include <maya/MDGModifier.h>

@@ -1,4 +1,4 @@
-#include "api/Handle.h"
+#include "api/graph/Handle.h"
 #include "scene/Scene.h"
 
 #include <maya/MDagPath.h>

@@ -7,7 +7,7 @@
 #include <maya/MTime.h>
 #include <maya/MTypeId.h>
 
-#include "scene/Units.h"
+#include "base/Units.h"
 
 #include <gtest/gtest.h>
 

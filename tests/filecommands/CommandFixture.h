@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Host.h"
 #include "base/Messages.h"
+#include "base/Units.h"
+#include "commands/Host.h"
 #include "files/Workspace.h"
 #include "scene/Scene.h"
-#include "scene/Units.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "base/Messages.h"
+#include "commands/Commands.h"
 #include "mel/Command.h"
 #include "mel/Interpreter.h"
-#include "mel/commands/Commands.h"
 #include "scene/Scene.h"
 
 #include <cstdint>

@@ -1,8 +1,8 @@
 // Mesh clouds and scene fog, drawn, against the same formulas evaluated in plain C++, in double precision.
 #define GL_GLEXT_PROTOTYPES
-#include "Host.h"
 #include "MessageLog.h"
-#include "api/PluginManager.h"
+#include "api/plugins/PluginManager.h"
+#include "commands/Host.h"
 #include "kit/Places.h"
 #include "scene/Scene.h"
 #include "viewport/Viewport.h"

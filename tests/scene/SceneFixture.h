@@ -1,13 +1,13 @@
 #pragma once
 
 #include "base/Messages.h"
+#include "base/Units.h"
+#include "commands/Commands.h"
 #include "mel/Interpreter.h"
-#include "mel/commands/Commands.h"
 #include "mesh/PolyMesh.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
 #include "scene/Scene.h"
-#include "scene/Units.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "Host.h"
-#include "api/PluginManager.h"
+#include "api/plugins/PluginManager.h"
 #include "base/Messages.h"
+#include "commands/Host.h"
 #include "kit/Places.h"
 #include "scene/Scene.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "api/Handle.h"
-#include "api/PluginManager.h"
+#include "api/graph/Handle.h"
+#include "api/plugins/PluginManager.h"
 #include "base/Messages.h"
 #include "mesh/Primitives.h"
 #include "scene/MeshNode.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/Units.h"
 #include "scene/Attribute.h"
-#include "scene/Units.h"
 
 namespace host::files {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/FileError.h"
+#include "base/FileError.h"
 #include "files/RawModel.h"
 #include "mesh/PolyMesh.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/TextFile.h"
 #include "files/SceneStatements.h"
-#include "files/TextFile.h"
 
 #include <filesystem>
 #include <functional>

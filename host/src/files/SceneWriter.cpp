@@ -1,7 +1,7 @@
 #include "files/SceneWriter.h"
 
+#include "base/TextFile.h"
 #include "files/AttributeWriter.h"
-#include "files/TextFile.h"
 #include "scene/MeshNode.h"
 
 #include <algorithm>

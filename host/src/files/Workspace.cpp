@@ -1,9 +1,9 @@
 #include "files/Workspace.h"
 
 #include "base/Messages.h"
+#include "base/TextFile.h"
 #include "files/AttributeWriter.h"
 #include "files/Statement.h"
-#include "files/TextFile.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "scene/AnimCurve.h"
 
+#include "base/Units.h"
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
-#include "scene/Units.h"
 
 #include <algorithm>
 #include <cmath>

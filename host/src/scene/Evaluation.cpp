@@ -1,8 +1,8 @@
 #include "scene/Evaluation.h"
 
 #include "base/Messages.h"
+#include "base/Units.h"
 #include "scene/Scene.h"
-#include "scene/Units.h"
 
 #include <algorithm>
 #include <unordered_set>

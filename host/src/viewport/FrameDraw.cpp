@@ -1,6 +1,6 @@
 #include "viewport/FrameDraw.h"
 
-#include "api/Handle.h"
+#include "api/graph/Handle.h"
 #include "base/Messages.h"
 #include "mesh/PolyMesh.h"
 #include "scene/MeshNode.h"

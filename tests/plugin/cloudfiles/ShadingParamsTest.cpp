@@ -4,8 +4,8 @@
 #include "UtilityTest.h"
 #include "kit/Places.h"
 
-#include "api/Handle.h"
-#include "api/PluginManager.h"
+#include "api/graph/Handle.h"
+#include "api/plugins/PluginManager.h"
 
 #include <maya/MFnPlugin.h>
 

@@ -1,4 +1,4 @@
-#include "api/PluginManager.h"
+#include "api/plugins/PluginManager.h"
 #include "kit/Places.h"
 
 #include "MessageLog.h"

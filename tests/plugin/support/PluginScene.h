@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Host.h"
 #include "MessageLog.h"
-#include "api/PluginManager.h"
+#include "api/plugins/PluginManager.h"
+#include "commands/Host.h"
 #include "kit/Places.h"
 #include "scene/Scene.h"
 

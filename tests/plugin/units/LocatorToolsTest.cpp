@@ -5,8 +5,8 @@
 #include "SkyTool/SkyProgram.h"
 #include "UtilityTest.h"
 
-#include "api/Handle.h"
-#include "api/PluginManager.h"
+#include "api/graph/Handle.h"
+#include "api/plugins/PluginManager.h"
 
 #include <maya/M3dView.h>
 #include <maya/MDagPath.h>

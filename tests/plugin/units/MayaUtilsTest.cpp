@@ -1,7 +1,7 @@
 #include "Common/MayaUtils.h"
 
-#include "Host.h"
 #include "MessageLog.h"
+#include "commands/Host.h"
 #include "scene/Scene.h"
 
 #include <gmock/gmock.h>

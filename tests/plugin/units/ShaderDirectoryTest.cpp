@@ -1,7 +1,7 @@
 #include "Common/Paths.h"
 
-#include "Host.h"
 #include "MessageLog.h"
+#include "commands/Host.h"
 
 #include <gmock/gmock.h>
 

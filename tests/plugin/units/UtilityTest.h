@@ -2,11 +2,11 @@
 
 #include "Common/MayaUtils.h"
 
-#include "Host.h"
 #include "MessageLog.h"
+#include "base/Units.h"
+#include "commands/Host.h"
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
-#include "scene/Units.h"
 
 #include <maya/MFnDependencyNode.h>
 

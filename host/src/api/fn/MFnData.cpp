@@ -1,0 +1,238 @@
+#include <maya/MFnData.h>
+
+#include "api/fn/FnSupport.h"
+
+#include <maya/MFnMatrixData.h>
+#include <maya/MFnNumericData.h>
+#include <maya/MFnStringData.h>
+#include <maya/MMatrix.h>
+#include <maya/MString.h>
+#include <maya/MTransformationMatrix.h>
+
+using namespace host;
+using host::api::Access;
+using scene::Numeric;
+using scene::NumericType;
+
+ORVO_DEFINE_FN(MFnData, MFn::kData)
+ORVO_FN_NAME(MFnData)
+ORVO_DEFINE_FN(MFnNumericData, MFn::kNumericData)
+ORVO_FN_NAME(MFnNumericData)
+ORVO_DEFINE_FN(MFnMatrixData, MFn::kMatrixData)
+ORVO_FN_NAME(MFnMatrixData)
+ORVO_DEFINE_FN(MFnStringData, MFn::kStringData)
+ORVO_FN_NAME(MFnStringData)
+
+namespace {
+
+Numeric* numbersOf(const MObject& o) {
+    auto* d = Access::data(o);
+    return d ? std::get_if<Numeric>(&d->value) : nullptr;
+}
+
+template <class T>
+constexpr NumericType typeFor() {
+    if constexpr (std::is_same_v<T, short>)
+        return NumericType::Short;
+    else if constexpr (std::is_same_v<T, int>)
+        return NumericType::Int;
+    else if constexpr (std::is_same_v<T, float>)
+        return NumericType::Float;
+    else
+        return NumericType::Double;
+}
+
+} // namespace
+
+MObject MFnNumericData::create(Type dataType, MStatus* ReturnStatus) {
+    NumericType type = NumericType::None;
+    int count = 0;
+    switch (dataType) {
+    case k2Short:
+        type = NumericType::Short;
+        count = 2;
+        break;
+    case k3Short:
+        type = NumericType::Short;
+        count = 3;
+        break;
+    case k2Int:
+        type = NumericType::Int;
+        count = 2;
+        break;
+    case k3Int:
+        type = NumericType::Int;
+        count = 3;
+        break;
+    case k2Float:
+        type = NumericType::Float;
+        count = 2;
+        break;
+    case k3Float:
+        type = NumericType::Float;
+        count = 3;
+        break;
+    case k2Double:
+        type = NumericType::Double;
+        count = 2;
+        break;
+    case k3Double:
+        type = NumericType::Double;
+        count = 3;
+        break;
+    case k4Double:
+        type = NumericType::Double;
+        count = 4;
+        break;
+    default: setStatus(ReturnStatus, MStatus::kInvalidParameter); return MObject();
+    }
+    setStatus(ReturnStatus, MStatus::kSuccess);
+    object_ = Access::object(scene::Value(Numeric(type, count)));
+    return object_;
+}
+
+MFnNumericData::Type MFnNumericData::numericType(MStatus* ReturnStatus) {
+    const Numeric* n = numbersOf(object_);
+    setStatus(ReturnStatus, n ? MStatus::kSuccess : MStatus::kFailure);
+    if (!n) return kInvalid;
+    const int c = n->count;
+    switch (n->type) {
+    case NumericType::Bool: return kBoolean;
+    case NumericType::Char: return kChar;
+    case NumericType::Byte: return kByte;
+    case NumericType::Short: return c == 1 ? kShort : c == 2 ? k2Short : k3Short;
+    case NumericType::Int: return c == 1 ? kInt : c == 2 ? k2Int : k3Int;
+    case NumericType::Int64: return kInt64;
+    case NumericType::Float: return c == 1 ? kFloat : c == 2 ? k2Float : k3Float;
+    case NumericType::Double: return c == 1 ? kDouble : c == 2 ? k2Double : c == 3 ? k3Double : k4Double;
+    case NumericType::None: break;
+    }
+    return kInvalid;
+}
+
+template <class T>
+MStatus MFnNumericData::read(int count, T* values) {
+    const Numeric* n = numbersOf(object_);
+    if (!n) return MStatus::kFailure;
+    if (n->type != typeFor<T>() || n->count != count) return MStatus::kInvalidParameter;
+    for (int i = 0; i < count; ++i) values[i] = static_cast<T>(n->get(i));
+    return MStatus::kSuccess;
+}
+
+template <class T>
+MStatus MFnNumericData::write(int count, const T* values) {
+    Numeric* n = numbersOf(object_);
+    if (!n) return MStatus::kFailure;
+    if (n->type != typeFor<T>() || n->count != count) return MStatus::kInvalidParameter;
+    for (int i = 0; i < count; ++i) n->set(i, static_cast<double>(values[i]));
+    return MStatus::kSuccess;
+}
+
+namespace {
+
+template <class Fn, class... T>
+MStatus readInto(Fn read, T&... out) {
+    std::common_type_t<T...> values[sizeof...(T)] = {};
+    const MStatus status = read(static_cast<int>(sizeof...(T)), values);
+    int i = 0;
+    if (status) ((out = values[i++]), ...);
+    return status;
+}
+
+} // namespace
+
+#define ORVO_READ(...) return readInto([this](int n, auto* v) { return read(n, v); }, __VA_ARGS__)
+#define ORVO_WRITE(T, ...)                                                                                             \
+    const T values[] = {__VA_ARGS__};                                                                                  \
+    return write(static_cast<int>(sizeof values / sizeof values[0]), values)
+
+#define ORVO_NUMERIC_PAIR(T, Name)                                                                                     \
+    MStatus MFnNumericData::getData(T& a, T& b) { ORVO_READ(a, b); }                                                   \
+    MStatus MFnNumericData::getData(T& a, T& b, T& c) { ORVO_READ(a, b, c); }                                          \
+    MStatus MFnNumericData::setData(T a, T b) { ORVO_WRITE(T, a, b); }                                                 \
+    MStatus MFnNumericData::setData(T a, T b, T c) { ORVO_WRITE(T, a, b, c); }                                         \
+    MStatus MFnNumericData::getData2##Name(T& a, T& b) { return getData(a, b); }                                       \
+    MStatus MFnNumericData::getData3##Name(T& a, T& b, T& c) { return getData(a, b, c); }                              \
+    MStatus MFnNumericData::setData2##Name(T a, T b) { return setData(a, b); }                                         \
+    MStatus MFnNumericData::setData3##Name(T a, T b, T c) { return setData(a, b, c); }
+
+ORVO_NUMERIC_PAIR(short, Short)
+ORVO_NUMERIC_PAIR(int, Int)
+ORVO_NUMERIC_PAIR(float, Float)
+ORVO_NUMERIC_PAIR(double, Double)
+
+MStatus MFnNumericData::getData(double& a, double& b, double& c, double& d) { ORVO_READ(a, b, c, d); }
+MStatus MFnNumericData::setData(double a, double b, double c, double d) { ORVO_WRITE(double, a, b, c, d); }
+MStatus MFnNumericData::getData4Double(double& a, double& b, double& c, double& d) { return getData(a, b, c, d); }
+MStatus MFnNumericData::setData4Double(double a, double b, double c, double d) { return setData(a, b, c, d); }
+
+namespace {
+
+MMatrix* matrixOf(const MObject& o) {
+    auto* d = Access::data(o);
+    return d ? std::get_if<MMatrix>(&d->value) : nullptr;
+}
+
+std::string* textOf(const MObject& o) {
+    auto* d = Access::data(o);
+    return d ? std::get_if<std::string>(&d->value) : nullptr;
+}
+
+} // namespace
+
+bool MFnMatrixData::isTransformation(MStatus* ReturnStatus) const {
+    setStatus(ReturnStatus, matrixOf(object_) ? MStatus::kSuccess : MStatus::kFailure);
+    return false;
+}
+
+MTransformationMatrix MFnMatrixData::transformation(MStatus* ReturnStatus) const {
+    return MTransformationMatrix(matrix(ReturnStatus));
+}
+
+const MMatrix& MFnMatrixData::matrix(MStatus* ReturnStatus) const {
+    const MMatrix* m = matrixOf(object_);
+    setStatus(ReturnStatus, m ? MStatus::kSuccess : MStatus::kFailure);
+    return m ? *m : MMatrix::identity;
+}
+
+MStatus MFnMatrixData::set(const MTransformationMatrix& transformation) { return set(transformation.asMatrix()); }
+
+MStatus MFnMatrixData::set(const MMatrix& mat) {
+    MMatrix* m = matrixOf(object_);
+    if (!m) return MStatus::kFailure;
+    *m = mat;
+    return MStatus::kSuccess;
+}
+
+MObject MFnMatrixData::create(MStatus* ReturnStatus) { return create(MMatrix(), ReturnStatus); }
+
+MObject MFnMatrixData::create(const MMatrix& mat, MStatus* ReturnStatus) {
+    setStatus(ReturnStatus, MStatus::kSuccess);
+    object_ = Access::object(scene::Value(mat));
+    return object_;
+}
+
+MObject MFnMatrixData::create(const MTransformationMatrix& transformation, MStatus* ReturnStatus) {
+    return create(transformation.asMatrix(), ReturnStatus);
+}
+
+MString MFnStringData::string(MStatus* ReturnStatus) const {
+    const std::string* s = textOf(object_);
+    setStatus(ReturnStatus, s ? MStatus::kSuccess : MStatus::kFailure);
+    return s ? MString(s->data(), static_cast<int>(s->size())) : MString();
+}
+
+MStatus MFnStringData::set(const MString& string) {
+    std::string* s = textOf(object_);
+    if (!s) return MStatus::kFailure;
+    s->assign(string.asChar(), string.length());
+    return MStatus::kSuccess;
+}
+
+MObject MFnStringData::create(const MString& str, MStatus* ReturnStatus) {
+    setStatus(ReturnStatus, MStatus::kSuccess);
+    object_ = Access::object(scene::Value(std::string(str.asChar(), str.length())));
+    return object_;
+}
+
+MObject MFnStringData::create(MStatus* ReturnStatus) { return create(MString(), ReturnStatus); }

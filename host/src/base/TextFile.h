@@ -1,0 +1,21 @@
+#pragma once
+
+#include "base/FileError.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace host::files {
+
+/// The whole text file. Throws FileError when it is missing, no plain file, unreadable or binary.
+std::string readTextFile(const std::filesystem::path& file);
+
+/// Writes the text beside the file and puts it into its place when all of it is on the disk: whatever fails, the old
+/// file stays. Throws FileError.
+void writeTextFile(const std::filesystem::path& file, std::string_view text);
+
+/// Whether the file says that it is a Maya ASCII scene.
+bool isSceneFile(const std::filesystem::path& file);
+
+} // namespace host::files
