@@ -4,7 +4,7 @@
 //   packing its vertex data and writing it to disk; plain: byte after byte, sprite after sprite
 // The counters of DomePacked tell how much memory the generated dome takes.
 #include "Common/RandomGenerator.h"
-#include "SkyTool/CloudDomeWorkers.h"
+#include "SkyTool/clouds/CloudDomeWorkers.h"
 
 #include <benchmark/benchmark.h>
 

@@ -3,7 +3,7 @@
 //   the node's defaults, where haze and blue sky have one density between them; high and low quality
 //   three layers that differ, at high quality
 #include "PlainScattering.h"
-#include "SkyTool/ScatteringTables.h"
+#include "SkyTool/skies/ScatteringTables.h"
 
 #include <benchmark/benchmark.h>
 

@@ -99,7 +99,7 @@ int renderCommand(const CommonOptions& common, const RenderOptions& options) {
         auto& scene = host::Host::instance().scene();
         if (options.timeGiven) scene.setTime(options.time * host::timeUnit().ticks);
         view->setCamera(cameraFor(options));
-        if (!options.helpers) view->setObjectDisplay(view->objectDisplay() & ~unsigned(M3dView::kDisplayLocators));
+        if (!options.helpers) view->setObjectDisplay(view->objectDisplay() & ~host::viewport::Viewport::showLocators);
         watch.tellUnlessTold(session.bringUpToDate());
         if (scene.findType("orvosky_SkyRenderer"))
             if (const std::string why = whatHidesTheSky(); !why.empty())

@@ -6,6 +6,7 @@
 #include <maya/MGlobal.h>
 #include <maya/MString.h>
 #include <string_view>
+#include <vector>
 
 namespace orvo {
 namespace {
@@ -33,13 +34,18 @@ void showMessage(MessageLevel level, const std::string& text) {
 }
 
 std::string sourcePath(const SourcePlace& where) {
-    const std::string_view file = where.file;
-    const std::size_t name = file.find_last_of("/\\");
-    if (name == std::string_view::npos) return std::string(file.substr(0, file.rfind('.')));
-    const std::size_t before = name == 0 ? std::string_view::npos : file.find_last_of("/\\", name - 1);
-    const std::size_t folder = before == std::string_view::npos ? 0 : before + 1;
-    const std::string_view base = file.substr(name + 1);
-    return std::string(file.substr(folder, name - folder)) + '\\' + std::string(base.substr(0, base.rfind('.')));
+    // The room and the name of the file: the folders within a room are not told.
+    std::vector<std::string_view> parts;
+    for (std::string_view rest = where.file; !rest.empty();) {
+        const std::size_t end = rest.find_first_of("/\\");
+        parts.push_back(rest.substr(0, end));
+        rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+    }
+    const std::string_view file = parts.empty() ? std::string_view() : parts.back();
+    const std::string name(file.substr(0, file.rfind('.')));
+    if (parts.size() < 2) return name;
+    if (parts.size() > 2 && parts[parts.size() - 3] == "SkyTool") return "SkyTool\\" + name;
+    return std::string(parts[parts.size() - 2]) + '\\' + name;
 }
 
 void reportPlace(const SourcePlace& where, MessageLevel level) {

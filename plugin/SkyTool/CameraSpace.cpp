@@ -1,6 +1,6 @@
 #include "CameraSpace.h"
 
-#include "../Common/Messages.h"
+#include "Common/Messages.h"
 
 namespace orvo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Common/MayaCamera.h"
+#include "Common/MayaCamera.h"
 
 #include <maya/M3dView.h>
 

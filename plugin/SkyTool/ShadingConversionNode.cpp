@@ -1,7 +1,7 @@
 #include "ShadingConversionNode.h"
 
-#include "../Common/Messages.h"
-#include "../Common/Vector3.h"
+#include "Common/Messages.h"
+#include "Common/Vector3.h"
 
 #include <algorithm>
 #include <cmath>

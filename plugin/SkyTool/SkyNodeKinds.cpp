@@ -1,16 +1,16 @@
 #include "SkyNodeKinds.h"
 
-#include "../Common/MayaUtils.h"
-#include "BasicSkyLocator.h"
-#include "ExpHeightFogLocator.h"
-#include "GradientSkyLocator.h"
-#include "ParticleCloud.h"
-#include "ParticleCloudDome.h"
-#include "ParticleCloudShadingParamsLocator.h"
-#include "SceneFogLocator.h"
+#include "Common/MayaUtils.h"
 #include "SkySceneSettingsLocator.h"
-#include "SpriteCloudLocator.h"
-#include "TexturedSkyLocator.h"
+#include "SkyTool/clouds/ParticleCloud.h"
+#include "SkyTool/clouds/ParticleCloudDome.h"
+#include "SkyTool/clouds/ParticleCloudShadingParamsLocator.h"
+#include "SkyTool/clouds/SpriteCloudLocator.h"
+#include "SkyTool/fog/ExpHeightFogLocator.h"
+#include "SkyTool/fog/SceneFogLocator.h"
+#include "SkyTool/skies/BasicSkyLocator.h"
+#include "SkyTool/skies/GradientSkyLocator.h"
+#include "SkyTool/skies/TexturedSkyLocator.h"
 
 #include <algorithm>
 #include <maya/MFnDagNode.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../Common/OutputFile.h"
-#include "ExportNode.h"
+#include "Common/OutputFile.h"
+#include "SkyTool/export/ExportNode.h"
 
 #include <array>
 #include <cstdint>

@@ -1,9 +1,9 @@
 #include "SkyProgram.h"
 
-#include "../Common/GlShareMark.h"
-#include "../Common/Messages.h"
-#include "../Common/Paths.h"
-#include "../Common/Undestroyed.h"
+#include "Common/GlShareMark.h"
+#include "Common/Messages.h"
+#include "Common/Paths.h"
+#include "Common/Undestroyed.h"
 
 #include <map>
 #include <tuple>

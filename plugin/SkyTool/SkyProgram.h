@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../Common/ShaderProgram.h"
-#include "../Common/SourcePlace.h"
+#include "Common/ShaderProgram.h"
+#include "Common/SourcePlace.h"
 
 #include <memory>
 

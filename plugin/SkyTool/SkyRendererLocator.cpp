@@ -1,9 +1,9 @@
 #include "SkyRendererLocator.h"
 
-#include "../Common/GlStateScope.h"
-#include "../Common/LocatorAttributes.h"
-#include "../Common/MayaUtils.h"
 #include "CameraSpace.h"
+#include "Common/GlStateScope.h"
+#include "Common/LocatorAttributes.h"
+#include "Common/MayaUtils.h"
 #include "SkyNodeKinds.h"
 
 #include <algorithm>

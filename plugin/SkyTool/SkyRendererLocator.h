@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Common/InstanceList.h"
+#include "Common/InstanceList.h"
 
 #include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>

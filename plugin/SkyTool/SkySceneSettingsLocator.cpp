@@ -1,7 +1,7 @@
 #include "SkySceneSettingsLocator.h"
 
-#include "../Common/LocatorAttributes.h"
-#include "../Common/MayaUtils.h"
+#include "Common/LocatorAttributes.h"
+#include "Common/MayaUtils.h"
 
 namespace orvo {
 

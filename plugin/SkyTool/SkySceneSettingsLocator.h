@@ -1,8 +1,8 @@
 #pragma once
 
-#include "../Common/InstanceList.h"
-#include "../Common/OutputFile.h"
-#include "ExportNode.h"
+#include "Common/InstanceList.h"
+#include "Common/OutputFile.h"
+#include "SkyTool/export/ExportNode.h"
 
 #include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>

@@ -1,8 +1,8 @@
 #include "SkyTexture.h"
 
-#include "../Common/HostText.h"
-#include "../Common/MayaUtils.h"
-#include "../Common/Paths.h"
+#include "Common/HostText.h"
+#include "Common/MayaUtils.h"
+#include "Common/Paths.h"
 
 namespace orvo {
 

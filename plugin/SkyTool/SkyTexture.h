@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../Common/TextureCache.h"
+#include "Common/TextureCache.h"
 
 #include <maya/MObject.h>
 #include <memory>

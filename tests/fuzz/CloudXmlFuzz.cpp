@@ -1,5 +1,5 @@
-#include "SkyTool/CloudLibrary.h"
-#include "SkyTool/CloudShadingFile.h"
+#include "SkyTool/clouds/CloudLibrary.h"
+#include "SkyTool/clouds/CloudShadingFile.h"
 
 #include <algorithm>
 #include <cmath>

@@ -427,7 +427,7 @@ TEST_F(FogPixels, DrawingLeavesGlAsItWas) {
         glActiveTexture(GL_TEXTURE3);
         glTranslated(1, 2, 3);
         const auto before = glState();
-        M3dView api = view->apiView();
+        M3dView api = M3dView::active3dView();
         locator->draw(api, path, M3dView::kGouraudShaded, M3dView::kDormant);
         EXPECT_EQ(glState(), before) << kind;
         unsigned char pixel[4];

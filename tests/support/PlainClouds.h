@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SkyTool/CloudGeneration.h"
+#include "SkyTool/clouds/CloudGeneration.h"
 
 /// Cloud generation as it is described, loop by loop, without any culling or vector code: what the plug-in's own must
 /// match to the bit, and what it is timed against.

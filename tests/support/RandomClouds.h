@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Common/RandomGenerator.h"
-#include "SkyTool/CloudGeneration.h"
+#include "SkyTool/clouds/CloudGeneration.h"
 
 /// Seeded clouds for tests and benchmarks.
 namespace orvo {

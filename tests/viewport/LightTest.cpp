@@ -1,5 +1,6 @@
 // What lights the meshes of a view, and what a view leaves out that is to show no locators.
 #include "ViewFixture.h"
+#include "api/graph/Handle.h"
 
 #include <array>
 #include <numbers>
@@ -118,7 +119,7 @@ TEST_F(ViewFixture, LocatorsCanBeLeftOut) {
     ASSERT_TRUE(view->setCamera(makeCamera(true)));
     makePoint("aid", 1.25, 0.75, 0, MColor(1, 0, 0));
     makePoint("keptSky", 2.25, 0.75, 0, MColor(0, 1, 0)); // does not want to be left out
-    M3dView api = view->apiView();
+    M3dView api = host::api::Access::view(view->serial());
     EXPECT_TRUE(api.objectDisplay() & M3dView::kDisplayLocators);
     render();
     EXPECT_THAT(litPixels(), ElementsAre("62,42:255,0,0", "72,42:0,255,0"));

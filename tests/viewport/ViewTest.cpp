@@ -1,4 +1,5 @@
 #include "ViewFixture.h"
+#include "api/graph/Handle.h"
 
 #include <maya/M3dView.h>
 #include <maya/MMatrix.h>
@@ -80,7 +81,7 @@ TEST_F(ViewTest, ViewsStandBesideEachOther) {
 TEST_F(ViewTest, BeginsAndEndsNest) {
     open();
     if (IsSkipped()) return;
-    M3dView api = view->apiView();
+    M3dView api = host::api::Access::view(view->serial());
     EXPECT_FALSE(api.endGL());
     EXPECT_FALSE(api.updateViewingParameters()) << "no matrices to load outside of beginGL";
     ASSERT_TRUE(api.beginGL());
@@ -109,7 +110,7 @@ TEST_F(ViewTest, BeginsAndEndsNest) {
 TEST_F(ViewTest, TellsMatricesAndSpaces) {
     open();
     if (IsSkipped()) return;
-    M3dView api = view->apiView();
+    M3dView api = host::api::Access::view(view->serial());
     MMatrix projection, modelView;
     ASSERT_TRUE(api.projectionMatrix(projection));
     ASSERT_TRUE(api.modelViewMatrix(modelView));
@@ -168,14 +169,14 @@ TEST_F(ViewTest, DrawsIntoPartsOfThePort) {
     makePoint("whole", 1.225, 0.725, 0, MColor(1, 0, 0));
     render();
     EXPECT_THAT(litPixels(), ElementsAre("162,17:0,255,0", "124,35:255,0,0"));
-    EXPECT_THAT(told(view->apiView()), ElementsAre(0, 0, 200, 100));
+    EXPECT_THAT(told(host::api::Access::view(view->serial())), ElementsAre(0, 0, 200, 100));
 }
 
 // Fault: looking through another camera fails for the transform that a user would name, or takes any node.
 TEST_F(ViewTest, ChangesItsCamera) {
     open();
     if (IsSkipped()) return;
-    M3dView api = view->apiView();
+    M3dView api = host::api::Access::view(view->serial());
     MDagPath path, top, locator;
     ASSERT_TRUE(api.getCamera(path));
     EXPECT_STREQ(path.fullPathName().asChar(), "|eye|eyeShape");

@@ -14,8 +14,8 @@ class MPoint;
 class MString;
 class MVector;
 
-namespace host::viewport {
-class Viewport;
+namespace host::api {
+struct Access;
 }
 
 /// A model view: the port that a camera's picture is drawn into.
@@ -158,7 +158,7 @@ public:
     static const char* className();
 
 private:
-    friend class host::viewport::Viewport;
+    friend struct host::api::Access;
     explicit M3dView(unsigned long serial);
     unsigned long serial_ = 0;
 };

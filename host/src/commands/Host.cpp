@@ -55,6 +55,8 @@ FoundProject findProject(const fs::path& scene) {
     return {here, false};
 }
 
+[[maybe_unused]] const bool provided = (Services::provide([]() -> Services& { return Host::instance(); }), true);
+
 } // namespace
 
 Host& Host::instance() {
@@ -63,7 +65,7 @@ Host& Host::instance() {
     return host;
 }
 
-Host::Host() : workspace_(std::make_unique<files::Workspace>()), plugins_(std::make_unique<api::PluginManager>()) {
+Host::Host() : workspace_(std::make_unique<files::Workspace>()) {
     mel::registerLanguageCommands(interpreter_);
     mel::registerSceneCommands(interpreter_);
     mel::registerNodeStatementCommands(interpreter_);
@@ -73,6 +75,8 @@ Host::Host() : workspace_(std::make_unique<files::Workspace>()), plugins_(std::m
 
 Host::~Host() = default;
 
+api::PluginManager& Host::plugins() { return api::PluginManager::shared(); }
+
 scene::Scene& Host::scene() { return scene::Scene::current(); }
 
 void Host::start(const Options& options) {
@@ -81,7 +85,7 @@ void Host::start(const Options& options) {
     workspace_->open(project.root);
     auto plugins = options.pluginFolders;
     for (auto& folder : foldersOf("MAYA_PLUG_IN_PATH")) plugins.push_back(std::move(folder));
-    plugins_->setSearchPath(std::move(plugins));
+    this->plugins().setSearchPath(std::move(plugins));
 
     std::vector<fs::path> scripts;
     const fs::path own = workspace_->root() / "scripts";

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mel/Interpreter.h"
+#include "mel/Services.h"
 
 #include <filesystem>
 #include <memory>
@@ -20,7 +21,7 @@ class PluginManager;
 }
 
 /// The running host: one per process, it ties the rooms together.
-class Host {
+class Host final : public Services {
 public:
     struct Options {
         /// The workspace root. Empty: the nearest folder with a workspace.mel above `scene`, else above the current
@@ -43,17 +44,16 @@ public:
     /// Sources userSetup.mel when the script path has one; an error in it is reported, not thrown.
     void runUserSetup();
 
-    mel::Interpreter& interpreter() { return interpreter_; }
+    mel::Interpreter& interpreter() override { return interpreter_; }
     scene::Scene& scene();
     files::Workspace& workspace() { return *workspace_; }
-    api::PluginManager& plugins() { return *plugins_; }
+    api::PluginManager& plugins();
 
 private:
     Host();
     ~Host();
     mel::Interpreter interpreter_;
     std::unique_ptr<files::Workspace> workspace_;
-    std::unique_ptr<api::PluginManager> plugins_;
 };
 
 } // namespace host

@@ -17,7 +17,7 @@ namespace host::files {
 /// file keeps such a statement.
 class UnknownHere : public scene::SceneError {
 public:
-    using SceneError::SceneError;
+    using scene::SceneError::SceneError;
 };
 
 /// Compound attributes that addAttr has begun and whose children are still to come.

@@ -77,6 +77,15 @@ public:
     /// The box around what the node shows, in its own space: the least x, y, z, then the largest. Nothing when it shows
     /// nothing that has bounds.
     virtual std::optional<std::array<double, 6>> box() { return std::nullopt; }
+    /// When and among what a node is drawn that draws itself.
+    struct Drawing {
+        bool last;      ///< behind everything that does not ask for it
+        bool asLocator; ///< left out by a view that shows no locators
+    };
+    /// Nothing when the node does not draw itself.
+    virtual std::optional<Drawing> drawing() { return std::nullopt; }
+    /// Draws with GL, whose matrices are loaded for the node, in the open view of that serial number. May throw.
+    virtual void draw(unsigned long /*view*/) {}
 };
 
 /// A kind of node: its place in the type hierarchy, its attributes, and how values depend on each other.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/UserError.h"
 #include "scene/Node.h"
 #include "scene/Selection.h"
 #include "scene/Undo.h"
@@ -15,11 +16,8 @@
 
 namespace host::scene {
 
-/// A request that the scene refuses. Its text is for the user.
-class SceneError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+/// A request that the scene, or a file of it, refuses.
+using SceneError = UserError;
 
 /// A connection with a side that is not known here, kept for saving.
 struct KeptConnection {

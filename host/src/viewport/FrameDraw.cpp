@@ -1,12 +1,9 @@
 #include "viewport/FrameDraw.h"
 
-#include "api/graph/Handle.h"
 #include "base/Messages.h"
 #include "mesh/PolyMesh.h"
 #include "scene/MeshNode.h"
 #include "scene/Scene.h"
-
-#include <maya/MPxLocatorNode.h>
 
 #include <GL/gl.h>
 
@@ -49,8 +46,7 @@ void drawShaded(const mesh::PolyMesh& mesh) {
 }
 
 void drawWireframe(const mesh::PolyMesh& mesh) {
-    const MColor colour = M3dView::templateColor();
-    glColor3f(colour.r, colour.g, colour.b);
+    glColor3f(Viewport::templateGrey, Viewport::templateGrey, Viewport::templateGrey);
     glBegin(GL_LINES);
     for (const auto& edge : mesh.edges()) {
         for (const int vertex : {edge.v1, edge.v2}) {
@@ -118,18 +114,15 @@ void FrameDraw::drawMesh(scene::DagNode& shape, bool templated) {
     if (problem_.empty()) problem_ = guard.finish();
 }
 
-void FrameDraw::drawLocator(scene::DagNode& shape, MPxLocatorNode& locator) {
-    const MDagPath path = MDagPath::getAPathTo(api::Access::object(&shape));
-    const M3dView::DisplayStatus status = M3dView::displayStatus(path);
+void FrameDraw::drawItself(scene::DagNode& shape) {
     const auto ports = view_.ports_;
     const std::size_t beginDepth = view_.begun_.size();
     std::string failure, errors;
     {
         StateGuard guard;
         loadObject(shape.worldMatrix());
-        M3dView apiView = view_.apiView();
         try {
-            locator.draw(apiView, path, M3dView::kGouraudShaded, status);
+            shape.behavior->draw(view_.serial());
         } catch (const std::exception& e) {
             failure = e.what();
             if (failure.empty()) failure = "unknown exception";
@@ -151,10 +144,10 @@ void FrameDraw::drawShape(const std::shared_ptr<scene::Node>& node, bool templat
     if (!node->inScene) return;
     scene::DagNode& shape = *node->dag();
     try {
-        if (auto* locator = dynamic_cast<MPxLocatorNode*>(api::Access::userNode(shape))) {
-            if (locator->drawLast() == last && (shows(M3dView::kDisplayLocators) || !locator->excludeAsLocator()))
-                drawLocator(shape, *locator);
-        } else if (!last && shows(M3dView::kDisplayMeshes) && scene::meshBehavior(shape)) {
+        const auto drawing = shape.behavior ? shape.behavior->drawing() : std::nullopt;
+        if (drawing) {
+            if (drawing->last == last && (shows(Viewport::showLocators) || !drawing->asLocator)) drawItself(shape);
+        } else if (!last && shows(Viewport::showMeshes) && scene::meshBehavior(shape)) {
             drawMesh(shape, templated);
         }
     } catch (const std::exception& e) {

@@ -3,8 +3,6 @@
 #include "viewport/SceneLights.h"
 #include "viewport/Viewport.h"
 
-class MPxLocatorNode;
-
 namespace host::viewport {
 
 /// Draws one frame of a view, between the view's beginGL and endGL.
@@ -30,11 +28,11 @@ private:
         bool templated = false;
     };
     std::vector<Item> visibleShapes() const;
-    bool shows(M3dView::DisplayObjects kind) const { return (view_.objectDisplay() & kind) != 0; }
+    bool shows(unsigned kind) const { return (view_.objectDisplay() & kind) != 0; }
     void loadObject(const MMatrix& objectToWorld);
     void drawShape(const std::shared_ptr<scene::Node>& node, bool templated, bool last);
     void drawMesh(scene::DagNode& shape, bool templated);
-    void drawLocator(scene::DagNode& shape, MPxLocatorNode& locator);
+    void drawItself(scene::DagNode& shape);
 
     Viewport& view_;
     MMatrix projection_, worldToCamera_;

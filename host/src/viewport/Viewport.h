@@ -6,7 +6,7 @@
 #include "viewport/OffscreenTarget.h"
 #include "viewport/Picture.h"
 
-#include <maya/M3dView.h>
+#include <maya/MMatrix.h>
 
 #include <cstddef>
 #include <memory>
@@ -38,7 +38,6 @@ public:
     static Viewport* at(std::size_t index);          ///< null beyond the end
     static Viewport* find(unsigned long serial);     ///< null when the view was closed
     unsigned long serial() const { return serial_; } ///< never used again for another view
-    M3dView apiView() const { return M3dView(serial_); }
     /// @}
 
     int width() const { return target_->width(); }
@@ -51,7 +50,8 @@ public:
     /// when that is missing, too.
     scene::DagNode* camera() const;
 
-    /// The kinds of objects that are shown, of M3dView::DisplayObjects; everything at first.
+    /// The kinds of objects that are shown, bits as the API's views have them; everything at first.
+    static constexpr unsigned showMeshes = 1U << 2, showLocators = 1U << 11;
     unsigned objectDisplay() const { return shown_; }
     void setObjectDisplay(unsigned kinds) { shown_ = kinds; }
 
@@ -65,7 +65,7 @@ public:
 
     /// @name For draws
     /// @{
-    /// Each beginGL needs an endGL; see M3dView. False when the context cannot be made current, or for an endGL
+    /// Each beginGL needs an endGL. False when the context cannot be made current, or for an endGL
     /// without its beginGL.
     bool beginGL();
     bool endGL();
@@ -75,6 +75,9 @@ public:
     bool pushPort(const PortRect& rect);
     bool popPort(); ///< false when only the whole port is left
     /// @}
+
+    /// The colour of templated objects, each of red, green and blue.
+    static constexpr float templateGrey = 0.47f;
 
     /// @name Matrices, row vectors
     /// @{

@@ -1,6 +1,6 @@
-#include "SkyTool/CloudLibrary.h"
+#include "SkyTool/clouds/CloudLibrary.h"
 #include "CloudFiles.h"
-#include "SkyTool/CloudShadingFile.h"
+#include "SkyTool/clouds/CloudShadingFile.h"
 #include "kit/Places.h"
 
 #include <cmath>

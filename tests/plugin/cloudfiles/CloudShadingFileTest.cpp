@@ -1,4 +1,4 @@
-#include "SkyTool/CloudShadingFile.h"
+#include "SkyTool/clouds/CloudShadingFile.h"
 #include "CloudFiles.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "CloudFiles.h"
 #include "Common/Paths.h"
-#include "SkyTool/ParticleCloudShadingParamsLocator.h"
+#include "SkyTool/clouds/ParticleCloudShadingParamsLocator.h"
 #include "UtilityTest.h"
 #include "kit/Places.h"
 

@@ -1,6 +1,6 @@
 #include "PlainClouds.h"
 #include "RandomClouds.h"
-#include "SkyTool/CloudKernels.h"
+#include "SkyTool/clouds/CloudKernels.h"
 
 #include <gtest/gtest.h>
 #include <hwy/targets.h>

@@ -1,4 +1,4 @@
-#include "SkyTool/CloudVertexData.h"
+#include "SkyTool/clouds/CloudVertexData.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "SkyTool/DensityFunction.h"
+#include "SkyTool/clouds/DensityFunction.h"
 #include "Common/RandomGenerator.h"
 
 #include <gtest/gtest.h>

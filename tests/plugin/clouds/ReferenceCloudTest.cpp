@@ -1,8 +1,8 @@
 // A small cloud against one that a script, written from the description alone, worked out: reference_cloud.py beside
 // this file, its output in tests/data/clouds/reference_cloud.txt.
 #include "Common/Checksums.h"
-#include "SkyTool/CloudGeneration.h"
-#include "SkyTool/CloudVertexData.h"
+#include "SkyTool/clouds/CloudGeneration.h"
+#include "SkyTool/clouds/CloudVertexData.h"
 #include "kit/Places.h"
 
 #include <gmock/gmock.h>

@@ -352,7 +352,7 @@ TEST_F(DomeNode, DrawsItsCloudsAndOutline) {
     const int outline = lit();
     EXPECT_GT(outline, 50);
     EXPECT_LT(outline, 3000);
-    view_->setObjectDisplay(~0U & ~unsigned(M3dView::kDisplayLocators));
+    view_->setObjectDisplay(~0U & ~host::viewport::Viewport::showLocators);
     EXPECT_EQ(lit(), 0) << "an aid in a view without locators";
     must("setAttr dome.Enable 0;");
     lit(); // the node's programs go while their context is there

@@ -1,4 +1,4 @@
-#include "SkyTool/CloudDomePlacement.h"
+#include "SkyTool/clouds/CloudDomePlacement.h"
 #include "kit/Places.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "SkyTool/CloudDomeWorkers.h"
+#include "SkyTool/clouds/CloudDomeWorkers.h"
 
 #include <gmock/gmock.h>
 #include <tinyxml.h>

@@ -4,7 +4,7 @@
 #include "PixelCamera.h"
 #include "PluginScene.h"
 #include "Schema.h"
-#include "SkyTool/CloudGeneration.h"
+#include "SkyTool/clouds/CloudGeneration.h"
 #include "kit/Places.h"
 
 #include "viewport/Viewport.h"

@@ -1,7 +1,7 @@
-#include "SkyTool/ScatteringTables.h"
+#include "SkyTool/skies/ScatteringTables.h"
 
 #include "PlainScattering.h"
-#include "SkyTool/ScatteringKernels.h"
+#include "SkyTool/skies/ScatteringKernels.h"
 
 #include <gtest/gtest.h>
 

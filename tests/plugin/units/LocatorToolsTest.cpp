@@ -1,8 +1,8 @@
 #include "Common/InstanceList.h"
 #include "Common/LocatorAttributes.h"
-#include "SkyTool/ExpHeightFogLocator.h"
 #include "SkyTool/ShadingConversionNode.h"
 #include "SkyTool/SkyProgram.h"
+#include "SkyTool/fog/ExpHeightFogLocator.h"
 #include "UtilityTest.h"
 
 #include "api/graph/Handle.h"

@@ -48,7 +48,7 @@ protected:
 
 // Catches width and height of the port mixed up, an angle in degrees, a local eye point, and a wrong corner order.
 TEST_F(MayaCameraTest, PerspectiveCamera) {
-    M3dView view = view_->apiView();
+    M3dView view = M3dView::active3dView();
     const MayaCamera camera(view);
     ASSERT_TRUE(camera.isValid());
     EXPECT_TRUE(camera.isPerspective());
@@ -74,7 +74,7 @@ TEST_F(MayaCameraTest, TurnedCamera) {
     set("eye.rotateY", -M_PI / 2); // looks along +x, its right hand points to +z
     set("eye.scaleX", 5);
     set("eye.scaleZ", 5);
-    M3dView view = view_->apiView();
+    M3dView view = M3dView::active3dView();
     CameraFrustum::Corners corners;
     ASSERT_FALSE(MayaCamera(view).nearCorners(corners).error());
     expectNear(corners[0], {1 + 2, 2 + 0.5, 3 - 1});
@@ -85,7 +85,7 @@ TEST_F(MayaCameraTest, TurnedCamera) {
 TEST_F(MayaCameraTest, OrthographicCamera) {
     set("lens.orthographic", 1);
     set("lens.orthographicWidth", 40);
-    M3dView view = view_->apiView();
+    M3dView view = M3dView::active3dView();
     const MayaCamera camera(view);
     ASSERT_TRUE(camera.isValid());
     EXPECT_FALSE(camera.isPerspective());
@@ -116,7 +116,7 @@ TEST_F(MayaCameraTest, OrthographicCamera) {
 
 // Catches a camera that reads the scene anew: it is what the view showed when it was made.
 TEST_F(MayaCameraTest, StaysAsItWasMade) {
-    M3dView view = view_->apiView();
+    M3dView view = M3dView::active3dView();
     const MayaCamera camera(view);
     set("eye.translateX", 50);
     scene.deleteNodes({scene.findNode("eye")});
@@ -128,7 +128,7 @@ TEST_F(MayaCameraTest, StaysAsItWasMade) {
 // Catches a crash or made-up answers where no camera can be had, a silent failure, and a result that is written to all
 // the same.
 TEST_F(MayaCameraTest, WithoutACameraEveryQueryFails) {
-    M3dView closed = view_->apiView();
+    M3dView closed = M3dView::active3dView();
     view_.reset();
     M3dView never;
     for (M3dView* view : {&closed, &never}) {

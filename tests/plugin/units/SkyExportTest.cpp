@@ -1,4 +1,4 @@
-#include "SkyTool/SkyExport.h"
+#include "SkyTool/export/SkyExport.h"
 
 #include "MessageLog.h"
 

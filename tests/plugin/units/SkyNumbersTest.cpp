@@ -1,6 +1,6 @@
-#include "SkyTool/BasicSkyParams.h"
-#include "SkyTool/ExpHeightFogLocator.h"
-#include "SkyTool/TexturedSkyLocator.h"
+#include "SkyTool/fog/ExpHeightFogLocator.h"
+#include "SkyTool/skies/BasicSkyParams.h"
+#include "SkyTool/skies/TexturedSkyLocator.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -14,6 +14,8 @@ class MDataBlock;
 class MPxNode;
 class MSelectionList;
 
+class M3dView;
+
 namespace host::api {
 
 struct Plugin;
@@ -94,6 +96,8 @@ struct Access {
     static scene::Cell* cell(const MDataHandle& handle);
     static scene::Value value(const MDataHandle& handle);
     static MDataBlock dataBlock(scene::Node& node);
+
+    static M3dView view(unsigned long serial);
 
     static MPxNode* userNode(scene::Node& node);
     static void setUserNode(MPxNode& user, scene::Node& node);

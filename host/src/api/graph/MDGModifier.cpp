@@ -1,7 +1,8 @@
 #include <maya/MDGModifier.h>
 
 #include "api/fn/FnSupport.h"
-#include "commands/Host.h"
+#include "mel/Interpreter.h"
+#include "mel/Services.h"
 #include "values/Text.h"
 
 #include <maya/MAngle.h>
@@ -156,7 +157,7 @@ MStatus MDGModifier::removeAttribute(const MObject& node, const MObject& attribu
 MStatus MDGModifier::commandToExecute(const MString& command) {
     return gather([text = toText(command)] {
         try {
-            Host::instance().interpreter().execute(text);
+            Services::current().interpreter().execute(text);
         } catch (const mel::Error& e) {
             throw scene::SceneError(e.what());
         }

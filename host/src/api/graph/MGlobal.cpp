@@ -5,7 +5,8 @@
 #include "base/Messages.h"
 #include "base/OptionVars.h"
 #include "base/Units.h"
-#include "commands/Host.h"
+#include "mel/Interpreter.h"
+#include "mel/Services.h"
 #include "values/StatusOut.h"
 #include "values/Text.h"
 
@@ -84,10 +85,10 @@ MStatus run(const MString& command, bool display, bool undoable, Value& result) 
     try {
         if (undoable) {
             const scene::UndoQueue::Resume on(queue);
-            result = Host::instance().interpreter().execute(toText(command));
+            result = Services::current().interpreter().execute(toText(command));
         } else {
             const scene::UndoQueue::Suspend off(queue);
-            result = Host::instance().interpreter().execute(toText(command));
+            result = Services::current().interpreter().execute(toText(command));
         }
         if (display) showInfo(toText(command));
         return MStatus::kSuccess;
@@ -188,7 +189,7 @@ MStatus MGlobal::viewFrame(double time) {
 
 MStatus MGlobal::sourceFile(const MString& fileName) {
     try {
-        Host::instance().interpreter().sourceFile(toText(fileName));
+        Services::current().interpreter().sourceFile(toText(fileName));
         return MStatus::kSuccess;
     } catch (const mel::Error& e) {
         if (!e.silent) showError(described(e));

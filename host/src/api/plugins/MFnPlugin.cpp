@@ -5,7 +5,8 @@
 #include "api/px/CommandRunner.h"
 #include "api/px/PxNode.h"
 #include "base/Messages.h"
-#include "commands/Host.h"
+#include "mel/Interpreter.h"
+#include "mel/Services.h"
 #include "values/Text.h"
 
 #include <maya/MTypeId.h>
@@ -76,7 +77,7 @@ MStatus MFnPlugin::registerCommand(const MString& commandName, MCreatorFunction 
     const std::string name = toText(commandName);
     if (!p) return MStatus::kFailure;
     if (name.empty() || !creatorFunction) return MStatus::kInvalidParameter;
-    auto& mel = Host::instance().interpreter();
+    auto& mel = Services::current().interpreter();
     if (mel.hasCommand(name)) {
         showError("A command with the name '" + name + "' is registered already.");
         return MStatus::kFailure;
@@ -94,7 +95,7 @@ MStatus MFnPlugin::deregisterCommand(const MString& commandName) {
     if (at == p->commands.end()) return MStatus::kInvalidParameter;
     // Undo entries may hold objects of the command.
     scene::Scene::current().undo.clear();
-    Host::instance().interpreter().unregisterCommand(*at);
+    Services::current().interpreter().unregisterCommand(*at);
     p->commands.erase(at);
     return MStatus::kSuccess;
 }
@@ -121,7 +122,7 @@ MStatus MFnPlugin::deregisterNode(const MTypeId& typeId) {
 }
 
 MObject MFnPlugin::findPlugin(const MString& pluginName) {
-    Plugin* p = Host::instance().plugins().find(toText(pluginName));
+    Plugin* p = api::PluginManager::shared().find(toText(pluginName));
     return p ? Access::object(std::make_shared<api::PluginHandle>(p)) : MObject();
 }
 

@@ -2,7 +2,6 @@
 
 #include "api/graph/Handle.h"
 #include "base/Messages.h"
-#include "commands/Host.h"
 
 #include <maya/MFnPlugin.h>
 #include <maya/MString.h>
@@ -52,6 +51,12 @@ MStatus callShielded(EntryPoint entry, Plugin& plugin, const char* what) {
 }
 
 } // namespace
+
+PluginManager& PluginManager::shared() {
+    // Never destroyed: plug-ins may refer to it while the process ends.
+    static PluginManager& manager = *new PluginManager;
+    return manager;
+}
 
 PluginManager::~PluginManager() = default;
 

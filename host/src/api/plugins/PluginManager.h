@@ -24,6 +24,8 @@ struct Plugin {
 /// Loads plug-ins as shared libraries, through their entry points initializePlugin and uninitializePlugin.
 class PluginManager {
 public:
+    /// The one of the running host.
+    static PluginManager& shared();
     ~PluginManager();
 
     /// Folders that bare names are looked up in, in order.

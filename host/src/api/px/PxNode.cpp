@@ -142,6 +142,19 @@ std::optional<std::array<double, 6>> PxBehavior::box() {
     return found;
 }
 
+std::optional<scene::NodeBehavior::Drawing> PxBehavior::drawing() {
+    auto* locator = dynamic_cast<MPxLocatorNode*>(user_.get());
+    if (!locator) return std::nullopt;
+    return Drawing{locator->drawLast(), locator->excludeAsLocator()};
+}
+
+void PxBehavior::draw(unsigned long view) {
+    const MDagPath path = MDagPath::getAPathTo(Access::object(&node_));
+    M3dView apiView = Access::view(view);
+    static_cast<MPxLocatorNode*>(user_.get())
+        ->draw(apiView, path, M3dView::kGouraudShaded, M3dView::displayStatus(path));
+}
+
 MStatus registerPluginType(Plugin& plugin, const std::string& name, unsigned id, MCreatorFunction create,
                            MInitializeFunction initialize, MPxNode::Type kind, const std::string& classification) {
     if (!create || name.empty()) return MStatus::kInvalidParameter;

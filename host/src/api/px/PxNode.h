@@ -24,6 +24,8 @@ public:
     bool getInternal(scene::Cell& cell) override;
     void copyFrom(scene::Node& other) override;
     std::optional<std::array<double, 6>> box() override;
+    std::optional<Drawing> drawing() override;
+    void draw(unsigned long view) override;
     MPxNode* user() const { return user_.get(); }
 
 private:

@@ -38,6 +38,10 @@ short toShort(double v) {
 
 } // namespace
 
+static_assert(Viewport::showMeshes == M3dView::kDisplayMeshes && Viewport::showLocators == M3dView::kDisplayLocators);
+
+M3dView Access::view(unsigned long serial) { return M3dView(serial); }
+
 M3dView::M3dView() = default;
 M3dView::M3dView(unsigned long serial) : serial_(serial) {}
 M3dView::~M3dView() = default;
@@ -45,7 +49,7 @@ M3dView::~M3dView() = default;
 M3dView M3dView::active3dView(MStatus* ReturnStatus) {
     const Viewport* view = Viewport::active();
     setStatus(ReturnStatus, done(view != nullptr));
-    return view ? view->apiView() : M3dView();
+    return view ? Access::view(view->serial()) : M3dView();
 }
 
 unsigned int M3dView::numberOf3dViews() { return static_cast<unsigned int>(Viewport::count()); }
@@ -53,7 +57,7 @@ unsigned int M3dView::numberOf3dViews() { return static_cast<unsigned int>(Viewp
 MStatus M3dView::get3dView(const unsigned int index, M3dView& view) {
     const Viewport* found = Viewport::at(index);
     if (!found) return MStatus::kInvalidParameter;
-    view = found->apiView();
+    view = Access::view(found->serial());
     return MStatus::kSuccess;
 }
 
@@ -199,7 +203,7 @@ bool M3dView::isBackgroundGradient(MStatus* ReturnStatus) {
 
 MColor M3dView::templateColor(MStatus* ReturnStatus) {
     setStatus(ReturnStatus, MStatus::kSuccess);
-    return MColor(0.47f, 0.47f, 0.47f);
+    return MColor(Viewport::templateGrey, Viewport::templateGrey, Viewport::templateGrey);
 }
 
 MColor M3dView::backgroundColor(MStatus* ReturnStatus) {

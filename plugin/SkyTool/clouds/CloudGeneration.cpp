@@ -1,0 +1,247 @@
+#include "CloudGeneration.h"
+
+#include "CloudKernels.h"
+#include "Common/RandomGenerator.h"
+
+#include <algorithm>
+
+namespace orvo {
+namespace {
+
+void addShape(const CloudShapeSphere& sphere, const Vector3& point, double squaredRadius, double cap,
+              CloudSample& sum) {
+    const Vector3 q = MatrixTransformPoint(sphere.transform, point);
+    const double squaredLength = dot(q, q);
+    if (!(squaredLength <= squaredRadius)) return;
+    const double u = 1.0 - squaredLength / squaredRadius, w = std::min(u * u, cap);
+    sum.coverage += w;
+    sum.density += sphere.density * w;
+    sum.opacity += sphere.opacity * w;
+}
+
+/// Turns sums over the shapes into means; false where there is no cloud.
+bool finish(CloudSample& sum) {
+    if (sum.coverage < 1e-10) return false;
+    sum.density /= sum.coverage;
+    sum.opacity /= sum.coverage;
+    sum.coverage = std::min(sum.coverage, 1.0);
+    return true;
+}
+
+struct Fade {
+    bool on = false;
+    double start = 0.0, end = 0.0;
+};
+
+constexpr double placementRadius = 1.2, placementCap = 0.3;
+
+/// The kept candidates of a cloud's jittered grid.
+class Scattering {
+public:
+    Scattering(const CloudShapeSet& set, const ShapeTable& table, double step, const Fade& fade,
+               RandomGenerator& random)
+        : set_(set), table_(table), step_(step), fade_(fade), random_(random) {}
+
+    void run() {
+        const double extent = 2.0 * set_.boundRadius, n = std::trunc(extent / step_);
+        // A step beyond all numbers would leave one candidate, beyond all numbers too.
+        if (!(n * n * n <= 1000000.0) || !std::isfinite(step_)) return;
+        std::vector<double> grid;
+        double at = 0.0;
+        while (at < extent) {
+            grid.push_back(at);
+            at += step_;
+        }
+        for (const double x : grid)
+            for (const double y : grid)
+                if (!scatterRow(x, y, grid)) return;
+    }
+
+    std::vector<Vector3> positions;
+    std::vector<float> opacities;
+
+private:
+    void findSpans(double x, double y, int count) {
+        const double half = step_ / 2.0, radius = set_.boundRadius;
+        const Vector3 corner = set_.boundCentre - Vector3{radius, radius, radius};
+        if (table_.usable() && step_ < 1e70) {
+            const BoxRow row{corner + Vector3{x + half, y + half, half}, {0.0, 0.0, step_}, half, count};
+            return spansOfShapes(table_, row, placementRadius, spans_);
+        }
+        spans_.clear();
+        for (std::uint32_t i = 0; i < set_.spheres.size(); ++i) spans_.push_back({i, 0, count - 1});
+    }
+
+    /// Three draws a box.
+    void skipBoxes(int count) { random_.skip(3 * static_cast<std::uint64_t>(count)); }
+
+    /// The sums over the shapes felt in box k of the row.
+    CloudSample sumsAt(const Vector3& p, int k) const {
+        CloudSample sums;
+        for (const ShapeSpan& span : spans_)
+            if (span.first <= k && k <= span.last)
+                addShape(set_.spheres[span.shape], p, placementRadius * placementRadius, placementCap, sums);
+        return sums;
+    }
+
+    /// Boxes where no shape is felt are passed over, but for their draws. @return false once the cloud is full
+    bool scatterRow(double x, double y, const std::vector<double>& grid) {
+        const int count = static_cast<int>(grid.size());
+        findSpans(x, y, count);
+        int first = count, last = -1;
+        for (const ShapeSpan& span : spans_) {
+            first = std::min(first, span.first);
+            last = std::max(last, span.last);
+        }
+        if (last < 0) {
+            skipBoxes(count);
+            return true;
+        }
+        // Of many shapes in a row few are felt in one box.
+        const bool fewShapes = table_.usable() && spans_.size() <= 32;
+        if (fewShapes) selection_.select(table_, spans_);
+        skipBoxes(first);
+        for (int k = first; k <= last; ++k) {
+            const double r1 = random_.RandomFloat(), r2 = random_.RandomFloat(), r3 = random_.RandomFloat();
+            const double radius = set_.boundRadius;
+            const Vector3 jittered{x + r1 * step_, y + r2 * step_, grid[static_cast<std::size_t>(k)] + r3 * step_};
+            const Vector3 p = jittered - Vector3{radius, radius, radius} + set_.boundCentre;
+            const Vector3 out = p - set_.boundCentre;
+            if (!(dot(out, out) < radius * radius) || (fade_.on && p.y < fade_.end)) continue;
+            CloudSample sample = fewShapes ? selection_.sums(p, placementRadius, placementCap) : sumsAt(p, k);
+            if (!finish(sample) || !(1.0 - sample.coverage < random_.RandomFloat() * sample.density)) continue;
+            positions.push_back(p);
+            opacities.push_back(static_cast<float>(sample.opacity));
+            if (positions.size() == maxSprites) return false;
+        }
+        skipBoxes(count - 1 - last);
+        return true;
+    }
+
+    const CloudShapeSet& set_;
+    const ShapeTable& table_;
+    double step_;
+    Fade fade_;
+    RandomGenerator& random_;
+    std::vector<ShapeSpan> spans_; ///< of the current row
+    ShapeSelection selection_;
+};
+
+} // namespace
+
+double SmoothStep(double edge0, double edge1, double x) {
+    const double t = std::clamp((x - edge0) / (edge1 - edge0), 0.0, 1.0);
+    return t * t * (3.0 - 2.0 * t);
+}
+
+std::optional<CloudSample> EvaluateShapes(const CloudShapeSet& set, const Vector3& point, double shapeRadius,
+                                          bool groundFade, double fadeStart, double fadeEnd, bool shadowMode) {
+    if (groundFade && point.y < fadeEnd) return std::nullopt;
+    const double squaredRadius = shapeRadius * shapeRadius, cap = shadowMode ? 0.6 : placementCap;
+    CloudSample sample;
+    for (const CloudShapeSphere& sphere : set.spheres) addShape(sphere, point, squaredRadius, cap, sample);
+    if (!finish(sample)) return std::nullopt;
+    if (shadowMode && groundFade) sample.coverage *= SmoothStep(fadeEnd, fadeStart, point.y);
+    return sample;
+}
+
+std::optional<RayCrossing> IntersectRaySphere(const Vector3& origin, const Vector3& direction, double radius) {
+    const double a = dot(direction, direction), b = 2.0 * dot(origin, direction);
+    const double c = dot(origin, origin) - radius * radius;
+    const double discriminant = b * b - 4.0 * a * c;
+    if (discriminant < 0.0) return std::nullopt;
+    const double root = std::sqrt(discriminant);
+    return RayCrossing{(-b - root) / (2.0 * a), (-b + root) / (2.0 * a)};
+}
+
+double MarchLight(const CloudShapeSet& set, const Vector3& point, const Vector3& lightDirection, double stepLength,
+                  bool groundFade, double fadeStart, double fadeEnd) {
+    const auto crossing = IntersectRaySphere(point - set.boundCentre, lightDirection, 2.0 * set.boundRadius);
+    if (!crossing || crossing->t1 < 1e-10) return 0.0;
+    Vector3 p = point;
+    double remaining = crossing->t1;
+    if (crossing->t0 > 0.0) {
+        p = p + lightDirection * crossing->t0;
+        remaining -= crossing->t0;
+    }
+    // A unit direction takes 40 steps at most. One that is not a direction would take for ever.
+    constexpr double maxSteps = 10000.0;
+    if (!(remaining <= maxSteps * stepLength)) return 0.0;
+    const Vector3 stride = lightDirection * stepLength;
+    double depth = 0.0;
+    while (remaining > 0.0) {
+        if (const auto sample = EvaluateShapes(set, p, 1.8, groundFade, fadeStart, fadeEnd, true))
+            depth += sample->coverage * sample->density * std::min(stepLength, remaining) / 100.0;
+        p = p + stride;
+        remaining -= stepLength;
+    }
+    return depth;
+}
+
+namespace {
+
+void castShadows(const CloudShapeSet& set, const ShapeTable& table, const LightMarch& march,
+                 const std::vector<Vector3>& positions, ParticleCloudGeom& geom) {
+    geom.shadowCube0.resize(positions.size() * 16);
+    geom.shadowCube1.resize(positions.size() * 16);
+    std::vector<ShapeSpan> spans;
+    double depths[shadowSamples];
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        if (!table.usable() || !marchSprite(table, march, positions[i], spans, depths))
+            for (int s = 0; s < shadowSamples; ++s) {
+                const auto offset = [&](int bit) { return s & bit ? march.sampleOffset : -march.sampleOffset; };
+                depths[s] =
+                    MarchLight(set, positions[i] + Vector3{offset(1), offset(2), offset(4)}, march.lightDirection,
+                               march.stepLength, march.groundFade, march.fadeStart, march.fadeEnd);
+            }
+        for (std::size_t corner = 4 * i; corner < 4 * i + 4; ++corner)
+            for (std::size_t s = 0; s < 4; ++s) {
+                geom.shadowCube0[corner * 4 + s] = static_cast<float>(depths[s]);
+                geom.shadowCube1[corner * 4 + s] = static_cast<float>(depths[s + 4]);
+            }
+    }
+}
+
+} // namespace
+
+std::unique_ptr<ParticleCloudGeom> GenerateSprites(const CloudShapeSet& set, double particleDensity,
+                                                   double particleSize, bool withShadowData,
+                                                   const Vector3& lightDirection, bool groundFade,
+                                                   double groundFadeStartOffset, double groundFadeEndOffset) {
+    const double step = 1000.0 / std::pow(particleDensity, 0.3333333333333333) * 100.0;
+    const Fade fade{groundFade, groundFadeStartOffset + set.boundCentre.y, groundFadeEndOffset + set.boundCentre.y};
+    const ShapeTable table(set);
+    RandomGenerator random(set.seed);
+    Scattering kept(set, table, step, fade, random);
+    kept.run();
+
+    auto geom = std::make_unique<ParticleCloudGeom>();
+    const auto count = kept.positions.size();
+    geom->numSprites = static_cast<std::int32_t>(count);
+    const Sphere bounds = smallestEnclosingSphere(kept.positions);
+    if (count > 0) geom->boundCentre = bounds.centre - set.boundCentre;
+    const double half = particleSize / 2.0;
+    geom->boundRadius = bounds.radius + std::sqrt(half * half + half * half);
+    geom->positions.resize(count * 12);
+    geom->uvCoords.resize(count * 8);
+    geom->randoms.resize(count * 4);
+    geom->opacities.resize(count * 4);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Vector3& p = kept.positions[i];
+        const float centre[3] = {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)};
+        constexpr float corners[8] = {0, 0, 1, 0, 1, 1, 0, 1};
+        for (std::size_t corner = 4 * i; corner < 4 * i + 4; ++corner)
+            std::copy_n(centre, 3, &geom->positions[corner * 3]);
+        std::copy_n(corners, 8, &geom->uvCoords[i * 8]);
+        std::fill_n(&geom->randoms[i * 4], 4, random.RandomFloat());
+        std::fill_n(&geom->opacities[i * 4], 4, kept.opacities[i]);
+    }
+    if (withShadowData) {
+        const LightMarch march{set.boundCentre, lightDirection, set.boundRadius, set.boundRadius / 10.0,
+                               fade.on,         fade.start,     fade.end,        particleSize * 0.5 * 0.5};
+        castShadows(set, table, march, kept.positions, *geom);
+    }
+    return geom;
+}
+
+} // namespace orvo

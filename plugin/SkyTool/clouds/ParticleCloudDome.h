@@ -1,0 +1,86 @@
+#pragma once
+
+#include "CloudDomePlacement.h"
+#include "CloudSpriteRenderer.h"
+#include "Common/InstanceList.h"
+#include "Common/OutputFile.h"
+#include "SkyTool/export/ExportNode.h"
+
+#include <maya/M3dView.h>
+#include <maya/MPxLocatorNode.h>
+#include <maya/MTypeId.h>
+#include <optional>
+#include <string>
+#include <vector>
+
+class MDagPath;
+
+namespace orvo {
+
+class MayaCamera;
+
+/// A square of sky full of particle clouds: copies of the clouds of a library or a folder, scattered so that they keep
+/// clear of one another, bent to a dome, carried along by the wind and faded out towards the rim. What is loaded and
+/// generated stays until the node is refreshed or switched off; the first draw after that loads it again.
+class ParticleCloudDome : public MPxLocatorNode, public ExportNode {
+public:
+    static const MTypeId id;
+
+    static MStatus initialize();
+    /// The live instance that a node's name or full path name stands for; null when there is none.
+    static ParticleCloudDome* findInstance(const MString& name);
+
+    void postConstructor() override;
+    /// The host's draw shows nothing. It frees what a node that is switched off holds.
+    void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
+    bool isBounded() const override { return false; }
+    bool isEnabled() override;
+
+    /// Loads the templates again and generates the clouds anew: nobody watches what the library on disk holds. Needs no
+    /// GL. A node that is switched off only forgets them.
+    void bringUpToDate();
+    /// Frees everything, loads the templates again and generates the clouds. Without a shading-parameters node in the
+    /// scene there are templates only: the clouds come with the first draw that finds one.
+    void refresh();
+    /// Takes the clouds from a library file or a folder of cloud files, and refreshes.
+    void loadFromDisk(const std::string& path);
+    const std::vector<DomeCloud>& clouds() const { return clouds_; }
+
+    /// The viewport preview, called by the sky renderer between the view's beginGL and endGL.
+    void render(M3dView& view);
+    /// Writes the ParticleCloudDome element and those of its generated clouds, and appends their vertex data. False,
+    /// with a message, when there is no shading-parameters node or a cloud could not be written.
+    bool saveToXml(OutputFile& file, const char* indent, std::vector<unsigned char>& cloudVertices);
+
+private:
+    /// What the clouds were placed and generated for.
+    struct BuildInputs {
+        DomeLayout layout;
+        bool selfShadow = false;
+        bool operator==(const BuildInputs&) const = default;
+    };
+
+    static MObject Enable, renderWireFrame, renderDepthTest, time, windVelocity, windDir, domeHeight, domeCurvature,
+        domeInnerRadius, domeOuterRadius, placementDensity, cloudScale, cloudDataDir;
+
+    DomeParams readParams();
+    BuildInputs readBuildInputs(const CloudShadingParams& shading);
+    void freeAll();
+    void forgetClouds();
+    void loadAnew();
+    void loadTemplates();
+    void loadFolder(const std::string& folder);
+    void placeAndGenerate(const CloudShadingParams& shading);
+    /// Loads the templates and places the clouds, unless that is done for the inputs as they are.
+    void prepareClouds(const CloudShadingParams& shading);
+    void drawClouds(const DomeParams& params, const MayaCamera& camera, const Matrix44& world);
+
+    std::vector<CloudTemplate> templates_;
+    bool templatesLoaded_ = false; ///< also when there were none to be found
+    std::vector<DomeCloud> clouds_;
+    std::optional<BuildInputs> builtFor_; ///< nothing before the clouds are placed
+    CloudSpriteRenderer renderer_;
+    InstanceEntry<ParticleCloudDome> entry_{*this};
+};
+
+} // namespace orvo
