@@ -512,8 +512,8 @@ TEST_F(Inspect, NamesWhatDoesNotFitInClouds) {
 
 // Faults: crashes, endless recursion or silence on what is no file of ours; a refusal that does not name the file.
 TEST_F(Inspect, RefusesWhatItCannotRead) {
-    std::string deep, wide = "<a";
-    for (int i = 0; i < 200000; ++i) deep += "<a>";
+    std::string deep, closed, wide = "<a";
+    for (int i = 0; i < 200000; ++i) deep += "<a>", closed += "</a>";
     for (int i = 0; i < 100000; ++i) wide += " b" + std::to_string(i) + "=\"\"";
     const std::pair<std::string, const char*> texts[] = {
         {"", "the file is empty"},
@@ -526,17 +526,19 @@ TEST_F(Inspect, RefusesWhatItCannotRead) {
         {"<OrvoAtmosphere/>", "has no 'type'"},
         {"<OrvoAtmosphere type=\"Modeler_Rain\" version=\"1\"/>", "unknown type 'Modeler_Rain'"},
         {"<OrvoAtmosphere type=\"a\" type=\"b\"/>", "has the attribute 'type' twice"},
-        {"<OrvoAtmosphere type='SceneDefinition' version=7/>", "'version' is not quoted"},
-        {"<OrvoAtmosphere>\n</OrvoAtmospheres>", "line 2: </OrvoAtmospheres> closes nothing"},
+        {"<OrvoAtmosphere type='SceneDefinition' version=7/>",
+         "line 1: this is no XML: Error parsing element attribute"},
+        {"<OrvoAtmosphere>\n</OrvoAtmospheres>", "line 2: this is no XML: Start-end tags mismatch"},
         {"<a/><b/>", "more than one root"},
         {"<!DOCTYPE a [<!ENTITY b \"c\">]><a/>", "no XML"},
-        {"<a><!-- b </a>", "comment does not end"},
-        {deep, "nested more than 64 deep"},
+        {"<a><!-- b </a>", "no XML: Error parsing comment"},
+        {deep, "no XML"},
+        {deep + closed, "nested more than 64 deep"},
         {wide + "/>", "too many attributes"},
         {"<\x1B[31mred/>", "no XML"},
-        {"<?xml version=\"1.0\"><a/>", "the XML declaration does not end"},
-        {"<a b=\"1\"c=\"2\"/>", "a blank is missing in <a>"},
-        {"<a b=\"<c>\"/>", "'b' is not quoted, or does not end"},
+        {"<?xml version=\"1.0\"><a/>", "no XML: Error parsing document declaration"},
+        {"<a b=\"1\"c=\"2\"/>", "no XML: Error parsing element attribute"},
+        {"<a/>b", "text outside of the root"},
     };
     for (const auto& [text, named] : texts) {
         const std::string said = failure(write("odd.atmos", text));

@@ -94,17 +94,17 @@ void measure(const Element& transform, Element& sphere, const Element& cloud, Pr
         problems.add(sphere, fmt::format("its centre lies outside of the bounding sphere of {}", cloud.described()));
 }
 
-Element readSphere(const TiXmlElement& xml, int number, const Element& cloud, Problems& problems) {
+Element readSphere(const XmlElement& xml, int number, const Element& cloud, Problems& problems) {
     Element sphere = readElement(xml, sphereRule(), number, problems);
     checkChildren(xml, {"Transform"}, sphere.described(), problems);
-    const TiXmlElement* transform = xml.FirstChildElement("Transform");
+    const XmlElement transform = xml.first("Transform");
     if (!transform) {
         problems.add(sphere, "the element <Transform> is missing");
         return sphere;
     }
-    if (transform->NextSiblingElement("Transform")) problems.add(sphere, "there is more than one <Transform>");
-    checkChildren(*transform, {}, "Transform", problems);
-    sphere.children.push_back(readElement(*transform, transformRule(), number, problems));
+    if (transform.next("Transform")) problems.add(sphere, "there is more than one <Transform>");
+    checkChildren(transform, {}, "Transform", problems);
+    sphere.children.push_back(readElement(transform, transformRule(), number, problems));
     measure(sphere.children.back(), sphere, cloud, problems);
     return sphere;
 }
@@ -121,15 +121,13 @@ void noteDensity(const Element& cloud, Inspection& found) {
                                           cloud.described(), across * across * across));
 }
 
-void readClouds(const TiXmlElement& root, Inspection& found) {
+void readClouds(const XmlElement& root, Inspection& found) {
     int number = 0;
-    for (auto* xml = root.FirstChildElement("ParticleCloud"); xml; xml = xml->NextSiblingElement("ParticleCloud")) {
-        Element cloud = readElement(*xml, cloudRule(), ++number, found.problems);
-        checkChildren(*xml, {"ParticleCloudSphere"}, cloud.described(), found.problems);
-        for (auto* s = xml->FirstChildElement("ParticleCloudSphere"); s;
-             s = s->NextSiblingElement("ParticleCloudSphere"))
-            cloud.children.push_back(
-                readSphere(*s, static_cast<int>(cloud.children.size()) + 1, cloud, found.problems));
+    for (auto xml = root.first("ParticleCloud"); xml; xml = xml.next("ParticleCloud")) {
+        Element cloud = readElement(xml, cloudRule(), ++number, found.problems);
+        checkChildren(xml, {"ParticleCloudSphere"}, cloud.described(), found.problems);
+        for (auto s = xml.first("ParticleCloudSphere"); s; s = s.next("ParticleCloudSphere"))
+            cloud.children.push_back(readSphere(s, static_cast<int>(cloud.children.size()) + 1, cloud, found.problems));
         if (cloud.children.empty())
             found.notes.push_back(cloud.described() + ": without <ParticleCloudSphere> it gets no sprites.");
 
@@ -145,44 +143,44 @@ void readClouds(const TiXmlElement& root, Inspection& found) {
                                               cloud.described(), *start - *end));
         found.elements.push_back(std::move(cloud));
     }
-    if (number == 0) found.problems.add(root.Row(), "OrvoAtmosphere", "there is no <ParticleCloud>");
+    if (number == 0) found.problems.add(root.line(), "OrvoAtmosphere", "there is no <ParticleCloud>");
 }
 
-const TiXmlElement* readShading(const TiXmlElement& root, Inspection& found) {
-    const TiXmlElement* xml = root.FirstChildElement("ParticleCloudShadingParams");
-    if (!xml) return nullptr;
-    found.elements.push_back(readElement(*xml, shadingRule(), 0, found.problems));
-    checkChildren(*xml, {}, "ParticleCloudShadingParams", found.problems);
-    if (xml->NextSiblingElement("ParticleCloudShadingParams"))
-        found.problems.add(xml->Row(), "OrvoAtmosphere", "there is more than one <ParticleCloudShadingParams>");
+XmlElement readShading(const XmlElement& root, Inspection& found) {
+    const XmlElement xml = root.first("ParticleCloudShadingParams");
+    if (!xml) return {};
+    found.elements.push_back(readElement(xml, shadingRule(), 0, found.problems));
+    checkChildren(xml, {}, "ParticleCloudShadingParams", found.problems);
+    if (xml.next("ParticleCloudShadingParams"))
+        found.problems.add(xml.line(), "OrvoAtmosphere", "there is more than one <ParticleCloudShadingParams>");
     return xml;
 }
 
 } // namespace
 
-void inspectCloud(const TiXmlElement& root, Inspection& found) {
+void inspectCloud(const XmlElement& root, Inspection& found) {
     checkChildren(root, {"ParticleCloud"}, "OrvoAtmosphere", found.problems);
     readClouds(root, found);
     if (found.elements.size() > 1)
         found.problems.add(
-            root.Row(), "OrvoAtmosphere",
+            root.line(), "OrvoAtmosphere",
             fmt::format("there are {} <ParticleCloud>; a file of this type holds one", found.elements.size()));
 }
 
-void inspectCloudLibrary(const TiXmlElement& root, Inspection& found) {
+void inspectCloudLibrary(const XmlElement& root, Inspection& found) {
     checkChildren(root, {"ParticleCloudShadingParams", "ParticleCloud"}, "OrvoAtmosphere", found.problems);
-    const TiXmlElement* shading = readShading(root, found);
+    const XmlElement shading = readShading(root, found);
     if (!shading)
         found.notes.push_back("Without <ParticleCloudShadingParams>: the library carries no shading of its own.");
-    else if (shading != root.FirstChildElement())
-        found.problems.add(shading->Row(), "ParticleCloudShadingParams", "it does not stand before the clouds");
+    else if (shading != root.first())
+        found.problems.add(shading.line(), "ParticleCloudShadingParams", "it does not stand before the clouds");
     readClouds(root, found);
 }
 
-void inspectShadingParams(const TiXmlElement& root, Inspection& found) {
+void inspectShadingParams(const XmlElement& root, Inspection& found) {
     checkChildren(root, {"ParticleCloudShadingParams"}, "OrvoAtmosphere", found.problems);
     if (!readShading(root, found))
-        found.problems.add(root.Row(), "OrvoAtmosphere", "there is no <ParticleCloudShadingParams>");
+        found.problems.add(root.line(), "OrvoAtmosphere", "there is no <ParticleCloudShadingParams>");
 }
 
 } // namespace orvosky::inspect

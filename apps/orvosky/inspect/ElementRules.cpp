@@ -98,10 +98,10 @@ std::optional<Triple> readTriple(std::string_view text) {
     return value;
 }
 
-Element readElement(const TiXmlElement& xml, const ElementRule& rule, int number, Problems& problems) {
-    Element element{.name = rule.name, .number = number, .line = xml.Row()};
+Element readElement(const XmlElement& xml, const ElementRule& rule, int number, Problems& problems) {
+    Element element{.name = rule.name, .number = number, .line = xml.line()};
     for (const AttributeRule& a : rule.attributes) {
-        const std::string* text = xml.Attribute(std::string(a.name));
+        const std::optional<std::string> text = xml.attribute(a.name);
         if (a.onlyWith) {
             const auto flag = element.get<std::int64_t>(a.onlyWith);
             if (text && flag == 0) problems.add(element, fmt::format("{} is given, but {} is 0", a.name, a.onlyWith));
@@ -115,20 +115,19 @@ Element readElement(const TiXmlElement& xml, const ElementRule& rule, int number
         element.attributes.push_back({a.name, readValue(*text, a, wrong), a.unit});
         if (!wrong.empty()) problems.add(element, fmt::format("{} {}: {}", a.name, wrong, inQuotes(*text)));
     }
-    for (const TiXmlAttribute* a = xml.FirstAttribute(); a; a = a->Next())
-        if (std::ranges::none_of(rule.attributes, [&](const AttributeRule& r) { return a->NameTStr() == r.name; }))
-            problems.add(element, "unknown attribute " + inQuotes(a->NameTStr()));
+    for (const std::string_view name : xml.attributeNames())
+        if (std::ranges::none_of(rule.attributes, [&](const AttributeRule& r) { return name == r.name; }))
+            problems.add(element, "unknown attribute " + inQuotes(name));
     return element;
 }
 
-void checkChildren(const TiXmlElement& xml, std::initializer_list<std::string_view> known, const std::string& where,
+void checkChildren(const XmlElement& xml, std::initializer_list<std::string_view> known, const std::string& where,
                    Problems& problems) {
-    for (const TiXmlNode* child = xml.FirstChild(); child; child = child->NextSibling()) {
-        if (child->ToText())
-            problems.add(child->Row(), where, "text that is part of no element: " + inQuotes(child->ValueStr()));
-        if (child->ToElement() && std::ranges::find(known, child->ValueStr()) == known.end())
-            problems.add(child->Row(), where, "unknown element <" + printable(child->ValueStr(), 60) + ">");
-    }
+    for (const auto& [text, line] : xml.texts())
+        problems.add(line, where, "text that is part of no element: " + inQuotes(text));
+    for (XmlElement child = xml.first(); child; child = child.next())
+        if (std::ranges::find(known, child.name()) == known.end())
+            problems.add(child.line(), where, "unknown element <" + printable(child.name(), 60) + ">");
 }
 
 } // namespace orvosky::inspect

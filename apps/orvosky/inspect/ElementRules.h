@@ -1,8 +1,7 @@
 #pragma once
 
 #include "Inspection.h"
-
-#include <tinyxml.h>
+#include "XmlFile.h"
 
 #include <initializer_list>
 #include <limits>
@@ -40,10 +39,10 @@ struct ElementRule {
 std::optional<Triple> readTriple(std::string_view text);
 
 /// Reads an element's attributes by its rule and adds what does not fit to the problems. Children are not looked at.
-Element readElement(const TiXmlElement& xml, const ElementRule& rule, int number, Problems& problems);
+Element readElement(const XmlElement& xml, const ElementRule& rule, int number, Problems& problems);
 
 /// Adds child elements that are not among the known ones, and text, to the problems.
-void checkChildren(const TiXmlElement& xml, std::initializer_list<std::string_view> known, const std::string& where,
+void checkChildren(const XmlElement& xml, std::initializer_list<std::string_view> known, const std::string& where,
                    Problems& problems);
 
 } // namespace orvosky::inspect

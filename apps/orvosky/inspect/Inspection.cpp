@@ -38,19 +38,19 @@ std::string printable(std::string_view text, std::size_t limit) {
 
 Inspection inspectFile(const std::string& file) {
     const XmlFile xml(file);
-    const TiXmlElement& root = xml.root();
+    const XmlElement root = xml.root();
     const std::string name = printable(file);
-    if (root.ValueStr() != "OrvoAtmosphere")
+    if (root.name() != "OrvoAtmosphere")
         throw Failure(
-            fmt::format("{}: the root element is <{}>, not <OrvoAtmosphere>.", name, printable(root.ValueStr(), 60)));
-    const std::string* type = root.Attribute(std::string("type"));
+            fmt::format("{}: the root element is <{}>, not <OrvoAtmosphere>.", name, printable(root.name(), 60)));
+    const auto type = root.attribute("type");
     if (!type) throw Failure(name + ": <OrvoAtmosphere> has no 'type', so its content is unknown.");
 
     Inspection found{.file = file, .type = *type};
     struct Document {
         const char* type;
         const char* version;
-        void (*inspect)(const TiXmlElement&, Inspection&);
+        void (*inspect)(const XmlElement&, Inspection&);
     };
     static constexpr Document documents[] = {
         {"SceneDefinition", "7", inspectScene},
@@ -60,17 +60,16 @@ Inspection inspectFile(const std::string& file) {
     };
     for (const Document& document : documents) {
         if (*type != document.type) continue;
-        const std::string* version = root.Attribute(std::string("version"));
+        const auto version = root.attribute("version");
         if (version) found.version = *version;
         if (!version)
-            found.problems.add(root.Row(), "OrvoAtmosphere", "the attribute 'version' is missing");
+            found.problems.add(root.line(), "OrvoAtmosphere", "the attribute 'version' is missing");
         else if (*version != document.version)
-            found.problems.add(root.Row(), "OrvoAtmosphere",
+            found.problems.add(root.line(), "OrvoAtmosphere",
                                fmt::format("the version is '{}', not '{}'", printable(*version, 60), document.version));
-        for (const TiXmlAttribute* a = root.FirstAttribute(); a; a = a->Next())
-            if (a->NameTStr() != "type" && a->NameTStr() != "version")
-                found.problems.add(root.Row(), "OrvoAtmosphere",
-                                   "unknown attribute '" + printable(a->Name(), 60) + "'");
+        for (const std::string_view name : root.attributeNames())
+            if (name != "type" && name != "version")
+                found.problems.add(root.line(), "OrvoAtmosphere", "unknown attribute '" + printable(name, 60) + "'");
         document.inspect(root, found);
         return found;
     }

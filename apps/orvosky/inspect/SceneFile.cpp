@@ -125,7 +125,7 @@ const std::vector<SceneElement>& sceneElements() {
 }
 
 /// The mesh of a sprite cloud: its counts and its box, not every vertex.
-Element readMesh(const TiXmlElement& xml, Problems& problems) {
+Element readMesh(const XmlElement& xml, Problems& problems) {
     static const ElementRule rule{"TriMesh", {{"numVerts", Kind::Integer, 1}, {"numTris", Kind::Integer, 1}}};
     static const ElementRule vertexRule{"Vert", {{"pos", Kind::Triple}, {"uv", Kind::Text}}};
     static const ElementRule triangleRule{"Tri", {{"indicies", Kind::Triple, 0}}};
@@ -134,9 +134,9 @@ Element readMesh(const TiXmlElement& xml, Problems& problems) {
 
     Triple low{infinite, infinite, infinite}, high{-infinite, -infinite, -infinite};
     int vertices = 0, triangles = 0;
-    for (auto* v = xml.FirstChildElement("Vert"); v; v = v->NextSiblingElement("Vert")) {
-        const Element vertex = readElement(*v, vertexRule, ++vertices, problems);
-        if (v->PreviousSibling() && v->PreviousSibling()->ValueStr() == "Tri")
+    for (auto v = xml.first("Vert"); v; v = v.next("Vert")) {
+        const Element vertex = readElement(v, vertexRule, ++vertices, problems);
+        if (const auto before = v.previous(); before && before.name() == "Tri")
             problems.add(vertex, "it stands behind a triangle");
         if (const auto uv = vertex.get<std::string>("uv"); uv && !readTriple(*uv + " 0"))
             problems.add(vertex, "uv is not 2 numbers: '" + printable(*uv, 60) + "'");
@@ -144,8 +144,8 @@ Element readMesh(const TiXmlElement& xml, Problems& problems) {
             for (std::size_t k = 0; k < 3; ++k)
                 low[k] = std::min(low[k], (*p)[k]), high[k] = std::max(high[k], (*p)[k]);
     }
-    for (auto* t = xml.FirstChildElement("Tri"); t; t = t->NextSiblingElement("Tri")) {
-        const Element triangle = readElement(*t, triangleRule, ++triangles, problems);
+    for (auto t = xml.first("Tri"); t; t = t.next("Tri")) {
+        const Element triangle = readElement(t, triangleRule, ++triangles, problems);
         if (const auto corners = triangle.get<Triple>("indicies"))
             for (const double c : *corners)
                 if (c != std::floor(c) || c >= vertices)
@@ -165,17 +165,17 @@ Element readMesh(const TiXmlElement& xml, Problems& problems) {
 }
 
 /// What an element's own attributes and children have to be beyond their limits.
-void checkElement(const TiXmlElement& xml, Element& element, Inspection& found) {
+void checkElement(const XmlElement& xml, Element& element, Inspection& found) {
     Problems& problems = found.problems;
     if (element.name != "SpriteCloud") checkChildren(xml, {}, element.described(), problems);
     if (element.name == "SpriteCloud") {
         checkChildren(xml, {"TriMesh"}, element.described(), problems);
-        const TiXmlElement* mesh = xml.FirstChildElement("TriMesh");
+        const XmlElement mesh = xml.first("TriMesh");
         if (!mesh)
             problems.add(element, "the element <TriMesh> is missing");
-        else if (mesh->NextSiblingElement("TriMesh"))
+        else if (mesh.next("TriMesh"))
             problems.add(element, "there is more than one <TriMesh>");
-        if (mesh) element.children.push_back(readMesh(*mesh, problems));
+        if (mesh) element.children.push_back(readMesh(mesh, problems));
     } else if (element.name == "SceneFog") {
         const auto start = element.get<double>("fogStart"), end = element.get<double>("fogEnd");
         if (start && end && *start > *end) problems.add(element, "fogStart lies behind fogEnd");
@@ -196,26 +196,26 @@ std::size_t rank(std::string_view name) {
 }
 
 /// Reads all elements and checks their order; unknown ones are told and left out.
-void readElements(const TiXmlElement& root, Inspection& found) {
+void readElements(const XmlElement& root, Inspection& found) {
     std::vector<int> counts(sceneElements().size());
     std::size_t highest = 0;
-    for (const TiXmlElement* xml = root.FirstChildElement(); xml; xml = xml->NextSiblingElement()) {
-        const std::size_t kind = rank(xml->ValueStr());
+    for (XmlElement xml = root.first(); xml; xml = xml.next()) {
+        const std::size_t kind = rank(xml.name());
         if (kind == counts.size()) continue;
         const SceneElement& known = sceneElements()[kind];
         ++counts[kind];
         const bool many = !known.single || counts[kind] > 1;
-        Element element = readElement(*xml, known.rule, many ? counts[kind] : 0, found.problems);
+        Element element = readElement(xml, known.rule, many ? counts[kind] : 0, found.problems);
         if (known.single && counts[kind] == 2)
             found.problems.add(element, fmt::format("a scene has at most one {}", known.rule.name));
         if (kind < highest)
             found.problems.add(
                 element, fmt::format("it stands behind {}, but belongs before it", sceneElements()[highest].rule.name));
         highest = std::max(highest, kind);
-        checkElement(*xml, element, found);
+        checkElement(xml, element, found);
         found.elements.push_back(std::move(element));
     }
-    if (counts[0] == 0) found.problems.add(root.Row(), "OrvoAtmosphere", "there is no SkySceneSettings");
+    if (counts[0] == 0) found.problems.add(root.line(), "OrvoAtmosphere", "there is no SkySceneSettings");
 }
 
 const Element* find(const Inspection& found, std::string_view name) {
@@ -292,7 +292,7 @@ void checkData(std::span<Element*> clouds, Inspection& found) {
 
 } // namespace
 
-void inspectScene(const TiXmlElement& root, Inspection& found) {
+void inspectScene(const XmlElement& root, Inspection& found) {
     checkChildren(root,
                   {"SkySceneSettings", "BasicSky", "GradientSky", "TexturedSky", "ExpHeightFog", "SceneFog",
                    "SpriteCloud", "ParticleCloudShadingParams", "ParticleCloudDome", "ParticleCloud", "CloudVertData"},

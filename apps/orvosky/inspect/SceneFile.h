@@ -1,12 +1,11 @@
 #pragma once
 
 #include "Inspection.h"
-
-#include <tinyxml.h>
+#include "XmlFile.h"
 
 namespace orvosky::inspect {
 
 /// Reads and checks the elements of a sky scene, their number and order, and its clouds' data in the file beside it.
-void inspectScene(const TiXmlElement& root, Inspection& found);
+void inspectScene(const XmlElement& root, Inspection& found);
 
 } // namespace orvosky::inspect
