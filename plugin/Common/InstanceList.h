@@ -4,7 +4,6 @@
 #include "Undestroyed.h"
 
 #include <algorithm>
-#include <iterator>
 #include <list>
 #include <maya/MObject.h>
 #include <maya/MPxNode.h>
@@ -22,51 +21,55 @@ public:
     /// The one list of the class.
     static InstanceList& shared() { return undestroyed<InstanceList>(); }
 
-    void add(Node& node) { places_.emplace(&node, nodes_.insert(nodes_.end(), &node)); }
+    void add(MPxNode& node) { places_.emplace(&node, nodes_.insert(nodes_.end(), &node)); }
     /// The others keep their order. A node that is not listed is ignored.
-    void remove(const Node& node) {
+    void remove(const MPxNode& node) {
         const auto found = places_.find(&node);
         if (found == places_.end()) return;
         nodes_.erase(found->second);
         places_.erase(found);
         if (places_.empty()) places_ = Places(); // the module may be unloaded next
     }
-    std::vector<Node*> nodes() const { return {nodes_.begin(), nodes_.end()}; }
+    std::vector<Node*> nodes() const {
+        std::vector<Node*> all;
+        for (MPxNode* node : nodes_) all.push_back(static_cast<Node*>(node));
+        return all;
+    }
 
     /// The instance that a name or full path name stands for; null when the name is unknown or of another class.
     Node* find(const MString& name) const {
         MObject wanted;
         if (dependencyNodeByName(name, wanted).error()) return nullptr;
         const auto found = places_.find(userNode(wanted));
-        return found == places_.end() ? nullptr : *found->second;
+        return found == places_.end() ? nullptr : static_cast<Node*>(*found->second);
     }
 
     /// The instances whose nodes are in the scene: not those that only an undo could bring back.
     std::vector<Node*> inScene() const {
         std::vector<Node*> found;
-        std::copy_if(nodes_.begin(), nodes_.end(), std::back_inserter(found),
-                     [this](const Node* node) { return isInScene(*node); });
+        for (MPxNode* node : nodes_)
+            if (isInScene(*node)) found.push_back(static_cast<Node*>(node));
         return found;
     }
 
     /// The first instance that is in the scene; null when none is.
     Node* firstLive() const {
         const auto found =
-            std::find_if(nodes_.begin(), nodes_.end(), [this](const Node* node) { return isInScene(*node); });
-        return found == nodes_.end() ? nullptr : *found;
+            std::find_if(nodes_.begin(), nodes_.end(), [this](const MPxNode* node) { return isInScene(*node); });
+        return found == nodes_.end() ? nullptr : static_cast<Node*>(*found);
     }
 
 private:
     /// Whether the node's full path name leads to itself, and not to nothing or to a node that was given the name of a
     /// deleted one.
-    bool isInScene(const Node& node) const {
+    bool isInScene(const MPxNode& node) const {
         const MString name = fullPathName(node.thisMObject());
         return name.length() > 0 && find(name) == &node;
     }
 
-    using Places = std::unordered_map<const MPxNode*, typename std::list<Node*>::iterator>;
+    using Places = std::unordered_map<const MPxNode*, std::list<MPxNode*>::iterator>;
 
-    std::list<Node*> nodes_;
+    std::list<MPxNode*> nodes_; ///< each a Node once it is made
     Places places_;
 };
 
@@ -74,13 +77,13 @@ private:
 template <class Node>
 class InstanceEntry {
 public:
-    explicit InstanceEntry(Node& node) : node_(node) { InstanceList<Node>::shared().add(node_); }
+    explicit InstanceEntry(MPxNode& node) : node_(node) { InstanceList<Node>::shared().add(node_); }
     ~InstanceEntry() { InstanceList<Node>::shared().remove(node_); }
     InstanceEntry(const InstanceEntry&) = delete;
     InstanceEntry& operator=(const InstanceEntry&) = delete;
 
 private:
-    Node& node_;
+    MPxNode& node_;
 };
 
 } // namespace orvo

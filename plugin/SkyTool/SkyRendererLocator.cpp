@@ -47,10 +47,6 @@ MStatus SkyRendererLocator::initialize() {
     });
 }
 
-void SkyRendererLocator::postConstructor() {
-    guarded("SkyRendererLocator::postConstructor", [&] { renameNode(thisMObject(), "orvosky_SkyRendererShape#"); });
-}
-
 void SkyRendererLocator::draw(M3dView& view, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
     guarded("SkyRendererLocator::draw", [&] {
         if (!readBool(thisMObject(), Enable)) return;

@@ -18,15 +18,6 @@ MStatus SkySceneSettingsLocator::initialize() {
     });
 }
 
-SkySceneSettingsLocator* SkySceneSettingsLocator::findInstance(const MString& name) {
-    return InstanceList<SkySceneSettingsLocator>::shared().find(name);
-}
-
-void SkySceneSettingsLocator::postConstructor() {
-    guarded("SkySceneSettingsLocator::postConstructor",
-            [&] { renameNode(thisMObject(), "orvosky_SkySceneSettingsShape#"); });
-}
-
 bool SkySceneSettingsLocator::saveToXml(OutputFile& file, const char* indent) {
     const MObject node = thisMObject();
     file.print("%s<SkySceneSettings\n", indent);

@@ -1,26 +1,21 @@
 #pragma once
 
-#include "Common/InstanceList.h"
 #include "Common/OutputFile.h"
-#include "SkyTool/export/ExportNode.h"
+#include "SkyTool/SkyLocator.h"
 
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 
 namespace orvo {
 
 /// Scene-wide settings of the runtime's sky: whether the game's own sun direction is used, and how large the buffer is
 /// that clouds are rendered in. Shows nothing; the export wants exactly one and writes it as SkySceneSettings.
-class SkySceneSettingsLocator : public MPxLocatorNode, public ExportNode {
+class SkySceneSettingsLocator : public SkyLocator<SkySceneSettingsLocator>, public ExportNode {
 public:
+    static constexpr char nodeName[] = "SkySceneSettingsLocator", shapeName[] = "orvosky_SkySceneSettingsShape#";
     static const MTypeId id;
     static MStatus initialize();
-    /// The live instance that a node's name or full path name stands for; null when there is none.
-    static SkySceneSettingsLocator* findInstance(const MString& name);
 
-    void postConstructor() override;
     void draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) override {}
-    bool isBounded() const override { return false; }
     /// Settings cannot be switched off.
     bool isEnabled() override { return true; }
 
@@ -29,8 +24,6 @@ public:
 
 private:
     static MObject useGameSunDir, cloudBackBufferRes;
-
-    InstanceEntry<SkySceneSettingsLocator> entry_{*this};
 };
 
 } // namespace orvo

@@ -59,20 +59,6 @@ MStatus ParticleCloud::initialize() {
     });
 }
 
-ParticleCloud* ParticleCloud::findInstance(const MString& name) {
-    return InstanceList<ParticleCloud>::shared().find(name);
-}
-
-void ParticleCloud::postConstructor() {
-    guarded("ParticleCloud::postConstructor", [&] { renameNode(thisMObject(), "ParticleCloudShape#"); });
-}
-
-void ParticleCloud::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
-    guarded("ParticleCloud::draw", [&] {
-        if (!isEnabled()) renderer_.release();
-    });
-}
-
 MBoundingBox ParticleCloud::boundingBox() const {
     const MBoundingBox unit(MPoint(0, 0, 0), MPoint(1, 1, 1));
     return guarded("ParticleCloud::boundingBox", unit, [&]() -> MBoundingBox {
@@ -86,8 +72,6 @@ MBoundingBox ParticleCloud::boundingBox() const {
                 MPoint(std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z))};
     });
 }
-
-bool ParticleCloud::isEnabled() { return readBool(thisMObject(), enable); }
 
 CloudSettings ParticleCloud::settings() const {
     const MObject node = thisMObject();

@@ -2,11 +2,9 @@
 
 #include "CloudSpriteRenderer.h"
 #include "CloudVertexData.h"
-#include "Common/InstanceList.h"
 #include "Common/OutputFile.h"
-#include "SkyTool/export/ExportNode.h"
+#include "SkyTool/SkyLocator.h"
 
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 #include <memory>
 #include <optional>
@@ -19,21 +17,16 @@ namespace orvo {
 /// sprites in the cloud data; saved as an element of a cloud library.
 ///
 /// The shapes, and so the sprites, stand in world space, wherever the cloud's own transform is.
-class ParticleCloud : public MPxLocatorNode, public ExportNode {
+class ParticleCloud : public SwitchedSkyLocator<ParticleCloud> {
 public:
+    static constexpr char nodeName[] = "ParticleCloud", shapeName[] = "ParticleCloudShape#";
     static const MTypeId id;
 
     static MStatus initialize();
-    /// The live instance that a node's name or full path name stands for; null when there is none.
-    static ParticleCloud* findInstance(const MString& name);
 
-    void postConstructor() override;
-    /// The host's draw shows nothing; it frees the GL objects of a node that is switched off.
-    void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
     bool isBounded() const override { return true; }
     /// Around the sprites, in the node's space; the unit box while there are none.
     MBoundingBox boundingBox() const override;
-    bool isEnabled() override;
 
     /// Generates the sprites anew when they do not follow from the scene as it is now, or never did. Needs no GL.
     void bringUpToDate();
@@ -54,6 +47,8 @@ public:
     bool saveToXml(OutputFile& file, const char* indent, std::vector<unsigned char>& cloudVertices);
 
 private:
+    friend SwitchedSkyLocator<ParticleCloud>;
+    void release() { renderer_.release(); }
     /// One grouped ellipsoid as the scene holds it.
     struct ShapeInput {
         Matrix44 world;
@@ -85,7 +80,6 @@ private:
     std::optional<GenerationInputs> lastInputs_; ///< of the last refresh; nothing before the first
     bool failed_ = false;                        ///< whether the last refresh could not gather the shapes
     CloudSpriteRenderer renderer_;
-    InstanceEntry<ParticleCloud> entry_{*this};
 };
 
 } // namespace orvo

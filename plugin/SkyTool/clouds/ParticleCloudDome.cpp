@@ -84,22 +84,6 @@ MStatus ParticleCloudDome::initialize() {
     });
 }
 
-ParticleCloudDome* ParticleCloudDome::findInstance(const MString& name) {
-    return InstanceList<ParticleCloudDome>::shared().find(name);
-}
-
-void ParticleCloudDome::postConstructor() {
-    guarded("ParticleCloudDome::postConstructor", [&] { renameNode(thisMObject(), "ParticleCloudDomeShape#"); });
-}
-
-void ParticleCloudDome::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
-    guarded("ParticleCloudDome::draw", [&] {
-        if (!isEnabled()) freeAll();
-    });
-}
-
-bool ParticleCloudDome::isEnabled() { return readBool(thisMObject(), Enable); }
-
 void ParticleCloudDome::refresh() {
     renderer_.release();
     loadAnew();

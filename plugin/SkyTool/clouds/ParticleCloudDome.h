@@ -2,12 +2,10 @@
 
 #include "CloudDomePlacement.h"
 #include "CloudSpriteRenderer.h"
-#include "Common/InstanceList.h"
 #include "Common/OutputFile.h"
-#include "SkyTool/export/ExportNode.h"
+#include "SkyTool/SkyLocator.h"
 
 #include <maya/M3dView.h>
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 #include <optional>
 #include <string>
@@ -22,19 +20,12 @@ class MayaCamera;
 /// A square of sky full of particle clouds: copies of the clouds of a library or a folder, scattered so that they keep
 /// clear of one another, bent to a dome, carried along by the wind and faded out towards the rim. What is loaded and
 /// generated stays until the node is refreshed or switched off; the first draw after that loads it again.
-class ParticleCloudDome : public MPxLocatorNode, public ExportNode {
+class ParticleCloudDome : public SwitchedSkyLocator<ParticleCloudDome> {
 public:
+    static constexpr char nodeName[] = "ParticleCloudDome", shapeName[] = "ParticleCloudDomeShape#";
     static const MTypeId id;
 
     static MStatus initialize();
-    /// The live instance that a node's name or full path name stands for; null when there is none.
-    static ParticleCloudDome* findInstance(const MString& name);
-
-    void postConstructor() override;
-    /// The host's draw shows nothing. It frees what a node that is switched off holds.
-    void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
-    bool isBounded() const override { return false; }
-    bool isEnabled() override;
 
     /// Loads the templates again and generates the clouds anew: nobody watches what the library on disk holds. Needs no
     /// GL. A node that is switched off only forgets them.
@@ -53,6 +44,8 @@ public:
     bool saveToXml(OutputFile& file, const char* indent, std::vector<unsigned char>& cloudVertices);
 
 private:
+    friend SwitchedSkyLocator<ParticleCloudDome>;
+    void release() { freeAll(); }
     /// What the clouds were placed and generated for.
     struct BuildInputs {
         DomeLayout layout;
@@ -80,7 +73,6 @@ private:
     std::vector<DomeCloud> clouds_;
     std::optional<BuildInputs> builtFor_; ///< nothing before the clouds are placed
     CloudSpriteRenderer renderer_;
-    InstanceEntry<ParticleCloudDome> entry_{*this};
 };
 
 } // namespace orvo

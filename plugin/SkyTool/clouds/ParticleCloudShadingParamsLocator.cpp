@@ -61,17 +61,8 @@ MStatus ParticleCloudShadingParamsLocator::initialize() {
     });
 }
 
-ParticleCloudShadingParamsLocator* ParticleCloudShadingParamsLocator::findInstance(const MString& name) {
-    return InstanceList<ParticleCloudShadingParamsLocator>::shared().find(name);
-}
-
 ParticleCloudShadingParamsLocator* ParticleCloudShadingParamsLocator::firstLiveInstance() {
     return InstanceList<ParticleCloudShadingParamsLocator>::shared().firstLive();
-}
-
-void ParticleCloudShadingParamsLocator::postConstructor() {
-    guarded("ParticleCloudShadingParamsLocator::postConstructor",
-            [&] { renameNode(thisMObject(), "ParticleCloudShadingParams#"); });
 }
 
 CloudShadingParams ParticleCloudShadingParamsLocator::storedParams() const {

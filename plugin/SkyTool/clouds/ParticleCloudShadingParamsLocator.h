@@ -1,11 +1,9 @@
 #pragma once
 
 #include "CloudShadingParams.h"
-#include "Common/InstanceList.h"
 #include "Common/OutputFile.h"
-#include "SkyTool/export/ExportNode.h"
+#include "SkyTool/SkyLocator.h"
 
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 #include <string>
 
@@ -14,19 +12,16 @@ namespace orvo {
 /// One set of shading parameters for all particle clouds of a scene. Particle clouds and the cloud dome read the first
 /// live one; the export writes it as a ParticleCloudShadingParams element. Its own XML file carries the parameters from
 /// scene to scene. Shows nothing in the viewport.
-class ParticleCloudShadingParamsLocator : public MPxLocatorNode, public ExportNode {
+class ParticleCloudShadingParamsLocator : public SkyLocator<ParticleCloudShadingParamsLocator>, public ExportNode {
 public:
+    static constexpr char nodeName[] = "ParticleCloudShadingParamsLocator", shapeName[] = "ParticleCloudShadingParams#";
     static const MTypeId id;
 
     static MStatus initialize();
-    /// The live instance that a node's name or full path name stands for; null when there is none.
-    static ParticleCloudShadingParamsLocator* findInstance(const MString& name);
     /// The first instance whose own name resolves in the scene; null when none does.
     static ParticleCloudShadingParamsLocator* firstLiveInstance();
 
-    void postConstructor() override;
     void draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) override {}
-    bool isBounded() const override { return false; }
     bool isEnabled() override { return true; }
 
     /// Brings the texture's path into its stored form, as every read of the parameters does.
@@ -54,8 +49,6 @@ private:
     static MObject shadingTexture, cloudColour, shadingOpacity, shadingBrightness, sunShadowAmount, groundShadowAmount,
         spriteShadowAmount, enableSelfShadow, selfShadowAmount, selfShadowFalloff, lightingAmbient,
         lightingSunGlowAmount, lightingSunGlowHaloSize, lightingRimGlow, sunDir, sunColour, sunIntensity;
-
-    InstanceEntry<ParticleCloudShadingParamsLocator> entry_{*this};
 };
 
 } // namespace orvo

@@ -40,14 +40,6 @@ MStatus ParticleCloudSphereLoc::initialize() {
     });
 }
 
-ParticleCloudSphereLoc* ParticleCloudSphereLoc::findInstance(const MString& name) {
-    return InstanceList<ParticleCloudSphereLoc>::shared().find(name);
-}
-
-void ParticleCloudSphereLoc::postConstructor() {
-    guarded("ParticleCloudSphereLoc::postConstructor", [&] { renameNode(thisMObject(), "ParticleCloudSphere#"); });
-}
-
 void ParticleCloudSphereLoc::draw(M3dView& view, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
     guarded("ParticleCloudSphereLoc::draw", [&] {
         const GlDrawing drawing(view);

@@ -111,23 +111,6 @@ MStatus SpriteCloudLocator::initialize() {
     });
 }
 
-SpriteCloudLocator* SpriteCloudLocator::findInstance(const MString& name) {
-    return InstanceList<SpriteCloudLocator>::shared().find(name);
-}
-
-void SpriteCloudLocator::postConstructor() {
-    guarded("SpriteCloudLocator::postConstructor",
-            [&] { renameNode(thisMObject(), "orvosky_SpriteCloudLocatorShape#"); });
-}
-
-void SpriteCloudLocator::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
-    guarded("SpriteCloudLocator::draw", [&] {
-        if (!isEnabled()) release();
-    });
-}
-
-bool SpriteCloudLocator::isEnabled() { return readBool(thisMObject(), enable); }
-
 void SpriteCloudLocator::release() {
     program_.release();
     texture_.release();

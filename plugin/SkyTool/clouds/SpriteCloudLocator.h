@@ -1,14 +1,12 @@
 #pragma once
 
-#include "Common/InstanceList.h"
 #include "Common/OutputFile.h"
 #include "MeshPreview.h"
+#include "SkyTool/SkyLocator.h"
 #include "SkyTool/SkyProgram.h"
 #include "SkyTool/SkyTexture.h"
-#include "SkyTool/export/ExportNode.h"
 
 #include <maya/MDagPath.h>
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 #include <optional>
 
@@ -17,18 +15,11 @@ namespace orvo {
 /// Textured cloud layers that the artist models as polygon meshes. The locator stands in a group together with the
 /// meshes, which it takes for one; the sky renderer shows them with the sprite texture, and the export writes them as
 /// a SpriteCloud element.
-class SpriteCloudLocator : public MPxLocatorNode, public ExportNode {
+class SpriteCloudLocator : public SwitchedSkyLocator<SpriteCloudLocator> {
 public:
+    static constexpr char nodeName[] = "SpriteCloudLocator", shapeName[] = "orvosky_SpriteCloudLocatorShape#";
     static const MTypeId id;
     static MStatus initialize();
-    /// The live instance that a node's name or full path name stands for; null when there is none.
-    static SpriteCloudLocator* findInstance(const MString& name);
-
-    void postConstructor() override;
-    /// The host's draw shows nothing; it frees what a node that is switched off held.
-    void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
-    bool isBounded() const override { return false; }
-    bool isEnabled() override;
 
     /// Gathers the group's meshes, anew where the artist wants that, and brings the image's path into its stored form.
     /// Every render does so first; it needs no GL.
@@ -40,6 +31,7 @@ public:
     bool saveToXml(OutputFile& file, const char* indent);
 
 private:
+    friend SwitchedSkyLocator<SpriteCloudLocator>;
     void release();
     /// Gathers the group's meshes, unless some are held. Afterwards the mesh is empty when the group has none, and
     /// missing when there is no group; both are reported.
@@ -51,7 +43,6 @@ private:
     SkyTexture texture_;               ///< white for an image that cannot be loaded
     std::optional<TriMesh> mesh_;      ///< world space, centimetres
     std::optional<MeshArrays> arrays_; ///< of the mesh, once drawn
-    InstanceEntry<SpriteCloudLocator> entry_{*this};
 };
 
 } // namespace orvo

@@ -65,21 +65,13 @@ MStatus ExpHeightFogLocator::initialize() {
     });
 }
 
-ExpHeightFogLocator* ExpHeightFogLocator::findInstance(const MString& name) {
-    return InstanceList<ExpHeightFogLocator>::shared().find(name);
-}
-
 ExpHeightFogLocator* ExpHeightFogLocator::firstLiveInstance() {
     return InstanceList<ExpHeightFogLocator>::shared().firstLive();
 }
 
-void ExpHeightFogLocator::postConstructor() {
-    guarded("ExpHeightFogLocator::postConstructor", [&] { renameNode(thisMObject(), "expHeightFogShape#"); });
-}
-
 void ExpHeightFogLocator::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
     guarded("ExpHeightFogLocator::draw", [&] {
-        if (!isEnabled()) return program_.release();
+        if (!isEnabled()) return release();
         bringUpToDate();
     });
 }
@@ -93,8 +85,6 @@ void ExpHeightFogLocator::bringUpToDate() {
     if (colour && *colour != readFloat3(node, fogColour) && isFreeToChange(node, fogColour))
         (void)writeFloat3(node, fogColour, *colour);
 }
-
-bool ExpHeightFogLocator::isEnabled() { return readBool(thisMObject(), Enable); }
 
 void ExpHeightFogLocator::render(M3dView& view) {
     if (!isEnabled()) return program_.release();

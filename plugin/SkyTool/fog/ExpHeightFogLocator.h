@@ -1,11 +1,9 @@
 #pragma once
 
-#include "Common/InstanceList.h"
 #include "Common/OutputFile.h"
+#include "SkyTool/SkyLocator.h"
 #include "SkyTool/SkyProgram.h"
-#include "SkyTool/export/ExportNode.h"
 
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 #include <optional>
 
@@ -17,8 +15,9 @@ double expHeightFogValue(double fogHeight, double fogHeightOffset, double eyeY);
 
 /// Fog whose density falls off exponentially with height. Drawn after the skies as one blended quad that fills the
 /// view; exported as an ExpHeightFog element. Its colour can follow the scene fog's.
-class ExpHeightFogLocator : public MPxLocatorNode, public ExportNode {
+class ExpHeightFogLocator : public SwitchedSkyLocator<ExpHeightFogLocator> {
 public:
+    static constexpr char nodeName[] = "ExpHeightFogLocator", shapeName[] = "expHeightFogShape#";
     static const MTypeId id;
     /// A colour: three floats. Other nodes read it from the first live height fog.
     static MObject fogColour;
@@ -27,17 +26,12 @@ public:
     static std::optional<Vector3> (*sceneFogColour)();
 
     static MStatus initialize();
-    /// The live instance that a node's name or full path name stands for; null when there is none.
-    static ExpHeightFogLocator* findInstance(const MString& name);
     /// The first instance whose own name resolves in the scene; null when none does.
     static ExpHeightFogLocator* firstLiveInstance();
 
-    void postConstructor() override;
     /// The host's draw shows nothing. It frees the program of a node that is switched off, and brings the others up to
     /// date.
     void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
-    bool isBounded() const override { return false; }
-    bool isEnabled() override;
 
     /// Lets the colour follow the scene fog's where the artist wants that. Needs no GL.
     void bringUpToDate();
@@ -47,10 +41,11 @@ public:
     bool saveToXml(OutputFile& file, const char* indent);
 
 private:
+    friend SwitchedSkyLocator<ExpHeightFogLocator>;
+    void release() { program_.release(); }
     static MObject Enable, getColourFromSceneFog, fogHeight, fogHeightOffset, fogDensity, fogAlpha;
 
     SkyProgram program_;
-    InstanceEntry<ExpHeightFogLocator> entry_{*this};
 };
 
 } // namespace orvo

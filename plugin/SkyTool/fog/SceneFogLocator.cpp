@@ -160,27 +160,11 @@ MStatus SceneFogLocator::initialize() {
     });
 }
 
-SceneFogLocator* SceneFogLocator::findInstance(const MString& name) {
-    return InstanceList<SceneFogLocator>::shared().find(name);
-}
-
 std::optional<Vector3> SceneFogLocator::firstLiveColour() {
     const SceneFogLocator* fog = InstanceList<SceneFogLocator>::shared().firstLive();
     if (!fog) return std::nullopt;
     return readFloat3(fog->thisMObject(), fogColour);
 }
-
-void SceneFogLocator::postConstructor() {
-    guarded("SceneFogLocator::postConstructor", [&] { renameNode(thisMObject(), "sceneFogShape#"); });
-}
-
-void SceneFogLocator::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
-    guarded("SceneFogLocator::draw", [&] {
-        if (!isEnabled()) release();
-    });
-}
-
-bool SceneFogLocator::isEnabled() { return readBool(thisMObject(), Enable); }
 
 void SceneFogLocator::release() {
     program_.release();

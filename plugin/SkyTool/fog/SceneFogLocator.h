@@ -1,12 +1,10 @@
 #pragma once
 
-#include "Common/InstanceList.h"
 #include "Common/OutputFile.h"
+#include "SkyTool/SkyLocator.h"
 #include "SkyTool/SkyProgram.h"
 #include "SkyTool/clouds/MeshPreview.h"
-#include "SkyTool/export/ExportNode.h"
 
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 #include <optional>
 
@@ -25,20 +23,13 @@ SceneFogRange sceneFogRange(double fogStart, double fogEnd);
 
 /// Distance fog, previewed on the scene's own geometry: the meshes of the XeliLocatorNode locators, which another
 /// plug-in brings, in a plain sunlit colour that goes over into the fog's. Exported as a SceneFog element.
-class SceneFogLocator : public MPxLocatorNode, public ExportNode {
+class SceneFogLocator : public SwitchedSkyLocator<SceneFogLocator> {
 public:
+    static constexpr char nodeName[] = "SceneFogLocator", shapeName[] = "sceneFogShape#";
     static const MTypeId id;
     static MStatus initialize();
-    /// The live instance that a node's name or full path name stands for; null when there is none.
-    static SceneFogLocator* findInstance(const MString& name);
     /// The colour of the first live scene fog node, nothing when there is none.
     static std::optional<Vector3> firstLiveColour();
-
-    void postConstructor() override;
-    /// The host's draw shows nothing; it frees the program and meshes of a node that is switched off.
-    void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
-    bool isBounded() const override { return false; }
-    bool isEnabled() override;
 
     /// Lets the colour follow the height fog's where the artist wants that. Every render does so first; it needs no GL.
     void bringUpToDate();
@@ -49,13 +40,13 @@ public:
     bool saveToXml(OutputFile& file, const char* indent);
 
 private:
+    friend SwitchedSkyLocator<SceneFogLocator>;
     void release();
 
     static MObject Enable, getColourFromExpHeightFog, fogStart, fogEnd, fogAlpha, fogColour, previewGeomColour, sunDir;
 
     SkyProgram program_;
     std::optional<std::vector<MeshArrays>> meshes_; ///< nothing before they were gathered
-    InstanceEntry<SceneFogLocator> entry_{*this};
 };
 
 } // namespace orvo

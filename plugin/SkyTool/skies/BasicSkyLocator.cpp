@@ -76,22 +76,6 @@ MStatus BasicSkyLocator::initialize() {
     });
 }
 
-BasicSkyLocator* BasicSkyLocator::findInstance(const MString& name) {
-    return InstanceList<BasicSkyLocator>::shared().find(name);
-}
-
-void BasicSkyLocator::postConstructor() {
-    guarded("BasicSkyLocator::postConstructor", [&] { renameNode(thisMObject(), "orvosky_BasicSkyLocatorShape#"); });
-}
-
-void BasicSkyLocator::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
-    guarded("BasicSkyLocator::draw", [&] {
-        if (!isEnabled()) program_.release();
-    });
-}
-
-bool BasicSkyLocator::isEnabled() { return readBool(thisMObject(), Enable); }
-
 BasicSkyValues BasicSkyLocator::values() const {
     const MObject node = thisMObject();
     return {.sunDir = readDouble3(node, sunDir),

@@ -85,23 +85,6 @@ MStatus GradientSkyLocator::initialize() {
     });
 }
 
-GradientSkyLocator* GradientSkyLocator::findInstance(const MString& name) {
-    return InstanceList<GradientSkyLocator>::shared().find(name);
-}
-
-void GradientSkyLocator::postConstructor() {
-    guarded("GradientSkyLocator::postConstructor",
-            [&] { renameNode(thisMObject(), "orvosky_GradientSkyLocatorShape#"); });
-}
-
-void GradientSkyLocator::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
-    guarded("GradientSkyLocator::draw", [&] {
-        if (!isEnabled()) release();
-    });
-}
-
-bool GradientSkyLocator::isEnabled() { return readBool(thisMObject(), Enable); }
-
 void GradientSkyLocator::release() {
     program_.release();
     texture_.release();

@@ -1,13 +1,11 @@
 #pragma once
 
-#include "Common/InstanceList.h"
 #include "Common/OutputFile.h"
 #include "Common/Vector3.h"
+#include "SkyTool/SkyLocator.h"
 #include "SkyTool/SkyProgram.h"
 #include "SkyTool/SkyTexture.h"
-#include "SkyTool/export/ExportNode.h"
 
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 
 namespace orvo {
@@ -28,18 +26,11 @@ struct GradientSkyParams {
 /// A sky painted as an image: the height of the view direction picks the row, straight up the top one, and the artist
 /// picks the column, so that one image holds several gradients side by side. Alpha divides the colour. The basic sky's
 /// sun halo is added. An image that cannot be loaded shows as a checkerboard. Exported as a GradientSky element.
-class GradientSkyLocator : public MPxLocatorNode, public ExportNode {
+class GradientSkyLocator : public SwitchedSkyLocator<GradientSkyLocator> {
 public:
+    static constexpr char nodeName[] = "GradientSkyLocator", shapeName[] = "orvosky_GradientSkyLocatorShape#";
     static const MTypeId id;
     static MStatus initialize();
-    /// The live instance that a node's name or full path name stands for; null when there is none.
-    static GradientSkyLocator* findInstance(const MString& name);
-
-    void postConstructor() override;
-    /// The host's draw shows nothing; it frees the program and the texture of a node that is switched off.
-    void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
-    bool isBounded() const override { return false; }
-    bool isEnabled() override;
 
     /// Brings the image's path into its stored form. Every render does so first; it needs no GL.
     void bringUpToDate();
@@ -49,6 +40,7 @@ public:
     bool saveToXml(OutputFile& file, const char* indent);
 
 private:
+    friend SwitchedSkyLocator<GradientSkyLocator>;
     GradientSkyParams params() const;
     void release();
 
@@ -57,7 +49,6 @@ private:
 
     SkyProgram program_;
     SkyTexture texture_;
-    InstanceEntry<GradientSkyLocator> entry_{*this};
 };
 
 } // namespace orvo

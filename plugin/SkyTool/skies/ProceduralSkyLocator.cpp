@@ -162,10 +162,6 @@ void ProceduralSkyLocator::createOutputs() {
     check(addAttribute(outColor), "addAttribute()", "outColor");
 }
 
-void ProceduralSkyLocator::postConstructor() {
-    guarded("ProceduralSkyLocator::postConstructor", [&] { renameNode(thisMObject(), "orvosky_ProceduralSkyShape#"); });
-}
-
 MStatus ProceduralSkyLocator::compute(const MPlug& plug, MDataBlock& block) {
     return guarded("ProceduralSkyLocator::compute", MStatus(MStatus::kFailure), [&]() -> MStatus {
         if (plug != rval && plug != gval && plug != bval) return MStatus::kUnknownParameter;

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "Common/InstanceList.h"
 #include "Common/Textures.h"
 #include "ScatteringTables.h"
+#include "SkyTool/SkyLocator.h"
 #include "SkyTool/SkyProgram.h"
 
-#include <maya/MPxLocatorNode.h>
 #include <maya/MTypeId.h>
 #include <optional>
 
@@ -17,15 +16,14 @@ namespace orvo {
 ///
 /// Its output is the colour of the sun behind the atmosphere, for other nodes to be lit by: that of the tables computed
 /// last, and brought up to date only when the trigger input changes.
-class ProceduralSkyLocator : public MPxLocatorNode {
+class ProceduralSkyLocator : public SkyLocator<ProceduralSkyLocator> {
 public:
+    static constexpr char nodeName[] = "ProceduralSkyLocator", shapeName[] = "orvosky_ProceduralSkyShape#";
     static const MTypeId id;
     static MStatus initialize();
 
-    void postConstructor() override;
     MStatus compute(const MPlug& plug, MDataBlock& block) override;
     void draw(M3dView& view, const MDagPath& path, M3dView::DisplayStyle style, M3dView::DisplayStatus status) override;
-    bool isBounded() const override { return false; }
     /// Stays when the artist hides the locators of a view: it is the sky, not an aid.
     bool excludeAsLocator() const override { return false; }
 
@@ -61,7 +59,6 @@ private:
     TableTextures textures_;
     bool texturesAreCurrent_ = false;
     std::optional<ProceduralSkyParams> refused_; ///< parameters that have no tables, as was reported
-    InstanceEntry<ProceduralSkyLocator> entry_{*this};
 };
 
 } // namespace orvo

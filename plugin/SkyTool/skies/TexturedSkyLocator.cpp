@@ -64,23 +64,6 @@ MStatus TexturedSkyLocator::initialize() {
     });
 }
 
-TexturedSkyLocator* TexturedSkyLocator::findInstance(const MString& name) {
-    return InstanceList<TexturedSkyLocator>::shared().find(name);
-}
-
-void TexturedSkyLocator::postConstructor() {
-    guarded("TexturedSkyLocator::postConstructor",
-            [&] { renameNode(thisMObject(), "orvosky_TexturedSkyLocatorShape#"); });
-}
-
-void TexturedSkyLocator::draw(M3dView&, const MDagPath&, M3dView::DisplayStyle, M3dView::DisplayStatus) {
-    guarded("TexturedSkyLocator::draw", [&] {
-        if (!isEnabled()) release();
-    });
-}
-
-bool TexturedSkyLocator::isEnabled() { return readBool(thisMObject(), Enable); }
-
 void TexturedSkyLocator::release() {
     program_.release();
     texture_.release();
