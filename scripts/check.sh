@@ -7,31 +7,98 @@ usage() {
   cat <<'TEXT'
 Usage: scripts/check.sh STAGE...
 
-Runs the stages in the order given and stops at the first that fails.
+Runs the stages in the order given and stops at the first that fails. What a stage needs it installs.
 
-  clang       build everything by clang
-  tidy        hold the plug-in's sources to .clang-tidy; wants a configured build/release
+  format      hold every source to .clang-format
+  rooms       hold every include to the rooms that may know each other
+  warnings    build everything by g++, with warnings as errors
+  clang       build everything by clang, with warnings as errors
+  quick       build the rooms of the host, the program and their tests with the address and undefined-behaviour
+              sanitizers, and run them
+  asan        build and run every test with these sanitizers
+  tsan        the same with the thread sanitizer
+  tidy        hold the plug-in's sources to .clang-tidy
+  fuzz        run each fuzz target on all that it can think of, for FUZZ_SECONDS (600 when it is not set)
   windows     build the plug-in for Windows by MinGW-w64, and run the tests that need no host under Wine
+  all         all of them: what a release needs
 
 Exit status: 0 when every stage passed, 1 when one failed, 2 for a wrong use.
 TEXT
 }
 
+stages=(format rooms warnings clang asan tsan tidy fuzz windows)
+# Rooms where a fault of memory is likely, and whose tests do not take long.
+quick_tests=(base_tests mel_tests files_tests scene_tests file_command_tests api_graph_tests plugin_unit_tests app_tests)
+
+sources() { git ls-files -z '*.cpp' '*.h'; }
+
+configured() {
+  [ -f "build/$1/build.ninja" ] || cmake --preset "$1" "${@:2}"
+}
+
+check_format() {
+  scripts/setup.sh clang-format
+  sources | xargs -0 clang-format --dry-run -Werror
+}
+
+check_rooms() { python3 scripts/check_rooms.py; }
+
+check_warnings() {
+  scripts/setup.sh
+  cmake --preset release -DORVOSKY_WERROR=ON
+  cmake --build --preset release
+}
+
 check_clang() {
+  scripts/setup.sh clang
   cmake -S . -B build/clang -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
     -DORVOSKY_WERROR=ON
   cmake --build build/clang
 }
 
+check_quick() {
+  scripts/setup.sh
+  configured asan
+  cmake --build --preset asan --target orvosky_program orvosky "${quick_tests[@]}"
+  export ASAN_OPTIONS=detect_leaks=1:suppressions=$PWD/tests/support/asan.supp
+  export LSAN_OPTIONS=suppressions=$PWD/tests/support/lsan.supp:print_suppressions=0 UBSAN_OPTIONS=print_stacktrace=1
+  local test
+  for test in "${quick_tests[@]}"; do
+    echo "-- $test"
+    "build/asan/bin/$test" --gtest_brief=1
+  done
+}
+
+check_asan() { scripts/test.sh asan; }
+check_tsan() { scripts/test.sh tsan; }
+
 check_tidy() {
-  find plugin -name '*.cpp' -print0 | xargs -0 -n 1 -P "$(nproc)" \
+  scripts/setup.sh clang-tidy
+  configured release
+  find plugin -name '*.cpp' -not -name WindowsPath.cpp -print0 | xargs -0 -n 1 -P "$(nproc)" \
     clang-tidy --quiet --warnings-as-errors='*' -p build/release
+}
+
+check_fuzz() {
+  scripts/setup.sh clang
+  configured fuzz
+  cmake --build --preset fuzz
+  local seconds=${FUZZ_SECONDS:-600} target corpus
+  mkdir -p build/fuzz/found build/fuzz/corpus
+  for target in build/fuzz/bin/fuzz_*; do
+    case $target in *_smoke) continue ;; esac
+    corpus=$(sed -n "s/^orvo_fuzz[a-z_]*($(basename "$target") \([a-z]*\) .*/\1/p" tests/fuzz/CMakeLists.txt)
+    echo "-- $(basename "$target"), $seconds s"
+    mkdir -p "build/fuzz/corpus/$corpus"
+    "$target" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=4096 -print_final_stats=1 \
+      -artifact_prefix="build/fuzz/found/$(basename "$target")-" "build/fuzz/corpus/$corpus" "tests/fuzz/corpus/$corpus"
+  done
 }
 
 check_windows() { scripts/check_windows.sh; }
 
 [ $# -gt 0 ] || { usage >&2; exit 2; }
-case $1 in -h | --help) usage; exit 0 ;; esac
+case $1 in -h | --help) usage; exit 0 ;; all) set -- "${stages[@]}" ;; esac
 for stage in "$@"; do
   [ "$(type -t "check_$stage")" = function ] || { echo "There is no stage \"$stage\"." >&2; usage >&2; exit 2; }
 done

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing need, when any is missing.
+# Installs the Debian packages that building and testing need, and those that are named, when any is missing.
 set -euo pipefail
 
 packages=(
@@ -9,6 +9,7 @@ packages=(
   libembree-dev libassimp-dev libtinyxml-dev libpugixml-dev libre2-dev libhwy-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev python3
   libxml2-utils ccache locales
+  "$@"
 )
 
 missing=()
