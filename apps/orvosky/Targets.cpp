@@ -1,5 +1,6 @@
 #include "Targets.h"
 
+#include "base/LetterCase.h"
 #include "base/Messages.h"
 #include "viewport/Picture.h"
 
@@ -15,9 +16,8 @@ namespace {
 constexpr std::string_view kExtension = ".atmos";
 
 bool isAtmosName(std::string_view target) {
-    if (target.size() <= kExtension.size()) return false;
-    return std::equal(kExtension.begin(), kExtension.end(), target.end() - kExtension.size(),
-                      [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
+    return target.size() > kExtension.size() &&
+           host::lowerCase(std::string(target.substr(target.size() - kExtension.size()))) == kExtension;
 }
 
 /// Says what the export command says; what is thrown says the rest.

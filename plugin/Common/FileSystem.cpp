@@ -1,5 +1,7 @@
 #include "FileSystem.h"
 
+#include "LetterCase.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <string_view>
@@ -22,8 +24,6 @@
 
 namespace orvo {
 namespace {
-
-char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 bool before(const FolderEntry& a, const FolderEntry& b) {
     const auto order = [](char x, char y) {

@@ -1,6 +1,8 @@
 #include "Paths.h"
 
 #include "FileSystem.h"
+#include "LetterCase.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <maya/MGlobal.h>
@@ -24,8 +26,6 @@ bool maybeRooted(std::string_view path) {
     return path.starts_with('/');
 #endif
 }
-
-char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 /// The answer of a script, empty when it fails.
 std::string scriptText(const char* command) {

@@ -74,6 +74,13 @@ ReadWhole readWhole(std::string_view text) {
     return read;
 }
 
+std::optional<int> readInt(std::string_view text) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return value;
+}
+
 bool endsAt(std::string_view text, std::size_t length) {
     return blanksBefore(text.substr(length)) == text.size() - length;
 }

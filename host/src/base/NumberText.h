@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -30,6 +31,9 @@ struct ReadWhole {
 };
 
 ReadWhole readWhole(std::string_view text);
+
+/// The int that fills the whole text, without blanks or a plus sign.
+std::optional<int> readInt(std::string_view text);
 
 /// Whether nothing but blanks follows after `length` bytes.
 bool endsAt(std::string_view text, std::size_t length);

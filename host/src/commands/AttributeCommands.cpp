@@ -1,3 +1,4 @@
+#include "base/NumberText.h"
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
 #include "commands/MeshLists.h"
@@ -5,7 +6,6 @@
 #include "mel/Numbers.h"
 
 #include <algorithm>
-#include <charconv>
 #include <climits>
 
 namespace host::mel {
@@ -94,10 +94,7 @@ Value valueOf(Cell& cell, bool asString) {
 
 /// Whether somebody set the cell or anything in it, or connected it.
 bool inUse(const Cell& cell) {
-    if (cell.written || cell.source || !cell.destinations.empty()) return true;
-    for (const auto& child : cell.children)
-        if (child && inUse(*child)) return true;
-    return std::ranges::any_of(cell.elements, [](const auto& e) { return inUse(*e.second); });
+    return anyCell(cell, [](const Cell& c) { return c.written || c.source || !c.destinations.empty(); });
 }
 
 IntArray indicesOf(Cell& array) {
@@ -121,11 +118,11 @@ std::vector<Cell*> plugsInRange(const std::string& name) {
     if (!array.isArray()) throw Error("'" + head + "' is not a multi attribute.");
     int first = 0, last = Scene::maxArrayIndex;
     if (colon != std::string::npos) {
-        const char *begin = inside.data(), *end = begin + inside.size();
-        const auto [a, bad] = std::from_chars(begin, begin + colon, first);
-        const auto [b, worse] = std::from_chars(begin + colon + 1, end, last);
-        if (bad != std::errc() || worse != std::errc() || b != end || a != begin + colon || first < 0 || last < first)
-            throw Error("Invalid index range: " + name);
+        const auto from = readInt(std::string_view(inside).substr(0, colon));
+        const auto to = readInt(std::string_view(inside).substr(colon + 1));
+        if (!from || !to || *from < 0 || *to < *from) throw Error("Invalid index range: " + name);
+        first = *from;
+        last = *to;
         if (last - first >= 1'000'000) throw Error("Index range too large: " + name);
     }
     std::vector<Cell*> found;

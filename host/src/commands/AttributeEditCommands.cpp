@@ -100,14 +100,13 @@ Value attributeInfo(Call& call) {
         return !asked || (args.boolean("la", false) ? all : any);
     };
     StringArray names;
-    const std::function<void(const Attribute&)> visit = [&](const Attribute& a) {
+    const auto visit = [&](const Attribute& a) {
         if (args.has("all") || holds(a))
             names.push_back(args.boolean("ui", false)  ? niceName(a)
                             : args.boolean("s", false) ? a.shortName
                                                        : a.longName);
-        for (const auto& child : a.children) visit(*child);
     };
-    for (const Attribute* root : roots) visit(*root);
+    for (const Attribute* root : roots) forEachPart(*root, visit);
     return names;
 }
 

@@ -163,13 +163,12 @@ Value listConnections(Call& call) {
         else
             found.push_back(nameOf(args.boolean("sh", false) ? other.node : transformOf(other.node)));
     };
-    const std::function<void(Cell&)> visit = [&](Cell& cell) {
-        if (sources && cell.source) add(cell, *cell.source);
-        if (destinations)
-            for (Cell* d : cell.destinations) add(cell, *d);
-        for (auto& child : cell.children)
-            if (child) visit(*child);
-        for (auto& [index, element] : cell.elements) visit(*element);
+    const auto visit = [&](Cell& whole) {
+        forEachCell(whole, [&](Cell& cell) {
+            if (sources && cell.source) add(cell, *cell.source);
+            if (destinations)
+                for (Cell* d : cell.destinations) add(cell, *d);
+        });
     };
     for (const std::string& name : names) {
         if (name.find('.') != std::string::npos)

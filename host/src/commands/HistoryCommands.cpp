@@ -2,7 +2,6 @@
 #include "commands/Commands.h"
 
 #include <algorithm>
-#include <functional>
 #include <unordered_set>
 
 namespace host::mel {
@@ -11,24 +10,15 @@ using namespace scene;
 
 namespace {
 
-/// Calls with every cell of the node that is connected, in the order of its attributes.
-void forEachConnected(Node& node, const std::function<void(Cell&)>& visit) {
-    const std::function<void(Cell&)> walk = [&](Cell& cell) {
-        if (cell.source || !cell.destinations.empty()) visit(cell);
-        for (const auto& child : cell.children)
-            if (child) walk(*child);
-        for (const auto& [index, element] : cell.elements) walk(*element);
-    };
-    for (Cell* cell : node.cells()) walk(*cell);
-}
-
+/// The nodes on the other side of the node's connections, in the order of its attributes.
 std::vector<Node*> neighbours(Node& node, bool future) {
     std::vector<Node*> found;
-    forEachConnected(node, [&](Cell& cell) {
-        if (!future && cell.source) found.push_back(&cell.source->node);
-        if (future)
-            for (Cell* d : cell.destinations) found.push_back(&d->node);
-    });
+    for (Cell* whole : node.cells())
+        forEachCell(*whole, [&](const Cell& cell) {
+            if (!future && cell.source) found.push_back(&cell.source->node);
+            if (future)
+                for (Cell* d : cell.destinations) found.push_back(&d->node);
+        });
     return found;
 }
 

@@ -1,10 +1,10 @@
 #include "commands/MeshLists.h"
+#include "base/NumberText.h"
 
 #include "commands/CommandSupport.h"
 #include "mesh/PolyMesh.h"
 #include "scene/MeshNode.h"
 
-#include <charconv>
 #include <functional>
 #include <numeric>
 
@@ -28,10 +28,9 @@ struct Word {
 };
 
 int number(std::string_view text, const std::string& plug) {
-    int value = -1;
-    const auto [end, bad] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (bad != std::errc() || end != text.data() + text.size() || value < 0) throw Error("Invalid index: " + plug);
-    return value;
+    const auto value = readInt(text);
+    if (!value || *value < 0) throw Error("Invalid index: " + plug);
+    return *value;
 }
 
 /// A list of tuples: how many there are, which of them somebody set, and their numbers.

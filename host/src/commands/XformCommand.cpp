@@ -1,6 +1,7 @@
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
 #include "scene/DagBehavior.h"
+#include "values/TransformMath.h"
 
 #include <maya/MEulerRotation.h>
 
@@ -29,15 +30,7 @@ FloatArray list(const MVector& v, double unit) { return {v.x / unit, v.y / unit,
 FloatArray list(const MPoint& p, double unit) { return {p.x / unit, p.y / unit, p.z / unit}; }
 
 /// The linear parts of the two stages that pivots take part in.
-MMatrix scaleStage(DagNode& node) {
-    const MVector s = tripleOf(node, "scale"), sh = tripleOf(node, "shear");
-    MMatrix scale, shear;
-    for (unsigned k = 0; k < 3; ++k) scale(k, k) = s[k];
-    shear(1, 0) = sh.x;
-    shear(2, 0) = sh.y;
-    shear(2, 1) = sh.z;
-    return scale * shear;
-}
+MMatrix scaleStage(DagNode& node) { return scaling(tripleOf(node, "scale")) * shearing(tripleOf(node, "shear")); }
 
 MMatrix rotateStage(DagNode& node) {
     const MVector ra = tripleOf(node, "rotateAxis"), r = tripleOf(node, "rotate");
@@ -47,9 +40,8 @@ MMatrix rotateStage(DagNode& node) {
 /// Moves a pivot and makes up for it in the pivot's translation, so that the matrix stays.
 void setPivot(DagNode& node, const char* pivot, const char* translation, const MMatrix& linear, const MVector& to) {
     const MVector was = tripleOf(node, pivot);
-    const MVector d = was - to;
     setTriple(node, pivot, to);
-    setTriple(node, translation, tripleOf(node, translation) + d - turned(d, linear));
+    setTriple(node, translation, balancedTranslation(was, to, linear, tripleOf(node, translation)));
 }
 
 MPoint worldPivot(DagNode& node, const char* pivot) { return pointOf(tripleOf(node, pivot)) * node.worldMatrix(); }

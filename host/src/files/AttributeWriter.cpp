@@ -382,13 +382,12 @@ void AttributeWriter::pieces(const std::string& list, const char* type, std::siz
 }
 
 /// What is said of elements of a list whose values are written elsewhere.
-void AttributeWriter::listStates(Cell& c) {
-    std::string flags;
-    states(c, flags);
-    if (!flags.empty()) out_ += "\tsetAttr" + flags + " \"." + plugText(c, false) + "\";\n";
-    for (auto& child : c.children)
-        if (child) listStates(*child);
-    for (auto& [index, element] : c.elements) listStates(*element);
+void AttributeWriter::listStates(Cell& list) {
+    forEachCell(list, [&](Cell& c) {
+        std::string flags;
+        states(c, flags);
+        if (!flags.empty()) out_ += "\tsetAttr" + flags + " \"." + plugText(c, false) + "\";\n";
+    });
 }
 
 void AttributeWriter::curve(Node& node) {

@@ -1,4 +1,5 @@
 #include "files/MeshImport.h"
+#include "base/LetterCase.h"
 
 #include "base/Modules.h"
 #include "files/ImportProcess.h"
@@ -33,8 +34,7 @@ std::shared_ptr<const mesh::PolyMesh> build(RawModel::Mesh& raw, const std::stri
 } // namespace
 
 bool isModelFile(const std::filesystem::path& file) {
-    std::string extension = file.extension().string();
-    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::string extension = lowerCase(file.extension().string());
     return extension == ".obj" || extension == ".gltf" || extension == ".glb" || extension == ".fbx";
 }
 

@@ -27,7 +27,6 @@ private:
     void create(Node& node);
     void contents(Node& node);
     void connections(Node& node);
-    void connections(Cell& cell);
     void connection(Cell& source, Cell& destination);
     void keptConnections();
     void keptInstances();
@@ -126,16 +125,12 @@ void Writing::connection(Cell& source, Cell& destination) {
     out_ += ";\n";
 }
 
-void Writing::connections(Cell& cell) {
-    if (cell.source && cell.source->node.inScene && !omitted_.contains(&cell.source->node))
-        connection(*cell.source, cell);
-    for (auto& child : cell.children)
-        if (child) connections(*child);
-    for (auto& [index, element] : cell.elements) connections(*element);
-}
-
 void Writing::connections(Node& node) {
-    for (Cell* cell : node.cells()) connections(*cell);
+    for (Cell* whole : node.cells())
+        forEachCell(*whole, [&](Cell& cell) {
+            if (cell.source && cell.source->node.inScene && !omitted_.contains(&cell.source->node))
+                connection(*cell.source, cell);
+        });
 }
 
 void Writing::keptInstances() {

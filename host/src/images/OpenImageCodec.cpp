@@ -1,3 +1,4 @@
+#include "base/LetterCase.h"
 #include "images/DdsHeader.h"
 #include "images/ExrHeader.h"
 #include "images/ImageCodec.h"
@@ -51,8 +52,7 @@ const std::vector<Format>& formats() {
 
 /// Null for a name that ends otherwise.
 const Format* formatOf(const std::string& path) {
-    std::string ending = path.substr(std::min(path.find_last_of("./"), path.size() - 1) + 1);
-    for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::string ending = lowerCase(path.substr(std::min(path.find_last_of("./"), path.size() - 1) + 1));
     const auto at = std::ranges::find_if(
         formats(), [&](const Format& f) { return std::ranges::find(f.endings, ending) != f.endings.end(); });
     return at == formats().end() ? nullptr : &*at;

@@ -90,4 +90,11 @@ public:
     /// @}
 };
 
+/// Calls `visit` with the attribute and all that are part of it, depth first.
+template <class Visit>
+void forEachPart(const Attribute& attribute, const Visit& visit) {
+    visit(attribute);
+    for (const AttributePtr& part : attribute.children) forEachPart(*part, visit);
+}
+
 } // namespace host::scene

@@ -1,9 +1,9 @@
 #include "scene/Components.h"
+#include "base/NumberText.h"
 
 #include "scene/MeshNode.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 
 namespace host::scene {
@@ -12,13 +12,7 @@ namespace {
 constexpr const char* kNames[] = {"vtx", "e", "f", "map"};
 
 /// A whole number that fills the text; `absent` for an empty one.
-std::optional<int> index(std::string_view text, int absent) {
-    if (text.empty()) return absent;
-    int value = 0;
-    const auto [end, bad] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (bad != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
-}
+std::optional<int> index(std::string_view text, int absent) { return text.empty() ? absent : readInt(text); }
 
 } // namespace
 

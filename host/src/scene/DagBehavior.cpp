@@ -2,6 +2,7 @@
 
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
+#include "values/TransformMath.h"
 
 #include <maya/MEulerRotation.h>
 #include <maya/MPoint.h>
@@ -27,14 +28,6 @@ void translate(MMatrix& m, const MVector& v, double sign = 1) {
 void store(Cell& cell, const MMatrix& m) {
     cell.value = m;
     setClean(cell);
-}
-
-MMatrix scaling(const MVector& s) {
-    MMatrix m;
-    m(0, 0) = s.x;
-    m(1, 1) = s.y;
-    m(2, 2) = s.z;
-    return m;
 }
 
 MEulerRotation::RotationOrder orderOf(DagNode& n) {
@@ -84,11 +77,7 @@ MMatrix transformMatrix(DagNode& n) {
                   t = triple(n, "translate");
     MMatrix m;
     translate(m, sp, -1);
-    MMatrix shear;
-    shear(1, 0) = sh.x;
-    shear(2, 0) = sh.y;
-    shear(2, 1) = sh.z;
-    m = m * scaling(s) * shear;
+    m = m * scaling(s) * shearing(sh);
     translate(m, sp);
     translate(m, spt);
     translate(m, rp, -1);

@@ -1,8 +1,8 @@
+#include "base/NumberText.h"
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <tuple>
 
@@ -76,24 +76,14 @@ public:
     }
 
 private:
-    void take(Cell& cell) {
-        const Numeric* n = cell.isTupleChild() ? cell.numbers() : nullptr;
-        parts_.emplace_back(&cell, n ? Value(*n) : cell.value, cell.written);
-        for (auto& child : cell.children)
-            if (child) take(*child);
-        for (auto& [index, element] : cell.elements) take(*element);
+    void take(Cell& whole) {
+        forEachCell(whole, [&](Cell& cell) {
+            const Numeric* n = cell.isTupleChild() ? cell.numbers() : nullptr;
+            parts_.emplace_back(&cell, n ? Value(*n) : cell.value, cell.written);
+        });
     }
     std::vector<std::tuple<Cell*, Value, bool>> parts_;
 };
-
-/// Breaks every connection of the cell and of what it is made of.
-void cutConnections(Scene& scene, Cell& c) {
-    if (c.source) scene.disconnect(*c.source, c);
-    while (!c.destinations.empty()) scene.disconnect(c, *c.destinations.back());
-    for (auto& child : c.children)
-        if (child) cutConnections(scene, *child);
-    for (auto& [i, e] : c.elements) cutConnections(scene, *e);
-}
 
 Cell& ownerOfNumbers(Cell& cell) { return cell.isTupleChild() ? *cell.parent : cell; }
 
@@ -116,9 +106,9 @@ std::vector<PathSegment> parsePath(std::string_view text) {
             if (word.back() != ']') return {};
             const std::string_view digits = word.substr(bracket + 1, word.size() - bracket - 2);
             s.indexed = true;
-            const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), s.index);
-            if (error != std::errc() || end != digits.data() + digits.size()) return {};
-            if (s.index < 0 || s.index > Scene::maxArrayIndex) return {};
+            const auto index = readInt(digits);
+            if (!index || *index < 0 || *index > Scene::maxArrayIndex) return {};
+            s.index = *index;
         }
         if (s.name.empty()) return {};
         segments.push_back(s);
@@ -324,15 +314,10 @@ void Scene::removeElement(Cell& element, bool breakConnections) {
     if (element.attribute.internal && element.node.behavior &&
         element.node.behavior->hasElement(*element.parent, element.index))
         throw SceneError("'" + element.name() + "' cannot be removed alone.");
-    const std::function<bool(Cell&)> connected = [&](Cell& c) -> bool {
-        if (c.source || !c.destinations.empty()) return true;
-        for (auto& child : c.children)
-            if (child && connected(*child)) return true;
-        return std::any_of(c.elements.begin(), c.elements.end(), [&](auto& e) { return connected(*e.second); });
-    };
-    if (connected(element) && !breakConnections)
+    const auto connected = [](const Cell& c) { return c.source || !c.destinations.empty(); };
+    if (!breakConnections && anyCell(element, connected))
         throw SceneError("Cannot remove '" + element.name() + "' while it is connected.");
-    cutConnections(*this, element);
+    cutConnections(element);
     Cell& array = *element.parent;
     const int index = element.index;
     // The cell itself is kept by the edit, so that pointers to it hold again after an undo.
@@ -371,7 +356,7 @@ void Scene::deleteAttribute(Node& node, const Attribute& attribute) {
     if (!attribute.dynamic || attribute.parent)
         throw SceneError("The attribute '" + attribute.longName + "' cannot be deleted: it was not added to the node.");
     Cell& root = node.cell(attribute);
-    cutConnections(*this, root);
+    cutConnections(root);
     auto keep = node.shared_from_this();
     auto cell = std::make_shared<std::unique_ptr<Cell>>(node.takeCell(attribute));
     AttributePtr kept = std::const_pointer_cast<Attribute>(attribute.shared_from_this());
@@ -444,6 +429,13 @@ void Scene::connect(Cell& source, Cell& destination, bool force) {
                before.restore();
                dirtyDependents(destination);
            });
+}
+
+void Scene::cutConnections(Cell& cell) {
+    forEachCell(cell, [&](Cell& c) {
+        if (c.source) disconnect(*c.source, c);
+        while (!c.destinations.empty()) disconnect(c, *c.destinations.back());
+    });
 }
 
 void Scene::disconnect(Cell& source, Cell& destination) {

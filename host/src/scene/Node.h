@@ -55,6 +55,24 @@ struct Cell {
     bool lockedHere() const;
 };
 
+/// Whether `holds` is true of the cell or of one that exists below it: depth first, parts before elements. `holds`
+/// makes and removes no cells there.
+template <class CellOrConst, class Holds>
+bool anyCell(CellOrConst& cell, const Holds& holds) {
+    if (holds(cell)) return true;
+    for (auto& part : cell.children)
+        if (part && anyCell(static_cast<CellOrConst&>(*part), holds)) return true;
+    for (auto& [index, element] : cell.elements)
+        if (anyCell(static_cast<CellOrConst&>(*element), holds)) return true;
+    return false;
+}
+
+/// Calls `visit` with the cell and all that exist below it, in the order of anyCell.
+template <class CellOrConst, class Visit>
+void forEachCell(CellOrConst& cell, const Visit& visit) {
+    anyCell(cell, [&](CellOrConst& c) { return visit(c), false; });
+}
+
 /// What a node does: the part that differs between kinds of node.
 class NodeBehavior {
 public:

@@ -314,19 +314,15 @@ NodePtr Scene::createUnknown(const std::string& typeName, const std::string& nam
 void Scene::deleteOne(const NodePtr& node) {
     // Connections go first, so that undo makes the node before it connects it.
     std::vector<Node*> history;
-    const std::function<void(Cell&)> cut = [&](Cell& c) {
-        if (c.source) {
+    for (Cell* whole : node->cells()) {
+        forEachCell(*whole, [&](const Cell& c) {
+            if (!c.source) return;
             Node& up = c.source->node;
-            disconnect(*c.source, c);
             const bool serves = meshInput(up) || up.type.isA("polyCreator") || up.type.isA("animCurve");
             if (serves && !up.isDefault) history.push_back(&up);
-        }
-        while (!c.destinations.empty()) disconnect(c, *c.destinations.back());
-        for (auto& child : c.children)
-            if (child) cut(*child);
-        for (auto& [i, e] : c.elements) cut(*e);
-    };
-    for (Cell* c : node->cells()) cut(*c);
+        });
+        cutConnections(*whole);
+    }
     DagNode* dag = node->dag();
     DagNode* parent = dag ? dag->parent : nullptr;
     std::size_t place = 0;

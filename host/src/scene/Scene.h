@@ -128,6 +128,8 @@ public:
     /// `force` breaks the destination's connection first. Throws SceneError.
     void connect(Cell& source, Cell& destination, bool force = false);
     void disconnect(Cell& source, Cell& destination);
+    /// Breaks every connection of the cell and of what it is made of.
+    void cutConnections(Cell& cell);
     /// The first element of the array that nothing is connected to and nobody has set.
     Cell& nextAvailable(Cell& array);
     std::vector<KeptConnection> keptConnections;

@@ -4,6 +4,7 @@
 
 #include "values/RotationMath.h"
 #include "values/StatusOut.h"
+#include "values/TransformMath.h"
 
 #include <algorithm>
 #include <array>
@@ -30,14 +31,7 @@ MTransformationMatrix::RotationOrder matrixOrder(MEulerRotation::RotationOrder o
 MStatus statusFor(MSpace::Space space) { return known(space) ? MStatus::kSuccess : MStatus::kInvalidParameter; }
 
 MMatrix scaleMatrix(const double scale[3], const double shear[3]) {
-    MMatrix m;
-    m[0][0] = scale[0];
-    m[1][0] = scale[1] * shear[0];
-    m[1][1] = scale[1];
-    m[2][0] = scale[2] * shear[1];
-    m[2][1] = scale[2] * shear[2];
-    m[2][2] = scale[2];
-    return m;
+    return host::scaling(MVector(scale)) * host::shearing(MVector(shear));
 }
 
 // linear about a pivot, followed by the pivot's translation
@@ -46,12 +40,6 @@ MMatrix about(const double pivot[3], const MMatrix& linear, const double transla
     const MVector moved = MVector(pivot) - MVector(pivot) * linear + MVector(translation);
     moved.get(m[3]);
     return m;
-}
-
-// The translation that keeps `about` the same when the pivot moves.
-MVector balanced(const double pivot[3], const MMatrix& linear, const double translation[3], const MVector& newPivot) {
-    const MVector step = MVector(pivot) - newPivot;
-    return MVector(translation) + step - step * linear;
 }
 
 void copy(const double from[3], double to[3]) { std::copy(from, from + 3, to); }
@@ -260,7 +248,9 @@ MStatus MTransformationMatrix::setScalePivot(const MPoint& point, MSpace::Space 
     if (!known(space)) return MStatus::kInvalidParameter;
     const MVector pivot(whole(space) ? point * asMatrixInverse() : point);
     if (balance)
-        balanced(scalePivot_, scaleMatrix(scale_, shear_), scalePivotTranslation_, pivot).get(scalePivotTranslation_);
+        host::balancedTranslation(MVector(scalePivot_), pivot, scaleMatrix(scale_, shear_),
+                                  MVector(scalePivotTranslation_))
+            .get(scalePivotTranslation_);
     return pivot.get(scalePivot_);
 }
 
@@ -284,7 +274,8 @@ MStatus MTransformationMatrix::setRotatePivot(const MPoint& point, MSpace::Space
     const MVector given(point);
     const MVector pivot = whole(space) ? given - MVector(rotatePivotTranslation_) - MVector(translation_) : given;
     if (balance)
-        balanced(rotatePivot_, orientation_.asMatrix() * rotation_.asMatrix(), rotatePivotTranslation_, pivot)
+        host::balancedTranslation(MVector(rotatePivot_), pivot, orientation_.asMatrix() * rotation_.asMatrix(),
+                                  MVector(rotatePivotTranslation_))
             .get(rotatePivotTranslation_);
     return pivot.get(rotatePivot_);
 }

@@ -1,6 +1,7 @@
 #include <maya/MFnData.h>
 
 #include "api/fn/FnSupport.h"
+#include "api/fn/NumericTypes.h"
 
 #include <maya/MFnMatrixData.h>
 #include <maya/MFnNumericData.h>
@@ -95,19 +96,7 @@ MFnNumericData::Type MFnNumericData::numericType(MStatus* ReturnStatus) {
     const Numeric* n = numbersOf(object_);
     setStatus(ReturnStatus, n ? MStatus::kSuccess : MStatus::kFailure);
     if (!n) return kInvalid;
-    const int c = n->count;
-    switch (n->type) {
-    case NumericType::Bool: return kBoolean;
-    case NumericType::Char: return kChar;
-    case NumericType::Byte: return kByte;
-    case NumericType::Short: return c == 1 ? kShort : c == 2 ? k2Short : k3Short;
-    case NumericType::Int: return c == 1 ? kInt : c == 2 ? k2Int : k3Int;
-    case NumericType::Int64: return kInt64;
-    case NumericType::Float: return c == 1 ? kFloat : c == 2 ? k2Float : k3Float;
-    case NumericType::Double: return c == 1 ? kDouble : c == 2 ? k2Double : c == 3 ? k3Double : k4Double;
-    case NumericType::None: break;
-    }
-    return kInvalid;
+    return host::api::numericName(n->type, n->count);
 }
 
 template <class T>

@@ -35,10 +35,9 @@ MObject createNode(const scene::NodeType* type, const std::string& name, MStatus
 }
 
 void collectConnections(scene::Cell& c, MPlugArray& array) {
-    if (c.source || !c.destinations.empty()) array.append(Access::plug(c));
-    for (auto& child : c.children)
-        if (child) collectConnections(*child, array);
-    for (auto& [i, e] : c.elements) collectConnections(*e, array);
+    forEachCell(c, [&](scene::Cell& part) {
+        if (part.source || !part.destinations.empty()) array.append(Access::plug(part));
+    });
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include <maya/MFnNumericAttribute.h>
 
 #include "api/fn/FnSupport.h"
+#include "api/fn/NumericTypes.h"
 
 #include <maya/MString.h>
 
@@ -20,35 +21,6 @@ ORVO_FN_NAME(MFnNumericAttribute)
 namespace {
 
 std::string text(const MString& s) { return std::string(s.asChar(), s.length()); }
-
-struct Shape {
-    NumericType type = NumericType::None;
-    int count = 0;
-};
-
-Shape shapeOf(MFnNumericData::Type unitType) {
-    using T = MFnNumericData;
-    switch (unitType) {
-    case T::kBoolean: return {NumericType::Bool, 1};
-    case T::kByte: return {NumericType::Byte, 1};
-    case T::kChar: return {NumericType::Char, 1};
-    case T::kShort: return {NumericType::Short, 1};
-    case T::k2Short: return {NumericType::Short, 2};
-    case T::k3Short: return {NumericType::Short, 3};
-    case T::kInt: return {NumericType::Int, 1};
-    case T::k2Int: return {NumericType::Int, 2};
-    case T::k3Int: return {NumericType::Int, 3};
-    case T::kInt64: return {NumericType::Int64, 1};
-    case T::kFloat: return {NumericType::Float, 1};
-    case T::k2Float: return {NumericType::Float, 2};
-    case T::k3Float: return {NumericType::Float, 3};
-    case T::kDouble: return {NumericType::Double, 1};
-    case T::k2Double: return {NumericType::Double, 2};
-    case T::k3Double: return {NumericType::Double, 3};
-    case T::k4Double: return {NumericType::Double, 4};
-    default: return {};
-    }
-}
 
 int countOf(const Attribute& a) { return a.type == AttributeType::Tuple ? static_cast<int>(a.children.size()) : 1; }
 
@@ -78,7 +50,7 @@ bool has(const MObject& o, int which, MStatus* status) {
 
 MObject MFnNumericAttribute::create(const MString& full, const MString& brief, MFnNumericData::Type unitType,
                                     double defaultValue, MStatus* ReturnStatus) {
-    const Shape shape = shapeOf(unitType);
+    const auto shape = host::api::numericKind(unitType);
     if (shape.count == 0 || full.length() == 0 || brief.length() == 0) {
         setStatus(ReturnStatus, MStatus::kInvalidParameter);
         return MObject();
@@ -140,7 +112,7 @@ MFnNumericData::Type MFnNumericAttribute::unitType(MStatus* ReturnStatus) const 
     setStatus(ReturnStatus, a ? MStatus::kSuccess : MStatus::kFailure);
     if (!a) return MFnNumericData::kInvalid;
     for (int t = MFnNumericData::kBoolean; t < MFnNumericData::kAddr; ++t) {
-        const Shape s = shapeOf(static_cast<MFnNumericData::Type>(t));
+        const auto s = host::api::numericKind(static_cast<MFnNumericData::Type>(t));
         if (s.type == a->numeric && s.count == countOf(*a)) return static_cast<MFnNumericData::Type>(t);
     }
     return MFnNumericData::kInvalid;

@@ -1,5 +1,6 @@
 #include <maya/MDataHandle.h>
 
+#include "api/fn/NumericTypes.h"
 #include "api/graph/Handle.h"
 #include "base/Units.h"
 #include "scene/Evaluation.h"
@@ -131,25 +132,7 @@ MFnNumericData::Type MDataHandle::numericType() const {
     const Numeric* n = view_ ? view_->numbers(&k) : nullptr;
     if (!n) return MFnNumericData::kInvalid;
     const int count = view_->cell && view_->cell->isTupleChild() ? 1 : n->count;
-    switch (n->type) {
-    case NumericType::Bool: return MFnNumericData::kBoolean;
-    case NumericType::Char: return MFnNumericData::kChar;
-    case NumericType::Byte: return MFnNumericData::kByte;
-    case NumericType::Short:
-        return count == 1 ? MFnNumericData::kShort : count == 2 ? MFnNumericData::k2Short : MFnNumericData::k3Short;
-    case NumericType::Int:
-        return count == 1 ? MFnNumericData::kInt : count == 2 ? MFnNumericData::k2Int : MFnNumericData::k3Int;
-    case NumericType::Int64: return MFnNumericData::kInt64;
-    case NumericType::Float:
-        return count == 1 ? MFnNumericData::kFloat : count == 2 ? MFnNumericData::k2Float : MFnNumericData::k3Float;
-    case NumericType::Double:
-        return count == 1   ? MFnNumericData::kDouble
-               : count == 2 ? MFnNumericData::k2Double
-               : count == 3 ? MFnNumericData::k3Double
-                            : MFnNumericData::k4Double;
-    case NumericType::None: break;
-    }
-    return MFnNumericData::kInvalid;
+    return host::api::numericName(n->type, count);
 }
 
 MFnData::Type MDataHandle::type() const {

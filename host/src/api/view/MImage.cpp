@@ -1,6 +1,7 @@
 #include <maya/MImage.h>
 
 #include "base/FileReplacement.h"
+#include "base/LetterCase.h"
 #include "base/Messages.h"
 #include "images/ImageCodec.h"
 
@@ -84,11 +85,6 @@ void spread(std::vector<Value>& values, int stored, Value full) {
         if (stored < 4) p[3] = stored == 2 ? p[1] : full;
         if (stored < 3) p[1] = p[2] = p[0];
     }
-}
-
-std::string lower(std::string s) {
-    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
 }
 
 } // namespace
@@ -196,8 +192,8 @@ MStatus MImage::writeToFile(MString pathname, MString outputFormat) const {
     if (p.type == kUnknown) return MStatus::kFailure;
     try {
         const fs::path path(std::string(pathname.asChar(), pathname.length()));
-        std::string format = lower(std::string(outputFormat.asChar(), outputFormat.length()));
-        if (format.empty()) format = lower(path.extension().string());
+        std::string format = host::lowerCase(std::string(outputFormat.asChar(), outputFormat.length()));
+        if (format.empty()) format = host::lowerCase(path.extension().string());
         if (!format.empty() && format.front() == '.') format.erase(0, 1);
         const std::string named = "image." + format;
         ImageCodec* codec = imageCodec();

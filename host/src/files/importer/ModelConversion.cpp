@@ -1,4 +1,5 @@
 #include "files/importer/ModelConversion.h"
+#include "base/LetterCase.h"
 
 #include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
@@ -316,8 +317,7 @@ RawModel convertModel(const std::filesystem::path& file) {
         throw std::runtime_error(error);
     }
     if (!scene->mRootNode) throw std::runtime_error("it holds no objects");
-    std::string extension = file.extension().string();
-    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::string extension = lowerCase(file.extension().string());
     return Conversion(*scene, file, extension).finish();
 }
 
