@@ -1,5 +1,7 @@
+#include "Progress.h"
 #include "Session.h"
 #include "Targets.h"
+#include "inspect/Inspection.h"
 
 #include "base/Messages.h"
 #include "commands/Host.h"
@@ -56,40 +58,65 @@ std::string missingSky() {
                       : "the scene has " + std::to_string(roots) + " nodes named OrvoSkyData; there has to be one.";
 }
 
+/// Whether an export is there, with its data, and fits together.
+bool isWholeExport(const std::string& target) {
+    try {
+        return inspect::inspectFile(target).problems.count() == 0;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+/// Exports the scene as it is at its time.
+void exportTo(const std::string& target, Session& session, const ReportWatch& watch) {
+    const std::string nothing = "Nothing was exported to " + target;
+    const int before = watch.errors();
+    watch.tellUnlessTold(session.bringUpToDate(), before);
+    watch.requireNoErrors(nothing);
+    if (!host::Host::instance().interpreter().hasCommand("orvosky_SaveSkySystemToXMLCommand"))
+        throw Failure("Cannot export " + target + ": the plug-in is not loaded.");
+    if (const std::string why = missingSky(); !why.empty()) throw Failure(nothing + ": " + why);
+    try {
+        // Readers start from the target, so what it refers to has to be there first.
+        host::base::FileReplacement files({cloudDataOf(target), target});
+        const std::string staged = files.staged(1).string();
+        NamesInMessages names(staged, target);
+        const int updated = watch.errors();
+        try {
+            session.call("orvosky_SaveSkySystemToXMLCommand", {staged});
+        } catch (const Failure&) {
+            // The command says what is wrong, and that it failed; of a sky without nodes it says the latter alone.
+            const bool unexplained = watch.errors() - updated < 2;
+            throw Failure(nothing + (unexplained ? ": there are no sky nodes under OrvoSkyData." : "."));
+        }
+        watch.requireNoErrors(nothing);
+        files.commit();
+        names.sendHeld();
+    } catch (const host::base::ReplacementError& e) {
+        throw exportFailure(target, e);
+    }
+}
+
 } // namespace
 
-int exportCommand(const CommonOptions& common, const ExportOptions& options) {
+int exportCommand(const CommonOptions& common, const ExportOptions& options, const std::vector<Shot>& shots) {
     return reported([&] {
-        requireExportTarget(options.target);
-        const std::string nothing = "Nothing was exported to " + options.target;
+        for (const Shot& shot : shots) requireExportTarget(shot.file);
         Session session(common, options.scene);
+        Progress progress(shots.size());
         const ReportWatch watch(options.reports);
         session.openScene(options.scene);
-        watch.tellUnlessTold(session.bringUpToDate());
-        watch.requireNoErrors(nothing);
-        if (!host::Host::instance().interpreter().hasCommand("orvosky_SaveSkySystemToXMLCommand"))
-            throw Failure("Cannot export " + options.target + ": the plug-in is not loaded.");
-        if (const std::string why = missingSky(); !why.empty()) throw Failure(nothing + ": " + why);
-        try {
-            // Readers start from the target, so what it refers to has to be there first.
-            host::base::FileReplacement files({cloudDataOf(options.target), options.target});
-            const std::string staged = files.staged(1).string();
-            NamesInMessages names(staged, options.target);
-            const int before = watch.errors();
-            try {
-                session.call("orvosky_SaveSkySystemToXMLCommand", {staged});
-            } catch (const Failure&) {
-                // The command says what is wrong, and that it failed; of a sky without nodes it says the latter alone.
-                const bool unexplained = watch.errors() - before < 2;
-                throw Failure(nothing + (unexplained ? ": there are no sky nodes under OrvoSkyData." : "."));
+        for (const Shot& shot : shots) {
+            if (options.when.resume && isWholeExport(shot.file)) {
+                progress.leftOut(shot.file + " is there");
+                continue;
             }
-            watch.requireNoErrors(nothing);
-            files.commit();
-            names.sendHeld();
-        } catch (const host::base::ReplacementError& e) {
-            throw exportFailure(options.target, e);
+            setTimeOf(shot);
+            exportTo(shot.file, session, watch);
+            if (shots.size() > 1) progress.done("Exported " + shot.file);
         }
-        watch.finish(options.target + " was written");
+        progress.finish("frames", "exported");
+        watch.finish(shots.back().file + " was written");
     });
 }
 

@@ -35,11 +35,7 @@ Subcommand addRender(CLI::App& program, CommonOptions& common) {
     });
     app->add_option("--camera", line->camera, "Camera to look through: its shape or its transform (default: persp)")
         ->option_text("NAME");
-    addValue(*app, "--time", "TIME", "Time to draw, in the scene's time unit (default: the\nscene's own current time)",
-             [line](const std::string& text) {
-                 if (!readNumbers(text, ',', {&line->time, 1})) throw Failure("'" + text + "' is no finite number");
-                 line->timeGiven = true;
-             });
+    addTimeOptions(*app, line->when, "draw");
     addValue(*app, "--look", "AZIMUTH,ELEVATION",
              "Look in this direction from the camera's eye point: degrees\nclockwise from -Z as seen from above, "
              "degrees above the horizon",
@@ -66,11 +62,13 @@ Subcommand addRender(CLI::App& program, CommonOptions& common) {
         helpFoot({.examples = "  orvosky render scenes/dusk.ma dusk.png\n"
                               "  orvosky render scenes/dusk.ma dusk.exr --size 1920x1080 --camera horizon\n"
                               "  orvosky render scenes/dusk.ma red.png --set duskSkyShape.sunColour=1,0.2,0.1\n"
-                              "  orvosky render my.mel my.png --look 135,20 --fov 75\n",
-                  .exitStatuses = "  0  the picture is there\n"
+                              "  orvosky render my.mel my.png --look 135,20 --fov 75\n"
+                              "  orvosky render scenes/dusk.ma out/dusk.####.png --frames 1-24 --continue\n",
+                  .exitStatuses = "  0  the picture is there, or those of all frames are\n"
                                   "  1  it is not: an earlier picture is still there as it was; with --keep-going,\n"
-                                  "     it is, in spite of the errors that are shown\n"}));
-    return {app, [&common, line] { return renderCommand(common, *line); }};
+                                  "     it is, in spite of the errors that are shown. Frames end at the first that\n"
+                                  "     fails; those before it are there\n"}));
+    return {app, [&common, line] { return renderCommand(common, *line, requiredShots(line->when, line->picture)); }};
 }
 
 } // namespace orvosky

@@ -26,9 +26,9 @@ public:
     /// Throws Failure when errors were reported and the work went on. `done` is what was done, such as
     /// "sky.atmos was written".
     void finish(const std::string& done) const;
-    /// Reports a failure that no error has told of.
-    void tellUnlessTold(const std::string& failure) const {
-        if (errors_ == 0 && !failure.empty()) host::showError(failure);
+    /// Reports a failure that no error has told of since there were `before` of them.
+    void tellUnlessTold(const std::string& failure, int before = 0) const {
+        if (errors_ == before && !failure.empty()) host::showError(failure);
     }
     int errors() const { return errors_; }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Failure.h"
+#include "Frames.h"
 #include "ReportWatch.h"
 
 #include <array>
@@ -68,22 +69,22 @@ int runCommand(const CommonOptions& common, const RunOptions& options);
 
 struct ExportOptions {
     std::string scene, target;
+    TimeOptions when = {};
     ReportOptions reports = {};
 };
-int exportCommand(const CommonOptions& common, const ExportOptions& options);
+int exportCommand(const CommonOptions& common, const ExportOptions& options, const std::vector<Shot>& shots);
 
 struct RenderOptions {
     std::string scene, picture, camera = "persp";
     int width = 1280, height = 720;
-    bool timeGiven = false;
-    double time = 0;      ///< in the scene's time unit
+    TimeOptions when = {};
     bool helpers = false; ///< with the aids that locators draw for the artist
     /// Degrees: the azimuth, 0 along -Z, clockwise as seen from above, and the elevation above the horizon.
     std::optional<std::array<double, 2>> look;
     std::optional<double> fov; ///< horizontal, degrees
     ReportOptions reports = {};
 };
-int renderCommand(const CommonOptions& common, const RenderOptions& options);
+int renderCommand(const CommonOptions& common, const RenderOptions& options, const std::vector<Shot>& shots);
 
 struct InspectOptions {
     std::string file;

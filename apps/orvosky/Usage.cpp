@@ -59,14 +59,33 @@ void addCommonOptions(CLI::App& line, CommonOptions& options) {
     line.add_flag("--no-plugin", options.noPlugin, "Do not load the plug-in");
 }
 
+void addTimeOptions(CLI::App& line, TimeOptions& options, const std::string& verb) {
+    CLI::Option* time =
+        addValue(line, "--time", "TIME",
+                 "Time to " + verb + ", in the scene's time unit (default: the\nscene's own current time)",
+                 [&options](const std::string& text) {
+                     double time = 0;
+                     if (!readNumbers(text, ',', {&time, 1})) throw Failure("'" + text + "' is no finite number");
+                     options.time = time;
+                 });
+    CLI::Option* frames = addValue(
+        line, "--frames", "A-B[xN]",
+        "Times A to B, every Nth, each into a file of its own: the # in\nits name are the digits of the number",
+        [&options](const std::string& text) { options.frames = readFrames(text); });
+    frames->excludes(time);
+    line.add_flag("--continue", options.resume, "With --frames: leave out those whose files are there and whole")
+        ->needs(frames);
+}
+
 void addReportOptions(CLI::App& line, ReportOptions& options) {
     line.add_flag("--keep-going", options.keepGoing, "Write in spite of errors; the exit status is 1 all the same");
     line.add_flag("--strict", options.strict, "Take warnings for errors");
 }
 
-void addValue(CLI::App& line, const std::string& name, const std::string& shownAs, const std::string& description,
-              std::function<void(const std::string& text)> take) {
-    line.add_option_function<std::string>(
+CLI::Option* addValue(CLI::App& line, const std::string& name, const std::string& shownAs,
+                      const std::string& description, std::function<void(const std::string& text)> take) {
+    return line
+        .add_option_function<std::string>(
             name,
             [name, take = std::move(take)](const std::string& text) {
                 try {
@@ -77,6 +96,14 @@ void addValue(CLI::App& line, const std::string& name, const std::string& shownA
             },
             description)
         ->option_text(shownAs);
+}
+
+std::vector<Shot> requiredShots(const TimeOptions& options, const std::string& target) {
+    try {
+        return shotsOf(options, target);
+    } catch (const Failure& e) {
+        throw CLI::ValidationError("--frames", e.what());
+    }
 }
 
 std::string helpFoot(const HelpFoot& foot) {

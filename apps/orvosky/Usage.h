@@ -9,7 +9,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+} // namespace CLI
 
 /// How the program is called: each subcommand adds its options, its help and its work, in a file of its own.
 namespace orvosky {
@@ -37,9 +38,15 @@ void addCommonOptions(CLI::App& line, CommonOptions& options);
 /// Adds what reported errors and warnings mean: --keep-going and --strict.
 void addReportOptions(CLI::App& line, ReportOptions& options);
 
+/// Adds when the scene is drawn or exported, of which `verb` tells in the help: --time, --frames, --continue.
+void addTimeOptions(CLI::App& line, TimeOptions& options, const std::string& verb);
+
 /// Adds an option with a value, `shownAs` in the help. `take` throws Failure for a text that is no such value.
-void addValue(CLI::App& line, const std::string& name, const std::string& shownAs, const std::string& description,
-              std::function<void(const std::string& text)> take);
+CLI::Option* addValue(CLI::App& line, const std::string& name, const std::string& shownAs,
+                      const std::string& description, std::function<void(const std::string& text)> take);
+
+/// What is to be written, in order. Throws the error of a wrong line where a name has no place for a frame's number.
+std::vector<Shot> requiredShots(const TimeOptions& options, const std::string& target);
 
 /// Parts of the help's foot.
 struct HelpFoot {

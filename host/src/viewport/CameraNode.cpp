@@ -88,6 +88,12 @@ scene::DagNode& createCamera(scene::Scene& scene, const std::string& name, const
                              const CameraOptics& optics) {
     scene::DagNode& transform = *scene.createNode(*scene.findType("transform"), name)->dag();
     scene::DagNode& camera = *scene.createNode(*scene.findType("camera"), transform.name + "Shape", &transform)->dag();
+    setCamera(scene, camera, frame, optics);
+    return camera;
+}
+
+void setCamera(scene::Scene& scene, scene::DagNode& camera, const CameraFrame& frame, const CameraOptics& optics) {
+    scene::DagNode& transform = *camera.parent;
     const auto setTriple = [&](const char* attribute, double x, double y, double z) {
         scene.setValue(transform.cell(attribute), scene::Numeric(scene::NumericType::Double, 3, x, y, z));
     };
@@ -97,7 +103,6 @@ scene::DagNode& createCamera(scene::Scene& scene, const std::string& name, const
     for (const auto& [attribute, value] : opticsNumbers) scene.setNumber(camera.cell(attribute), optics.*value);
     scene.setNumber(camera.cell("filmFit"), static_cast<double>(optics.filmFit));
     scene.setNumber(camera.cell("orthographic"), optics.orthographic ? 1 : 0);
-    return camera;
 }
 
 CameraFrame cameraFrame(const MPoint& eye, double azimuth, double elevation) {

@@ -37,6 +37,9 @@ CameraFrame cameraFrame(const MPoint& eye, double azimuth, double elevation);
 scene::DagNode& createCamera(scene::Scene& scene, const std::string& name, const CameraFrame& frame,
                              const CameraOptics& optics);
 
+/// Places a camera that createCamera made elsewhere, with other optics.
+void setCamera(scene::Scene& scene, scene::DagNode& camera, const CameraFrame& frame, const CameraOptics& optics);
+
 /// A number that a node's attribute has now, in internal units; 0 when there is no such attribute.
 double attributeNumber(scene::Node& node, std::string_view name, int component = 0);
 

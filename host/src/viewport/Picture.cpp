@@ -38,6 +38,11 @@ std::string Picture::refusal(const std::string& path) {
 }
 
 bool Picture::write(const std::string& path, std::string* error) const {
+    std::vector<unsigned char> file;
+    return encode(path, file, error) && put(path, file, error);
+}
+
+bool Picture::encode(const std::string& path, std::vector<unsigned char>& file, std::string* error) const {
     const auto fail = [&](std::string_view reason) {
         if (error) *error = fmt::format("Cannot write picture \"{}\": {}", path, reason);
         return false;
@@ -50,7 +55,6 @@ bool Picture::write(const std::string& path, std::string* error) const {
         return false;
     }
     try {
-        std::vector<unsigned char> file;
         const images::Note notes[] = {
             {"ColorSpace", "sRGB"},
             {"ImageDescription", "display-referred picture of 8 bits a channel, 255 stored as 1.0; not linear light"},
@@ -58,11 +62,19 @@ bool Picture::write(const std::string& path, std::string* error) const {
             {"DocumentName", origin.scene}};
         const std::string reason =
             images::imageCodec().encode(path, {width, height, channels, false, pixels.data(), notes}, file);
-        if (!reason.empty()) return fail(reason);
+        return reason.empty() || fail(reason);
+    } catch (const std::exception& problem) {
+        return fail(problem.what());
+    }
+}
+
+bool Picture::put(const std::string& path, const std::vector<unsigned char>& file, std::string* error) {
+    try {
         base::replaceFile(path, {reinterpret_cast<const char*>(file.data()), file.size()});
         return true;
     } catch (const std::exception& problem) {
-        return fail(problem.what());
+        if (error) *error = fmt::format("Cannot write picture \"{}\": {}", path, problem.what());
+        return false;
     }
 }
 

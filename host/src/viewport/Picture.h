@@ -35,6 +35,14 @@ public:
     /// and hdr files, which one would take for linear light, a note says so, and `origin` is told.
     bool write(const std::string& path, std::string* error = nullptr) const;
 
+    /// @name The two steps of writing
+    /// @{
+    /// Makes the bytes of a file of that name; for any thread. False with a text in `error`, when given.
+    bool encode(const std::string& path, std::vector<unsigned char>& file, std::string* error = nullptr) const;
+    /// Puts them in place. False with a text in `error`, when given.
+    static bool put(const std::string& path, const std::vector<unsigned char>& file, std::string* error = nullptr);
+    /// @}
+
     /// Reads an image of any format that OpenImageIO knows; values are brought to 8 bits, one and two channels
     /// become grey, channels beyond the fourth are dropped. Nothing with a text in `error`, when given, when the file
     /// cannot be read, is damaged, or has more than 2^28 pixels.

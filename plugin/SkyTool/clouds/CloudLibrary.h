@@ -20,12 +20,14 @@ struct CloudSettings {
     double groundFadeStart = 60.0; ///< height above the cloud's centre
     double groundFadeEnd = -20.0;  ///< height above the cloud's centre
     double domeYOffset = 0.0;
+    bool operator==(const CloudSettings&) const = default;
 };
 
 /// One cloud as a file holds it.
 struct CloudTemplate {
     CloudSettings settings;
     CloudShapeSet shapes;
+    bool operator==(const CloudTemplate&) const = default;
 };
 
 constexpr const char* cloudFileType = "Modeler_ParticleCloud";

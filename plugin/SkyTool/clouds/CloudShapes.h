@@ -13,6 +13,7 @@ struct CloudShapeSphere {
     Matrix44 transform;   ///< from the scene into the space in which the ellipsoid is the unit sphere
     double opacity = 1.0; ///< of the sprites in it, 0 to 1
     double density = 1.0; ///< of the sprites in it, relative, 0 to 1
+    bool operator==(const CloudShapeSphere&) const = default;
 };
 
 /// The ellipsoids of one cloud.
@@ -21,6 +22,7 @@ struct CloudShapeSet {
     Vector3 boundCentre;      ///< of the sphere that encloses all shapes
     double boundRadius = 0.0; ///< of that sphere, larger by a twentieth
     std::uint32_t seed = 0;   ///< of the sprites' scattering
+    bool operator==(const CloudShapeSet&) const = default;
 };
 
 } // namespace orvo

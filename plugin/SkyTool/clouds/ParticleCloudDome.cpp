@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <maya/MGlobal.h>
+#include <utility>
 
 namespace orvo {
 namespace {
@@ -85,16 +86,26 @@ MStatus ParticleCloudDome::initialize() {
 }
 
 void ParticleCloudDome::refresh() {
-    renderer_.release();
-    loadAnew();
-}
-
-void ParticleCloudDome::bringUpToDate() { isEnabled() ? loadAnew() : forgetClouds(); }
-
-void ParticleCloudDome::loadAnew() {
-    forgetClouds();
+    freeAll();
     loadTemplates();
     if (auto* shading = ParticleCloudShadingParamsLocator::firstLiveInstance()) prepareClouds(shading->readParams());
+}
+
+void ParticleCloudDome::bringUpToDate() {
+    if (!isEnabled()) return forgetClouds();
+    const auto earlier = std::exchange(templates_, {});
+    templatesLoaded_ = false;
+    loadTemplates();
+    auto* shadingNode = ParticleCloudShadingParamsLocator::firstLiveInstance();
+    if (!shadingNode || templates_ != earlier || !complete_) {
+        clouds_.clear();
+        builtFor_.reset();
+    }
+    if (!shadingNode) return;
+    const CloudShadingParams shading = shadingNode->readParams();
+    // A draw lets the light turn without generating the clouds anew, which would take it too long.
+    if (shading.enableSelfShadow && shading.sunDir != builtSunDir_) builtFor_.reset();
+    prepareClouds(shading);
 }
 
 void ParticleCloudDome::loadFromDisk(const std::string& path) {
@@ -190,6 +201,8 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
     builtFor_ = inputs;
     DomeBuild dome = buildDome(templates_, inputs.layout, shading);
     clouds_ = std::move(dome.clouds);
+    builtSunDir_ = shading.sunDir;
+    complete_ = dome.failed == 0;
     if (dome.limitReached) {
         reportPlace(SourcePlace::current(), MessageLevel::Warning);
         reportWarning("MAX LIMIT REACHED!  CLOUDS PRODUCED [%d]  CLOUD MEMORY USED [%d]\n", dome.started,

@@ -27,8 +27,9 @@ public:
 
     static MStatus initialize();
 
-    /// Loads the templates again and generates the clouds anew: nobody watches what the library on disk holds. Needs no
-    /// GL. A node that is switched off only forgets them.
+    /// Loads the templates again, as nobody watches what the library on disk holds, and generates the clouds anew when
+    /// they do not follow from the templates, the layout and the shading as they are now. Needs no GL. A node that is
+    /// switched off only forgets them.
     void bringUpToDate();
     /// Frees everything, loads the templates again and generates the clouds. Without a shading-parameters node in the
     /// scene there are templates only: the clouds come with the first draw that finds one.
@@ -60,7 +61,6 @@ private:
     BuildInputs readBuildInputs(const CloudShadingParams& shading);
     void freeAll();
     void forgetClouds();
-    void loadAnew();
     void loadTemplates();
     void loadFolder(const std::string& folder);
     void placeAndGenerate(const CloudShadingParams& shading);
@@ -72,6 +72,8 @@ private:
     bool templatesLoaded_ = false; ///< also when there were none to be found
     std::vector<DomeCloud> clouds_;
     std::optional<BuildInputs> builtFor_; ///< nothing before the clouds are placed
+    Vector3 builtSunDir_;                 ///< towards which the light was marched
+    bool complete_ = false;               ///< whether there was memory for all clouds
     CloudSpriteRenderer renderer_;
 };
 
