@@ -8,6 +8,7 @@ packages=(
   libegl-dev libgl-dev libglu1-mesa-dev libglew-dev libgl1-mesa-dri libegl1
   libembree-dev libassimp-dev libtinyxml-dev libpugixml-dev libre2-dev libhwy-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev python3
+  qt6-base-dev libqt6opengl6-dev libqt6svg6-dev xvfb xdotool
   libxml2-utils ccache locales
   "$@"
 )

@@ -120,4 +120,11 @@ int exportCommand(const CommonOptions& common, const ExportOptions& options, con
     });
 }
 
+void exportOpenScene(Session& session, const ExportOptions& options) {
+    requireExportTarget(options.target);
+    const ReportWatch watch(options.reports);
+    exportTo(options.target, session, watch);
+    watch.finish(options.target + " was written");
+}
+
 } // namespace orvosky

@@ -29,9 +29,10 @@ Failure scriptFailure(const host::mel::Error& e) { return Failure(e.silent ? std
 
 } // namespace
 
+fs::path toolRoot() { return programFolder().parent_path() / "share" / "orvosky"; }
+
 Session::Session(const CommonOptions& common, const fs::path& scene) : settings_(common.settings) {
-    const fs::path program = programFolder();
-    const fs::path tools = program.parent_path() / "share" / "orvosky";
+    const fs::path program = programFolder(), tools = toolRoot();
     setenv("ORVOSKY_TOOL_ROOT", (tools.string() + "/").c_str(), 1);
 
     std::error_code gone;

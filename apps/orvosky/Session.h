@@ -74,6 +74,9 @@ struct ExportOptions {
 };
 int exportCommand(const CommonOptions& common, const ExportOptions& options, const std::vector<Shot>& shots);
 
+/// Writes the sky of the scene that is open. Throws Failure.
+void exportOpenScene(Session& session, const ExportOptions& options);
+
 struct RenderOptions {
     std::string scene, picture, camera = "persp";
     int width = 1280, height = 720;
@@ -94,7 +97,15 @@ struct InspectOptions {
 };
 /// Needs neither workspace nor plug-in.
 int inspectCommand(const InspectOptions& options);
+
+struct EditOptions {
+    std::string scene; ///< empty: the start page
+};
+int editCommand(const CommonOptions& common, const EditOptions& options);
 /// @}
+
+/// The folder of the program's scripts, shaders, icons and presets.
+std::filesystem::path toolRoot();
 
 /// Shows the failure that is being handled, as the program's error.
 int reportCurrentFailure();

@@ -29,6 +29,7 @@ Subcommand addRun(CLI::App& program, CommonOptions& common, std::vector<std::str
 Subcommand addExport(CLI::App& program, CommonOptions& common);
 Subcommand addRender(CLI::App& program, CommonOptions& common);
 Subcommand addInspect(CLI::App& program, CommonOptions& common);
+Subcommand addEdit(CLI::App& program, CommonOptions& common);
 Subcommand addHelp(CLI::App& program);
 /// @}
 

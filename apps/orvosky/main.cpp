@@ -99,7 +99,8 @@ int main(int argc, char** argv) {
                              .exitStatuses = "  0  everything asked for is there and right\n"
                                              "  1  it is not: warnings and errors are on the standard error\n"}));
     const Subcommand subcommands[] = {addRun(program, common, std::move(scriptWords)), addExport(program, common),
-                                      addRender(program, common), addInspect(program, common), addHelp(program)};
+                                      addRender(program, common), addInspect(program, common), addEdit(program, common),
+                                      addHelp(program)};
     std::vector<std::string> names;
     for (const Subcommand& subcommand : subcommands) names.push_back(subcommand.line->get_name());
 

@@ -3,6 +3,7 @@
 #include "api/plugins/PluginManager.h"
 #include "base/Messages.h"
 #include "commands/Commands.h"
+#include "commands/InterfaceRefusals.h"
 #include "files/Workspace.h"
 #include "scene/Scene.h"
 
@@ -71,6 +72,7 @@ Host::Host() : workspace_(std::make_unique<files::Workspace>()) {
     mel::registerNodeStatementCommands(interpreter_);
     mel::registerFileCommands(interpreter_);
     mel::registerPluginCommands(interpreter_);
+    mel::registerInterfaceRefusals(interpreter_);
 }
 
 Host::~Host() = default;

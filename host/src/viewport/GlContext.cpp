@@ -138,7 +138,7 @@ std::unique_ptr<GlContext> GlContext::create(std::string* error) {
 GlContext::~GlContext() {
     // The display stays initialised: EGL gives every user in the process the same one, and eglTerminate would end the
     // contexts of them all.
-    release();
+    GlContext::release();
     if (context_) eglDestroyContext(display_, context_);
     if (surface_) eglDestroySurface(display_, surface_);
 }
@@ -149,7 +149,7 @@ bool GlContext::makeCurrent() {
 }
 
 void GlContext::release() {
-    if (isCurrent()) eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    if (GlContext::isCurrent()) eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
 }
 
 bool GlContext::isCurrent() const {

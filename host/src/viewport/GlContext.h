@@ -5,11 +5,12 @@
 
 namespace host::viewport {
 
-/// A headless OpenGL context of the highest compatibility profile that the machine offers.
+/// An OpenGL context to draw in: a headless one of the highest compatibility profile that the machine offers, or, as a
+/// derived class, a window's.
 ///
-/// It needs no window system: EGL's surfaceless platform is asked first, then every EGL device (machines with a
-/// vendor driver), then EGL's default display. What is drawn goes to an OffscreenTarget; the context's own surface
-/// is none, or one of 16 x 16 pixels where the driver insists on a surface.
+/// A headless one needs no window system: EGL's surfaceless platform is asked first, then every EGL device (machines
+/// with a vendor driver), then EGL's default display. What is drawn goes to an OffscreenTarget; the context's own
+/// surface is none, or one of 16 x 16 pixels where the driver insists on a surface.
 ///
 /// Setting the environment variable ORVOSKY_NO_GL to a value other than the empty one and "0" makes `create` answer
 /// as on a machine without any OpenGL.
@@ -21,25 +22,26 @@ public:
 
     /// Ends the context, though not the display, which belongs to the process. When the context is current on the
     /// calling thread, that thread has no context afterwards.
-    ~GlContext();
+    virtual ~GlContext();
     GlContext(const GlContext&) = delete;
     GlContext& operator=(const GlContext&) = delete;
 
     /// Makes this the calling thread's context. False when the driver refuses (for example while the context is
     /// current on another thread).
-    bool makeCurrent();
+    virtual bool makeCurrent();
 
     /// Leaves the calling thread without a context, when this one is its current one.
-    void release();
+    virtual void release();
 
-    bool isCurrent() const;
+    virtual bool isCurrent() const;
 
     /// "VENDOR / RENDERER / VERSION", as the driver calls itself.
     const std::string& description() const { return description_; }
 
-private:
+protected:
     GlContext() = default;
 
+private:
     void* display_ = nullptr;
     void* surface_ = nullptr;
     void* context_ = nullptr;

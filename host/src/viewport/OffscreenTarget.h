@@ -31,6 +31,10 @@ public:
     /// caller are left as they were.
     Picture readPixels() const;
 
+    /// Copies the colours drawn so far into another framebuffer of the context, `width` x `height` pixels of it,
+    /// opaque; of another size they are interpolated. The bindings are left as they were.
+    void copyTo(unsigned framebuffer, int width, int height) const;
+
 private:
     OffscreenTarget(int width, int height) : width_(width), height_(height) {}
 

@@ -27,14 +27,22 @@ OpenViews& open() {
 } // namespace
 
 std::unique_ptr<Viewport> Viewport::create(int width, int height, std::string* error) {
-    std::unique_ptr<Viewport> view(new Viewport);
-    view->context_ = open().context.lock();
-    if (!view->context_) view->context_ = GlContext::create(error);
-    if (!view->context_) return nullptr;
-    if (!view->context_->makeCurrent()) {
-        if (error) *error = "The OpenGL context cannot be made current";
+    std::shared_ptr<GlContext> context = open().context.lock();
+    if (!context) context = GlContext::create(error);
+    return context ? create(std::move(context), width, height, error) : nullptr;
+}
+
+std::unique_ptr<Viewport> Viewport::create(std::shared_ptr<GlContext> context, int width, int height,
+                                           std::string* error) {
+    const auto shared = open().context.lock();
+    if ((shared && shared != context) || !context->makeCurrent()) {
+        if (error)
+            *error = shared && shared != context ? "There are views in another OpenGL context"
+                                                 : "The OpenGL context cannot be made current";
         return nullptr;
     }
+    std::unique_ptr<Viewport> view(new Viewport);
+    view->context_ = std::move(context);
     open().context = view->context_;
     view->target_ = OffscreenTarget::create(width, height, error);
     if (!view->target_) return nullptr;
@@ -55,6 +63,18 @@ Viewport::~Viewport() {
     if (views.active == this) views.active = views.all.empty() ? nullptr : views.all.back();
     // The target's GL names belong to the context, which goes with its last view.
     if (target_ && context_->makeCurrent()) target_.reset();
+}
+
+bool Viewport::resize(int width, int height, std::string* error) {
+    if (drawing_ || !begun_.empty() || !makeCurrent()) {
+        if (error) *error = "A view that is being drawn keeps its size";
+        return false;
+    }
+    auto target = OffscreenTarget::create(width, height, error);
+    if (!target) return false;
+    target_ = std::move(target);
+    ports_ = {{0, 0, width, height}};
+    return true;
 }
 
 Viewport* Viewport::active() { return open().active; }

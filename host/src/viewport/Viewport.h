@@ -17,15 +17,18 @@
 
 namespace host::viewport {
 
-/// A model view without a window: a camera's picture of the scene, drawn into an offscreen target.
+/// A model view: a camera's picture of the scene, drawn into an offscreen target.
 ///
 /// All views of the process share one GL context, so that what a plug-in makes in one can be used in all; it lives as
-/// long as there is a view. Main thread only.
+/// long as there is a view. It is a headless one, or the one that the first view was given. Main thread only.
 class Viewport {
 public:
     /// Opens a view of `width` x `height` pixels and makes it the active one. Null without OpenGL or for a size that
     /// the driver does not have; `error`, when given, tells which.
     static std::unique_ptr<Viewport> create(int width, int height, std::string* error = nullptr);
+    /// The same in a given context; refused while there are views in another one.
+    static std::unique_ptr<Viewport> create(std::shared_ptr<GlContext> context, int width, int height,
+                                            std::string* error = nullptr);
     ~Viewport();
     Viewport(const Viewport&) = delete;
     Viewport& operator=(const Viewport&) = delete;
@@ -42,6 +45,9 @@ public:
 
     int width() const { return target_->width(); }
     int height() const { return target_->height(); }
+    /// Gives the view another size; what was drawn is gone. False, with a text in `error`, when given, from within a
+    /// draw and for a size that the driver does not have: then all is as before.
+    bool resize(int width, int height, std::string* error = nullptr);
     const GlContext& context() const { return *context_; }
 
     /// Looks through a camera shape. False when the node is none.
@@ -62,6 +68,9 @@ public:
     bool render(std::string* error = nullptr);
     /// What was drawn last, as opaque RGB; black before the first frame.
     Picture picture();
+    /// Shows what was drawn last in another framebuffer of the view's context, which is current; interpolated where
+    /// that has another size.
+    void copyTo(unsigned framebuffer, int width, int height) const { target_->copyTo(framebuffer, width, height); }
 
     /// @name For draws
     /// @{

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "mel/Value.h"
+#include "scene/Undo.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace host::scene {
+class Node;
+class Scene;
+} // namespace host::scene
+
+namespace orvosky::window {
+
+/// MEL's spelling of a text, with its quotes.
+std::string quoted(const std::string& text);
+/// A number as MEL reads it back, to the last bit.
+std::string numberText(double value);
+
+/// How the window changes the scene: by MEL, one statement an action and a step of the undo queue.
+///
+/// Every panel listens to its signals and looks at the scene itself; none keeps a copy.
+class Editor : public QObject {
+    Q_OBJECT
+public:
+    enum class Kind { Output, Info, Warning, Error };
+    Q_ENUM(Kind)
+
+    explicit Editor(QObject* parent = nullptr);
+    ~Editor() override;
+
+    static host::scene::Scene& scene();
+
+    /// Runs an action of the user: its text is echoed, and it is one step of undo. False when it failed; what was wrong
+    /// has been told.
+    bool run(const std::string& mel);
+    /// Runs what the user typed or a script file. The text is echoed by whoever took it from the user.
+    bool runScript(const std::string& mel, const std::string& name);
+    /// Runs something that is no edit (the view's camera): no echo, no undo, the scene stays as saved as it was.
+    bool runAside(const std::string& mel);
+    /// Runs a query. None when it fails, without a message.
+    host::mel::Value ask(const std::string& mel);
+
+    /// @name A drag: a change that is shown before it is made. Each preview takes back the one before
+    /// @{
+    bool preview(const std::string& mel);
+    /// Takes the preview back and runs the action.
+    bool finish(const std::string& mel);
+    void cancelPreview();
+    bool previewing() const { return !preview_.empty(); }
+    /// @}
+
+    /// Tells all panels that the scene may be another one now, as after opening a file or a draw that changed nodes.
+    void announce();
+    /// Called before scripts run: nodes that free what they hold in OpenGL need its context.
+    std::function<void()> makeCurrent;
+
+signals:
+    void echoed(const QString& mel);
+    void message(orvosky::window::Editor::Kind kind, const QString& text);
+    /// Something of the scene has changed: values, nodes, names, selection or time.
+    void changed();
+    void selectionChanged();
+
+private:
+    bool execute(const std::string& mel, const std::string& name);
+    void takePreviewBack();
+
+    std::vector<host::scene::Edit> preview_;
+    bool previewModified_ = false;
+    int running_ = 0;
+    std::vector<const void*> selected_;
+};
+
+} // namespace orvosky::window

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Editor.h"
+#include "WindowModule.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QStackedWidget;
+class QToolBar;
+class QToolButton;
+
+namespace orvosky::window {
+
+class AttributePanel;
+class Document;
+class InterfaceCommands;
+class OutlinerPanel;
+class ViewWidget;
+
+/// Sets what has to be said before there is an application: the kind of OpenGL, where preferences lie.
+void prepareApplication();
+
+/// The window: the view in the middle, outliner and attributes at its sides, menus above, the last command below.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit MainWindow(const WindowStart& start);
+    ~MainWindow() override;
+
+    /// Shows itself and opens what it was started with.
+    void start();
+
+    Editor& editor() { return editor_; }
+    Document& document() { return *document_; }
+    ViewWidget& view() { return *view_; }
+    AttributePanel& attributes() { return *attributes_; }
+    OutlinerPanel& outliner() { return *outliner_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void makeMenus();
+    QWidget* makeStrip();
+    void makeLastLine();
+    void fillCameras();
+    void showTitle();
+    void tell(Editor::Kind kind, const QString& text);
+    QAction* act(class QMenu& menu, const QString& label, const QKeySequence& key, std::function<void()> work);
+    /// Runs a statement on what is selected; says so when nothing is.
+    void runOnSelection(const std::string& mel);
+
+    const WindowStart& start_;
+    Editor editor_;
+    std::unique_ptr<Document> document_;
+    ViewWidget* view_;
+    QToolBar* shelf_;
+    std::unique_ptr<InterfaceCommands> commands_;
+    OutlinerPanel* outliner_;
+    AttributePanel* attributes_;
+    QComboBox* cameras_;
+    QToolButton* lookUp_;
+    QLabel *cost_, *status_, *said_;
+    QLineEdit* command_;
+    QAction *undo_, *redo_;
+};
+
+} // namespace orvosky::window

@@ -1,0 +1,362 @@
+#include "OutlinerModel.h"
+
+#include "Editor.h"
+#include "Theme.h"
+
+#include "scene/Scene.h"
+
+#include <QFont>
+#include <QMimeData>
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace orvosky::window {
+
+using host::scene::DagNode;
+
+namespace {
+
+DagNode* firstShape(const DagNode& node) {
+    for (DagNode* child : node.children)
+        if (child->isShape()) return child;
+    return nullptr;
+}
+
+/// Whether a node of a plug-in is here or not far below.
+bool holdsPlugin(const DagNode& node, int depth) {
+    if (!node.type.plugin.empty()) return true;
+    return depth > 0 && std::ranges::any_of(node.children, [&](DagNode* c) { return holdsPlugin(*c, depth - 1); });
+}
+
+QIcon iconNamed(const host::scene::NodeType* type) {
+    for (; type; type = type->base)
+        if (QIcon found = theme::icon("out_" + QString::fromStdString(type->name)); !found.isNull()) return found;
+    return {};
+}
+
+} // namespace
+
+QIcon iconOf(const DagNode& node) {
+    const DagNode* shape = node.isTransform() ? firstShape(node) : nullptr;
+    return iconNamed(shape ? &shape->type : &node.type);
+}
+
+struct OutlinerModel::Item {
+    host::scene::NodePtr node; ///< keeps it from being forgotten while it is listed
+    Item* parent = nullptr;
+    int row = 0;
+    bool fetched = false;
+    std::vector<std::unique_ptr<Item>> children{};
+    DagNode& dag() const { return *node->dag(); }
+};
+
+OutlinerModel::OutlinerModel(Editor& editor, QObject* parent) : QAbstractItemModel(parent), editor_(editor) {
+    restart();
+}
+
+OutlinerModel::~OutlinerModel() = default;
+
+void OutlinerModel::restart() {
+    beginResetModel();
+    root_ = std::make_unique<Item>();
+    if (DagNode* world = Editor::scene().world()) root_->node = world->shared_from_this();
+    if (root_->node) fetch(*root_);
+    endResetModel();
+}
+
+void OutlinerModel::setSearch(const QString& text) {
+    if (text == search_) return;
+    search_ = text;
+    restart();
+}
+
+void OutlinerModel::setShapesShown(bool shown) {
+    shapes_ = shown;
+    restart();
+}
+
+void OutlinerModel::setPluginsFirst(bool first) {
+    pluginsFirst_ = first;
+    restart();
+}
+
+bool OutlinerModel::isShown(const DagNode& node) const {
+    if (node.isDefault && !shapes_) return false;
+    return shapes_ || node.isTransform();
+}
+
+std::vector<DagNode*> OutlinerModel::shownChildren(const Item& item) const {
+    std::vector<DagNode*> found;
+    if (!search_.isEmpty()) {
+        if (&item != root_.get()) return found;
+        for (const auto& [serial, node] : Editor::scene().nodes())
+            if (DagNode* dag = node->dag(); dag && isShown(*dag) && !dag->isWorld() &&
+                                            QString::fromStdString(dag->name).contains(search_, Qt::CaseInsensitive))
+                found.push_back(dag);
+        return found;
+    }
+    for (DagNode* child : item.dag().children)
+        if (isShown(*child)) found.push_back(child);
+    if (pluginsFirst_)
+        std::stable_partition(found.begin(), found.end(), [](DagNode* node) { return holdsPlugin(*node, 2); });
+    return found;
+}
+
+void OutlinerModel::fetch(Item& item) {
+    item.fetched = true;
+    for (DagNode* child : shownChildren(item)) {
+        auto made = std::make_unique<Item>();
+        made->node = child->shared_from_this();
+        made->parent = &item;
+        made->row = static_cast<int>(item.children.size());
+        item.children.push_back(std::move(made));
+    }
+}
+
+OutlinerModel::Item* OutlinerModel::item(const QModelIndex& index) const {
+    return index.isValid() ? static_cast<Item*>(index.internalPointer()) : root_.get();
+}
+
+DagNode* OutlinerModel::node(const QModelIndex& index) const {
+    Item* found = index.isValid() ? item(index) : nullptr;
+    return found && found->node->inScene ? &found->dag() : nullptr;
+}
+
+QModelIndex OutlinerModel::indexOf(Item& item, int column) const {
+    return item.parent ? createIndex(item.row, column, &item) : QModelIndex();
+}
+
+QModelIndex OutlinerModel::indexOf(DagNode& wanted) {
+    if (!search_.isEmpty()) {
+        for (const auto& child : root_->children)
+            if (child->node.get() == &wanted) return indexOf(*child);
+        return {};
+    }
+    std::vector<DagNode*> path;
+    for (DagNode* at = &wanted; at && !at->isWorld(); at = at->parent) path.insert(path.begin(), at);
+    Item* at = root_.get();
+    for (DagNode* step : path) {
+        if (!at->fetched) fetchMore(indexOf(*at));
+        const auto found =
+            std::ranges::find_if(at->children, [&](const auto& child) { return child->node.get() == step; });
+        if (found == at->children.end()) return {};
+        at = found->get();
+    }
+    return indexOf(*at);
+}
+
+void OutlinerModel::sync() {
+    DagNode* world = Editor::scene().world();
+    if (!world || root_->node.get() != world) {
+        restart();
+        return;
+    }
+    sync(*root_);
+}
+
+void OutlinerModel::sync(Item& item) {
+    if (!item.fetched) return;
+    const std::vector<DagNode*> now = shownChildren(item);
+    const auto same = [&] {
+        return now.size() == item.children.size() &&
+               std::equal(now.begin(), now.end(), item.children.begin(),
+                          [](DagNode* node, const auto& child) { return child->node.get() == node; });
+    };
+    if (!same()) {
+        const QModelIndex at = indexOf(item);
+        const auto renumber = [&item] {
+            int row = 0;
+            for (const auto& child : item.children) child->row = row++;
+        };
+        const std::unordered_set<const host::scene::Node*> staying(now.begin(), now.end());
+        for (int i = static_cast<int>(item.children.size()) - 1; i >= 0; --i) {
+            if (staying.contains(item.children[static_cast<std::size_t>(i)]->node.get())) continue;
+            beginRemoveRows(at, i, i);
+            item.children.erase(item.children.begin() + i);
+            renumber();
+            endRemoveRows();
+        }
+        std::unordered_set<const host::scene::Node*> listed;
+        for (const auto& child : item.children) listed.insert(child->node.get());
+        for (std::size_t i = 0; i < now.size();) {
+            if (i < item.children.size() && item.children[i]->node.get() == now[i]) {
+                ++i;
+                continue;
+            }
+            const int row = static_cast<int>(i);
+            if (listed.contains(now[i])) {
+                std::size_t from = i + 1;
+                while (item.children[from]->node.get() != now[i]) ++from;
+                beginMoveRows(at, static_cast<int>(from), static_cast<int>(from), at, row);
+                const auto begin = item.children.begin();
+                std::rotate(begin + row, begin + static_cast<std::ptrdiff_t>(from),
+                            begin + static_cast<std::ptrdiff_t>(from) + 1);
+                renumber();
+                endMoveRows();
+                ++i;
+                continue;
+            }
+            // What is new comes in runs: a whole group at once.
+            std::size_t end = i;
+            while (end < now.size() && !listed.contains(now[end])) ++end;
+            std::vector<std::unique_ptr<Item>> fresh;
+            for (std::size_t k = i; k < end; ++k) {
+                fresh.push_back(std::make_unique<Item>());
+                fresh.back()->node = now[k]->shared_from_this();
+                fresh.back()->parent = &item;
+            }
+            beginInsertRows(at, row, static_cast<int>(end) - 1);
+            item.children.insert(item.children.begin() + row, std::make_move_iterator(fresh.begin()),
+                                 std::make_move_iterator(fresh.end()));
+            renumber();
+            endInsertRows();
+            i = end;
+        }
+    }
+    for (const auto& child : item.children) sync(*child);
+}
+
+QModelIndex OutlinerModel::index(int row, int column, const QModelIndex& parent) const {
+    const Item* above = item(parent);
+    if (row < 0 || row >= static_cast<int>(above->children.size()) || column < 0 || column >= Columns) return {};
+    return createIndex(row, column, above->children[static_cast<std::size_t>(row)].get());
+}
+
+QModelIndex OutlinerModel::parent(const QModelIndex& index) const {
+    const Item* at = item(index);
+    return at->parent ? indexOf(*at->parent) : QModelIndex();
+}
+
+int OutlinerModel::rowCount(const QModelIndex& parent) const {
+    return parent.column() > 0 ? 0 : static_cast<int>(item(parent)->children.size());
+}
+
+bool OutlinerModel::hasChildren(const QModelIndex& parent) const {
+    const Item* at = item(parent);
+    if (at->fetched) return !at->children.empty();
+    return search_.isEmpty() && at->node->inScene &&
+           std::ranges::any_of(at->dag().children, [this](DagNode* child) { return isShown(*child); });
+}
+
+bool OutlinerModel::canFetchMore(const QModelIndex& parent) const { return !item(parent)->fetched; }
+
+void OutlinerModel::fetchMore(const QModelIndex& parent) {
+    Item& at = *item(parent);
+    if (at.fetched) return;
+    const auto count = static_cast<int>(shownChildren(at).size());
+    if (count > 0) beginInsertRows(parent, 0, count - 1);
+    fetch(at);
+    if (count > 0) endInsertRows();
+}
+
+QVariant OutlinerModel::data(const QModelIndex& index, int role) const {
+    DagNode* dag = node(index);
+    if (!dag) return {};
+    if (index.column() == Shown) {
+        if (role == Qt::DecorationRole) return theme::icon(dag->visible() ? "shown" : "hidden");
+        if (role == Qt::ToolTipRole) return tr("Shown in the view; a click hides it and what is below it");
+        return {};
+    }
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole: return QString::fromStdString(dag->name);
+    case Qt::DecorationRole: return iconOf(*dag);
+    case Qt::ToolTipRole: {
+        const DagNode* shape = dag->isTransform() ? firstShape(*dag) : nullptr;
+        return QString::fromStdString(dag->fullPath() + "\n" + (shape ? shape->type.name : dag->type.name));
+    }
+    case Qt::ForegroundRole:
+        if (!dag->visible() || dag->templated()) return theme::grey(5);
+        return {};
+    case Qt::FontRole:
+        if (dag->templated()) {
+            QFont font;
+            font.setItalic(true);
+            return font;
+        }
+        return {};
+    default: return {};
+    }
+}
+
+bool OutlinerModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+    DagNode* dag = node(index);
+    if (!dag) return false;
+    if (index.column() == Shown)
+        return editor_.run("setAttr " + quoted(dag->fullPath() + ".visibility") + (dag->visible() ? " 0;" : " 1;"));
+    const std::string name = value.toString().trimmed().toStdString();
+    if (role != Qt::EditRole || name.empty() || name == dag->name) return false;
+    return editor_.run("rename " + quoted(dag->fullPath()) + " " + quoted(name) + ";");
+}
+
+Qt::ItemFlags OutlinerModel::flags(const QModelIndex& index) const {
+    // Beside the rows is the world.
+    if (!index.isValid()) return Qt::ItemIsDropEnabled;
+    const DagNode* dag = node(index);
+    Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    if (!dag || index.column() != Name) return flags;
+    if (!dag->isDefault) flags |= Qt::ItemIsEditable;
+    if (search_.isEmpty() && !dag->isDefault && dag->isTransform()) flags |= Qt::ItemIsDragEnabled;
+    if (search_.isEmpty() && dag->isTransform()) flags |= Qt::ItemIsDropEnabled;
+    return flags;
+}
+
+QMimeData* OutlinerModel::mimeData(const QModelIndexList& indexes) const {
+    QStringList paths;
+    for (const QModelIndex& index : indexes)
+        if (DagNode* dag = index.column() == Name ? node(index) : nullptr)
+            paths << QString::fromStdString(dag->fullPath());
+    auto* data = new QMimeData;
+    data->setData(mimeTypes().front(), paths.join('\n').toUtf8());
+    return data;
+}
+
+bool OutlinerModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int,
+                                 const QModelIndex& parent) {
+    if (action != Qt::MoveAction || !data->hasFormat(mimeTypes().front())) return false;
+    DagNode* to = parent.isValid() ? node(parent) : Editor::scene().world();
+    if (!to) return false;
+    std::string moving, reordered;
+    std::vector<DagNode*> nodes;
+    for (const QString& path : QString::fromUtf8(data->data(mimeTypes().front())).split('\n')) {
+        host::scene::Node* found = Editor::scene().findNode(path.toStdString());
+        DagNode* dag = found ? found->dag() : nullptr;
+        if (!dag || dag == to || to->isBelow(*dag)) return false;
+        nodes.push_back(dag);
+    }
+    for (DagNode* dag : nodes) {
+        reordered += " " + quoted(dag->fullPath());
+        if (dag->parent != to) moving += " " + quoted(dag->fullPath());
+    }
+    std::string mel;
+    if (!moving.empty())
+        mel = to->isWorld() ? "parent -w" + moving + ";" : "parent" + moving + " " + quoted(to->fullPath()) + ";";
+    if (row >= 0 && !pluginsFirst_ && search_.isEmpty()) {
+        // The place counts all of the parent's children, also those that the tree leaves out, and the moved ones come
+        // to it one by one.
+        const Item* above = item(parent);
+        const auto& all = to->children;
+        std::size_t place = all.size();
+        if (row < static_cast<int>(above->children.size()))
+            place = static_cast<std::size_t>(
+                std::ranges::find(all, above->children[static_cast<std::size_t>(row)]->node->dag()) - all.begin());
+        std::size_t stays = place;
+        for (DagNode* dag : nodes)
+            if (dag->parent == to && std::ranges::find(all, dag) - all.begin() < static_cast<std::ptrdiff_t>(place))
+                --stays;
+        if (moving.empty())
+            mel = "reorder -front" + reordered + "; reorder -relative " + std::to_string(stays) + reordered + ";";
+        else if (moving == reordered)
+            mel = "string $moved[] = `" + mel.substr(0, mel.size() - 1) +
+                  "`; reorder -front $moved; reorder -relative " + std::to_string(stays) + " $moved;";
+    }
+    if (mel.empty()) return false;
+    if (mel.find("; ") != mel.npos) mel = "{ " + mel + " }";
+    // The view is told by the scene, not by this drag.
+    QMetaObject::invokeMethod(
+        this, [this, mel] { editor_.run(mel); }, Qt::QueuedConnection);
+    return false;
+}
+
+} // namespace orvosky::window

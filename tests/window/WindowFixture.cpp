@@ -1,0 +1,209 @@
+#include "WindowFixture.h"
+
+#include "Theme.h"
+
+#include "api/plugins/PluginManager.h"
+#include "commands/Host.h"
+#include "scene/Scene.h"
+
+#include <QApplication>
+#include <QSettings>
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace orvosky::window {
+
+const char* const skyScene = R"(//Maya ASCII 2010 scene
+requires maya "2010";
+currentUnit -l centimeter -a degree -t film;
+createNode transform -n "OrvoSkyData";
+createNode transform -n "settings" -p "OrvoSkyData";
+createNode orvosky_SkySceneSettings -n "settingsShape" -p "settings";
+createNode transform -n "sky" -p "OrvoSkyData";
+createNode orvosky_BasicSkyLocator -n "skyShape" -p "sky";
+createNode transform -n "fog" -p "OrvoSkyData";
+createNode orvosky_ExpHeightFog -n "fogShape" -p "fog";
+createNode transform -n "renderer";
+createNode orvosky_SkyRenderer -n "rendererShape" -p "renderer";
+)";
+
+std::string content(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void write(const fs::path& file, const std::string& text) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+int runProgram(const fs::path& folder, const std::vector<std::string>& words, std::string* said,
+               const std::vector<std::pair<std::string, std::string>>& environment) {
+    const fs::path out = folder / ".said";
+    const pid_t child = fork();
+    if (child == 0) {
+        if (chdir(folder.c_str()) != 0) _exit(99);
+        const int file = ::open(out.c_str(), O_CREAT | O_WRONLY | O_TRUNC, 0600);
+        dup2(file, STDOUT_FILENO);
+        dup2(file, STDERR_FILENO);
+        setenv("ASAN_OPTIONS", "detect_leaks=0", 1); // the GL driver is gone before the leak check, and its own with it
+        for (const auto& [name, value] : environment)
+            value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
+        std::vector<std::string> all{orvo::test::program()};
+        all.insert(all.end(), words.begin(), words.end());
+        std::vector<char*> argv;
+        for (auto& word : all) argv.push_back(word.data());
+        argv.push_back(nullptr);
+        execv(argv[0], argv.data());
+        _exit(98);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (said) *said = content(out);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+namespace {
+
+/// An X server for this process, and an application on it; made when the first test needs them.
+class Desktop {
+public:
+    static Desktop& instance() {
+        static Desktop desktop;
+        return desktop;
+    }
+
+private:
+    Desktop() {
+        int ready[2];
+        if (pipe(ready) != 0) std::abort();
+        server_ = fork();
+        if (server_ == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGTERM); // it goes with the test, however that ends
+            const std::string number = std::to_string(ready[1]);
+            const int null = ::open("/dev/null", O_WRONLY);
+            dup2(null, STDERR_FILENO);
+            execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1280x800x24", "-nolisten", "tcp",
+                   "-noreset", nullptr);
+            _exit(97);
+        }
+        ::close(ready[1]);
+        char name[16] = ":";
+        for (std::size_t at = 1; at + 1 < sizeof name && read(ready[0], name + at, 1) == 1 && name[at] != '\n'; ++at)
+            name[at + 1] = '\0';
+        ::close(ready[0]);
+        for (char& c : name)
+            if (c == '\n') c = '\0';
+        if (!name[1]) {
+            std::fprintf(stderr, "Xvfb did not start.\n");
+            std::abort();
+        }
+        setenv("DISPLAY", name, 1);
+        setenv("QT_QPA_PLATFORM", "xcb", 1);
+        prepareApplication();
+        static int count = 1;
+        static char program[] = "window_tests";
+        static char* arguments[] = {program, nullptr};
+        application_ = new QApplication(count, arguments);
+        setlocale(LC_NUMERIC, "C");
+        theme::setIconFolder(orvo::test::buildTree("share/orvosky/icons"));
+        theme::apply(*application_);
+    }
+    ~Desktop() {
+        delete application_;
+        kill(server_, SIGTERM);
+        waitpid(server_, nullptr, 0);
+    }
+    pid_t server_;
+    QApplication* application_;
+};
+
+} // namespace
+
+void Window::SetUp() {
+    std::string pattern = (fs::temp_directory_path() / "orvosky-window-XXXXXX").string();
+    ASSERT_TRUE(mkdtemp(pattern.data()));
+    folder_ = fs::canonical(pattern);
+    write(folder_ / "workspace.mel", "workspace -fr \"scene\" \"scenes\";\n");
+    fs::create_directories(folder_ / "scenes");
+    setenv("XDG_CONFIG_HOME", (folder_ / ".config").c_str(), 1);
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
+                       QString::fromStdString((folder_ / ".config").string()));
+    Desktop::instance();
+    static bool started = false;
+    host::Host& host = host::Host::instance();
+    if (!std::exchange(started, true)) {
+        const std::string tools = orvo::test::buildTree("share/orvosky/");
+        setenv("ORVOSKY_TOOL_ROOT", tools.c_str(), 1);
+        host::Host::Options options;
+        options.project = folder_;
+        options.pluginFolders = {orvo::test::pluginFolder()};
+        options.scriptFolders = {tools + "scripts"};
+        host.start(options);
+        host.plugins().loadByBareName("orvosky");
+    }
+    host.interpreter().call("workspace", {"-openWorkspace", folder_.string()});
+    start_.toolRoot = orvo::test::buildTree("share/orvosky");
+    start_.version = "test";
+    start_.begin = [] {};
+    start_.end = [] { host::Host::instance().scene().reset(); };
+    start_.open = [](const fs::path& scene) {
+        auto& mel = host::Host::instance().interpreter();
+        if (scene.extension() == ".mel")
+            mel.sourceFile(scene);
+        else
+            mel.call("file", {"-f", "-open", scene.string()});
+    };
+    start_.bringUpToDate = [] {
+        host::Host::instance().interpreter().call("orvosky_UpdateSkySystemCommand", {});
+        return std::string();
+    };
+}
+
+void Window::TearDown() {
+    close();
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+}
+
+void Window::open(const std::string& scene) {
+    window_ = std::make_unique<MainWindow>(start_);
+    QObject::connect(&window_->editor(), &Editor::echoed,
+                     [this](const QString& mel) { echoed_.push_back(mel.toStdString()); });
+    QObject::connect(&window_->editor(), &Editor::message, [this](Editor::Kind kind, const QString& text) {
+        if (kind == Editor::Kind::Error) errors_.push_back(text.toStdString());
+    });
+    window_->start();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window_.get()));
+    window_->activateWindow();
+    QTest::qWaitForWindowActive(window_.get(), 2000);
+    if (!scene.empty()) {
+        write(folder_ / "scenes/opened.ma", scene);
+        ASSERT_TRUE(window_->document().open(QString::fromStdString((folder_ / "scenes/opened.ma").string())));
+    }
+    settle(250);
+}
+
+void Window::close() { window_.reset(); }
+
+std::string Window::saved() {
+    const fs::path file = folder_ / "compared.ma";
+    EXPECT_TRUE(editor().runAside("file -f -exportAll " + quoted(file.string()) + ";"));
+    return content(file);
+}
+
+} // namespace orvosky::window
+
+int main(int count, char** words) {
+    testing::InitGoogleMock(&count, words);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Document.h"
+#include "Editor.h"
+#include "MainWindow.h"
+#include "ViewWidget.h"
+
+#include "kit/Places.h"
+
+#include <QTest>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvosky::window {
+
+namespace fs = std::filesystem;
+
+std::string content(const fs::path& file);
+void write(const fs::path& file, const std::string& text);
+
+/// Runs `orvosky` with these words in the folder. @return exit status; what it said is in `said`
+int runProgram(const fs::path& folder, const std::vector<std::string>& words, std::string* said = nullptr,
+               const std::vector<std::pair<std::string, std::string>>& environment = {});
+
+/// A scene with a sky, settings, a height fog and a renderer, seen from a camera that looks ahead.
+extern const char* const skyScene;
+
+/// The window on an X server of the test's own, with the plug-in loaded and a project folder of its own.
+class Window : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Opens the window and the scene of that text, when it has one.
+    void open(const std::string& scene = skyScene);
+    /// Ends the window and opens another one on the same project.
+    void close();
+    /// Lets the window do what is due.
+    static void settle(int ms = 50) { QTest::qWait(ms); }
+
+    MainWindow& window() { return *window_; }
+    Editor& editor() { return window_->editor(); }
+    /// A number of the scene, through MEL.
+    double number(const std::string& mel) { return editor().ask(mel).toFloat(); }
+    std::string text(const std::string& mel) { return editor().ask(mel).toString(); }
+    /// What has been echoed since the window was opened.
+    const std::vector<std::string>& echoed() const { return echoed_; }
+    /// The scene as it would be saved.
+    std::string saved();
+
+    fs::path folder_;
+    std::vector<std::string> errors_;
+
+private:
+    WindowStart start_;
+    std::unique_ptr<MainWindow> window_;
+    std::vector<std::string> echoed_;
+};
+
+} // namespace orvosky::window
