@@ -82,6 +82,7 @@ void exportTo(const std::string& target, Session& session, const ReportWatch& wa
         const std::string staged = files.staged(1).string();
         NamesInMessages names(staged, target);
         const int updated = watch.errors();
+        const Stage stage("export " + target);
         try {
             session.call("orvosky_SaveSkySystemToXMLCommand", {staged});
         } catch (const Failure&) {

@@ -1,3 +1,4 @@
+#include "PictureMaker.h"
 #include "Progress.h"
 #include "Session.h"
 #include "Targets.h"
@@ -5,65 +6,11 @@
 #include "base/Messages.h"
 #include "commands/Host.h"
 #include "scene/Scene.h"
-#include "viewport/CameraNode.h"
-#include "viewport/Viewport.h"
 
 #include <algorithm>
-#include <functional>
-#include <future>
-#include <numbers>
 
 namespace orvosky {
 namespace {
-
-/// The camera shape that a name means: the shape itself, or the one below a transform.
-host::scene::DagNode& findCamera(const std::string& name) {
-    bool ambiguous = false;
-    host::scene::Node* node = host::Host::instance().scene().findNode(name, &ambiguous);
-    if (ambiguous) throw Failure("There is more than one node named " + name + ".");
-    host::scene::DagNode* dag = node ? node->dag() : nullptr;
-    if (dag && dag->type.isA("camera")) return *dag;
-    if (dag)
-        for (host::scene::DagNode* child : dag->children)
-            if (child->type.isA("camera")) return *child;
-    throw Failure("There is no camera named " + name + ".");
-}
-
-/// The camera to look through: the one that was named, or one in its place with the direction and angle that were
-/// given.
-class PictureCamera {
-public:
-    explicit PictureCamera(const RenderOptions& options) : options_(options), named_(findCamera(options.camera)) {}
-
-    /// The camera as it is at the scene's time.
-    host::scene::DagNode& now() {
-        if (!options_.look && !options_.fov) return named_;
-        namespace viewport = host::viewport;
-        constexpr double degree = std::numbers::pi / 180;
-        viewport::CameraFrame frame = viewport::cameraFrame(named_);
-        if (options_.look)
-            frame = viewport::cameraFrame(frame.eye, (*options_.look)[0] * degree, (*options_.look)[1] * degree);
-        viewport::CameraOptics optics = viewport::cameraOptics(named_);
-        if (options_.fov) {
-            if (optics.orthographic)
-                throw Failure("The camera " + options_.camera + " is orthographic: it has no angle of view.");
-            // A camera without a view volume stays as it is: drawing says what is wrong with it.
-            optics = viewport::withHorizontalView(optics, *options_.fov * degree, options_.width, options_.height)
-                         .value_or(optics);
-        }
-        auto& scene = host::Host::instance().scene();
-        if (made_)
-            viewport::setCamera(scene, *made_, frame, optics);
-        else
-            made_ = &viewport::createCamera(scene, "pictureCamera", frame, optics);
-        return *made_;
-    }
-
-private:
-    const RenderOptions& options_;
-    host::scene::DagNode& named_;
-    host::scene::DagNode* made_ = nullptr;
-};
 
 bool isShown(host::scene::DagNode& node) {
     for (host::scene::DagNode* at = &node; at; at = at->parent)
@@ -101,95 +48,42 @@ std::string whatHidesTheSky() {
     return showsAnything(*root->dag()) ? "" : "nothing under OrvoSkyData is switched on and visible";
 }
 
-/// Whether a picture is there, as large as it would be rendered, with all of its pixels.
-bool isWholePicture(const std::string& file, const RenderOptions& options) {
-    const auto picture = host::viewport::Picture::read(file);
-    return picture && picture->width == options.width && picture->height == options.height;
+std::vector<PictureFile> drawn(PictureMaker& maker, const std::string& target) {
+    const Stage stage("draw " + target);
+    return maker.make(target);
 }
-
-/// Draws the scene as it is at its time.
-host::viewport::Picture draw(host::viewport::Viewport& view, const RenderOptions& options, const std::string& file) {
-    std::string error;
-    if (!view.render(&error)) throw Failure("Cannot render " + file + ": " + error);
-    host::viewport::Picture picture = view.picture();
-    picture.origin = {.software = "orvosky " ORVOSKY_VERSION,
-                      .scene = std::filesystem::path(options.scene).filename().string()};
-    return picture;
-}
-
-/// Writes pictures; each is packed while the next one is drawn.
-class PictureWriter {
-public:
-    using Done = std::function<void(const std::string& file)>;
-    explicit PictureWriter(Done done) : done_(std::move(done)) {}
-
-    /// Puts the picture before it in place. Throws Failure when that cannot be written.
-    void write(host::viewport::Picture picture, const std::string& file) {
-        finish();
-        file_ = file;
-        packing_ = std::async(std::launch::async, [picture = std::move(picture), file] {
-            Packed packed;
-            picture.encode(file, packed.bytes, &packed.error);
-            return packed;
-        });
-    }
-    /// Puts the last picture in place. Throws Failure when it cannot be written.
-    void finish() {
-        if (!packing_.valid()) return;
-        Packed packed = packing_.get();
-        if (!packed.error.empty() || !host::viewport::Picture::put(file_, packed.bytes, &packed.error))
-            throw Failure(packed.error + ".");
-        done_(file_);
-    }
-
-private:
-    struct Packed {
-        std::vector<unsigned char> bytes;
-        std::string error;
-    };
-
-    Done done_;
-    std::string file_;
-    std::future<Packed> packing_;
-};
 
 } // namespace
 
 int renderCommand(const CommonOptions& common, const RenderOptions& options, const std::vector<Shot>& shots) {
     return reported([&] {
-        for (const Shot& shot : shots) requirePictureTarget(shot.file);
-        // Without GL there is nothing to wait for.
-        std::string error;
-        auto view = host::viewport::Viewport::create(options.width, options.height, &error);
-        if (!view) throw Failure("Cannot render " + options.picture + ": " + error);
+        for (const Shot& shot : shots)
+            for (const std::string& file : PictureMaker::filesOf(options, shot.file))
+                requirePictureTarget(file, options.alpha);
+        PictureMaker maker(options); // without GL there is nothing to wait for
         Session session(common, options.scene);
         Progress progress(shots.size());
         const ReportWatch watch(options.reports);
         session.openScene(options.scene);
-        auto& scene = host::Host::instance().scene();
-        PictureCamera camera(options);
-        if (!options.helpers) view->setObjectDisplay(view->objectDisplay() & ~host::viewport::Viewport::showLocators);
-        PictureWriter writer([&](const std::string& file) {
-            progress.done("Rendered " + file + " (" + std::to_string(options.width) + " x " +
-                          std::to_string(options.height) + ", camera " + options.camera + ")");
-        });
+        maker.openCamera();
+        PictureWriter writer(
+            [&](const std::string& target) { progress.done("Rendered " + target + " (" + maker.described() + ")"); });
         for (const Shot& shot : shots) {
-            if (options.when.resume && isWholePicture(shot.file, options)) {
+            if (options.when.resume && maker.isWhole(shot.file)) {
                 writer.finish();
                 progress.leftOut(shot.file + " is there");
                 continue;
             }
             try {
                 setTimeOf(shot);
-                view->setCamera(camera.now());
                 const int before = watch.errors();
                 watch.tellUnlessTold(session.bringUpToDate(), before);
-                if (scene.findType("orvosky_SkyRenderer"))
+                if (host::Host::instance().scene().findType("orvosky_SkyRenderer"))
                     if (const std::string why = whatHidesTheSky(); !why.empty())
                         host::showWarning("The picture shows no sky of a sky renderer: " + why + ".");
-                host::viewport::Picture picture = draw(*view, options, shot.file);
+                auto files = drawn(maker, shot.file);
                 watch.requireNoErrors("Nothing was rendered to " + shot.file);
-                writer.write(std::move(picture), shot.file);
+                writer.write(shot.file, std::move(files));
             } catch (...) {
                 writer.finish(); // what came before is whole
                 throw;

@@ -32,6 +32,7 @@ Failure scriptFailure(const host::mel::Error& e) { return Failure(e.silent ? std
 fs::path toolRoot() { return programFolder().parent_path() / "share" / "orvosky"; }
 
 Session::Session(const CommonOptions& common, const fs::path& scene) : settings_(common.settings) {
+    const Stage stage("start");
     const fs::path program = programFolder(), tools = toolRoot();
     setenv("ORVOSKY_TOOL_ROOT", (tools.string() + "/").c_str(), 1);
 
@@ -59,6 +60,7 @@ Session::~Session() {
 }
 
 void Session::openScene(const fs::path& scene) {
+    const Stage stage("open " + scene.string());
     host::Host& host = host::Host::instance();
     const std::string extension = scene.extension().string();
     if (extension == ".mel") {
@@ -130,6 +132,7 @@ void Session::call(const std::string& name, const std::vector<std::string>& argu
 
 std::string Session::bringUpToDate() {
     constexpr const char* command = "orvosky_UpdateSkySystemCommand";
+    const Stage stage("update");
     try {
         if (host::Host::instance().interpreter().hasCommand(command)) call(command, {});
     } catch (const Failure& e) {

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "Frames.h"
 #include "ReportWatch.h"
+#include "RunLog.h"
 
 #include <array>
 #include <filesystem>
@@ -20,6 +21,7 @@ struct CommonOptions {
     std::string project;               ///< workspace root; empty: found from the scene or the current folder upward
     bool noPlugin = false;             ///< run the bare host
     std::vector<std::string> settings; ///< for applySettings, after a scene was opened
+    LogOptions log = {};
 };
 
 /// The host as the program runs it: workspace and search paths set, plug-in loaded, userSetup.mel sourced.
@@ -77,9 +79,15 @@ int exportCommand(const CommonOptions& common, const ExportOptions& options, con
 /// Writes the sky of the scene that is open. Throws Failure.
 void exportOpenScene(Session& session, const ExportOptions& options);
 
+/// What a picture shows: a camera's view, all directions by azimuth and elevation, or the six faces of a cube.
+enum class PictureKind { View, Panorama, Cube };
+
 struct RenderOptions {
     std::string scene, picture, camera = "persp";
-    int width = 1280, height = 720;
+    PictureKind kind = PictureKind::View;
+    int width = 0, height = 0; ///< pixels; of one face of a cube
+    int samplesAside = 1;      ///< of a square of samples for each pixel
+    bool alpha = false;        ///< with how much of the ground is covered
     TimeOptions when = {};
     bool helpers = false; ///< with the aids that locators draw for the artist
     /// Degrees: the azimuth, 0 along -Z, clockwise as seen from above, and the elevation above the horizon.
@@ -88,6 +96,18 @@ struct RenderOptions {
     ReportOptions reports = {};
 };
 int renderCommand(const CommonOptions& common, const RenderOptions& options, const std::vector<Shot>& shots);
+
+struct BatchOptions {
+    std::vector<std::string> scenes; ///< and files that list scenes
+    std::string folder = ".";        ///< for what is made
+    std::string format = "png";      ///< of the pictures: the ending of their names
+    std::string size;                ///< as render takes it; empty for its own
+    bool exports = true, renders = true;
+    int processes = 0; ///< at a time; 0: one for each processor
+    bool json = false; ///< for tools
+    ReportOptions reports = {};
+};
+int batchCommand(const CommonOptions& common, const BatchOptions& options);
 
 struct InspectOptions {
     std::string file;

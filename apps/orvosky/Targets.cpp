@@ -2,6 +2,7 @@
 
 #include "base/LetterCase.h"
 #include "base/Messages.h"
+#include "images/ImageCodec.h"
 #include "viewport/Picture.h"
 
 #include <fmt/format.h>
@@ -52,9 +53,20 @@ Failure exportFailure(const std::string& target, const host::base::ReplacementEr
                    fmt::format("Cannot write {}: {}.", error.file().string(), error.what()));
 }
 
-void requirePictureTarget(const std::string& picture) {
+void requirePictureTarget(const std::string& picture, bool alpha) {
+    if (picture.ends_with(".dds")) { // cube maps alone, which the codec does not write
+        try {
+            host::base::requireReplaceable(picture);
+        } catch (const host::base::ReplacementError& e) {
+            throw Failure(fmt::format("Cannot write picture \"{}\": {}.", picture, e.what()));
+        }
+        return;
+    }
     if (const std::string reason = host::viewport::Picture::refusal(picture); !reason.empty())
         throw Failure(reason + ".");
+    host::images::ImageCodec::Alpha kept{};
+    if (alpha && host::images::imageCodec().canWrite(picture, kept) && kept == host::images::ImageCodec::Alpha::Dropped)
+        throw Failure(fmt::format("Cannot write picture \"{}\": pictures of this format have no alpha.", picture));
 }
 
 } // namespace orvosky

@@ -16,7 +16,7 @@ std::string cloudDataOf(const std::string& target);
 /// Tells in the export command's words that one of the two files could not be replaced.
 Failure exportFailure(const std::string& target, const host::base::ReplacementError& error);
 
-/// Refuses a picture that could not be written. Throws Failure.
-void requirePictureTarget(const std::string& picture);
+/// Refuses a picture that could not be written, or could not hold the alpha that is asked for. Throws Failure.
+void requirePictureTarget(const std::string& picture, bool alpha);
 
 } // namespace orvosky

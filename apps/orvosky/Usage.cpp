@@ -57,6 +57,14 @@ void addCommonOptions(CLI::App& line, CommonOptions& options) {
         ->option_text("NODE.ATTR=VALUE")
         ->allow_extra_args(false);
     line.add_flag("--no-plugin", options.noPlugin, "Do not load the plug-in");
+    addLogOptions(line, options.log);
+}
+
+void addLogOptions(CLI::App& line, LogOptions& options) {
+    line.add_option("--log-json", options.file, "Write messages and times into FILE, a JSON object a line")
+        ->option_text("FILE");
+    CLI::Option* verbose = line.add_flag("--verbose", options.verbose, "Tell how long each stage takes");
+    line.add_flag("--quiet", options.quiet, "Tell of warnings and errors alone")->excludes(verbose);
 }
 
 void addTimeOptions(CLI::App& line, TimeOptions& options, const std::string& verb) {

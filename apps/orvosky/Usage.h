@@ -28,6 +28,7 @@ struct Subcommand {
 Subcommand addRun(CLI::App& program, CommonOptions& common, std::vector<std::string> scriptWords);
 Subcommand addExport(CLI::App& program, CommonOptions& common);
 Subcommand addRender(CLI::App& program, CommonOptions& common);
+Subcommand addBatch(CLI::App& program, CommonOptions& common);
 Subcommand addInspect(CLI::App& program, CommonOptions& common);
 Subcommand addEdit(CLI::App& program, CommonOptions& common);
 Subcommand addHelp(CLI::App& program);
@@ -35,6 +36,9 @@ Subcommand addHelp(CLI::App& program);
 
 /// Adds what is common to all that open a workspace: to the program itself, and to each subcommand's own options.
 void addCommonOptions(CLI::App& line, CommonOptions& options);
+
+/// Adds where a run is told of: --log-json, --quiet, --verbose.
+void addLogOptions(CLI::App& line, LogOptions& options);
 
 /// Adds what reported errors and warnings mean: --keep-going and --strict.
 void addReportOptions(CLI::App& line, ReportOptions& options);

@@ -4,9 +4,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include <sys/prctl.h>
+
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -16,7 +20,9 @@ namespace {
 using namespace orvosky;
 
 /// Whether an option's value is the next word.
-bool valueFollows(const std::string& word) { return word == "-e" || word == "--project" || word == "--set"; }
+bool valueFollows(const std::string& word) {
+    return word == "-e" || word == "--project" || word == "--set" || word == "--log-json";
+}
 
 /// Where the subcommand stands: the first word that is neither an option nor an option's value.
 std::size_t subcommandAt(const std::vector<std::string>& words) {
@@ -74,6 +80,17 @@ std::string unexpectedWords(const CLI::App& program, const std::vector<std::stri
     return text.empty() ? text : "Unexpected on the command line: " + text;
 }
 
+/// Does a subcommand's work, with a log of it.
+int logged(const LogOptions& options, const std::function<int()>& work) {
+    try {
+        RunLog log(options);
+        return log.finish(work());
+    } catch (const Failure& e) {
+        host::showError(e.what());
+        return kFailed;
+    }
+}
+
 constexpr const char* description = "Runs, exports, renders and inspects the skies of Maya scenes, without Maya.";
 
 } // namespace
@@ -82,6 +99,8 @@ int main(int argc, char** argv) {
     // A file that grows beyond a limit is a failed write, which is reported, not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
+
+    if (std::getenv("ORVOSKY_ENDS_WITH_PARENT")) prctl(PR_SET_PDEATHSIG, SIGTERM); // set by batch
 
     std::vector<std::string> words(argv + 1, argv + argc);
     std::vector<std::string> scriptWords = takeScriptWords(words);
@@ -98,8 +117,12 @@ int main(int argc, char** argv) {
                                          "  orvosky help render\n",
                              .exitStatuses = "  0  everything asked for is there and right\n"
                                              "  1  it is not: warnings and errors are on the standard error\n"}));
-    const Subcommand subcommands[] = {addRun(program, common, std::move(scriptWords)), addExport(program, common),
-                                      addRender(program, common), addInspect(program, common), addEdit(program, common),
+    const Subcommand subcommands[] = {addRun(program, common, std::move(scriptWords)),
+                                      addExport(program, common),
+                                      addRender(program, common),
+                                      addBatch(program, common),
+                                      addInspect(program, common),
+                                      addEdit(program, common),
                                       addHelp(program)};
     std::vector<std::string> names;
     for (const Subcommand& subcommand : subcommands) names.push_back(subcommand.line->get_name());
@@ -114,7 +137,7 @@ int main(int argc, char** argv) {
     try {
         program.parse(std::vector<std::string>(words.rbegin(), words.rend())); // as CLI11 takes them
         for (const Subcommand& subcommand : subcommands)
-            if (subcommand.line->parsed()) return subcommand.work();
+            if (subcommand.line->parsed()) return logged(common.log, subcommand.work);
     } catch (const CLI::CallForHelp&) {
         return showHelp(program.help());
     } catch (const CLI::CallForVersion& version) {

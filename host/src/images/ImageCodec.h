@@ -65,7 +65,8 @@ public:
     /// misbehave on a full disk do not count as known.
     virtual bool canWrite(const std::string& path, Alpha& alpha) = 0;
     /// Makes the bytes of a file named `path`, which must be one that can be written; of 4 channels the last is left
-    /// out where there is no alpha, as of 2. Empty when all went well, else a text of one line. Throws std::exception.
+    /// out where there is no alpha, as of 2. Floats go into exr files as 16 bits where all fit into them. Empty when
+    /// all went well, else a text of one line. Throws std::exception.
     virtual std::string encode(const std::string& path, const PixelRows& pixels, std::vector<unsigned char>& file) = 0;
 
     /// Resamples all of `from` to width x height pixels at `to`, with a filter that does not ring. Throws

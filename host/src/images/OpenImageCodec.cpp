@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cmath>
 #include <string_view>
 #include <utility>
 
@@ -66,11 +67,22 @@ std::unique_ptr<OIIO::ImageOutput> writerFor(const std::string& path) {
     return output && output->supports("ioproxy") ? std::move(output) : nullptr;
 }
 
+/// Whether 16-bit floats can hold all of the values.
+bool fitsHalf(const PixelRows& pixels) {
+    constexpr float largest = 65504;
+    const auto* values = static_cast<const float*>(pixels.data);
+    const auto count = static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height) *
+                       static_cast<std::size_t>(pixels.channels);
+    return std::all_of(values, values + count, [](float v) { return !(std::abs(v) > largest); });
+}
+
 /// Puts notes behind the first line of a Radiance picture, whose writer knows none.
 void addNotes(std::span<const Note> notes, std::vector<unsigned char>& file) {
     std::string lines;
     for (const Note& note : notes) {
-        lines += note.name == "Software" ? "SOFTWARE=" : "# " + note.name + ": ";
+        lines += note.name == "Software"   ? "SOFTWARE="
+                 : note.name == "Exposure" ? "EXPOSURE="
+                                           : "# " + note.name + ": ";
         for (const char c : note.text) lines += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
         lines += '\n';
     }
@@ -153,6 +165,7 @@ public:
         const std::string_view format = output->format_name();
         if (format == "openexr") {
             for (const Note& note : pixels.notes) spec.attribute(note.name, note.text);
+            if (pixels.floats && fitsHalf(pixels)) spec.set_format(OIIO::TypeDesc::HALF);
             spec.attribute("DateTime", ""); // else the time of writing, and the same picture has other bytes each time
         }
         if (!output->set_ioproxy(&memory) || !output->open(path, spec)) return reasonOf(output->geterror());

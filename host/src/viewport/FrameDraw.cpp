@@ -1,3 +1,4 @@
+#define GL_GLEXT_PROTOTYPES
 #include "viewport/FrameDraw.h"
 
 #include "base/Messages.h"
@@ -6,6 +7,7 @@
 #include "scene/Scene.h"
 
 #include <GL/gl.h>
+#include <GL/glext.h>
 
 #include <algorithm>
 #include <exception>
@@ -59,8 +61,8 @@ void drawWireframe(const mesh::PolyMesh& mesh) {
 
 } // namespace
 
-void FrameDraw::clear() {
-    glClearColor(0, 0, 0, 1);
+void FrameDraw::clear(const std::array<float, 4>& colour) {
+    glClearColor(colour[0], colour[1], colour[2], colour[3]);
     glClearDepth(1);
     glClearStencil(0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
@@ -101,7 +103,7 @@ void FrameDraw::drawMesh(scene::DagNode& shape, bool templated) {
     StateGuard guard;
     const MMatrix objectToWorld = shape.worldMatrix();
     if (!templated) {
-        lights_.load(worldToCamera_);
+        lights_.load(worldToCamera_, view_.headlight());
         setMaterial();
     }
     loadObject(objectToWorld);
@@ -158,7 +160,9 @@ void FrameDraw::drawShape(const std::shared_ptr<scene::Node>& node, bool templat
 std::string FrameDraw::run() {
     takeGlErrors();
     setDefaultState();
-    clear();
+    clear(view_.background());
+    const bool floats = view_.colourDepth() == ColourDepth::Floats;
+    if (floats) glClampColor(GL_CLAMP_VERTEX_COLOR, GL_FALSE); // the light on meshes
     problem_ = takeGlErrors();
     const auto shapes = visibleShapes();
     for (const Item& item : shapes) lights_.add(item.node);
@@ -167,6 +171,7 @@ std::string FrameDraw::run() {
                     std::to_string(lights_.size()) + " lights.");
     for (const bool last : {false, true})
         for (const Item& item : shapes) drawShape(item.node, item.templated, last);
+    if (floats) glClampColor(GL_CLAMP_VERTEX_COLOR, GL_TRUE);
     glFinish();
     return problem_;
 }

@@ -19,8 +19,8 @@ public:
     /// @return what GL failed at in the host's own drawing; empty when all went well
     std::string run();
 
-    /// Makes the target opaque black, and as deep as can be.
-    static void clear();
+    /// Gives the target one colour, and makes it as deep as can be.
+    static void clear(const std::array<float, 4>& colour);
 
 private:
     struct Item {

@@ -10,7 +10,7 @@
 
 namespace host::viewport {
 
-std::unique_ptr<OffscreenTarget> OffscreenTarget::create(int width, int height, std::string* error) {
+std::unique_ptr<OffscreenTarget> OffscreenTarget::create(int width, int height, std::string* error, ColourDepth depth) {
     const auto fail = [error](std::string text) {
         if (error) *error = std::move(text);
         return nullptr;
@@ -28,20 +28,20 @@ std::unique_ptr<OffscreenTarget> OffscreenTarget::create(int width, int height, 
                                 height, limitX, limitY));
 
     while (glGetError() != GL_NO_ERROR) {} // an older error must not be taken for one of the steps below
-    std::unique_ptr<OffscreenTarget> target(new OffscreenTarget(width, height));
+    std::unique_ptr<OffscreenTarget> target(new OffscreenTarget(width, height, depth));
     GLint previousBuffer = 0;
     glGetIntegerv(GL_RENDERBUFFER_BINDING, &previousBuffer);
     glGenFramebuffers(1, &target->framebuffer_);
-    glGenRenderbuffers(1, &target->colour_);
-    glGenRenderbuffers(1, &target->depth_);
+    glGenRenderbuffers(1, &target->colourBuffer_);
+    glGenRenderbuffers(1, &target->depthBuffer_);
     target->bind();
     const auto attach = [&](GLuint buffer, GLenum format, GLenum place) {
         glBindRenderbuffer(GL_RENDERBUFFER, buffer);
         glRenderbufferStorage(GL_RENDERBUFFER, format, width, height);
         glFramebufferRenderbuffer(GL_FRAMEBUFFER, place, GL_RENDERBUFFER, buffer);
     };
-    attach(target->colour_, GL_RGBA8, GL_COLOR_ATTACHMENT0);
-    attach(target->depth_, GL_DEPTH_COMPONENT24, GL_DEPTH_ATTACHMENT);
+    attach(target->colourBuffer_, depth == ColourDepth::Floats ? GL_RGBA32F : GL_RGBA8, GL_COLOR_ATTACHMENT0);
+    attach(target->depthBuffer_, GL_DEPTH_COMPONENT24, GL_DEPTH_ATTACHMENT);
     const GLenum problem = glGetError();
     const GLenum state = glCheckFramebufferStatus(GL_FRAMEBUFFER);
     target->unbind();
@@ -56,8 +56,8 @@ std::unique_ptr<OffscreenTarget> OffscreenTarget::create(int width, int height, 
 OffscreenTarget::~OffscreenTarget() {
     unbind();
     glDeleteFramebuffers(1, &framebuffer_);
-    glDeleteRenderbuffers(1, &colour_);
-    glDeleteRenderbuffers(1, &depth_);
+    glDeleteRenderbuffers(1, &colourBuffer_);
+    glDeleteRenderbuffers(1, &depthBuffer_);
 }
 
 void OffscreenTarget::bind() {
@@ -76,8 +76,7 @@ void OffscreenTarget::unbind() {
     bound_ = false;
 }
 
-Picture OffscreenTarget::readPixels() const {
-    Picture picture(width_, height_, 4);
+void OffscreenTarget::read(unsigned type, void* to) const {
     GLint previousRead = 0, previousPack = 0;
     glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &previousRead);
     glGetIntegerv(GL_PIXEL_PACK_BUFFER_BINDING, &previousPack);
@@ -87,11 +86,15 @@ Picture OffscreenTarget::readPixels() const {
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     for (const GLenum zero : {GL_PACK_ROW_LENGTH, GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS}) glPixelStorei(zero, 0);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer_);
-    glReadPixels(0, 0, width_, height_, GL_RGBA, GL_UNSIGNED_BYTE, picture.pixels.data());
+    glReadPixels(0, 0, width_, height_, GL_RGBA, type, to);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previousRead));
     glPopClientAttrib();
     glBindBuffer(GL_PIXEL_PACK_BUFFER, static_cast<GLuint>(previousPack));
+}
 
+Picture OffscreenTarget::readPixels() const {
+    Picture picture(width_, height_, 4);
+    read(GL_UNSIGNED_BYTE, picture.pixels.data());
     const std::size_t row = picture.rowBytes();
     for (int low = 0, high = height_ - 1; low < high; ++low, --high)
         std::swap_ranges(picture.row(low), picture.row(low) + row, picture.row(high));
@@ -116,6 +119,14 @@ void OffscreenTarget::copyTo(unsigned framebuffer, int width, int height) const 
     glPopAttrib();
     glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previousRead));
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(previousDraw));
+}
+
+FloatPicture OffscreenTarget::readFloats() const {
+    FloatPicture picture(width_, height_, 4);
+    read(GL_FLOAT, picture.pixels.data());
+    for (int low = 0, high = height_ - 1; low < high; ++low, --high)
+        std::swap_ranges(picture.at(0, low), picture.at(0, low + 1), picture.at(0, high));
+    return picture;
 }
 
 } // namespace host::viewport

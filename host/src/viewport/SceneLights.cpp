@@ -80,15 +80,17 @@ std::size_t SceneLights::most() {
     return static_cast<std::size_t>(most);
 }
 
-void SceneLights::load(const MMatrix& worldToCamera) const {
+void SceneLights::load(const MMatrix& worldToCamera, const std::optional<MVector>& headlight) const {
     glMatrixMode(GL_MODELVIEW);
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black.data());
     glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_TRUE);
     glEnable(GL_LIGHTING);
     glEnable(GL_NORMALIZE);
     if (lights_.empty()) {
+        const MVector to = headlight ? *headlight * worldToCamera : MVector(0, 0, 1);
+        const Rgba place{static_cast<float>(to.x), static_cast<float>(to.y), static_cast<float>(to.z), 0};
         glLoadIdentity();
-        viewport::load(GL_LIGHT0, {.diffuse = white});
+        viewport::load(GL_LIGHT0, {.diffuse = white, .place = place});
         return;
     }
     glLoadMatrixd(&worldToCamera.matrix[0][0]);

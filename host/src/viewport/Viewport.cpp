@@ -26,14 +26,14 @@ OpenViews& open() {
 
 } // namespace
 
-std::unique_ptr<Viewport> Viewport::create(int width, int height, std::string* error) {
+std::unique_ptr<Viewport> Viewport::create(int width, int height, std::string* error, ColourDepth depth) {
     std::shared_ptr<GlContext> context = open().context.lock();
     if (!context) context = GlContext::create(error);
-    return context ? create(std::move(context), width, height, error) : nullptr;
+    return context ? create(std::move(context), width, height, error, depth) : nullptr;
 }
 
 std::unique_ptr<Viewport> Viewport::create(std::shared_ptr<GlContext> context, int width, int height,
-                                           std::string* error) {
+                                           std::string* error, ColourDepth depth) {
     const auto shared = open().context.lock();
     if ((shared && shared != context) || !context->makeCurrent()) {
         if (error)
@@ -44,12 +44,12 @@ std::unique_ptr<Viewport> Viewport::create(std::shared_ptr<GlContext> context, i
     std::unique_ptr<Viewport> view(new Viewport);
     view->context_ = std::move(context);
     open().context = view->context_;
-    view->target_ = OffscreenTarget::create(width, height, error);
+    view->target_ = OffscreenTarget::create(width, height, error, depth);
     if (!view->target_) return nullptr;
     view->ports_ = {{0, 0, width, height}};
     view->bindTarget();
     setDefaultState();
-    FrameDraw::clear();
+    FrameDraw::clear(view->background_);
     view->target_->unbind();
     view->serial_ = ++open().lastSerial;
     open().all.push_back(view.get());
@@ -70,7 +70,7 @@ bool Viewport::resize(int width, int height, std::string* error) {
         if (error) *error = "A view that is being drawn keeps its size";
         return false;
     }
-    auto target = OffscreenTarget::create(width, height, error);
+    auto target = OffscreenTarget::create(width, height, error, target_->colourDepth());
     if (!target) return false;
     target_ = std::move(target);
     ports_ = {{0, 0, width, height}};
@@ -205,6 +205,10 @@ Picture Viewport::picture() {
         for (int x = 0; x < rgb.width; ++x, out += 3) std::copy_n(rgba.at(x, y), 3, out);
     }
     return rgb;
+}
+
+FloatPicture Viewport::floatPicture() {
+    return makeCurrent() ? target_->readFloats() : FloatPicture(width(), height(), 4);
 }
 
 } // namespace host::viewport

@@ -7,7 +7,9 @@
 #include "viewport/Picture.h"
 
 #include <maya/MMatrix.h>
+#include <maya/MVector.h>
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -25,10 +27,11 @@ class Viewport {
 public:
     /// Opens a view of `width` x `height` pixels and makes it the active one. Null without OpenGL or for a size that
     /// the driver does not have; `error`, when given, tells which.
-    static std::unique_ptr<Viewport> create(int width, int height, std::string* error = nullptr);
+    static std::unique_ptr<Viewport> create(int width, int height, std::string* error = nullptr,
+                                            ColourDepth depth = ColourDepth::Bytes);
     /// The same in a given context; refused while there are views in another one.
     static std::unique_ptr<Viewport> create(std::shared_ptr<GlContext> context, int width, int height,
-                                            std::string* error = nullptr);
+                                            std::string* error = nullptr, ColourDepth depth = ColourDepth::Bytes);
     ~Viewport();
     Viewport(const Viewport&) = delete;
     Viewport& operator=(const Viewport&) = delete;
@@ -48,6 +51,7 @@ public:
     /// Gives the view another size; what was drawn is gone. False, with a text in `error`, when given, from within a
     /// draw and for a size that the driver does not have: then all is as before.
     bool resize(int width, int height, std::string* error = nullptr);
+    ColourDepth colourDepth() const { return target_->colourDepth(); }
     const GlContext& context() const { return *context_; }
 
     /// Looks through a camera shape. False when the node is none.
@@ -61,6 +65,14 @@ public:
     unsigned objectDisplay() const { return shown_; }
     void setObjectDisplay(unsigned kinds) { shown_ = kinds; }
 
+    /// The colour that is drawn onto, red, green, blue and alpha; opaque black at first.
+    void setBackground(const std::array<float, 4>& colour) { background_ = colour; }
+    const std::array<float, 4>& background() const { return background_; }
+    /// Where the light comes from that shines on meshes when the scene has no lights: a direction in the world. At
+    /// first it comes from wherever the camera stands.
+    void setHeadlight(const MVector& towardsLight) { headlight_ = towardsLight; }
+    const std::optional<MVector>& headlight() const { return headlight_; }
+
     /// Draws the scene as it is at its time: shaded meshes, plug-in locators, and nothing else. Meshes are lit by the
     /// scene's lights, or, without any, from the camera. Faults of single nodes
     /// are reported as messages that name the node, and the picture lacks them. False, with a text in `error`, when
@@ -71,6 +83,8 @@ public:
     /// Shows what was drawn last in another framebuffer of the view's context, which is current; interpolated where
     /// that has another size.
     void copyTo(unsigned framebuffer, int width, int height) const { target_->copyTo(framebuffer, width, height); }
+    /// The same as RGBA floats, with the alpha that the draws left. What is beyond 1 is there in a view of floats.
+    FloatPicture floatPicture();
 
     /// @name For draws
     /// @{
@@ -109,6 +123,8 @@ private:
     unsigned long serial_ = 0;
     unsigned shown_ = ~0U;
     std::weak_ptr<scene::Node> camera_;
+    std::array<float, 4> background_{0, 0, 0, 1};
+    std::optional<MVector> headlight_;
     std::vector<PortRect> ports_;
     std::vector<MatrixKeeper> begun_;
     bool drawing_ = false;
