@@ -131,6 +131,9 @@ Range rangeOf(const ParsedArguments& args) {
     return range;
 }
 
+/// Whether the curve's keys lie over a number.
+bool isDriven(const Node& curve) { return curve.type.name.starts_with("animCurveU"); }
+
 Value setKeyframe(Call& call) {
     const ParsedArguments args(call, {{"at", "attribute", 1},
                                       {"t", "time", 1},
@@ -148,6 +151,8 @@ Value setKeyframe(Call& call) {
     if (times.empty()) times.push_back(theScene().time());
     int count = 0;
     for (Cell* plug : keyPlugs(args, false)) {
+        if (Node* curve = curveOf(*plug); curve && isDriven(*curve))
+            throw Error("The attribute '" + plug->name() + "' has driven keys: it takes no keys over time.");
         if (!args.has("at") && !curveOf(*plug)) {
             // Keying everything passes over what cannot be keyed.
             try {
@@ -173,6 +178,7 @@ Value keyframe(Call& call) {
                                {{"at", "attribute", 1, true},
                                 {"t", "time", 1, true},
                                 {"tc", "timeChange", 1},
+                                {"fc", "floatChange", 1},
                                 {"vc", "valueChange", 1},
                                 {"kc", "keyframeCount"},
                                 {"n", "name"}},
@@ -185,7 +191,7 @@ Value keyframe(Call& call) {
         names.push_back(curveOf(*plug)->name);
         for (const auto& [time, value] : keysOf(*curveOf(*plug)))
             if (range.holds(time)) {
-                times.push_back(time / timeTicks());
+                times.push_back(isDriven(*curveOf(*plug)) ? time : time / timeTicks());
                 values.push_back(toUi(plug->attribute, value));
             }
     }
@@ -197,6 +203,87 @@ Value keyframe(Call& call) {
         return pairs;
     }
     return args.has("vc") ? values : times;
+}
+
+/// The driven curve that leads from the driver to what feeds the plug; null when there is none.
+Node* drivenCurve(Cell& plug, const Cell& driver) {
+    if (!plug.source) return nullptr;
+    Node& feeding = plug.source->node;
+    if (isDriven(feeding) && feeding.cell("input").source == &driver) return &feeding;
+    if (feeding.type.name != "blendWeighted") return nullptr;
+    for (auto& [index, input] : feeding.cell("input").elements)
+        if (input->source && isDriven(input->source->node) && input->source->node.cell("input").source == &driver)
+            return &input->source->node;
+    return nullptr;
+}
+
+/// A new curve from the driver to the plug. Beside others it is added to what they give.
+Node& newDrivenCurve(Cell& plug, Cell& driver) {
+    Scene& scene = theScene();
+    const bool beside = plug.source && (isDriven(plug.source->node) || plug.source->node.type.name == "blendWeighted");
+    if (!beside) scene.requireSettable(plug);
+    const char* kind = plug.attribute.type == AttributeType::Angle      ? "animCurveUA"
+                       : plug.attribute.type == AttributeType::Distance ? "animCurveUL"
+                       : plug.attribute.type == AttributeType::Time     ? "animCurveUT"
+                                                                        : "animCurveUU";
+    const std::string stem = plug.node.name + "_" + plug.attribute.longName;
+    Node& curve = *scene.createNode(*scene.findType(kind), stem);
+    scene.setNumber(curve.cell("weightedTangents"), 0);
+    scene.connect(driver, curve.cell("input"));
+    if (!beside) {
+        scene.connect(curve.cell("output"), plug);
+        return curve;
+    }
+    Node* blend = &plug.source->node;
+    if (blend->type.name != "blendWeighted") {
+        Cell& first = *plug.source;
+        blend = scene.createNode(*scene.findType("blendWeighted"), "blendWeighted#").get();
+        scene.connect(first, blend->cell("input").element(0));
+        scene.connect(blend->cell("output"), plug, true);
+    }
+    scene.connect(curve.cell("output"), scene.nextAvailable(blend->cell("input")));
+    return curve;
+}
+
+Value setDrivenKeyframe(Call& call) {
+    const ParsedArguments args(call,
+                               {{"cd", "currentDriver", 1},
+                                {"dv", "driverValue", 1},
+                                {"v", "value", 1},
+                                {"at", "attribute", 1, true},
+                                {"itt", "inTangentType", 1},
+                                {"ott", "outTangentType", 1},
+                                {"dr", "driver"},
+                                {"dn", "driven"}},
+                               true);
+    if (args.query()) {
+        StringArray drivers;
+        for (Cell* plug : keyPlugs(args, true)) {
+            const Cell* source = isDriven(*curveOf(*plug)) ? curveOf(*plug)->cell("input").source : nullptr;
+            if (source) drivers.push_back(source->name());
+        }
+        return drivers.empty() ? StringArray{"No drivers."} : drivers;
+    }
+    if (!args.has("cd")) throw Error("setDrivenKeyframe needs a driver, by -currentDriver.");
+    Cell& driver = plugNamed(args.text("cd"));
+    if (!driver.attribute.isNumber()) throw Error("The attribute '" + driver.name() + "' is not a number.");
+    const Tangent in = tangentNamed(args.text("itt", "global")), out = tangentNamed(args.text("ott", "global"));
+    evaluate(driver);
+    // The curve sees the driver in the user's units, as if through a unit conversion.
+    const double at = args.has("dv") ? args.number("dv", 0) : toUi(driver.attribute, driver.number());
+    int count = 0;
+    for (Cell* plug : keyPlugs(args, false)) {
+        if (plug == &driver) throw Error("The attribute '" + driver.name() + "' cannot drive itself.");
+        if (!plug->attribute.isNumber() || plug->isArray())
+            throw Error("The attribute '" + plug->name() + "' cannot be animated.");
+        evaluate(*plug);
+        const double value = args.has("v") ? fromUi(plug->attribute, args.number("v", 0)) : plug->number();
+        Node* curve = drivenCurve(*plug, driver);
+        if (!curve) curve = &newDrivenCurve(*plug, driver);
+        setCurveKey(theScene(), *curve, at, value, in, out);
+        ++count;
+    }
+    return count;
 }
 
 Value cutKey(Call& call) {
@@ -257,6 +344,7 @@ void registerAnimationCommands(Interpreter& interpreter) {
     registerSceneCommand(interpreter, "currentTime", currentTime);
     registerSceneCommand(interpreter, "playbackOptions", playbackOptions);
     registerSceneCommand(interpreter, "setKeyframe", setKeyframe);
+    registerSceneCommand(interpreter, "setDrivenKeyframe", setDrivenKeyframe);
     registerSceneCommand(interpreter, "keyframe", keyframe);
     registerSceneCommand(interpreter, "cutKey", cutKey);
     registerSceneCommand(interpreter, "keyTangent", keyTangent);

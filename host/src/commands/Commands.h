@@ -19,6 +19,7 @@ void registerDuplicateCommands(Interpreter& interpreter);
 void registerTransformCommands(Interpreter& interpreter);
 void registerXformCommand(Interpreter& interpreter);
 void registerAnimationCommands(Interpreter& interpreter);
+void registerExpressionCommands(Interpreter& interpreter);
 void registerComponentCommands(Interpreter& interpreter);
 void registerComponentListCommands(Interpreter& interpreter);
 void registerHistoryCommands(Interpreter& interpreter);

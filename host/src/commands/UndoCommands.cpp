@@ -86,8 +86,8 @@ void registerSceneCommands(Interpreter& interpreter) {
          {registerNodeCommands, registerCreationCommands, registerAttributeCommands, registerAttributeListCommands,
           registerConnectionCommands, registerDagCommands, registerAttributeEditCommands, registerComponentListCommands,
           registerHistoryCommands, registerDuplicateCommands, registerTransformCommands, registerXformCommand,
-          registerAnimationCommands, registerComponentCommands, registerMeshCommands, registerSetCommands,
-          registerSelectionCommands, registerUndoCommands})
+          registerAnimationCommands, registerExpressionCommands, registerComponentCommands, registerMeshCommands,
+          registerSetCommands, registerSelectionCommands, registerUndoCommands})
         add(interpreter);
     interpreter.beforeTopLevelStatement = [] { theScene().undo.openChunk(); };
     interpreter.afterTopLevelStatement = [] { theScene().undo.closeChunk(); };

@@ -5,6 +5,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -253,6 +254,8 @@ struct Procedure : std::enable_shared_from_this<Procedure> {
 struct Script {
     std::vector<StatementPointer> statements;
     std::vector<std::shared_ptr<Procedure>> procedures;
+    std::set<std::string> calls;  ///< the names of all that it calls
+    bool declaresGlobals = false; ///< by the word `global`
     int slots = 0;
 };
 

@@ -194,6 +194,7 @@ Value BinaryChain::evaluate(Frame& frame) const {
 }
 
 Value LogicalChain::evaluate(Frame& frame) const {
+    frame.impl.spend(static_cast<std::int64_t>(operands.size() / 2));
     for (const ExpressionPointer& operand : operands)
         if (isTrue(operand->evaluate(frame)) != isAnd) return !isAnd;
     return isAnd;
@@ -260,6 +261,7 @@ Value Increment::evaluate(Frame& frame) const {
 Value Cast::evaluate(Frame& frame) const { return converted(operand->evaluate(frame), type); }
 
 Value ArrayLiteral::evaluate(Frame& frame) const {
+    frame.impl.spend(static_cast<std::int64_t>(elements.size()));
     std::vector<Value> values;
     values.reserve(elements.size());
     Type widest = Type::Int;
@@ -289,6 +291,7 @@ Value ArrayLiteral::evaluate(Frame& frame) const {
 
 Value VectorLiteral::evaluate(Frame& frame) const {
     Matrix m{static_cast<int>(rows.size()), static_cast<int>(rows.front().size()), {}};
+    frame.impl.spend(m.rows * m.columns / 4);
     for (const auto& row : rows)
         for (const ExpressionPointer& e : row)
             m.elements.push_back(converted(e->evaluate(frame), Type::Float).toFloat());

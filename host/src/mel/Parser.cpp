@@ -432,6 +432,7 @@ private:
     // Commands
 
     ExpressionPointer finishCall(const std::string& name, std::vector<ExpressionPointer> arguments, int line) {
+        script_->calls.insert(name);
         if ((name == "catch" || name == "catchQuiet") && arguments.size() == 1) {
             auto node = make<CatchExpression>(line);
             node->quiet = name == "catchQuiet";
@@ -758,6 +759,7 @@ private:
         if (!token_.isWord("proc")) {
             if (!typeKeyword(token_)) failHere();
             auto declaration = parseDeclaration(true);
+            script_->declaresGlobals = true;
             endStatement();
             return declaration;
         }

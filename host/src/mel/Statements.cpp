@@ -7,11 +7,13 @@ using Type = Value::Type;
 
 bool holdsLast(const std::vector<ExpressionPointer>& conditions, Frame& frame) {
     bool result = true;
+    frame.impl.spend(static_cast<std::int64_t>(conditions.size()));
     for (const ExpressionPointer& e : conditions) result = isTrue(e->evaluate(frame));
     return result;
 }
 
 void evaluateAll(const std::vector<ExpressionPointer>& expressions, Frame& frame) {
+    frame.impl.spend(static_cast<std::int64_t>(expressions.size()));
     for (const ExpressionPointer& e : expressions) e->run(frame);
 }
 
@@ -130,6 +132,7 @@ Flow ForIn::execute(Frame& frame) const {
 Flow Switch::execute(Frame& frame) const {
     const Value value = subject->evaluate(frame);
     const Label* chosen = nullptr;
+    frame.impl.spend(static_cast<std::int64_t>(labels.size()));
     for (const Label& label : labels) {
         if (!label.value) {
             if (!chosen) chosen = &label;

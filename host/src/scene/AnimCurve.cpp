@@ -294,7 +294,6 @@ std::vector<std::pair<double, double>> keysOf(Node& curve) {
 void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tangent out) {
     if (!plug.attribute.isNumber() || plug.isArray())
         throw SceneError("The attribute '" + plug.name() + "' cannot be animated.");
-    if (std::isnan(time)) throw SceneError("The time of a key must be a number.");
     Node* curve = curveOf(plug);
     if (!curve) {
         scene.requireSettable(plug);
@@ -309,14 +308,19 @@ void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tan
         scene.setNumber(curve->cell("weightedTangents"), 0);
         scene.connect(curve->cell("output"), plug);
     }
-    KeyEdit edit(scene, *curve);
+    setCurveKey(scene, *curve, time, value, in, out);
+}
+
+void setCurveKey(Scene& scene, Node& curve, double time, double value, Tangent in, Tangent out) {
+    if (std::isnan(time)) throw SceneError("The time of a key must be a number.");
+    KeyEdit edit(scene, curve);
     const auto& keys = edit.keys();
     const auto place =
         std::lower_bound(keys.begin(), keys.end(), time, [](const CurveKey& k, double t) { return k.time < t; });
     const bool there = place != keys.end() && place->time == time;
     CurveKey key = there ? *place : CurveKey{};
     if (there) {
-        const CurveKeys::Shape shape = curveShape(*curve);
+        const CurveKeys::Shape shape = curveShape(curve);
         const auto k = static_cast<std::size_t>(place - keys.begin());
         for (const bool isOut : {false, true}) {
             const auto kind = isOut ? out : in;
@@ -324,7 +328,7 @@ void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tan
             if (kind != Tangent::Fixed || was == static_cast<std::uint8_t>(Tangent::Fixed)) continue;
             const std::size_t other = isOut ? std::min(k + 1, keys.size() - 1) : k - std::min<std::size_t>(k, 1);
             const double seconds = std::abs(keys[other].time - time) / shape.perSecond;
-            fixTangent(key, isOut, curveKeys(*curve)->slope(k, isOut, shape) * shape.perSecond,
+            fixTangent(key, isOut, curveKeys(curve)->slope(k, isOut, shape) * shape.perSecond,
                        shape.weighted ? seconds : 0);
         }
     }

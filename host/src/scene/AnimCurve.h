@@ -41,6 +41,9 @@ CurveKeys::Shape curveShape(Node& curve);
 /// units; a key at the same time is replaced. Throws SceneError for plugs that cannot be animated.
 void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tangent out);
 
+/// The same for a curve that is there: `at` is a time in ticks, or what its input is compared with.
+void setCurveKey(Scene& scene, Node& curve, double at, double value, Tangent in, Tangent out);
+
 /// The curve that drives the plug; null when there is none.
 Node* curveOf(Cell& plug);
 

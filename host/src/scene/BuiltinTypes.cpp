@@ -3,9 +3,7 @@
 #include "scene/Evaluation.h"
 #include "scene/MeshFilter.h"
 #include "scene/MeshNode.h"
-#include "scene/Scene.h"
-
-#include <maya/MFn.h>
+#include "scene/TypeRegistrar.h"
 
 namespace host::scene {
 namespace {
@@ -14,78 +12,6 @@ using A = Attribute;
 using N = NumericType;
 constexpr auto angle = AttributeType::Angle;
 constexpr auto distance = AttributeType::Distance;
-
-AttributePtr readOnly(AttributePtr a) {
-    a->writable = false;
-    a->storable = false;
-    return a;
-}
-
-AttributePtr array(AttributePtr a) {
-    a->array = true;
-    return a;
-}
-
-/// An array whose elements have no order: connections take the next free one.
-AttributePtr unordered(AttributePtr a) {
-    a->array = true;
-    a->indexMatters = false;
-    return a;
-}
-
-AttributePtr worldArray(AttributePtr a) {
-    a->array = true;
-    a->worldSpace = true;
-    a->writable = false;
-    a->storable = false;
-    return a;
-}
-
-AttributePtr keyable(AttributePtr a) {
-    // Of a tuple the parts are keyable, not the whole.
-    a->keyable = a->children.empty();
-    for (auto& c : a->children) c->keyable = true;
-    return a;
-}
-
-AttributePtr limited(AttributePtr a, std::optional<double> min, std::optional<double> max = {}) {
-    a->limits[0].min = min;
-    a->limits[0].max = max;
-    return a;
-}
-
-AttributePtr color(const char* longName, const char* shortName, double r, double g, double b) {
-    auto a = A::tuple(longName, shortName, N::Float, 3, "RGB");
-    a->usedAsColor = true;
-    const double rgb[3] = {r, g, b};
-    for (int k = 0; k < 3; ++k) a->children[static_cast<std::size_t>(k)]->defaultValue = Numeric(N::Float, 1, rgb[k]);
-    a->defaultValue = Numeric(N::Float, 3, r, g, b);
-    return a;
-}
-
-class Registrar {
-public:
-    explicit Registrar(Scene& scene) : scene_(scene) {}
-
-    NodeType& type(const char* name, const char* base, NodeType::Kind kind, MFn::Type apiType,
-                   std::vector<AttributePtr> attributes, NodeType::MakeBehavior behavior = {}) {
-        auto t = std::make_unique<NodeType>(name, base ? scene_.findType(base) : nullptr, kind, apiType);
-        for (auto& a : attributes) t->add(std::move(a));
-        t->makeBehavior = std::move(behavior);
-        if (!t->makeBehavior && base) t->makeBehavior = t->base->makeBehavior;
-        return *scene_.registerType(std::move(t));
-    }
-
-    NodeType& abstract(const char* name, const char* base, NodeType::Kind kind, MFn::Type apiType,
-                       std::vector<AttributePtr> attributes, NodeType::MakeBehavior behavior = {}) {
-        NodeType& t = type(name, base, kind, apiType, std::move(attributes), std::move(behavior));
-        t.isAbstract = true;
-        return t;
-    }
-
-private:
-    Scene& scene_;
-};
 
 constexpr auto dependency = NodeType::Kind::Dependency;
 constexpr auto transformKind = NodeType::Kind::Transform;
@@ -351,10 +277,14 @@ void registerShading(Registrar& r) {
     r.type("script", "node", dependency, MFn::kScript,
            {A::text("before", "b"), A::text("after", "a"), A::number("scriptType", "st", N::Short),
             A::number("sourceType", "stp", N::Short), A::number("ignoreReferenceEdits", "ire", N::Bool)});
+    auto program = A::text("internalExpression", "ixp");
+    program->internal = true;
     r.type("expression", "node", dependency, MFn::kExpression,
-           {A::text("expression", "e"), A::text("internalExpression", "ixp"), A::message("object", "obm"),
+           {A::text("expression", "e"), std::move(program), A::message("object", "obm"),
             array(A::number("input", "in", N::Double)), array(A::number("output", "out", N::Double)),
-            A::unit("time", "tim", AttributeType::Time), A::number("frame", "f", N::Double)});
+            A::unit("time", "tim", AttributeType::Time), A::number("frame", "f", N::Double),
+            A::number("animated", "ani", N::Int, 1), A::number("unitOption", "uo", N::Short)})
+        .affects({"input", "internalExpression", "time", "frame"}, {"output"});
 }
 
 void registerAnimation(Registrar& r) {
@@ -508,6 +438,8 @@ void registerBuiltinTypes(Scene& scene) {
     registerAnimation(r);
     registerMeshes(r);
     registerMeshFilters(r);
+    registerUtilityTypes(r);
+    registerConstraintTypes(r);
 }
 
 } // namespace host::scene

@@ -163,7 +163,17 @@ bool compatible(const Cell& source, const Cell& destination) {
 void assign(Cell& destination, Cell& source) {
     const Attribute &from = source.attribute, &to = destination.attribute;
     int j = 0, k = 0;
-    if (to.type == AttributeType::Tuple && from.type == AttributeType::Tuple) {
+    if (to.type == AttributeType::Generic || from.type == AttributeType::Generic) {
+        // Numbers go in and out as they are held, in internal units.
+        const Numeric* s = source.numbers(&j);
+        Numeric* d = to.type == AttributeType::Generic ? nullptr : destination.numbers(&k);
+        if (!s || (!d && !source.isTupleChild()))
+            destination.value = to.type == AttributeType::Generic ? source.value : destination.value;
+        else if (!d)
+            destination.value = Numeric(s->type, 1, s->get(j));
+        else
+            for (int i = 0; k + i < d->count && j + i < s->count; ++i) d->set(k + i, s->get(j + i));
+    } else if (to.type == AttributeType::Tuple && from.type == AttributeType::Tuple) {
         Numeric* d = destination.numbers();
         const Numeric* s = source.numbers();
         for (int i = 0; d && s && i < d->count && i < s->count; ++i) {
@@ -185,7 +195,7 @@ void assign(Cell& destination, Cell& source) {
             evaluate(s);
             assign(destination.child(static_cast<int>(i)), s);
         }
-    } else if (to.type == AttributeType::Generic || to.type == from.type) {
+    } else if (to.type == from.type) {
         destination.value = source.value;
     }
 }
