@@ -99,6 +99,10 @@ TEST(Time, ArithmeticAndInvalidUnits) {
     EXPECT_EQ(MTime::setUIUnit(MTime::kInvalid), MStatus::kInvalidParameter);
     EXPECT_EQ(t.as(MTime::kLast), 0.0);
     EXPECT_EQ(MTime(3.0, MTime::kInvalid).as(MTime::kFilm), 0.0);
+    // 30 frames in 1001 / 1000 seconds.
+    EXPECT_DOUBLE_EQ(30 * host::timeUnitNamed("29.97fps")->ticks, 6006);
+    EXPECT_EQ(host::unitName(*host::timeUnitNamed("29.97fps")), "29.97fps");
+    EXPECT_DOUBLE_EQ(host::timeUnitNamed("44100fps")->ticks * 44100, 6000);
     for (const char* name : {"7fps", "0fps", "-24fps", "fps", "24", ""})
         EXPECT_FALSE(host::timeUnitNamed(name)) << name;
 }

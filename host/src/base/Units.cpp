@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <numbers>
 
 namespace host {
@@ -40,11 +41,14 @@ constexpr std::array<AngularEntry, 4> angularUnits{{
 }};
 
 struct TimeEntry {
-    int ticks;
+    double ticks;
     std::string_view name, longName;
 };
 
-constexpr std::array<TimeEntry, 11> timeUnits{{
+/// NTSC counts 1001 times where others count 1000.
+constexpr double ntscTicks(double nominalRate) { return ticksPerSecond * 1.001 / nominalRate; }
+
+constexpr std::array<TimeEntry, 18> timeUnits{{
     {ticksPerSecond * 3600, "hour", "hours"},
     {ticksPerSecond * 60, "min", "minutes"},
     {ticksPerSecond, "sec", "seconds"},
@@ -56,6 +60,13 @@ constexpr std::array<TimeEntry, 11> timeUnits{{
     {ticksPerSecond / 48, "show", "48fps"},
     {ticksPerSecond / 50, "palf", "50fps"},
     {ticksPerSecond / 60, "ntscf", "60fps"},
+    {ntscTicks(24), "23.976fps", ""},
+    {ntscTicks(30), "29.97fps", "29.97df"},
+    {ntscTicks(48), "47.952fps", ""},
+    {ntscTicks(60), "59.94fps", ""},
+    {ticksPerSecond / 90.0, "90fps", ""},
+    {ticksPerSecond / 44100.0, "44100fps", ""},
+    {ticksPerSecond / 48000.0, "48000fps", ""},
 }};
 
 LinearUnit currentLinear = LinearUnit::Centimetre;
@@ -90,7 +101,7 @@ std::string_view unitName(AngularUnit unit) { return entryOf(unit).name; }
 std::string unitName(TimeUnit unit) {
     for (const TimeEntry& entry : timeUnits)
         if (entry.ticks == unit.ticks) return std::string(entry.name);
-    return std::to_string(ticksPerSecond / unit.ticks) + "fps";
+    return std::to_string(std::lround(ticksPerSecond / unit.ticks)) + "fps";
 }
 
 std::optional<LinearUnit> linearUnitNamed(std::string_view name) {
@@ -107,12 +118,12 @@ std::optional<AngularUnit> angularUnitNamed(std::string_view name) {
 
 std::optional<TimeUnit> timeUnitNamed(std::string_view name) {
     for (const TimeEntry& entry : timeUnits)
-        if (name == entry.name || name == entry.longName) return TimeUnit{entry.ticks};
+        if (!name.empty() && (name == entry.name || name == entry.longName)) return TimeUnit{entry.ticks};
     int rate = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), rate);
     const std::string_view rest(end, static_cast<std::size_t>(name.data() + name.size() - end));
     if (error != std::errc() || rest != "fps" || rate < 1 || ticksPerSecond % rate != 0) return std::nullopt;
-    return TimeUnit{ticksPerSecond / rate};
+    return TimeUnit{static_cast<double>(ticksPerSecond / rate)};
 }
 
 } // namespace host

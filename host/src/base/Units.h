@@ -9,9 +9,10 @@ namespace host {
 enum class LinearUnit { Millimetre, Centimetre, Metre, Kilometre, Inch, Foot, Yard, Mile };
 enum class AngularUnit { Degree, Radian, ArcMinute, ArcSecond };
 
-/// A time unit by the number of ticks it has; a second has 6000.
+/// A time unit by the number of ticks it has, of which a second has 6000; NTSC's own rates have parts of one, such as
+/// 200.2 for 29.97 frames a second.
 struct TimeUnit {
-    int ticks = 250;
+    double ticks = 250;
     friend bool operator==(TimeUnit, TimeUnit) = default;
 };
 
@@ -25,7 +26,7 @@ AngularUnit angularUnit();
 TimeUnit timeUnit();
 void setLinearUnit(LinearUnit unit);
 void setAngularUnit(AngularUnit unit);
-/// `unit.ticks` is at least 1.
+/// `unit.ticks` is above 0.
 void setTimeUnit(TimeUnit unit);
 
 /// The axis that scripts are told points up: 'y', at first, or 'z'. Nothing is turned by it.

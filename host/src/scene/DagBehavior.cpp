@@ -88,6 +88,15 @@ MMatrix transformMatrix(DagNode& n) {
     return m;
 }
 
+void DagBehavior::upstream(Cell& cell, std::vector<Cell*>& out) {
+    const std::string& name = cell.attribute.longName;
+    const bool world = name.starts_with("world");
+    if (!world && !name.starts_with("parent")) return;
+    for (DagNode* n = world ? &node_ : node_.parent; n && !n->worldKnown(); n = n->parent)
+        for (const char* matrix : {"matrix", "offsetParentMatrix"})
+            if (const Attribute* a = n->type.find(matrix)) out.push_back(&n->cell(*a));
+}
+
 bool DagBehavior::compute(Cell& cell) {
     const std::string& name = cell.attribute.longName;
     if (name == "matrix" || name == "xformMatrix") {

@@ -11,6 +11,7 @@ class DagBehavior : public NodeBehavior {
 public:
     explicit DagBehavior(DagNode& node) : node_(node) {}
     bool compute(Cell& cell) override;
+    void upstream(Cell& cell, std::vector<Cell*>& out) override;
 
 protected:
     DagNode& node_;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 namespace host::scene {
 namespace {
@@ -17,26 +18,20 @@ void setDirtyBelow(Cell& cell, bool dirty) {
     for (auto& [index, c] : cell.elements) setDirtyBelow(*c, dirty);
 }
 
-/// Whether a change of the attribute moves the node or what is below it.
-bool affectsWorldMatrix(const DagNode& node, const Attribute& attribute) {
-    const std::string& root = attribute.root().longName;
-    if (root == "inheritsTransform" || root == "offsetParentMatrix") return true;
-    if (!node.isTransform()) return false;
-    const Attribute* matrix = node.type.find("matrix");
-    std::vector<const Attribute*> affected;
-    for (const Attribute* a = &attribute; a; a = a->parent) node.type.affected(*a, affected);
-    return std::find(affected.begin(), affected.end(), matrix) != affected.end();
-}
-
 /// One wave of dirt: visits each cell once, whatever cycles the connections form.
 class Wave {
 public:
+    Wave() : number_(++last_), nested_(running_ > 0) { ++running_; }
+    ~Wave() { --running_; }
+    Wave(const Wave&) = delete;
+    Wave& operator=(const Wave&) = delete;
+
     void dependents(Cell& cell) {
         pending_.push_back(&cell);
         while (!pending_.empty()) {
             Cell* c = pending_.back();
             pending_.pop_back();
-            if (visited_.insert(c).second) spread(*c);
+            if (isNew(*c)) spread(*c);
         }
     }
 
@@ -47,6 +42,14 @@ public:
     }
 
 private:
+    /// A wave that a node starts while another one comes by leaves that one's marks alone.
+    bool isNew(Cell& cell) {
+        if (nested_) return visited_.insert(&cell).second;
+        if (cell.wave == number_) return false;
+        cell.wave = number_;
+        return true;
+    }
+
     void destinationsBelow(Cell& cell) {
         for (Cell* d : cell.destinations) mark(*d);
         for (auto& c : cell.children)
@@ -61,10 +64,8 @@ private:
             for (Cell* d : up->destinations) mark(*d);
 
         Node& node = cell.node;
-        std::vector<const Attribute*> affected;
-        for (const Attribute* a = &cell.attribute; a; a = a->parent) node.type.affected(*a, affected);
-        collectBelow(cell.attribute, node.type, affected);
-        for (const Attribute* a : affected) {
+        const AttributeFlow& flow = cell.flow();
+        for (const Attribute* a : flow.affected) {
             // Only cells that somebody has looked at can have anything to forget.
             Cell* root = node.existingCell(a->root());
             if (root) markAttribute(*root, *a);
@@ -74,17 +75,10 @@ private:
             node.behavior->dependents(cell, more);
             for (Cell* c : more) mark(*c);
         }
-        if (DagNode* dag = node.dag(); dag && affectsWorldMatrix(*dag, cell.attribute)) {
+        if (flow.movesWorld) {
             std::vector<Cell*> stale;
-            dag->forgetWorld(stale);
+            node.dag()->forgetWorld(stale);
             for (Cell* c : stale) mark(*c);
-        }
-    }
-
-    static void collectBelow(const Attribute& a, const NodeType& type, std::vector<const Attribute*>& out) {
-        for (const auto& c : a.children) {
-            type.affected(*c, out);
-            collectBelow(*c, type, out);
         }
     }
 
@@ -98,6 +92,10 @@ private:
         for (auto& [index, c] : cell.elements) markAttribute(*c, wanted);
     }
 
+    static inline unsigned long last_ = 0;
+    static inline int running_ = 0;
+    unsigned long number_;
+    bool nested_;
     std::vector<Cell*> pending_;
     std::unordered_set<Cell*> visited_;
 };
@@ -226,19 +224,13 @@ void followSources(Cell& cell) {
 
 } // namespace
 
-void evaluate(Cell& cell) {
-    if (cell.node.behavior && cell.attribute.internal && cell.node.behavior->getInternal(cell)) return;
-    if (!cell.dirty) return;
-    if (cell.computing) {
-        reportCycle(cell);
-        return;
-    }
-    if (cell.node.scene.evaluationDepth >= Scene::maxEvaluationDepth) {
-        // A chain this long would end on the stack's guard page; the value stays as it was.
-        if (cell.node.scene.noteCycle(cell))
-            showWarning("Too many nodes depend on one another above '" + cell.name() + "': it is not evaluated.");
-        return;
-    }
+namespace {
+
+/// Evaluations within evaluations up to here ask for their sources as they need them; beyond, what a cell is computed
+/// from is brought up to date before it, so that a chain of any length takes no more of the stack.
+constexpr int aheadDepth = 32;
+
+void evaluateHere(Cell& cell) {
     struct Guard {
         Cell& cell;
         explicit Guard(Cell& c) : cell(c) {
@@ -262,7 +254,7 @@ void evaluate(Cell& cell) {
         cell.dirty = false;
         return;
     }
-    if (cell.node.isComputed(cell.attribute)) {
+    if (cell.flow().computed) {
         if (cell.node.behavior) cell.node.behavior->compute(cell);
         cell.dirty = false;
         return;
@@ -277,6 +269,91 @@ void evaluate(Cell& cell) {
         const bool exists = i < cell.children.size() && cell.children[i];
         if (exists || cell.node.isComputed(part)) evaluate(cell.child(static_cast<int>(i)));
     }
+}
+
+/// Calls visit(c) for what the evaluation of a cell will read and that is not up to date.
+template <class Visit>
+void eachUpstream(Cell& cell, Visit visit) {
+    const auto look = [&](Cell* c) {
+        if (c && c->dirty) visit(*c);
+    };
+    if (cell.source) {
+        Cell* end = cell.source;
+        while (end->source && end->dirty && !end->computing && !end->attribute.internal) end = end->source;
+        look(end);
+        return;
+    }
+    for (Cell* up = cell.parent; up; up = up->parent)
+        if (up->source) {
+            look(up);
+            return;
+        }
+    if (cell.flow().computed) {
+        for (const Attribute* input : cell.flow().inputs) look(cell.node.existingCell(input->root()));
+        if (cell.node.behavior) {
+            std::vector<Cell*> more;
+            cell.node.behavior->upstream(cell, more);
+            for (Cell* c : more) look(c);
+        }
+        return;
+    }
+    for (auto& child : cell.children) look(child.get());
+    for (auto& [index, element] : cell.elements) look(element.get());
+}
+
+/// Evaluates a cell after everything that it is computed from, by a list of work in place of recursion.
+void evaluateAhead(Cell& cell) {
+    struct Work {
+        std::vector<Cell*> cells; ///< a waiting one is ready when it is the last again
+        ~Work() {
+            for (Cell* c : cells) c->waiting = false;
+        }
+    } work{{&cell}};
+    bool first = true; // whatever waits for the cell elsewhere
+    while (!work.cells.empty()) {
+        Cell* c = work.cells.back();
+        const bool ready = c->waiting && !std::exchange(first, false);
+        if (!c->dirty || c->computing) {
+            c->waiting = false;
+            work.cells.pop_back();
+        } else if (ready) {
+            c->waiting = false;
+            work.cells.pop_back();
+            // What only passes a value on that is still being worked out is left for whoever needs it: a node asks for
+            // some of what its type says that it might read.
+            bool blocked = false;
+            if (c != &cell && (c->source || !c->flow().computed)) eachUpstream(*c, [&](Cell&) { blocked = true; });
+            if (!blocked) evaluateHere(*c);
+        } else {
+            c->waiting = true;
+            const auto end = static_cast<std::ptrdiff_t>(work.cells.size());
+            eachUpstream(*c, [&](Cell& u) {
+                if (!u.waiting && !u.computing) work.cells.push_back(&u);
+            });
+            std::reverse(work.cells.begin() + end, work.cells.end());
+        }
+    }
+}
+
+} // namespace
+
+void evaluate(Cell& cell) {
+    if (cell.node.behavior && cell.attribute.internal && cell.node.behavior->getInternal(cell)) return;
+    if (!cell.dirty) return;
+    if (cell.computing) {
+        reportCycle(cell);
+        return;
+    }
+    if (cell.node.scene.evaluationDepth >= Scene::maxEvaluationDepth) {
+        // Nodes that depend on one another unknown to the graph would end on the stack's guard page; the value stays.
+        if (cell.node.scene.noteCycle(cell))
+            showWarning("Too many nodes depend on one another above '" + cell.name() + "': it is not evaluated.");
+        return;
+    }
+    if (cell.node.scene.evaluationDepth < aheadDepth)
+        evaluateHere(cell);
+    else
+        evaluateAhead(cell);
 }
 
 } // namespace host::scene

@@ -10,7 +10,7 @@ namespace host::scene {
 
 Cell::Cell(Node& n, const Attribute& a, Cell* p, int i) : node(n), attribute(a), parent(p), index(i) {
     if (!isArray() && !isTupleChild()) value = a.defaultValue;
-    dirty = n.isComputed(a) || (p && p->dirty);
+    dirty = flow().computed || (p && p->dirty);
 }
 
 Cell& Cell::child(int k) {
@@ -61,6 +61,11 @@ bool Cell::lockedHere() const {
     return node.locked;
 }
 
+const AttributeFlow& Cell::flow() const {
+    if (!flow_ || flow_->version != NodeType::flowVersion) flow_ = &node.type.flow(attribute);
+    return *flow_;
+}
+
 NodeType::NodeType(std::string n, const NodeType* b, Kind k, int api)
     : name(std::move(n)), base(b), kind(k), apiType(api) {}
 
@@ -88,6 +93,7 @@ void NodeType::affects(const Attribute& input, const Attribute& output) {
     auto& list = affects_[&input];
     if (std::find(list.begin(), list.end(), &output) == list.end()) list.push_back(&output);
     computed_.insert(&output);
+    ++flowVersion;
 }
 
 void NodeType::affects(std::initializer_list<const char*> inputs, std::initializer_list<const char*> outputs) {
@@ -97,6 +103,7 @@ void NodeType::affects(std::initializer_list<const char*> inputs, std::initializ
 
 void NodeType::computed(std::initializer_list<const char*> outputs) {
     for (const char* out : outputs) computed_.insert(find(out));
+    ++flowVersion;
 }
 
 const Attribute* NodeType::find(std::string_view attributeName) const {
@@ -128,6 +135,45 @@ bool NodeType::isComputed(const Attribute& attribute) const {
             if (t->computed_.contains(a)) return true;
     }
     return false;
+}
+
+const AttributeFlow& NodeType::flow(const Attribute& attribute) const {
+    // What nodes have added is computed by nobody.
+    static AttributeFlow none;
+    if (attribute.root().dynamic) {
+        none.version = flowVersion;
+        return none;
+    }
+    auto& slot = flows_[&attribute];
+    if (slot && slot->version == flowVersion) return *slot;
+    if (!slot) slot = std::make_unique<AttributeFlow>();
+    AttributeFlow& flow = *slot;
+    flow = {};
+    flow.version = flowVersion;
+    flow.computed = isComputed(attribute);
+    std::vector<const Attribute*> found;
+    for (const Attribute* a = &attribute; a; a = a->parent) affected(*a, found);
+    const std::string& root = attribute.root().longName;
+    flow.movesWorld =
+        isDag() && (root == "inheritsTransform" || root == "offsetParentMatrix" ||
+                    (kind == Kind::Transform && std::find(found.begin(), found.end(), find("matrix")) != found.end()));
+    const std::function<void(const Attribute&)> below = [&](const Attribute& a) {
+        for (const auto& child : a.children) {
+            affected(*child, found);
+            below(*child);
+        }
+    };
+    below(attribute);
+    std::unordered_set<const Attribute*> seen;
+    for (const Attribute* a : found)
+        if (seen.insert(a).second) flow.affected.push_back(a);
+    seen.clear();
+    for (const NodeType* t = this; flow.computed && t; t = t->base)
+        for (const auto& [input, outputs] : t->affects_)
+            for (const Attribute* a = &attribute; a; a = a->parent)
+                if (std::find(outputs.begin(), outputs.end(), a) != outputs.end() && seen.insert(input).second)
+                    flow.inputs.push_back(input);
+    return flow;
 }
 
 Node::Node(Scene& s, const NodeType& t) : scene(s), type(t) { ++type.liveNodes; }

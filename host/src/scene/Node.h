@@ -21,6 +21,16 @@ class Node;
 class NodeType;
 class Scene;
 
+/// What flows into and out of an attribute within nodes of a type.
+struct AttributeFlow {
+    /// What is computed from the attribute, from what it is a part of, or from a part of it.
+    std::vector<const Attribute*> affected;
+    std::vector<const Attribute*> inputs; ///< what it, or what it is a part of, is computed from
+    bool computed = false;                ///< it, or what it is a part of
+    bool movesWorld = false;              ///< a change of it moves a node of the DAG, or what is below
+    unsigned long version = 0;
+};
+
 /// The storage and state of one plug that has been touched: a leaf, a compound, an array or an array's element.
 /// Cells are made on first use and keep their address as long as their node lives.
 struct Cell {
@@ -30,6 +40,7 @@ struct Cell {
     int index = -1;         ///< logical index of an element
     bool dirty = false, computing = false, locked = false;
     bool written = false; ///< set by somebody, so worth saving
+    bool waiting = false; ///< for what it is computed from, while a long chain is evaluated
     std::optional<bool> keyable, channelBox;
     Value value; ///< of leaves and tuples; a tuple's child keeps none of its own
     std::vector<std::unique_ptr<Cell>> children;
@@ -37,6 +48,7 @@ struct Cell {
     Cell* source = nullptr;
     std::vector<Cell*> destinations;
     std::shared_ptr<void> apiView; ///< what the API needs to hand out references to the value
+    unsigned long wave = 0;        ///< the last wave of dirt that came by
 
     Cell(Node& n, const Attribute& a, Cell* p, int i);
     bool isArray() const { return attribute.array && index < 0; }
@@ -53,6 +65,10 @@ struct Cell {
     std::string name(bool longNames = true) const;
     std::string attributePath(bool longNames = true) const;
     bool lockedHere() const;
+    const AttributeFlow& flow() const;
+
+private:
+    mutable const AttributeFlow* flow_ = nullptr;
 };
 
 /// Whether `holds` is true of the cell or of one that exists below it: depth first, parts before elements. `holds`
@@ -83,6 +99,8 @@ public:
     virtual void postConstructor() {}
     /// Adds cells that become dirty with the given one.
     virtual void dependents(Cell&, std::vector<Cell*>&) {}
+    /// Adds cells that the computation of the given one reads and that no attribute's list of what it affects tells of.
+    virtual void upstream(Cell&, std::vector<Cell*>&) {}
     /// Whether the connection may be made or broken (an empty answer means no opinion).
     virtual std::optional<bool> legal(Cell&, Cell&, bool /*asSource*/, bool /*making*/) { return std::nullopt; }
     virtual void connectionChanged(Cell&, Cell&, bool /*asSource*/, bool /*made*/) {}
@@ -121,7 +139,8 @@ public:
     std::string plugin, classification;
     bool isAbstract = false;
     MakeBehavior makeBehavior;
-    mutable int liveNodes = 0; ///< nodes that exist, in the scene or in the undo queue
+    static inline unsigned long flowVersion = 1; ///< grows when what an attribute affects changes
+    mutable int liveNodes = 0;                   ///< nodes that exist, in the scene or in the undo queue
 
     bool isDag() const { return kind != Kind::Dependency; }
     bool isA(std::string_view typeName) const;
@@ -137,6 +156,8 @@ public:
     void affected(const Attribute& input, std::vector<const Attribute*>& out) const;
     /// Whether the attribute, or a compound around it, is computed from others.
     bool isComputed(const Attribute& attribute) const;
+    /// All of that together, looked up once. It stays where it is as long as the type.
+    const AttributeFlow& flow(const Attribute& attribute) const;
     const std::vector<AttributePtr>& ownAttributes() const { return own_; }
 
 private:
@@ -145,6 +166,7 @@ private:
     std::unordered_map<std::string, const Attribute*> byName_;
     std::unordered_map<const Attribute*, std::vector<const Attribute*>> affects_;
     std::unordered_set<const Attribute*> computed_;
+    mutable std::unordered_map<const Attribute*, std::unique_ptr<AttributeFlow>> flows_;
 };
 
 /// A node of the dependency graph.
@@ -196,7 +218,7 @@ public:
     std::unique_ptr<Cell> takeCell(const Attribute& rootAttribute);
     void putCell(std::unique_ptr<Cell> cell);
 
-    bool isComputed(const Attribute& attribute) const { return type.isComputed(attribute); }
+    bool isComputed(const Attribute& attribute) const { return type.flow(attribute).computed; }
 
 private:
     std::vector<AttributePtr> dynamic_;
@@ -230,6 +252,7 @@ public:
     bool visible();   ///< its own visibility (with overrides), not its parents'
     bool templated(); ///< its own template flag or override
     bool intermediate();
+    bool worldKnown() const { return worldValid_; }
     /// Forgets the cached matrices here and below, and lists the cells that show them.
     void forgetWorld(std::vector<Cell*>& stale);
 

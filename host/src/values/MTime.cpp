@@ -65,7 +65,7 @@ MTime::Unit MTime::uiUnit() {
 
 MStatus MTime::setUIUnit(MTime::Unit newUnit) {
     if (ticksOf(newUnit) == 0) return MStatus::kInvalidParameter;
-    host::setTimeUnit({ticksOf(newUnit)});
+    host::setTimeUnit({static_cast<double>(ticksOf(newUnit))});
     return MStatus::kSuccess;
 }
 
