@@ -171,7 +171,7 @@ TEST_F(FileCommandTest, WrongUseIsAnError) {
     for (const auto& [script, message] :
          {Case{"file -open;", "name of one file"}, Case{"file -i \"a\" \"b\";", "name of one file"},
           Case{"file -rename \"\";", "name of one file"}, Case{"file -save -type \"mayaBinary\";", "mayaBinary"},
-          Case{"file -ea \"x.mb\";", "Maya ASCII"}, Case{"file -reference \"a.ma\";", "references"},
+          Case{"file -ea \"x.mb\";", "Maya ASCII"}, Case{"file -reference \"a.ma\";", "no reference to"},
           Case{"file -es \"a.ma\";", "selection"}, Case{"file -nosuch;", "Invalid flag"},
           Case{"file;", "nothing to do"}, Case{"file -q;", "queried"}, Case{"file -q -exists;", "name of a file"},
           Case{"file -namespace;", "must be passed a value"}}) {

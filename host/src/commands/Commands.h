@@ -24,6 +24,7 @@ void registerComponentCommands(Interpreter& interpreter);
 void registerComponentListCommands(Interpreter& interpreter);
 void registerHistoryCommands(Interpreter& interpreter);
 void registerMeshCommands(Interpreter& interpreter);
+void registerReferenceCommands(Interpreter& interpreter);
 void registerSetCommands(Interpreter& interpreter);
 void registerSelectionCommands(Interpreter& interpreter);
 void registerUndoCommands(Interpreter& interpreter);

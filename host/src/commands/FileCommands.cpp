@@ -3,10 +3,12 @@
 #include "commands/Commands.h"
 #include "commands/Host.h"
 #include "commands/ModelImport.h"
+#include "commands/ReferenceCommands.h"
 #include "files/MeshImport.h"
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
 #include "files/Workspace.h"
+#include "scene/References.h"
 
 #include <algorithm>
 #include <set>
@@ -48,6 +50,7 @@ std::function<void()>& afterOpening() {
 files::SceneReader::Result readScene(const std::string& path, files::SceneReader::Options options) {
     requireAsciiScene(path);
     options.loadPlugin = loadPlugin;
+    options.project = workspace().root();
     return files::SceneReader(theScene(), std::move(options)).read(path);
 }
 
@@ -89,7 +92,12 @@ Value queryFile(const ParsedArguments& a) {
     if (a.has("exn") || a.has("loc")) return scene.fileName.empty() ? untitled : scene.fileName;
     if (a.has("l")) return StringArray{scene.fileName.empty() ? untitled : scene.fileName};
     if (a.has("typ")) return StringArray{"mayaAscii"};
-    if (a.has("r")) return StringArray{};
+    if (a.has("r")) return referencedFiles();
+    if (a.has("rfn") || a.has("ns")) {
+        const auto names = a.names();
+        if (names.size() != 1) throw Error("file needs the name of one referenced file.");
+        return queryReference(names[0], a.has("rfn"));
+    }
     throw Error("file: nothing that can be queried is named.");
 }
 
@@ -121,6 +129,25 @@ Value importFile(const ParsedArguments& a, const std::string& path) {
     return names;
 }
 
+Value referFile(const ParsedArguments& a, const std::string& name) {
+    const std::string path = workspace().findScene(name);
+    requireAsciiScene(path);
+    const NewReference names = namesForReference(path, a.text("ns"));
+    files::SceneReader::Options options;
+    options.loadPlugin = loadPlugin;
+    options.project = workspace().root();
+    const auto created =
+        files::SceneReader(theScene(), std::move(options)).refer(path, names.nameSpace, names.node).created;
+    if (const Reference* made = References::of(theScene()).named(names.node); !made || !made->loaded) {
+        if (made) removeReference(names.node);
+        throw Error("file: no reference to '" + path + "' could be made.");
+    }
+    if (!a.has("rnn")) return path;
+    StringArray made;
+    for (const NodePtr& node : created) made.push_back(nameOf(*node, true));
+    return made;
+}
+
 Value file(Call& call) {
     const ParsedArguments a(call,
                             {{"new", "newFile"},
@@ -131,6 +158,8 @@ Value file(Call& call) {
                              {"ea", "exportAll"},
                              {"es", "exportSelected"},
                              {"r", "reference"},
+                             {"rr", "removeReference"},
+                             {"rfn", "referenceNode", 1},
                              {"f", "force"},
                              {"typ", "type", 1},
                              {"ex", "exists"},
@@ -156,7 +185,6 @@ Value file(Call& call) {
                             true);
     Scene& scene = theScene();
     if (a.query()) return queryFile(a);
-    if (a.has("r")) throw Error("file: references to other files are not supported.");
     if (a.has("es")) throw Error("file: exporting the selection is not supported; use -exportAll.");
     const std::string type = a.text("typ");
     const bool writes = a.has("s") || a.has("rn") || a.has("ea");
@@ -179,6 +207,11 @@ Value file(Call& call) {
         if (const auto work = afterOpening()) work();
         return path;
     }
+    if (a.has("rr")) {
+        removeReference(a.has("rfn") ? a.text("rfn") : name());
+        return {};
+    }
+    if (a.has("r")) return referFile(a, name());
     if (a.has("i")) return importFile(a, workspace().findScene(name()));
     if (a.has("rn")) {
         scene.fileName = placeOf(name());

@@ -82,12 +82,13 @@ void registerUndoCommands(Interpreter& interpreter) {
 }
 
 void registerSceneCommands(Interpreter& interpreter) {
-    for (auto* add :
-         {registerNodeCommands, registerCreationCommands, registerAttributeCommands, registerAttributeListCommands,
-          registerConnectionCommands, registerDagCommands, registerAttributeEditCommands, registerComponentListCommands,
-          registerHistoryCommands, registerDuplicateCommands, registerTransformCommands, registerXformCommand,
-          registerAnimationCommands, registerExpressionCommands, registerComponentCommands, registerMeshCommands,
-          registerSetCommands, registerSelectionCommands, registerUndoCommands})
+    for (auto* add : {registerNodeCommands,          registerCreationCommands,      registerAttributeCommands,
+                      registerAttributeListCommands, registerConnectionCommands,    registerDagCommands,
+                      registerAttributeEditCommands, registerComponentListCommands, registerHistoryCommands,
+                      registerDuplicateCommands,     registerTransformCommands,     registerXformCommand,
+                      registerAnimationCommands,     registerExpressionCommands,    registerComponentCommands,
+                      registerMeshCommands,          registerSetCommands,           registerReferenceCommands,
+                      registerSelectionCommands,     registerUndoCommands})
         add(interpreter);
     interpreter.beforeTopLevelStatement = [] { theScene().undo.openChunk(); };
     interpreter.afterTopLevelStatement = [] { theScene().undo.closeChunk(); };

@@ -262,6 +262,19 @@ void AttributeWriter::array(Cell& c) {
     }
 }
 
+void AttributeWriter::plug(Cell& c) {
+    std::string flags;
+    states(c, flags);
+    const bool single = c.attribute.type == AttributeType::Tuple || c.attribute.children.empty();
+    const auto* data = std::get_if<DataPtr>(&c.value);
+    const bool writable = !data || (*data && (*data)->kind() != DataKind::Mesh);
+    if (single && !c.isArray() && c.attribute.storable && !isConnected(c) && writable &&
+        !c.node.isComputed(c.attribute))
+        value(c, flags);
+    else if (!flags.empty())
+        out_ += "\tsetAttr" + flags + " \"." + plugText(c, false) + "\";\n";
+}
+
 void AttributeWriter::cell(Cell& c) {
     const Attribute& a = c.attribute;
     std::string flags;

@@ -21,8 +21,12 @@ public:
     AttributeWriter(const FileUnits& units, std::string& out) : units_(units), out_(out) {}
     void write(scene::Node& node);
 
-private:
+    /// Writes one plug's value and states, whatever they are.
+    void plug(scene::Cell& cell);
+    /// Writes what makes an added attribute.
     void define(const scene::Attribute& attribute);
+
+private:
     void cell(scene::Cell& cell);
     void array(scene::Cell& cell);
     void value(scene::Cell& cell, const std::string& flags);

@@ -18,6 +18,11 @@ public:
     void renamed(scene::Node& node, std::string name);
     /// To be told when a node of the file has got another parent.
     void moved(scene::Node& node);
+    /// Calls visit(node, name) for all that were added.
+    template <class Visit>
+    void each(Visit visit) const {
+        for (const auto& [node, entry] : entries_) visit(const_cast<scene::Node&>(*node), entry.name);
+    }
     /// The node of that name or path; null when there is none or more than one.
     scene::Node* find(std::string_view path) const;
 

@@ -1,20 +1,26 @@
 #include "files/SceneReader.h"
 
 #include "base/Messages.h"
+#include "files/AttributeWriter.h"
 #include "files/FileNames.h"
 #include "files/NumberWords.h"
+#include "files/ReferenceEdits.h"
+#include "files/ReferenceFiles.h"
 #include "files/SceneSurvey.h"
 #include "scene/MeshFilter.h"
 #include "scene/MeshNode.h"
+#include "scene/References.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <deque>
 #include <optional>
 #include <set>
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace host::files {
 
@@ -58,14 +64,45 @@ bool isBookkeeping(std::string_view type) {
     return types.contains(type);
 }
 
+/// Takes a statement's flags and objects apart. `valued` lists the flags that have a value.
+struct Split {
+    std::vector<std::string_view> objects;
+    std::unordered_map<std::string_view, std::string_view> flags;
+
+    Split(const Statement& s, std::initializer_list<std::string_view> valued) {
+        for (std::size_t i = 0; i < s.words.size(); ++i) {
+            const Word& w = s.words[i];
+            if (!w.isFlag()) {
+                objects.push_back(w.text);
+                continue;
+            }
+            const bool takes = std::find(valued.begin(), valued.end(), w.text) != valued.end();
+            if (takes && i + 1 == s.words.size())
+                throw SceneError(fmt::format("{}: flag '{}' needs a value.", s.name, w.text));
+            flags[w.text] = takes ? s.words[++i].text : std::string_view();
+        }
+    }
+    bool has(std::string_view brief, std::string_view full) const {
+        return flags.contains(brief) || flags.contains(full);
+    }
+    std::string value(std::string_view brief, std::string_view full) const {
+        auto it = flags.find(brief);
+        if (it == flags.end()) it = flags.find(full);
+        return it == flags.end() ? std::string() : std::string(it->second);
+    }
+};
+
 /// One reading of a file.
 class Reading {
 public:
-    Reading(Scene& scene, const SceneReader::Options& options, const std::string& file, SceneSurvey survey)
-        : scene_(scene), options_(options), complaints_(file), names_(scene), survey_(std::move(survey)),
-          context_{scene, {}, nullptr, [this](std::string_view n) { return names_.find(n); }, compounds_} {}
+    Reading(Scene& scene, const SceneReader::Options& options, const std::string& file, SceneSurvey survey,
+            ReferenceFiles& files, Reference* within = nullptr)
+        : scene_(scene), options_(options), complaints_(file), names_(scene), survey_(std::move(survey)), files_(files),
+          within_(within), context_{
+                               scene, {}, nullptr, [this](std::string_view n) { return names_.find(n); }, compounds_} {}
 
     SceneReader::Result run(std::string_view text);
+    const FileNames& names() const { return names_; }
 
 private:
     using Handler = void (Reading::*)(const Statement&);
@@ -86,6 +123,14 @@ private:
     void currentTime(const Statement& s);
     void lockNode(const Statement& s);
     void reference(const Statement& s);
+    void keepReference(const Statement& s, const Split& words);
+    bool open(const Statement& s, Reference& reference, const std::string& file, const std::string& prefix);
+    void applyEdits(const Statement& s);
+    bool apply(const ReferenceEdit& edit, int line);
+    void placeholderFor(const std::string& placeholder, const std::string& plug);
+    std::string meantBy(std::string_view plug) const;
+    bool carryOut(const Statement& s);
+    void dropFosterParents();
     void keepWithNode(const Statement& s);
     void keepWithScene(const Statement& s);
 
@@ -104,7 +149,12 @@ private:
     Complaints complaints_;
     FileNames names_;
     SceneSurvey survey_;
-    std::size_t created_ = 0; ///< createNode statements so far
+    ReferenceFiles& files_;
+    Reference* within_ = nullptr;                               ///< the reference that this file is read for
+    std::set<std::string> unloaded_;                            ///< reference nodes whose files are not to be read
+    std::unordered_map<std::string, std::string> placeholders_; ///< "levelRN.phl[1]" and what it stands for
+    std::deque<std::string> texts_;                             ///< of statements that edits stand for
+    std::size_t created_ = 0;                                   ///< createNode statements so far
     OpenCompounds compounds_;
     StatementContext context_;
     SceneReader::Result result_;
@@ -142,39 +192,12 @@ const std::unordered_map<std::string_view, Reading::Handler>& Reading::handlers(
     return table;
 }
 
-/// Takes a statement's flags and objects apart. `valued` lists the flags that have a value.
-struct Split {
-    std::vector<std::string_view> objects;
-    std::unordered_map<std::string_view, std::string_view> flags;
-
-    Split(const Statement& s, std::initializer_list<std::string_view> valued) {
-        for (std::size_t i = 0; i < s.words.size(); ++i) {
-            const Word& w = s.words[i];
-            if (!w.isFlag()) {
-                objects.push_back(w.text);
-                continue;
-            }
-            const bool takes = std::find(valued.begin(), valued.end(), w.text) != valued.end();
-            if (takes && i + 1 == s.words.size())
-                throw SceneError(fmt::format("{}: flag '{}' needs a value.", s.name, w.text));
-            flags[w.text] = takes ? s.words[++i].text : std::string_view();
-        }
-    }
-    bool has(std::string_view brief, std::string_view full) const {
-        return flags.contains(brief) || flags.contains(full);
-    }
-    std::string value(std::string_view brief, std::string_view full) const {
-        auto it = flags.find(brief);
-        if (it == flags.end()) it = flags.find(full);
-        return it == flags.end() ? std::string() : std::string(it->second);
-    }
-};
-
 std::string Reading::newName(const std::string& name) const {
     return options_.import && !options_.prefix.empty() && !name.empty() ? options_.prefix + name : name;
 }
 
 void Reading::keep(Node& node, const Statement& s) {
+    if (within_) return; // its file keeps it
     auto& kept = node.keptStatements;
     std::string text = s.kept();
     // Imported into a node that was there before, the same statement need not be there twice.
@@ -220,7 +243,27 @@ void Reading::createNode(const Statement& s) {
     }
 }
 
+/// Whether a setAttr statement says something of a reference node's placeholders.
+bool holdsPlaceholders(const Statement& s) {
+    return std::any_of(s.words.begin(), s.words.end(), [](const Word& w) {
+        return w.quoted && (w.text.starts_with(".phl") || w.text.starts_with(".placeHolderList"));
+    });
+}
+
 void Reading::setAttr(const Statement& s) {
+    // What a referenced file says of the nodes that every scene has is that file's own.
+    if (within_ && context_.target && context_.target->isDefault) return;
+    if (context_.target && context_.target->type.name == "reference" &&
+        std::any_of(s.words.begin(), s.words.end(), [](const Word& w) { return w.text == "dataReferenceEdits"; })) {
+        applyEdits(s);
+        return;
+    }
+    if (context_.target && context_.target->type.name == "reference" && holdsPlaceholders(s)) {
+        // They are numbered anew where they can be connected.
+        const Reference* reference = References::of(scene_).named(context_.target->name);
+        if (!reference || !reference->loaded) keep(*context_.target, s);
+        return;
+    }
     try {
         setAttrStatement(context_, s);
     } catch (const SceneError& e) {
@@ -242,6 +285,7 @@ void Reading::setAttr(const Statement& s) {
 
 void Reading::addAttr(const Statement& s) {
     if (!context_.target) throw SceneError("addAttr: there is no node to add the attribute to.");
+    if (within_ && context_.target->isDefault) return;
     try {
         addAttrStatement(context_, *context_.target, s);
     } catch (const UnknownHere&) {
@@ -273,6 +317,7 @@ void Reading::connectKnown(Cell& source, Cell& destination, bool force, bool loc
 void Reading::connectAttr(const Statement& s) {
     const Split words(s, {"-l", "-lock", "-rd", "-referenceDest"});
     if (words.objects.size() != 2) throw SceneError("connectAttr needs two attributes.");
+    const std::string standsFor[2] = {meantBy(words.objects[0]), meantBy(words.objects[1])};
     struct Side {
         Node* node = nullptr;
         std::string_view attribute;
@@ -280,7 +325,7 @@ void Reading::connectAttr(const Statement& s) {
         Node* parent = nullptr; ///< of another place of the node
     } sides[2];
     for (int k = 0; k < 2; ++k) {
-        const std::string_view plug = words.objects[static_cast<std::size_t>(k)];
+        const std::string_view plug = standsFor[k];
         const auto dot = plug.find('.');
         if (dot == plug.npos) throw SceneError(fmt::format("'{}' is not the name of an attribute.", plug));
         sides[k].attribute = plug.substr(dot + 1);
@@ -305,6 +350,12 @@ void Reading::connectAttr(const Statement& s) {
         if (source->isArray() && !destination->isArray()) source = &source->element(0);
         const auto lock = parseBool(words.value("-l", "-lock"));
         connectKnown(*source, *destination, words.has("-f", "-force"), lock.value_or(false));
+        return;
+    }
+    if (within_) { // its file keeps it
+        for (int k = 0; k < 2; ++k)
+            if (!sides[k].node && !standsFor[k].starts_with(':'))
+                throw SceneError(fmt::format("No object matches name: {}", standsFor[k]));
         return;
     }
     KeptConnection kept;
@@ -404,6 +455,8 @@ void Reading::select(const Statement& s) {
     if (words.objects.size() != 1) throw SceneError("select: a scene file selects one node.");
     const std::string_view name = words.objects[0];
     context_.target = placeholder(name);
+    // What a referenced file says of nodes that every scene has is left out.
+    if (within_ && !context_.target && name.starts_with(':')) context_.target = scene_.findNode("time1");
     if (!context_.target) throw SceneError(fmt::format("No object matches name: {}", name));
 }
 
@@ -411,6 +464,7 @@ void Reading::select(const Statement& s) {
 /// scene, one that stands for it and for what is said of it.
 Node* Reading::placeholder(std::string_view name) {
     if (Node* node = context_.findNode(name)) return node;
+    if (within_) return nullptr; // it is for the scene itself to have it
     if (!name.starts_with(':') || !Scene::isValidName(name.substr(1))) return nullptr;
     const NodePtr node =
         scene_.createUnknown("unknown", std::string(name.substr(1)), nullptr, NodeType::Kind::Dependency);
@@ -445,7 +499,7 @@ void Reading::requires_(const Statement& s) {
         failure = e.what();
     }
     missingPlugins_.insert(name);
-    scene_.requiredPlugins.insert(s.kept());
+    if (!within_) scene_.requiredPlugins.insert(s.kept());
     const std::string text = "The plug-in '" + name + "' is required: ";
     if (!failure.empty()) throw SceneError(text + failure);
     // Scenes require plug-ins of all kinds that have nothing to do with what they are opened for.
@@ -487,6 +541,7 @@ void Reading::currentTime(const Statement& s) {
 void Reading::lockNode(const Statement& s) {
     const Split words(s, {"-l", "-lock", "-lu", "-lockUnpublished", "-ln", "-lockName", "-ic", "-ignoreComponents"});
     if (!context_.target) throw SceneError("lockNode: there is no node to lock.");
+    if (within_ && context_.target->isDefault) return;
     const auto lock = parseBool(words.value("-l", "-lock"));
     // The lock comes last, so that it does not stand against the file's own statements.
     if (lock.value_or(false) && words.flags.size() == 1)
@@ -495,13 +550,187 @@ void Reading::lockNode(const Statement& s) {
         keepWithNode(s);
 }
 
+/// "levelRN.placeHolderList[1]" as "levelRN.phl[1]"; empty for what is no placeholder.
+std::string placeholderName(std::string_view plug) {
+    for (const std::string_view list : {".phl[", ".placeHolderList["})
+        if (const auto at = plug.find(list); at != plug.npos)
+            return std::string(plug.substr(0, at)).append(".phl[").append(plug.substr(at + list.size()));
+    return {};
+}
+
+void Reading::placeholderFor(const std::string& placeholder, const std::string& plug) {
+    if (const std::string name = placeholderName(placeholder); !name.empty()) placeholders_[name] = plug;
+}
+
+/// The plug that a placeholder stands for; other plugs as they are.
+std::string Reading::meantBy(std::string_view plug) const {
+    if (placeholders_.empty()) return std::string(plug);
+    const auto at = placeholders_.find(placeholderName(plug));
+    return at == placeholders_.end() ? std::string(plug) : at->second;
+}
+
+/// Keeps the statement for saving, with the names that the nodes have here.
+void Reading::keepReference(const Statement& s, const Split& words) {
+    if (options_.prefix.empty()) {
+        scene_.keptStatements.push_back(s.kept());
+        return;
+    }
+    std::string text = "file";
+    for (const Word& w : s.words) {
+        if (!w.isFlag()) continue;
+        text += " " + std::string(w.text);
+        const std::string value = words.value(w.text, w.text);
+        const bool named = w.text == "-ns" || w.text == "-rfn" || w.text == "-namespace" || w.text == "-referenceNode";
+        if (!value.empty()) text += " " + quotedText(named ? options_.prefix + value : value);
+    }
+    for (const std::string_view object : words.objects) text += " " + quotedText(object);
+    scene_.keptStatements.push_back(text + ";");
+}
+
 void Reading::reference(const Statement& s) {
-    const Split words(s, {});
-    scene_.keptStatements.push_back(s.kept());
-    const bool isReference = words.has("-r", "-reference") || words.has("-rdi", "-referenceDepthInfo");
-    complaints_.refused(s, isReference ? "'file': references to other files are not supported; the statement is kept."
-                                       : "'file': a scene file may not open, import or save files.");
-    if (!isReference) scene_.keptStatements.pop_back();
+    const Split words(s, {"-rdi", "-referenceDepthInfo", "-ns", "-namespace", "-rpr", "-renamingPrefix", "-rfn",
+                          "-referenceNode", "-dr", "-deferReference", "-op", "-options", "-typ", "-type", "-lrd",
+                          "-loadReferenceDepth", "-shd", "-sharedNodes"});
+    const bool opens = words.has("-r", "-reference");
+    if (!opens && !words.has("-rdi", "-referenceDepthInfo")) {
+        complaints_.refused(s, "'file': a scene file may not open, import or save files.");
+        return;
+    }
+    const std::string node = words.value("-rfn", "-referenceNode");
+    if (!within_) keepReference(s, words);
+    if (!opens) {
+        if (parseBool(words.value("-dr", "-deferReference")).value_or(false)) unloaded_.insert(node);
+        return;
+    }
+    if (words.objects.empty() || node.empty()) {
+        complaints_.refused(s, "'file': a reference needs its file and its node; the statement is kept.");
+        return;
+    }
+    const std::string space = words.value("-ns", "-namespace"), rename = words.value("-rpr", "-renamingPrefix");
+    const std::string prefix = !space.empty() && space != ":" ? space + ":" : rename.empty() ? "" : rename + "_";
+    References& references = References::of(scene_);
+    auto made = std::make_shared<Reference>();
+    made->name = options_.prefix + node;
+    made->file = words.objects.back();
+    made->prefix = options_.prefix + prefix;
+    made->nested = within_ != nullptr;
+    made->top = within_ ? within_->top : made.get();
+    if (!space.empty()) made->nameSpace = made->prefix.substr(0, made->prefix.size() - 1);
+    const Reference* sameNode = references.named(made->name);
+    const Reference* same = sameNode || made->prefix.empty() ? sameNode : references.prefixed(made->prefix);
+    if (same)
+        throw SceneError(fmt::format("file: the {} '{}' is taken by the reference to {}; '{}' is kept and not read.",
+                                     sameNode ? "reference node" : "namespace", sameNode ? made->name : made->nameSpace,
+                                     same->file, made->file));
+    Reference& entered = references.enter(std::move(made));
+    if (!unloaded_.contains(node)) open(s, entered, entered.file, prefix);
+}
+
+/// Reads the file of a reference. False when that is not possible.
+bool Reading::open(const Statement& s, Reference& reference, const std::string& file, const std::string& prefix) {
+    std::filesystem::path path;
+    try {
+        path = files_.find(file);
+    } catch (const FileError& e) {
+        complaints_.refused(s, std::string("The reference is kept and not read: ") + e.what());
+        return false;
+    }
+    References& references = References::of(scene_);
+    try {
+        const ReferenceFiles::Open opened(files_, path);
+        const auto contents = files_.read(path);
+        const References::Quiet quiet(references);
+        SceneReader::Options options = options_;
+        options.import = true;
+        options.prefix = options_.prefix + prefix;
+        Reading inner(scene_, options, path.generic_string(), contents->survey, files_, &reference);
+        SceneReader::Result result = inner.run(contents->text);
+        // This file sees the names of that one behind the prefix.
+        inner.names().each([&](Node& node, const std::string& name) { names_.add(node, prefix + name); });
+        references.bring(reference, result.created);
+        result_.created.insert(result_.created.end(), result.created.begin(), result.created.end());
+        result_.warnings += result.warnings;
+        reference.path = path;
+        reference.loaded = true;
+        return true;
+    } catch (const FileError& e) {
+        complaints_.failed(s, std::string("The reference is kept and not read: ") + e.what());
+        return false;
+    }
+}
+
+void Reading::applyEdits(const Statement& s) {
+    Node& node = *context_.target;
+    References& references = References::of(scene_);
+    Reference* reference = references.named(node.name);
+    if (!reference || !reference->loaded) {
+        if (!within_) keep(node, s);
+        return;
+    }
+    std::vector<ReferenceEdit> edits;
+    try {
+        edits = readReferenceEdits(s);
+    } catch (const SceneError&) {
+        if (!within_) keep(node, s);
+        throw;
+    }
+    const References::Quiet quiet(references);
+    int unknown = 0;
+    for (ReferenceEdit& edit : edits) {
+        // Where a reference within is not there, its edits wait with it.
+        const Reference* of = references.named(options_.prefix + edit.of);
+        if (of && !of->loaded) continue;
+        if (edit.kind == ReferenceEdit::Parent) {
+            const Node* child = context_.findNode(edit.words[0]);
+            edit.variant = child && child->referenced;
+        }
+        edit.applied = apply(edit, s.line);
+        unknown += editStatement(edit).empty();
+    }
+    if (unknown > 0)
+        complaints_.refused(s,
+                            fmt::format("{} of the edits of '{}' are of a kind that is not known here; they are kept.",
+                                        unknown, node.name));
+    if (!within_) reference->edits = std::move(edits);
+    context_.target = &node;
+}
+
+/// Whether the edit could be made.
+bool Reading::apply(const ReferenceEdit& edit, int line) {
+    const auto word = [&](std::size_t i) { return i < edit.words.size() ? edit.words[i] : std::string(); };
+    if (edit.kind == ReferenceEdit::Connect) {
+        // The statements that connect follow in the file.
+        if (edit.variant == 0) placeholderFor(word(3), word(1));
+        placeholderFor(edit.variant == 0 ? word(4) : word(2), edit.variant == 0 ? word(2) : word(1));
+        return true;
+    }
+    const std::string& text = texts_.emplace_back(editStatement(edit));
+    if (text.empty()) return false;
+    if (edit.kind == ReferenceEdit::AddAttr) {
+        context_.target = context_.findNode(word(0));
+        if (!context_.target) return false;
+        if (context_.target->findAttribute(word(1))) return true;
+    }
+    try {
+        StatementScanner scanner(text);
+        Statement s, more;
+        if (!scanner.next(s) || scanner.next(more)) throw SyntaxError("more than one statement", line);
+        s.line = line;
+        return carryOut(s);
+    } catch (const SyntaxError&) {
+        Statement at;
+        at.line = line;
+        complaints_.refused(at, "An edit of a reference is refused: " + text.substr(0, 200));
+        return false;
+    }
+}
+
+/// What the writing program keeps in the file in place of a referenced parent is of no use once its children are there.
+void Reading::dropFosterParents() {
+    for (const NodePtr& node : result_.created)
+        if (node->unknownType == "fosterParent" && node->inScene && node->dag() && node->dag()->children.empty() &&
+            !node->referenced)
+            scene_.deleteNodes({node.get()});
 }
 
 void Reading::keepWithNode(const Statement& s) {
@@ -510,32 +739,38 @@ void Reading::keepWithNode(const Statement& s) {
 }
 
 void Reading::keepWithScene(const Statement& s) {
+    if (within_) return; // its file keeps it
     const std::string text = s.kept();
     auto& kept = scene_.keptStatements;
     if (options_.import && std::find(kept.begin(), kept.end(), text) != kept.end()) return;
     kept.push_back(text);
 }
 
-void Reading::execute(const Statement& s) {
-    if (s.name == "else") return; // the rest of what was refused before
+void Reading::execute(const Statement& s) { carryOut(s); }
+
+/// Whether the statement could be carried out; else it is told why.
+bool Reading::carryOut(const Statement& s) {
+    if (s.name == "else") return true; // the rest of what was refused before
     const auto handler = handlers().find(s.name);
     const std::string name(s.name.substr(0, 60));
     if (handler == handlers().end() ||
         (s.kind == Statement::Kind::Braced && s.name != "setAttr" && s.name != "aliasAttr")) {
         complaints_.refused(s, "'" + name + "' is refused: a scene file may not run it.");
-        return;
+        return false;
     }
     if (s.kind == Statement::Kind::Script) {
         complaints_.refused(s, "'" + name +
                                    "' is refused: a scene file may not run commands, variables or expressions "
                                    "within a statement.");
-        return;
+        return false;
     }
     try {
         (this->*handler->second)(s);
     } catch (const SceneError& e) {
         complaints_.failed(s, e.what());
+        return false;
     }
+    return true;
 }
 
 /// Of meshes whose points come from a node that is not known here.
@@ -588,8 +823,12 @@ SceneReader::Result Reading::run(std::string_view text) {
     for (const std::string& failure : compounds_.close(scene_)) complaints_.say(failure);
     for (const NodePtr& node : toLock_) node->locked = true;
     complaints_.finish();
-    warnOfEmptyMeshes();
-    summary();
+    dropFosterParents();
+    // Of a file that is referred to often it is told once.
+    if (!within_ || files_.told.insert(files_.find(within_->file)).second) {
+        warnOfEmptyMeshes();
+        summary();
+    }
     result_.warnings = complaints_.count();
     return std::move(result_);
 }
@@ -601,10 +840,25 @@ SceneReader::SceneReader(Scene& scene, Options options) : scene_(scene), options
 SceneReader::Result SceneReader::read(const std::filesystem::path& file) {
     const std::string text = readTextFile(file), name = file.generic_string();
     if (text.find_first_not_of(" \t\r\n") == text.npos) throw FileError(name, "the file is empty");
-    return readText(text, name);
+    return readText(text, name, file);
 }
 
 SceneReader::Result SceneReader::readText(std::string_view text, const std::string& name) {
+    return readText(text, name, {});
+}
+
+SceneReader::Result SceneReader::refer(const std::string& file, const std::string& nameSpace,
+                                       const std::string& referenceNode) {
+    const std::string flags = " -ns " + quotedText(nameSpace) + " -rfn " + quotedText(referenceNode) +
+                              " -typ \"mayaAscii\" " + quotedText(file) + ";\n";
+    options_.import = true;
+    return readText("file -rdi 1" + flags + "file -r -dr 1" + flags + "createNode reference -n " +
+                        quotedText(referenceNode) + ";\n",
+                    scene_.fileName.empty() ? "file" : scene_.fileName, scene_.fileName);
+}
+
+SceneReader::Result SceneReader::readText(std::string_view text, const std::string& name,
+                                          const std::filesystem::path& scene) {
     // The whole syntax first: a file that was cut off must not cost the scene that is open. On the way: what tells
     // which unknown nodes are transforms, and which shapes.
     std::optional<SceneSurvey> survey;
@@ -615,8 +869,13 @@ SceneReader::Result SceneReader::readText(std::string_view text, const std::stri
     }
     const UndoQueue::Suspend quiet(scene_.undo);
     if (!options_.import) scene_.reset();
-    Reading reading(scene_, options_, name, std::move(*survey));
+    // A file has whole names.
+    References& references = References::of(scene_);
+    const std::string space = std::exchange(references.current, {});
+    ReferenceFiles files(options_.project, scene);
+    Reading reading(scene_, options_, name, std::move(*survey), files);
     Result result = reading.run(text);
+    references.current = space;
     scene_.modified = options_.import;
     return result;
 }

@@ -2,9 +2,13 @@
 
 #include "base/TextFile.h"
 #include "files/AttributeWriter.h"
+#include "files/ReferenceEdits.h"
 #include "scene/MeshNode.h"
+#include "scene/References.h"
 
 #include <algorithm>
+#include <charconv>
+#include <map>
 #include <unordered_set>
 
 namespace host::files {
@@ -30,6 +34,11 @@ private:
     void connection(Cell& source, Cell& destination);
     void keptConnections();
     void keptInstances();
+    void collectEdits();
+    void collectEdits(Node& node, Reference& reference);
+    void collectConnection(Cell& cell);
+    std::string placeholderOf(const Reference& reference, std::string& name);
+    std::string plugName(Cell& plug) const;
     std::string pathOf(Node& node) const;
     std::string nameInFile(Node& node) const;
 
@@ -38,6 +47,10 @@ private:
     FileUnits units_ = FileUnits::current();
     std::unordered_set<const Node*> omitted_;   ///< nodes that are not to be saved, and those below them
     std::unordered_set<const Node*> instanced_; ///< nodes with a second place
+    /// Of the scene's own references, by their nodes' names: what the scene changes of them.
+    std::map<std::string, std::vector<ReferenceEdit>> edits_;
+    std::map<std::string, int> placeholders_; ///< how many each of them has used
+    std::string throughPlaceholders_;         ///< the statements that connect them
     std::string out_;
 };
 
@@ -104,6 +117,12 @@ void Writing::contents(Node& node) {
     AttributeWriter writer(units_, out_);
     writer.write(node);
     for (const std::string& kept : node.keptStatements) out_ += "\t" + kept + "\n";
+    if (const auto edits = edits_.find(node.name); edits != edits_.end() && node.type.name == "reference") {
+        const int used = placeholders_[node.name];
+        if (used > 0) out_ += "\tsetAttr -s " + std::to_string(used) + " \".phl\";\n";
+        for (int n = 1; n <= used; ++n) out_ += "\tsetAttr \".phl[" + std::to_string(n) + "]\" 0;\n";
+        out_ += referenceEditsText(node.name, edits->second);
+    }
     if (node.locked) out_ += "\tlockNode -l 1;\n";
 }
 
@@ -125,10 +144,131 @@ void Writing::connection(Cell& source, Cell& destination) {
     out_ += ";\n";
 }
 
+std::string Writing::plugName(Cell& plug) const {
+    DagNode* dag = plug.node.dag();
+    return (dag ? dag->fullPath() : plug.node.name) + "." + plug.attributePath();
+}
+
+/// A new placeholder of the reference; `name` gets its name in the edits.
+std::string Writing::placeholderOf(const Reference& reference, std::string& name) {
+    const int number = ++placeholders_[reference.top->name];
+    name = reference.top->name + ".placeHolderList[" + std::to_string(number) + "]";
+    return reference.top->name + ".phl[" + std::to_string(number) + "]";
+}
+
+/// A connection into the cell that touches what a reference brought and that it did not make.
+void Writing::collectConnection(Cell& cell) {
+    const References& references = References::of(scene_);
+    if (cell.source && cell.source->node.inScene && !omitted_.contains(&cell.source->node) &&
+        !references.isOwnConnection(cell)) {
+        Cell& source = *cell.source;
+        const Reference *from = references.of(source.node), *to = references.of(cell.node);
+        if (from || to) {
+            std::string first, second, names[2];
+            if (from) first = placeholderOf(*from, names[0]);
+            if (to) second = placeholderOf(*to, names[1]);
+            const auto edit = [&](const Reference& r, int variant, std::vector<std::string> words) {
+                words.insert(words.begin(), r.top->name);
+                words.emplace_back();
+                edits_[r.top->name].push_back({r.name, ReferenceEdit::Connect, variant, std::move(words), true});
+            };
+            if (from && to && from->top == to->top) {
+                edit(*to, 0, {plugName(source), plugName(cell), names[0], names[1]});
+            } else {
+                if (from) edit(*from, 3, {plugName(source), names[0]});
+                if (to) edit(*to, 4, {plugName(cell), names[1]});
+            }
+            const bool next = cell.index >= 0 && !cell.attribute.indexMatters && !to;
+            Cell& named = next ? *cell.parent : cell;
+            throughPlaceholders_ += "connectAttr ";
+            if (cell.locked) throughPlaceholders_ += "-l on ";
+            throughPlaceholders_ += quotedText(from ? first : nameInFile(source.node) + "." + plugText(source, true)) +
+                                    " " +
+                                    quotedText(to ? second : nameInFile(cell.node) + "." + plugText(named, false)) +
+                                    (next ? " -na" : "") + ";\n";
+        }
+    }
+}
+
+void Writing::collectEdits(Node& node, Reference& reference) {
+    const References& references = References::of(scene_);
+    std::vector<ReferenceEdit>& edits = edits_[reference.top->name];
+    const std::string name = node.dag() ? node.dag()->fullPath() : node.name;
+    const auto written = [&](const auto& write) {
+        std::string text;
+        AttributeWriter writer(units_, text);
+        write(writer);
+        return text;
+    };
+    for (const AttributePtr& a : node.dynamicAttributes())
+        if (references.isAdded(*a)) {
+            // A compound and its parts are a statement each.
+            const std::string text = written([&](AttributeWriter& w) { w.define(*a); });
+            for (std::size_t at = 0; at < text.size();) {
+                const std::size_t end = text.find(";\n", at);
+                edits.push_back({reference.name,
+                                 ReferenceEdit::AddAttr,
+                                 0,
+                                 {name, a->longName, a->shortName, editArguments(text.substr(at, end - at), "addAttr")},
+                                 true});
+                at = end + 2;
+            }
+        }
+    const auto visit = [&](Cell& cell) {
+        const bool added = references.isAdded(cell.attribute.root()) && cell.written;
+        if (references.isChanged(cell) || added) {
+            const std::string text = written([&](AttributeWriter& w) { w.plug(cell); });
+            if (!text.empty())
+                edits.push_back({reference.name,
+                                 ReferenceEdit::SetAttr,
+                                 0,
+                                 {name, cell.attributePath(), editArguments(text, "setAttr")},
+                                 true});
+        }
+    };
+    for (Cell* root : node.cells()) forEachCell(*root, visit);
+}
+
+/// What the scene changes of its references: what its file said, and what has been changed since.
+void Writing::collectEdits() {
+    const References& references = References::of(scene_);
+    for (const auto& reference : references.all()) {
+        if (reference->top != reference.get() || !reference->loaded) continue;
+        std::vector<ReferenceEdit>& edits = edits_[reference->name];
+        int& used = placeholders_[reference->name];
+        for (const ReferenceEdit& e : reference->edits) {
+            // Connections are named anew, as are values that have changed since; a node of the scene's own that has got
+            // a referenced parent says so itself.
+            bool anew = e.kind == ReferenceEdit::Connect || (e.kind == ReferenceEdit::Parent && e.variant == 0);
+            if (e.kind == ReferenceEdit::SetAttr && e.words.size() > 1) {
+                const Cell* cell = scene_.tryPlug(e.words[0] + "." + e.words[1], false);
+                anew = cell && references.isChanged(*cell);
+            }
+            if (!(e.applied && anew)) edits.push_back(e);
+        }
+        // Placeholders whose connection could not be made keep their numbers.
+        for (const KeptConnection& kept : scene_.keptConnections)
+            for (const std::string* side : {&kept.sourceText, &kept.destinationText})
+                if (const auto at = side->find("phl["); at != side->npos) {
+                    int number = 0;
+                    std::from_chars(side->data() + at + 4, side->data() + side->size(), number);
+                    used = std::max(used, number);
+                }
+    }
+    for (const auto& reference : references.all())
+        for (const auto& kept : reference->contents)
+            if (const NodePtr node = kept.lock(); node && node->inScene) {
+                collectEdits(*node, *reference);
+                for (Cell* root : node->cells()) forEachCell(*root, [&](Cell& cell) { collectConnection(cell); });
+            }
+}
+
 void Writing::connections(Node& node) {
     for (Cell* whole : node.cells())
         forEachCell(*whole, [&](Cell& cell) {
-            if (cell.source && cell.source->node.inScene && !omitted_.contains(&cell.source->node))
+            // What comes out of a reference comes by a placeholder.
+            if (cell.source && !cell.source->node.referenced && cell.source->node.inScene &&
+                !omitted_.contains(&cell.source->node))
                 connection(*cell.source, cell);
         });
 }
@@ -136,7 +276,9 @@ void Writing::connections(Node& node) {
 void Writing::keptInstances() {
     for (const KeptInstance& kept : scene_.keptInstances) {
         const auto node = kept.node.lock(), parent = kept.parent.lock();
-        const auto saved = [&](const NodePtr& n) { return n && n->inScene && !omitted_.contains(n.get()); };
+        const auto saved = [&](const NodePtr& n) {
+            return n && n->inScene && !n->referenced && !omitted_.contains(n.get());
+        };
         if (!saved(node) || !saved(parent)) continue;
         const std::string above = parent->dag()->isWorld() ? "|" : pathOf(*parent);
         out_ += "parent" + kept.flags + " " + quotedText(pathOf(*node)) + " " + quotedText(above) + ";\n";
@@ -177,19 +319,26 @@ std::string Writing::run(const std::string& name) {
         if (const auto node = kept.node.lock(); node && node->inScene) instanced_.insert(node.get());
     std::vector<Node*> order, selected;
     for (DagNode* dag : scene_.descendants(*scene_.world())) {
+        if (dag->referenced) continue; // its own file has it
         if (dag->doNotWrite || omitted_.contains(dag->parent))
             omitted_.insert(dag);
         else
             order.push_back(dag);
     }
     for (const auto& [serial, node] : scene_.nodes()) {
-        if (node->dag()) continue;
+        if (node->dag() || node->referenced) continue;
         if (node->doNotWrite) {
             omitted_.insert(node.get());
             continue;
         }
         const bool makes = !node->isDefault || (!node->unknownType.empty() && !isPlaceholder(*node));
         (makes ? order : selected).push_back(node.get());
+    }
+    if (!References::of(scene_).all().empty()) {
+        collectEdits();
+        for (const auto* list : {&order, &selected})
+            for (Node* node : *list)
+                for (Cell* root : node->cells()) forEachCell(*root, [&](Cell& cell) { collectConnection(cell); });
     }
     for (Node* node : order) {
         create(*node);
@@ -206,6 +355,7 @@ std::string Writing::run(const std::string& name) {
     order.insert(order.end(), selected.begin(), selected.end());
     keptInstances();
     for (Node* node : order) connections(*node);
+    out_ += throughPlaceholders_;
     keptConnections();
     for (const std::string& kept : scene_.keptStatements)
         if (!kept.starts_with("file ")) out_ += kept + "\n";

@@ -274,6 +274,7 @@ void registerShading(Registrar& r) {
            {A::number("width", "w", N::Int, 640), A::number("height", "h", N::Int, 480),
             A::number("pixelAspect", "pa", N::Float, 1), A::number("deviceAspectRatio", "dar", N::Float, 1.333),
             A::number("aspectLock", "al", N::Bool, 1), A::number("lockDeviceAspectRatio", "ldar", N::Bool)});
+    r.type("reference", "node", dependency, MFn::kReference, {array(A::text("fileNames", "fn"))});
     r.type("script", "node", dependency, MFn::kScript,
            {A::text("before", "b"), A::text("after", "a"), A::number("scriptType", "st", N::Short),
             A::number("sourceType", "stp", N::Short), A::number("ignoreReferenceEdits", "ire", N::Bool)});

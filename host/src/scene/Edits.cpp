@@ -1,5 +1,6 @@
 #include "base/NumberText.h"
 #include "scene/Evaluation.h"
+#include "scene/References.h"
 #include "scene/Scene.h"
 
 #include <algorithm>
@@ -32,6 +33,11 @@ double limited(const Cell& cell, const Limits& limits, double value, Scene::Limi
                          formatLimit(toUi(cell.attribute, *limits.max)) + ".");
     }
     return value;
+}
+
+/// A change of what a reference brought is one that the scene makes.
+void noteChange(Cell& cell) {
+    if (cell.node.referenced) References::of(cell.node.scene).noteValue(cell);
 }
 
 void tellNodes(Cell& source, Cell& destination, bool made) {
@@ -193,6 +199,7 @@ void Scene::requireSettable(const Cell& cell) const {
 
 void Scene::setNumber(Cell& cell, double value, LimitPolicy policy) {
     requireSettable(cell);
+    noteChange(cell);
     int k = 0;
     Numeric* numbers = cell.numbers(&k);
     if (!numbers || cell.isArray() || cell.attribute.type == AttributeType::Tuple)
@@ -236,6 +243,7 @@ void Scene::setInt64(Cell& cell, std::int64_t value) {
 
 void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
     requireSettable(cell);
+    noteChange(cell);
     if (cell.isArray()) throw SceneError("The attribute '" + cell.name() + "' is an array; set its elements.");
     if (auto* n = std::get_if<Numeric>(&value)) {
         if (cell.isTupleChild()) {
@@ -290,12 +298,14 @@ void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
 
 void Scene::setLocked(Cell& cell, bool locked) {
     if (cell.locked == locked) return;
+    noteChange(cell);
     const auto set = [&cell, keep = cell.node.shared_from_this()](bool to) { cell.locked = to; };
     set(locked);
     record([set, locked] { set(locked); }, [set, locked] { set(!locked); });
 }
 
 void Scene::setKeyable(Cell& cell, bool keyable) {
+    noteChange(cell);
     const auto before = cell.keyable;
     const auto set = [&cell, keep = cell.node.shared_from_this()](std::optional<bool> to) { cell.keyable = to; };
     set(keyable);
@@ -303,6 +313,7 @@ void Scene::setKeyable(Cell& cell, bool keyable) {
 }
 
 void Scene::setChannelBox(Cell& cell, bool shown) {
+    noteChange(cell);
     const auto before = cell.channelBox;
     const auto set = [&cell, keep = cell.node.shared_from_this()](std::optional<bool> to) { cell.channelBox = to; };
     set(shown);
@@ -339,6 +350,7 @@ void Scene::addAttribute(Node& node, AttributePtr attribute) {
         throw SceneError("Node '" + displayName(node) + "' already has an attribute named '" + attribute->longName +
                          "'.");
     attribute->dynamic = true;
+    if (node.referenced) References::of(*this).noteAttribute(*attribute);
     auto keep = node.shared_from_this();
     auto cell = std::make_shared<std::unique_ptr<Cell>>();
     record(
@@ -441,6 +453,7 @@ void Scene::cutConnections(Cell& cell) {
 void Scene::disconnect(Cell& source, Cell& destination) {
     if (destination.source != &source)
         throw SceneError("There is no connection from '" + source.name() + "' to '" + destination.name() + "'.");
+    if (source.node.referenced || destination.node.referenced) References::of(*this).noteBroken(source, destination);
     // What flowed last stays as the destination's own value.
     evaluate(destination);
     const NodePtr a = source.node.shared_from_this(), b = destination.node.shared_from_this();

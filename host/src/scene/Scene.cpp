@@ -4,6 +4,7 @@
 #include "base/Pattern.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshFilter.h"
+#include "scene/References.h"
 
 #include <maya/MFn.h>
 
@@ -46,6 +47,18 @@ bool pathMatches(const DagNode& node, const std::vector<std::string_view>& parts
         n = n->parent;
     }
     return true;
+}
+
+/// Each namespace by itself: a star reaches no further than the next colon.
+bool matchesInNamespaces(std::string_view pattern, std::string_view name) {
+    while (true) {
+        const auto p = pattern.find(':'), n = name.find(':');
+        if ((p == pattern.npos) != (n == name.npos) || !matchesName(pattern.substr(0, p), name.substr(0, n)))
+            return false;
+        if (p == pattern.npos) return true;
+        pattern.remove_prefix(p + 1);
+        name.remove_prefix(n + 1);
+    }
 }
 
 } // namespace
@@ -276,6 +289,11 @@ NodePtr Scene::createNode(const NodeType& type, std::string name, DagNode* paren
             leave(*node);
         });
     if (node->behavior) node->behavior->postConstructor();
+    // New nodes come into the current namespace, unless their names say another one.
+    if (const std::string& space = References::of(*this).current; !space.empty()) {
+        if (name.empty()) name = node->name;
+        if (name.find(':') == name.npos) name = space + ":" + name;
+    }
     if (!name.empty()) rename(*node, name);
     return node;
 }
@@ -358,10 +376,12 @@ void Scene::deleteNodes(const std::vector<Node*>& nodes) {
     for (Node* n : nodes) {
         if (n->isDefault || n == world_) throw SceneError("Cannot delete the default node '" + n->name + "'.");
         if (n->locked) throw SceneError("Cannot delete the locked node '" + n->name + "'.");
+        References::of(*this).requireOwn(*n, "delete");
         if (DagNode* dag = n->dag()) {
             auto below = descendants(*dag);
             for (auto it = below.rbegin(); it != below.rend(); ++it) {
                 if ((*it)->locked) throw SceneError("Cannot delete the locked node '" + (*it)->name + "'.");
+                References::of(*this).requireOwn(**it, "delete");
                 all.push_back((*it)->shared_from_this());
             }
         }
@@ -377,6 +397,7 @@ void Scene::deleteNodes(const std::vector<Node*>& nodes) {
 
 std::string Scene::rename(Node& node, const std::string& wanted) {
     if (&node == world_) throw SceneError("The world cannot be renamed.");
+    References::of(*this).requireOwn(node, "rename");
     DagNode* dag = node.dag();
     const std::string before = node.name;
     const std::string after = freeName(wanted, &node, dag ? dag->parent : nullptr, dag != nullptr);
@@ -399,6 +420,7 @@ std::string Scene::rename(Node& node, const std::string& wanted) {
 void Scene::reparent(DagNode& child, DagNode* newParent) {
     DagNode* to = newParent ? newParent : world_;
     if (to == child.parent) return;
+    References::of(*this).requireOwn(child, "move");
     if (to == &child || to->isBelow(child))
         throw SceneError("Cannot parent '" + child.partialPath() + "' to itself or one of its children.");
     if (to->isShape()) throw SceneError("A shape cannot be a parent: '" + to->partialPath() + "'.");
@@ -473,8 +495,8 @@ std::vector<Node*> Scene::findNodes(std::string_view pattern) const {
     const auto consider = [&](Node* n) {
         if (parts.size() > 1) {
             DagNode* dag = n->dag();
-            if (!dag || !pathMatches(*dag, parts, matchesName)) return;
-        } else if (!matchesName(parts[0], n->name)) {
+            if (!dag || !pathMatches(*dag, parts, matchesInNamespaces)) return;
+        } else if (!matchesInNamespaces(parts[0], n->name)) {
             return;
         }
         found.push_back(n);
@@ -539,6 +561,7 @@ void Scene::setPlayback(const PlaybackRange& range) {
 
 void Scene::reset() {
     undo.clear();
+    References::of(*this).clear();
     selection_.clear();
     keptConnections.clear();
     keptInstances.clear();

@@ -1,0 +1,286 @@
+#include "commands/ReferenceCommands.h"
+
+#include "commands/CommandSupport.h"
+#include "commands/Commands.h"
+
+#include "scene/References.h"
+
+#include <algorithm>
+
+namespace host::mel {
+
+using namespace scene;
+
+namespace {
+
+References& references() { return References::of(theScene()); }
+
+/// The reference that a name means: its node, one of its nodes, or its file.
+Reference& referenceNamed(const std::string& name) {
+    if (Reference* r = references().named(name)) return *r;
+    if (const Node* node = theScene().findNode(name))
+        if (Reference* r = references().of(*node)) return *r;
+    for (const auto& r : references().all())
+        if (r->file == name || r->path == name) return *r;
+    throw Error("'" + name + "' belongs to no reference.");
+}
+
+std::string withoutCopyNumber(const std::string& file) { return file.substr(0, file.find('{')); }
+
+std::vector<NodePtr> nodesOf(const Reference& reference) {
+    std::vector<NodePtr> nodes;
+    for (const auto& kept : reference.contents)
+        if (NodePtr node = kept.lock(); node && node->inScene) nodes.push_back(std::move(node));
+    return nodes;
+}
+
+Value referenceQuery(Call& call) {
+    const ParsedArguments args(call, {{"f", "filename"},
+                                      {"rfn", "referenceNode"},
+                                      {"inr", "isNodeReferenced"},
+                                      {"il", "isLoaded"},
+                                      {"ns", "namespace"},
+                                      {"n", "nodes"},
+                                      {"p", "parent"},
+                                      {"tr", "topReference"},
+                                      {"shn", "shortName"},
+                                      {"un", "unresolvedName"},
+                                      {"wcn", "withoutCopyNumber"},
+                                      {"dp", "dagPath"}});
+    const StringArray names = args.names();
+    if (names.size() != 1) throw Error("referenceQuery needs the name of one node, reference or file.");
+    if (args.has("inr")) return static_cast<int>(nodeNamed(names[0]).referenced);
+    const Reference* r = &referenceNamed(names[0]);
+    if (args.has("tr")) r = r->top;
+    if (args.has("il")) return static_cast<int>(r->loaded);
+    if (args.has("rfn")) return r->name;
+    if (args.has("ns")) return ":" + r->nameSpace;
+    if (args.has("n")) {
+        StringArray found;
+        for (const NodePtr& node : nodesOf(*r)) found.push_back(nameOf(*node, args.has("dp")));
+        return found;
+    }
+    if (!args.has("f")) throw Error("referenceQuery was not told what to query.");
+    const std::string written = args.has("wcn") ? withoutCopyNumber(r->file) : r->file;
+    const std::string file = args.has("un") || r->path.empty() ? written : r->path.generic_string();
+    return args.has("shn") ? file.substr(file.rfind('/') + 1) : file;
+}
+
+std::string withoutColons(std::string name) {
+    while (name.starts_with(':')) name.erase(0, 1);
+    while (name.ends_with(':')) name.pop_back();
+    return name;
+}
+
+/// A namespace as a script names it: from the root with a colon in front, else from the current one.
+std::string namespaceNamed(const std::string& text) {
+    const std::string name = withoutColons(text), &current = references().current;
+    return text.starts_with(':') || current.empty() ? name : name.empty() ? current : current + ":" + name;
+}
+
+std::string existingNamespace(const std::string& text) {
+    std::string name = namespaceNamed(text);
+    if (!references().exists(name) && references().exists(withoutColons(text))) name = withoutColons(text);
+    if (!references().exists(name)) throw Error("No namespace matches name: '" + text + "'.");
+    return name;
+}
+
+void requireName(const std::string& name) {
+    if (!Scene::isValidName(name) || name.find(':') != name.npos)
+        throw Error("'" + name + "' is not a name for a namespace.");
+}
+
+/// Nodes within the namespace, and where asked for within those below it.
+std::vector<Node*> nodesIn(const std::string& space, bool below) {
+    std::vector<Node*> found;
+    for (const auto& [serial, node] : theScene().nodes()) {
+        const std::string_view own = namespaceOf(node->name);
+        if (own == space || (below && (space.empty() || own.starts_with(space + ":")))) found.push_back(node.get());
+    }
+    return found;
+}
+
+/// Gives all nodes of a namespace, and of those below it, another one.
+void moveNodes(const std::string& from, const std::string& to, bool force) {
+    for (Node* node : nodesIn(from, true)) {
+        const std::string rest = from.empty() ? node->name : node->name.substr(from.size() + 1);
+        const std::string name = to.empty() ? rest : to + ":" + rest;
+        if (!force && theScene().findNode(name)) throw Error("The name '" + name + "' is taken.");
+        if (!node->isDefault) theScene().rename(*node, name);
+    }
+}
+
+Value namespaceCommand(Call& call) {
+    const ParsedArguments args(call,
+                               {{"add", "addNamespace", 1},
+                                {"set", "setNamespace", 1},
+                                {"rm", "removeNamespace", 1},
+                                {"dnc", "deleteNamespaceContent"},
+                                {"mnr", "mergeNamespaceWithRoot"},
+                                {"mnp", "mergeNamespaceWithParent"},
+                                {"mv", "moveNamespace", 2},
+                                {"ren", "rename", 2},
+                                {"ex", "exists", 1},
+                                {"p", "parent", 1},
+                                {"f", "force"},
+                                {"rel", "relativeNames", 1},
+                                {"cur", "currentNamespace", 1}},
+                               true);
+    References& r = references();
+    if (args.has("ex")) return static_cast<int>(r.exists(namespaceNamed(args.text("ex"))));
+    if (args.has("add")) {
+        const std::string name = withoutColons(args.text("add"));
+        for (std::string_view part = name;;) {
+            const auto colon = part.find(':');
+            requireName(std::string(part.substr(0, colon)));
+            if (colon == part.npos) break;
+            part.remove_prefix(colon + 1);
+        }
+        const std::string parent = args.has("p") ? existingNamespace(args.text("p")) : namespaceNamed("");
+        const std::string whole = args.text("add").starts_with(':') || parent.empty() ? name : parent + ":" + name;
+        if (r.exists(whole)) throw Error("The namespace '" + whole + "' exists already.");
+        r.declare(whole);
+        return whole;
+    }
+    if (args.has("set")) {
+        r.current = existingNamespace(args.text("set"));
+        return r.current;
+    }
+    if (args.has("mv")) {
+        const std::string from = existingNamespace(args.value("mv", 0).toString()),
+                          to = existingNamespace(args.value("mv", 1).toString());
+        moveNodes(from, to, args.has("f"));
+        return {};
+    }
+    if (args.has("ren")) {
+        const std::string from = existingNamespace(args.value("ren", 0).toString());
+        const std::string name = withoutColons(args.value("ren", 1).toString());
+        requireName(name);
+        const std::string above(namespaceOf(from)), to = above.empty() ? name : above + ":" + name;
+        if (from.empty() || r.exists(to)) throw Error("The namespace cannot be renamed to '" + to + "'.");
+        for (const std::string& below : r.namespaces())
+            if (below == from || below.starts_with(from + ":")) r.declare(to + below.substr(from.size()));
+        moveNodes(from, to, true);
+        r.forget(from);
+        if (r.current == from) r.current = to;
+        return to;
+    }
+    if (args.has("rm")) {
+        const std::string name = existingNamespace(args.text("rm"));
+        if (name.empty()) throw Error("The root namespace cannot be removed.");
+        if (args.has("dnc"))
+            theScene().deleteNodes(nodesIn(name, true));
+        else if (args.has("mnr") || args.has("mnp"))
+            moveNodes(name, args.has("mnp") ? std::string(namespaceOf(name)) : "", true);
+        if (!nodesIn(name, true).empty()) throw Error("The namespace '" + name + "' is not empty.");
+        r.forget(name);
+        if (r.current == name || r.current.starts_with(name + ":")) r.current = namespaceOf(name);
+        return name;
+    }
+    throw Error("namespace was not told what to do.");
+}
+
+Value namespaceInfo(Call& call) {
+    const ParsedArguments args(call, {{"cur", "currentNamespace"},
+                                      {"lon", "listOnlyNamespaces"},
+                                      {"lod", "listOnlyDependencyNodes"},
+                                      {"ls", "listNamespace"},
+                                      {"p", "parent"},
+                                      {"r", "recurse"},
+                                      {"an", "absoluteName"},
+                                      {"bn", "baseName"},
+                                      {"sn", "shortName"},
+                                      {"fn", "fullName"},
+                                      {"dp", "dagPath"},
+                                      {"int", "internal"},
+                                      {"irn", "isRootNamespace"}});
+    const StringArray names = args.names();
+    const std::string space = names.empty() ? references().current : existingNamespace(names[0]);
+    const std::string lead = args.has("an") ? ":" : "";
+    if (args.has("cur"))
+        return args.has("an") || references().current.empty() ? ":" + references().current : references().current;
+    if (args.has("irn")) return static_cast<int>(space.empty());
+    if (args.has("p")) {
+        const std::string above(namespaceOf(space));
+        return above.empty() ? ":" : lead + above;
+    }
+    if (args.has("bn") || args.has("sn")) return space.substr(space.rfind(':') + 1);
+    if (args.has("fn")) return space;
+    StringArray found;
+    const bool all = args.has("ls") || (!args.has("lon") && !args.has("lod"));
+    if (all || args.has("lon"))
+        for (const std::string& name : references().namespaces()) {
+            const bool below = space.empty() || name.starts_with(space + ":");
+            if (below && (args.has("r") || namespaceOf(name) == space)) found.push_back(lead + name);
+        }
+    if (all || args.has("lod"))
+        for (Node* node : nodesIn(space, args.has("r"))) found.push_back(nameOf(*node, args.has("dp")));
+    return found;
+}
+
+} // namespace
+
+StringArray referencedFiles() {
+    StringArray files;
+    for (const auto& r : references().all())
+        if (!r->nested) files.push_back(r->path.empty() ? r->file : r->path.generic_string());
+    return files;
+}
+
+std::string queryReference(const std::string& file, bool node) {
+    const Reference& r = referenceNamed(file);
+    return node ? r.name : r.nameSpace;
+}
+
+NewReference namesForReference(const std::string& file, const std::string& wanted) {
+    std::string stem = wanted.empty() ? withoutCopyNumber(file) : withoutColons(wanted);
+    if (wanted.empty()) {
+        stem = stem.substr(stem.find_last_of("/\\") + 1);
+        stem = stem.substr(0, stem.find('.'));
+    }
+    for (char& c : stem)
+        if (!Scene::isValidName(std::string("a") + c)) c = '_';
+    if (!Scene::isValidName(stem)) stem.insert(0, "_");
+    std::string space = stem;
+    for (int n = 1; references().exists(space) || theScene().findNode(space + "RN"); ++n)
+        space = stem + std::to_string(n);
+    return {space, space + "RN"};
+}
+
+void removeReference(const std::string& name) {
+    References& all = references();
+    Reference& top = referenceNamed(name);
+    if (top.nested) throw Error("'" + name + "' belongs to the reference '" + top.top->name + "'.");
+    // Its nodes go with it, and what the scene says of it.
+    const std::string node = top.name, quotedName = "\"" + node + "\"";
+    std::vector<Node*> going;
+    std::vector<Reference*> within;
+    for (const auto& r : all.all())
+        if (r->top == &top) {
+            within.push_back(r.get());
+            for (const NodePtr& n : nodesOf(*r))
+                if (!n->isDefault) going.push_back(n.get());
+        }
+    const UndoQueue::Suspend quiet(theScene().undo);
+    std::vector<NodePtr> keep;
+    for (Node* n : going) keep.push_back(n->shared_from_this());
+    for (std::size_t i = within.size(); i-- > 0;)
+        if (within[i] != &top) all.remove(*within[i]);
+    all.remove(top);
+    for (const NodePtr& n : keep)
+        if (n->inScene) theScene().deleteNodes({n.get()});
+    if (Node* own = theScene().findNode(node); own && own->type.name == "reference") theScene().deleteNodes({own});
+    std::erase_if(theScene().keptStatements, [&](const std::string& s) {
+        return s.starts_with("file ") && s.find("-rfn " + quotedName) != s.npos;
+    });
+    theScene().undo.clear();
+    theScene().modified = true;
+}
+
+void registerReferenceCommands(Interpreter& interpreter) {
+    registerSceneCommand(interpreter, "referenceQuery", referenceQuery);
+    registerSceneCommand(interpreter, "namespace", namespaceCommand);
+    registerSceneCommand(interpreter, "namespaceInfo", namespaceInfo);
+}
+
+} // namespace host::mel

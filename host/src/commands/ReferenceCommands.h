@@ -1,0 +1,25 @@
+#pragma once
+
+#include "mel/Value.h"
+
+#include <string>
+
+namespace host::mel {
+
+/// What `file` does with references.
+/// @{
+/// The files that the scene refers to itself, in their order.
+StringArray referencedFiles();
+/// The reference node or the namespace of the reference of a file, a node or a name. Throws Error.
+std::string queryReference(const std::string& file, bool node);
+
+struct NewReference {
+    std::string nameSpace, node;
+};
+/// Free names for a reference to the file: after the wanted namespace, or the file.
+NewReference namesForReference(const std::string& file, const std::string& wanted);
+/// Takes a reference of the scene's own out of it, with all that it brought. This cannot be undone.
+void removeReference(const std::string& name);
+/// @}
+
+} // namespace host::mel

@@ -1,0 +1,145 @@
+#include "scene/References.h"
+
+#include "scene/Scene.h"
+
+#include <algorithm>
+#include <functional>
+#include <set>
+
+namespace host::scene {
+
+References& References::of(Scene& scene) {
+    // As many as there are scenes: one.
+    static std::unordered_map<const Scene*, std::unique_ptr<References>> table;
+    auto& slot = table[&scene];
+    if (!slot) slot.reset(new References(scene));
+    return *slot;
+}
+
+Reference* References::named(const std::string& name) const {
+    const auto it = byName_.find(name);
+    return it == byName_.end() ? nullptr : it->second;
+}
+
+Reference* References::prefixed(const std::string& prefix) const {
+    const auto it = byPrefix_.find(prefix);
+    return it == byPrefix_.end() ? nullptr : it->second;
+}
+
+Reference& References::enter(std::shared_ptr<Reference> reference) {
+    byName_.emplace(reference->name, reference.get());
+    byPrefix_.emplace(reference->prefix, reference.get());
+    return *all_.emplace_back(std::move(reference));
+}
+
+Reference* References::of(const Node& node) const {
+    const auto it = node.referenced ? byNode_.find(&node) : byNode_.end();
+    return it == byNode_.end() ? nullptr : it->second;
+}
+
+namespace {
+
+void eachCell(Cell& cell, const std::function<void(Cell&)>& visit) {
+    visit(cell);
+    for (auto& child : cell.children)
+        if (child) eachCell(*child, visit);
+    for (auto& [index, element] : cell.elements) eachCell(*element, visit);
+}
+
+} // namespace
+
+void References::bring(Reference& reference, const std::vector<NodePtr>& nodes) {
+    for (const NodePtr& node : nodes) {
+        if (!node->referenced) { // else of a reference within
+            node->referenced = true;
+            byNode_[node.get()] = &reference;
+            reference.contents.push_back(node);
+        }
+        for (Cell* root : node->cells())
+            eachCell(*root, [&](Cell& cell) {
+                if (cell.source) connections_[&cell] = cell.source;
+                // What it feeds among the nodes that every scene has.
+                for (const Cell* to : cell.destinations)
+                    if (to->node.isDefault) connections_[to] = &cell;
+            });
+    }
+}
+
+void References::remove(Reference& reference) {
+    for (const auto& kept : reference.contents)
+        if (const NodePtr node = kept.lock()) {
+            node->referenced = false;
+            byNode_.erase(node.get());
+        }
+    if (named(reference.name) == &reference) byName_.erase(reference.name);
+    if (prefixed(reference.prefix) == &reference) byPrefix_.erase(reference.prefix);
+    std::erase_if(all_, [&](const auto& r) { return r.get() == &reference; });
+}
+
+void References::clear() {
+    all_.clear();
+    byName_.clear();
+    byPrefix_.clear();
+    byNode_.clear();
+    changed_.clear();
+    added_.clear();
+    connections_.clear();
+    declared_.clear();
+    current.clear();
+}
+
+void References::noteValue(Cell& cell) {
+    if (cell.node.referenced && quiet_ == 0) changed_.insert(&cell);
+}
+
+void References::noteAttribute(const Attribute& added) {
+    if (quiet_ == 0) added_.insert(&added);
+}
+
+void References::noteBroken(const Cell& source, const Cell& destination) {
+    if (quiet_ > 0 || !isOwnConnection(destination)) return;
+    Reference* reference = of(destination.node);
+    if (!reference) reference = of(source.node);
+    if (reference)
+        reference->top->edits.push_back(
+            {reference->name, ReferenceEdit::Disconnect, 0, {source.name(), destination.name(), ""}, true});
+}
+
+void References::requireOwn(const Node& node, const char* what) const {
+    if (node.referenced && quiet_ == 0)
+        throw SceneError(std::string("Cannot ") + what + " '" + node.name + "': it belongs to a reference.");
+}
+
+bool References::isOwnConnection(const Cell& destination) const {
+    const auto it = connections_.find(&destination);
+    return it != connections_.end() && it->second == destination.source;
+}
+
+std::string_view namespaceOf(std::string_view name) {
+    const auto colon = name.rfind(':');
+    return colon == name.npos ? std::string_view() : name.substr(0, colon);
+}
+
+std::vector<std::string> References::namespaces() const {
+    std::set<std::string> found;
+    const auto add = [&](std::string_view name) {
+        for (; !name.empty() && found.emplace(name).second; name = namespaceOf(name)) {}
+    };
+    for (const auto& [serial, node] : scene_.nodes()) add(namespaceOf(node->name));
+    for (const std::string& name : declared_) add(name);
+    return {found.begin(), found.end()};
+}
+
+bool References::exists(std::string_view name) const {
+    if (name.empty()) return true;
+    const auto all = namespaces();
+    return std::find(all.begin(), all.end(), name) != all.end();
+}
+
+void References::declare(const std::string& name) { declared_.insert(name); }
+
+void References::forget(const std::string& name) {
+    std::erase_if(declared_, [&](const std::string& n) { return n == name || n.starts_with(name + ":"); });
+}
+
+} // namespace host::scene

@@ -1,0 +1,187 @@
+#include "CommandFixture.h"
+#include "kit/Places.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+struct ReferenceTest : CommandFixture {
+    ReferenceTest() {
+        previous_ = host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
+            (severity == host::Severity::Error ? errors : warnings) += std::string(text) + '\n';
+        });
+        for (const char* name : {"set", "level", "prop"})
+            std::filesystem::copy_file(orvo::test::testData(std::string("references/") + name + ".ma"),
+                                       project / "scenes" / (std::string(name) + ".ma"));
+    }
+    ~ReferenceTest() override { host::Messages::instance().setSink(std::move(previous_)); }
+
+    void open(const std::string& name) {
+        warnings.clear();
+        errors.clear();
+        run("file -f -o " + quoted("scenes/" + name));
+    }
+    void saveAndOpenAgain() {
+        run("file -rename " + quoted("scenes/again.ma") + "; file -save;");
+        open("again.ma");
+    }
+    /// A scene that only refers to others.
+    void refer(const std::string& name, const std::vector<std::string>& others) {
+        std::string text = "//Maya ASCII 2011 scene\nrequires maya \"2011\";\ncreateNode transform -n \"own\";\n";
+        int n = 0;
+        for (const auto& other : others) {
+            const std::string space = "r" + std::to_string(++n);
+            text += "file -r -ns \"" + space + "\" -dr 1 -rfn \"" + space + "RN\" \"" + other + "\";\n";
+        }
+        write("scenes/" + name, text);
+    }
+
+    std::string errors;
+
+private:
+    host::Messages::Sink previous_;
+};
+
+} // namespace
+
+TEST_F(ReferenceTest, NestedReferencesAreReadWithTheirEditsAndSavedAsReferences) {
+    open("set.ma");
+    EXPECT_EQ(errors, "");
+    EXPECT_THAT(warnings, HasSubstr("The reference is kept and not read: /show/references/gone.ma: cannot be found"));
+    for (const char* round : {"opened", "saved and opened again"}) {
+        SCOPED_TRACE(round);
+        EXPECT_THAT(texts("ls -type transform \"*:*\""), ElementsAre("level:ground", "level:table"));
+        EXPECT_EQ(number("getAttr level:table.tx"), 500); // that file is in metres
+        EXPECT_THAT(texts("listRelatives -c level:table"), ElementsAre("level:prop:cup", "lamp"));
+        EXPECT_THAT(numbers("getAttr level:prop:cup.t"), ElementsAre(3, 1, 1));
+        EXPECT_THAT(numbers("getAttr level:prop:cup.s"), ElementsAre(2, 2, 2));
+        EXPECT_NEAR(number("getAttr level:prop:cup.ry"), 6, 1e-6);
+        EXPECT_EQ(text("getAttr level:table.note"), "oak");
+        EXPECT_EQ(number("getAttr lamp.tz"), 7);
+        EXPECT_EQ(number("currentTime -q"), 12); // not what the references say
+        EXPECT_THAT(texts("ls \"*fosterParent*\""), ElementsAre());
+        saveAndOpenAgain();
+        EXPECT_EQ(errors, "");
+    }
+    const std::string saved = read("scenes/again.ma");
+    EXPECT_THAT(saved, Not(HasSubstr("createNode transform -n \"level")));
+    EXPECT_THAT(saved, HasSubstr("file -rdi 2 -ns \"prop\" -rfn \"level:propRN\" \"/show/references/prop.ma\";\n"));
+    EXPECT_THAT(saved, HasSubstr("2 \"|level:table|level:prop:cup\" \"translateX\" \" 3\""));
+    EXPECT_THAT(saved, HasSubstr("5 3 \"goneRN\" \"|gone:sun.translateX\" \"goneRN.placeHolderList[1]\" \"\";"));
+    EXPECT_THAT(saved, HasSubstr("connectAttr \"goneRN.phl[1]\" \"wind.tz\";"));
+}
+
+TEST_F(ReferenceTest, WhatChangesSinceIsSavedAsEdits) {
+    open("set.ma");
+    run("setAttr level:prop:cup.tx 10; setAttr -type \"string\" level:table.note \"a \\\"b\\\"\"; setAttr -l on "
+        "level:ground.ty;"
+        "addAttr -ln size -at double -k true level:ground; setAttr level:ground.size 4; connectAttr wind.ty "
+        "level:table.ty;"
+        "disconnectAttr level:prop:twice.ox level:prop:cup.ry; connectAttr level:prop:cup.tx level:table.tz;"
+        "setAttr wind.ty 3; disconnectAttr level:ground.tx lamp.tz");
+    for (int round = 0; round < 2; ++round) {
+        saveAndOpenAgain();
+        EXPECT_EQ(errors, "");
+        EXPECT_EQ(number("getAttr level:prop:cup.tx"), 10);
+        EXPECT_EQ(text("getAttr level:table.note"), "a \"b\"");
+        EXPECT_TRUE(holds("getAttr -l level:ground.ty"));
+        EXPECT_EQ(number("getAttr level:ground.size"), 4);
+        EXPECT_EQ(number("getAttr level:table.ty"), 3);
+        EXPECT_EQ(number("getAttr level:table.tz"), 10);
+        EXPECT_EQ(number("getAttr level:ground.tx"), 7);
+        EXPECT_FALSE(holds("isConnected level:prop:twice.ox level:prop:cup.ry"));
+        EXPECT_FALSE(holds("isConnected level:ground.tx lamp.tz"));
+    }
+    EXPECT_THAT(failure("delete level:prop:cup"), HasSubstr("it belongs to a reference"));
+    EXPECT_THAT(failure("rename level:ground floor"), HasSubstr("it belongs to a reference"));
+    EXPECT_THAT(failure("parent -w level:prop:cup"), HasSubstr("it belongs to a reference"));
+}
+
+TEST_F(ReferenceTest, CommandsMakeAskAndRemove) {
+    EXPECT_EQ(text("file -r -ns \"one\" \"prop.ma\""), path("scenes/prop.ma"));
+    EXPECT_THAT(texts("file -r -rnn -ns \"one\" \"level.ma\""),
+                testing::UnorderedElementsAre("|one1:table", "|one1:ground", "one1:propRN", "|one1:table|one1:prop:cup",
+                                              "one1:prop:twice", "one1RN"));
+    EXPECT_THAT(texts("file -q -r"), ElementsAre(path("scenes/prop.ma"), path("scenes/level.ma")));
+    EXPECT_EQ(text("referenceQuery -rfn one1:prop:cup"), "one1:propRN");
+    EXPECT_EQ(text("referenceQuery -rfn -tr one1:prop:cup"), "one1RN");
+    EXPECT_EQ(text("referenceQuery -f -shn one:cup"), "prop.ma");
+    EXPECT_EQ(text("file -q -ns " + quoted("scenes/level.ma")), "one1");
+    EXPECT_TRUE(holds("referenceQuery -inr one:cup"));
+    run("setAttr one1:prop:cup.ty 8; file -rr -rfn oneRN");
+    saveAndOpenAgain();
+    EXPECT_THAT(texts("ls -type transform \"*:*\""), ElementsAre("one1:ground", "one1:table"));
+    EXPECT_EQ(number("getAttr one1:prop:cup.ty"), 8);
+    run("file -rr " + quoted("scenes/level.ma"));
+    EXPECT_THAT(texts("ls \"*:*\""), ElementsAre());
+    EXPECT_THAT(failure("file -r \"nothing.ma\""), HasSubstr("no reference to"));
+    EXPECT_THAT(texts("ls -type reference"), ElementsAre());
+}
+
+TEST_F(ReferenceTest, FilesThatIncludeThemselvesOrLieElsewhereAreKept) {
+    refer("a.ma", {"b.ma"});
+    refer("b.ma", {"a.ma", "prop.ma"});
+    open("a.ma");
+    EXPECT_THAT(errors, HasSubstr("includes itself: a.ma -> b.ma -> a.ma"));
+    EXPECT_EQ(number("getAttr r1:r2:cup.tx"), 1);
+
+    const auto outside = std::filesystem::temp_directory_path() / ("orvo_outside_" + std::to_string(getpid()) + ".ma");
+    std::filesystem::copy_file(project / "scenes/prop.ma", outside);
+    std::filesystem::create_symlink(outside, project / "scenes/link.ma");
+    std::filesystem::create_directory(project / "scenes/folder.ma");
+    write("scenes/broken.ma", "//Maya ASCII 2011 scene\ncreateNode transform -n \"x");
+    refer("bad.ma", {outside.string(), "link.ma", "../../../../etc/passwd", "folder.ma", "broken.ma", "prop.ma"});
+    open("bad.ma");
+    std::filesystem::remove(outside);
+    EXPECT_THAT(warnings, HasSubstr(outside.string() + ": lies outside of the project and of the scene's folder"));
+    EXPECT_THAT(warnings, HasSubstr("link.ma: lies outside"));
+    EXPECT_THAT(warnings, HasSubstr("folder.ma: cannot be found"));
+    EXPECT_THAT(errors, HasSubstr("broken.ma line 2: "));
+    EXPECT_THAT(texts("ls \"*:*\""), ElementsAre("r6:cup", "r6:twice"));
+    run("file -rename " + quoted("scenes/kept.ma") + "; file -save");
+    for (int n = 1; n <= 6; ++n)
+        EXPECT_THAT(read("scenes/kept.ma"), HasSubstr("-rfn \"r" + std::to_string(n) + "RN\" \""));
+}
+
+TEST_F(ReferenceTest, NamesThatClashAreTold) {
+    write("scenes/clash.ma", "//Maya ASCII 2011 scene\n"
+                             "file -r -ns \"x\" -rfn \"xRN\" \"prop.ma\";\n"
+                             "file -r -ns \"x\" -rfn \"yRN\" \"level.ma\";\n"
+                             "file -r -ns \"z\" -rfn \"xRN\" \"level.ma\";\n");
+    open("clash.ma");
+    EXPECT_THAT(errors, HasSubstr("the namespace 'x' is taken by the reference to prop.ma; 'level.ma' is kept"));
+    EXPECT_THAT(errors, HasSubstr("the reference node 'xRN' is taken"));
+    EXPECT_THAT(texts("ls \"*:*\""), ElementsAre("x:cup", "x:twice"));
+    run("file -rename " + quoted("scenes/kept.ma") + "; file -save");
+    EXPECT_THAT(read("scenes/kept.ma"), HasSubstr("file -r -ns \"x\" -rfn \"yRN\" \"level.ma\";"));
+}
+
+// Each refers twice to the next: 2^30 of the last.
+TEST_F(ReferenceTest, ReferencesThatMultiplyEnd) {
+    for (int n = 0; n < 30; ++n) {
+        const std::string next = "m" + std::to_string(n + 1) + ".ma";
+        refer("m" + std::to_string(n) + ".ma", {next, next});
+    }
+    write("scenes/m30.ma", "//Maya ASCII 2011 scene\ncreateNode transform -n \"own\";\n");
+    open("m0.ma");
+    EXPECT_THAT(errors, HasSubstr("there are too many references within references"));
+}
+
+TEST_F(ReferenceTest, Namespaces) {
+    EXPECT_EQ(text("namespace -add \"a\"; namespace -add \"b\" -p \"a\""), "a:b");
+    run("namespace -set \"a:b\"; group -em -n x; createNode multiplyDivide; namespace -set \":\"; group -em -n y");
+    EXPECT_THAT(texts("namespaceInfo -ls \"a:b\""), ElementsAre("a:b:x", "a:b:multiplyDivide1"));
+    EXPECT_THAT(texts("namespaceInfo -lon -r"), ElementsAre("a", "a:b"));
+    EXPECT_THAT(texts("ls -type transform \"*\""), testing::Not(testing::Contains("a:b:x")));
+    EXPECT_THAT(texts("ls \"a:*:x\" \"*:*:mult*\""), ElementsAre("a:b:x", "a:b:multiplyDivide1"));
+    EXPECT_EQ(text("namespace -ren \"a\" \"c\""), "c");
+    EXPECT_TRUE(holds("objExists c:b:x"));
+    EXPECT_THAT(failure("namespace -rm \"c:b\""), HasSubstr("is not empty"));
+    run("namespace -mv \"c:b\" \":\"");
+    EXPECT_TRUE(holds("objExists x"));
+    EXPECT_FALSE(holds("namespace -rm \"c:b\"; namespace -ex \"c:b\""));
+    EXPECT_THAT(failure("namespace -set \"none\""), HasSubstr("No namespace matches name"));
+    EXPECT_THAT(failure("namespace -add \"1 x\""), HasSubstr("is not a name for a namespace"));
+}
