@@ -115,6 +115,8 @@ struct InspectOptions {
     bool json = false;   ///< for tools
     bool strict = false; ///< warnings count as errors
 };
+/// `name` may be a pattern; empty for all commands.
+int commandsCommand(const CommonOptions& common, const std::string& name);
 /// Needs neither workspace nor plug-in.
 int inspectCommand(const InspectOptions& options);
 

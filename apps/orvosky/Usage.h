@@ -31,6 +31,7 @@ Subcommand addRender(CLI::App& program, CommonOptions& common);
 Subcommand addBatch(CLI::App& program, CommonOptions& common);
 Subcommand addInspect(CLI::App& program, CommonOptions& common);
 Subcommand addEdit(CLI::App& program, CommonOptions& common);
+Subcommand addCommands(CLI::App& program, CommonOptions& common);
 Subcommand addHelp(CLI::App& program);
 /// @}
 

@@ -123,6 +123,7 @@ int main(int argc, char** argv) {
                                       addBatch(program, common),
                                       addInspect(program, common),
                                       addEdit(program, common),
+                                      addCommands(program, common),
                                       addHelp(program)};
     std::vector<std::string> names;
     for (const Subcommand& subcommand : subcommands) names.push_back(subcommand.line->get_name());

@@ -58,6 +58,20 @@ TEST_F(Program, WrongLinesSayWhatIsWrong) {
 }
 
 // Faults: a node or a file that gives orders to the reader's terminal; text of a script that is changed on its way.
+// Fault: a list of commands that is not the table by which they read their flags.
+TEST_F(Program, ListsCommandsWithTheirFlags) {
+    const Outcome one = run({"commands", "setDrivenKeyframe"});
+    EXPECT_EQ(one.status, 0) << one.error;
+    EXPECT_THAT(one.out, StartsWith("Synopsis: setDrivenKeyframe [flags]\nFlags:\n"));
+    EXPECT_THAT(one.out, HasSubstr("  -cd -currentDriver VALUE\n"));
+    const Outcome all = run({"commands"});
+    for (const char* name : {"xform", "sin", "orvosky_UpdateSkySystemCommand"})
+        EXPECT_THAT(all.out, HasSubstr("\nSynopsis: " + std::string(name)));
+    const Outcome none = run({"commands", "setAtr"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_THAT(none.error, HasSubstr("There is no command 'setAtr'; is 'setAttr' meant?"));
+}
+
 TEST_F(Program, MessagesHoldNoControlCharacters) {
     write(folder_ / "loud.mel", "warning \"a\x1b[31mb\x9b"
                                 "c\xC2\x9b"

@@ -14,6 +14,7 @@ void registerAttributeCommands(Interpreter& interpreter);
 void registerAttributeListCommands(Interpreter& interpreter);
 void registerAttributeEditCommands(Interpreter& interpreter);
 void registerConnectionCommands(Interpreter& interpreter);
+void registerConstraintCommands(Interpreter& interpreter);
 void registerDagCommands(Interpreter& interpreter);
 void registerDuplicateCommands(Interpreter& interpreter);
 void registerTransformCommands(Interpreter& interpreter);

@@ -169,6 +169,80 @@ double areaOf(const mesh::PolyMesh& mesh) {
     return area;
 }
 
+/// The mesh shape of the first object given or selected.
+DagNode& meshGiven(const ParsedArguments& args) {
+    for (DagNode* node : dagGivenOrSelected(args))
+        for (DagNode* shape : shapesOf(*node))
+            if (meshBehavior(*shape)) return *shape;
+    throw Error("No mesh was specified or selected.");
+}
+
+Value polyUVSet(Call& call) {
+    const ParsedArguments args(call,
+                               {{"cr", "create"},
+                                {"uvs", "uvSet", 1},
+                                {"nuv", "newUVSet", 1},
+                                {"cuv", "currentUVSet"},
+                                {"auv", "allUVSets"},
+                                {"rn", "rename"},
+                                {"cp", "copy"},
+                                {"d", "delete"}},
+                               true);
+    DagNode& shape = meshGiven(args);
+    const auto shown = meshOf(shape);
+    if (!shown) throw Error("'" + nameOf(shape) + "' has no geometry.");
+    if (args.query()) {
+        StringArray names;
+        for (int set = 0; set < shown->numUvSets(); ++set)
+            if (args.has("auv") || set == shown->currentUvSet()) names.push_back(shown->uvSet(set).name);
+        if (!args.has("auv") && !args.has("cuv")) throw Error("polyUVSet was not told what to query.");
+        return names;
+    }
+    auto changed = std::make_shared<mesh::PolyMesh>(*storedMeshOf(shape));
+    const auto setNamed = [&](const std::string& name) {
+        const int set = changed->findUvSet(name);
+        if (set < 0) throw Error("The UV set '" + name + "' cannot be found.");
+        return set;
+    };
+    const auto added = [&](const std::string& name) {
+        const int set = changed->addUvSet(name);
+        if (set < 0) throw Error("The UV set '" + name + "' is there already.");
+        return set;
+    };
+    std::string answer = args.text(args.has("nuv") ? "nuv" : "uvs");
+    if (args.has("d")) throw Error("polyUVSet: sets of UVs cannot be deleted here.");
+    if (args.has("cr")) {
+        if (answer.empty()) answer = "uvSet" + std::to_string(changed->numUvSets());
+        added(answer);
+    } else if (args.has("rn")) {
+        if (!changed->renameUvSet(setNamed(args.text("uvs")), args.text("nuv")))
+            throw Error("The UV set cannot be named '" + args.text("nuv") + "'.");
+    } else if (args.has("cp")) {
+        const int from = setNamed(args.text("uvs"));
+        const int to = args.has("nuv") && changed->findUvSet(answer) >= 0
+                           ? changed->findUvSet(answer)
+                           : added(args.has("nuv") ? answer : answer + "1");
+        std::vector<int> counts, ids;
+        for (int face = 0; face < changed->numPolygons(); ++face) {
+            const int corners = static_cast<int>(changed->faceVertices(face).size());
+            counts.push_back(corners);
+            for (int k = 0; k < corners; ++k) ids.push_back(changed->uvId(from, face, k));
+        }
+        if (from != to) {
+            const mesh::UvSet source = changed->uvSet(from);
+            changed->setUvs(to, source.u, source.v);
+            if (source.size() > 0) changed->assignUvs(to, counts, ids);
+        }
+        answer = changed->uvSet(to).name;
+    } else if (args.has("cuv")) {
+        changed->setCurrentUvSet(setNamed(args.text("uvs")));
+    } else {
+        throw Error("polyUVSet was not told what to do.");
+    }
+    setMesh(theScene(), shape, std::move(changed));
+    return StringArray{answer};
+}
+
 struct Counts {
     int vertices = 0, edges = 0, faces = 0, uvs = 0, triangles = 0, shells = 0;
     double area = 0, worldArea = 0;
@@ -241,6 +315,7 @@ void registerMeshCommands(Interpreter& interpreter) {
     for (const Creator& creator : creators())
         registerSceneCommand(interpreter, creator.type, [&creator](Call& call) { return primitive(call, creator); });
     registerSceneCommand(interpreter, "polyEvaluate", polyEvaluate);
+    registerSceneCommand(interpreter, "polyUVSet", polyUVSet);
 }
 
 } // namespace host::mel

@@ -83,12 +83,12 @@ void registerUndoCommands(Interpreter& interpreter) {
 
 void registerSceneCommands(Interpreter& interpreter) {
     for (auto* add : {registerNodeCommands,          registerCreationCommands,      registerAttributeCommands,
-                      registerAttributeListCommands, registerConnectionCommands,    registerDagCommands,
-                      registerAttributeEditCommands, registerComponentListCommands, registerHistoryCommands,
-                      registerDuplicateCommands,     registerTransformCommands,     registerXformCommand,
-                      registerAnimationCommands,     registerExpressionCommands,    registerComponentCommands,
-                      registerMeshCommands,          registerSetCommands,           registerReferenceCommands,
-                      registerSelectionCommands,     registerUndoCommands})
+                      registerAttributeListCommands, registerConnectionCommands,    registerConstraintCommands,
+                      registerDagCommands,           registerAttributeEditCommands, registerComponentListCommands,
+                      registerHistoryCommands,       registerDuplicateCommands,     registerTransformCommands,
+                      registerXformCommand,          registerAnimationCommands,     registerExpressionCommands,
+                      registerComponentCommands,     registerMeshCommands,          registerSetCommands,
+                      registerReferenceCommands,     registerSelectionCommands,     registerUndoCommands})
         add(interpreter);
     interpreter.beforeTopLevelStatement = [] { theScene().undo.openChunk(); };
     interpreter.afterTopLevelStatement = [] { theScene().undo.closeChunk(); };

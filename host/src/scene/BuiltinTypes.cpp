@@ -249,7 +249,7 @@ void registerDag(Registrar& r) {
     r.abstract("light", "shape", shapeKind, MFn::kLight,
                {color("color", "cl", 1, 1, 1), A::number("intensity", "in", N::Float, 1),
                 A::number("useRayTraceShadows", "urs", N::Bool, 1), A::number("emitDiffuse", "ed", N::Bool, 1),
-                A::number("emitSpecular", "sn", N::Bool, 1)});
+                A::number("emitSpecular", "sn", N::Bool, 1), color("shadowColor", "sc", 0, 0, 0)});
     r.type("directionalLight", "light", shapeKind, MFn::kDirectionalLight, {});
     r.type("ambientLight", "light", shapeKind, MFn::kAmbientLight, {A::number("ambientShade", "as", N::Float, 0.45)});
     r.type("pointLight", "light", shapeKind, MFn::kPointLight, {A::number("decayRate", "de", N::Short)});
