@@ -7,12 +7,11 @@
 
 #include <maya/MColor.h>
 #include <maya/MDagPath.h>
+#include <maya/MMatrix.h>
+#include <maya/MPoint.h>
 #include <maya/MStatus.h>
-
-class MMatrix;
-class MPoint;
-class MString;
-class MVector;
+#include <maya/MString.h>
+#include <maya/MVector.h>
 
 namespace host::api {
 struct Access;

@@ -1,8 +1,7 @@
 #pragma once
 
+#include <maya/MMatrix.h>
 #include <maya/MPoint.h>
-
-class MMatrix;
 
 /// A box along the axes, held by its smallest and its largest corner. A new box is empty: it contains nothing, its
 /// sizes are 0, and its corners are far out with min beyond max.

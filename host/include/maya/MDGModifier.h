@@ -1,19 +1,18 @@
 #pragma once
 
+#include <maya/MAngle.h>
+#include <maya/MDistance.h>
 #include <maya/MFnDependencyNode.h>
 #include <maya/MObject.h>
+#include <maya/MPlug.h>
 #include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MTime.h>
+#include <maya/MTypeId.h>
 #include <maya/MTypes.h>
 
 #include <functional>
 #include <memory>
-
-class MAngle;
-class MDistance;
-class MPlug;
-class MString;
-class MTime;
-class MTypeId;
 
 /// Gathers changes of the dependency graph, to be done and taken back together: the usual heart of an undoable command.
 class OPENMAYA_EXPORT MDGModifier {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <maya/MFn.h>
+#include <maya/MMatrix.h>
 #include <maya/MObject.h>
 #include <maya/MStatus.h>
+#include <maya/MString.h>
 
 class MDagPathArray;
-class MMatrix;
-class MString;
 
 /// The place of a node in the DAG. Nodes have one path here: there is no instancing.
 class OPENMAYA_EXPORT MDagPath {
@@ -56,3 +56,6 @@ private:
     friend struct host::api::Access;
     MObject node_;
 };
+
+// Behind the class: they need it themselves.
+#include <maya/MDagPathArray.h>

@@ -4,9 +4,8 @@
 #include <maya/MDGContext.h>
 #include <maya/MDataHandle.h>
 #include <maya/MObject.h>
+#include <maya/MPlug.h>
 #include <maya/MStatus.h>
-
-class MPlug;
 
 /// The values of one node while it computes. Input values are brought up to date when asked for.
 class OPENMAYA_EXPORT MDataBlock {

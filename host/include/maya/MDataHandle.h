@@ -1,22 +1,20 @@
 #pragma once
 
+#include <maya/MAngle.h>
+#include <maya/MDistance.h>
+#include <maya/MFloatMatrix.h>
+#include <maya/MFloatVector.h>
 #include <maya/MFnData.h>
 #include <maya/MFnNumericData.h>
+#include <maya/MMatrix.h>
 #include <maya/MObject.h>
+#include <maya/MString.h>
+#include <maya/MTime.h>
+#include <maya/MTypeId.h>
 #include <maya/MTypes.h>
+#include <maya/MVector.h>
 
 #include <memory>
-
-class MAngle;
-class MDistance;
-class MFloatMatrix;
-class MFloatVector;
-class MMatrix;
-class MPlug;
-class MString;
-class MTime;
-class MTypeId;
-class MVector;
 
 /// A view of one value in a node's data block. References that it gives stay good while the node computes.
 class OPENMAYA_EXPORT MDataHandle {
@@ -119,3 +117,6 @@ private:
     struct View;
     std::shared_ptr<View> view_;
 };
+
+// Behind the class: it needs this one itself.
+#include <maya/MPlug.h>

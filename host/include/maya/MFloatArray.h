@@ -1,5 +1,6 @@
 #pragma once
 
+#include <maya/MStatus.h>
 #include <maya/detail/ValueArray.h>
 
 #include <iosfwd>

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <maya/MFloatMatrix.h>
 #include <maya/MStatus.h>
 
 #include <cmath>
 #include <iosfwd>
 
-class MFloatMatrix;
 class MFloatVector;
 class MPoint;
 class MVector;

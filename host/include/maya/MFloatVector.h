@@ -1,11 +1,11 @@
 #pragma once
 
+#include <maya/MFloatMatrix.h>
 #include <maya/MStatus.h>
 
 #include <cmath>
 #include <iosfwd>
 
-class MFloatMatrix;
 class MFloatPoint;
 class MPoint;
 class MVector;

@@ -2,14 +2,13 @@
 
 #include <maya/MFnBase.h>
 #include <maya/MFnData.h>
+#include <maya/MString.h>
+#include <maya/MStringArray.h>
+#include <maya/MTypeId.h>
 
 namespace host::scene {
 class Attribute;
 }
-
-class MString;
-class MStringArray;
-class MTypeId;
 
 /// Function set for attributes: their names and flags.
 class OPENMAYA_EXPORT MFnAttribute : public MFnBase {

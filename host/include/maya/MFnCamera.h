@@ -1,10 +1,10 @@
 #pragma once
 
+#include <maya/MDagPath.h>
 #include <maya/MFnDagNode.h>
+#include <maya/MPoint.h>
 #include <maya/MSpace.h>
-
-class MPoint;
-class MVector;
+#include <maya/MVector.h>
 
 /// Function set for cameras. A camera looks down the negative z axis of its own space, with y up.
 ///

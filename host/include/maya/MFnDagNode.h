@@ -1,11 +1,11 @@
 #pragma once
 
+#include <maya/MBoundingBox.h>
+#include <maya/MDagPath.h>
+#include <maya/MDagPathArray.h>
 #include <maya/MFnDependencyNode.h>
-
-class MBoundingBox;
-class MDagPath;
-class MDagPathArray;
-class MMatrix;
+#include <maya/MMatrix.h>
+#include <maya/MTypeId.h>
 
 /// Function set for DAG nodes: transforms and shapes.
 class OPENMAYA_EXPORT MFnDagNode : public MFnDependencyNode {

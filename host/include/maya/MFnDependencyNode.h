@@ -1,13 +1,12 @@
 #pragma once
 
 #include <maya/MFnBase.h>
-
-class MObjectArray;
-class MPlug;
-class MPlugArray;
-class MPxNode;
-class MString;
-class MTypeId;
+#include <maya/MObjectArray.h>
+#include <maya/MPlug.h>
+#include <maya/MPlugArray.h>
+#include <maya/MPxNode.h>
+#include <maya/MString.h>
+#include <maya/MTypeId.h>
 
 /// Function set for nodes.
 class OPENMAYA_EXPORT MFnDependencyNode : public MFnBase {

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <maya/MFloatMatrix.h>
 #include <maya/MFnAttribute.h>
-
-class MFloatMatrix;
-class MMatrix;
+#include <maya/MMatrix.h>
 
 /// Function set for matrix attributes.
 class OPENMAYA_EXPORT MFnMatrixAttribute : public MFnAttribute {

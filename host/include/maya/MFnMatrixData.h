@@ -1,9 +1,8 @@
 #pragma once
 
 #include <maya/MFnData.h>
-
-class MMatrix;
-class MTransformationMatrix;
+#include <maya/MMatrix.h>
+#include <maya/MTransformationMatrix.h>
 
 /// Function set for matrix data.
 class OPENMAYA_EXPORT MFnMatrixData : public MFnData {

@@ -1,21 +1,20 @@
 #pragma once
 
+#include <maya/MDGModifier.h>
+#include <maya/MFloatArray.h>
+#include <maya/MFloatPoint.h>
+#include <maya/MFloatPointArray.h>
+#include <maya/MFloatVector.h>
+#include <maya/MFloatVectorArray.h>
 #include <maya/MFnDagNode.h>
+#include <maya/MIntArray.h>
+#include <maya/MPoint.h>
+#include <maya/MPointArray.h>
+#include <maya/MSelectionList.h>
 #include <maya/MSpace.h>
-
-class MDGModifier;
-class MFloatArray;
-class MFloatPoint;
-class MFloatPointArray;
-class MFloatVector;
-class MFloatVectorArray;
-class MIntArray;
-class MPoint;
-class MPointArray;
-class MSelectionList;
-class MStringArray;
-class MUintArray;
-class MVector;
+#include <maya/MStringArray.h>
+#include <maya/MUintArray.h>
+#include <maya/MVector.h>
 
 #define kMFnMeshTolerance 1.0e-10
 #define kMFnMeshPointTolerance 1.0e-3

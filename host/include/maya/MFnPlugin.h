@@ -2,12 +2,12 @@
 
 #include <maya/MApiVersion.h>
 #include <maya/MFnBase.h>
+#include <maya/MPxCommand.h>
 #include <maya/MPxNode.h>
+#include <maya/MString.h>
+#include <maya/MTypeId.h>
 
-class MPxCommand;
-class MString;
 class MSyntax;
-class MTypeId;
 
 using MCreatorFunction = void* (*)();
 using MInitializeFunction = MStatus (*)();

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <maya/MFnComponent.h>
-
-class MIntArray;
+#include <maya/MIntArray.h>
 
 /// Function set for components with one index. Each index is there once, in ascending order.
 class OPENMAYA_EXPORT MFnSingleIndexedComponent : public MFnComponent {

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <maya/MFnData.h>
-
-class MString;
+#include <maya/MString.h>
 
 /// Function set for text data.
 class OPENMAYA_EXPORT MFnStringData : public MFnData {

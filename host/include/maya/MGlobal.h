@@ -1,17 +1,16 @@
 #pragma once
 
+#include <maya/MDagPath.h>
+#include <maya/MDoubleArray.h>
+#include <maya/MIntArray.h>
 #include <maya/MObject.h>
+#include <maya/MSelectionList.h>
 #include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MStringArray.h>
+#include <maya/MTime.h>
 #include <maya/MTypes.h>
-
-class MDagPath;
-class MDoubleArray;
-class MIntArray;
-class MSelectionList;
-class MString;
-class MStringArray;
-class MTime;
-class MVector;
+#include <maya/MVector.h>
 
 /// Operations on the host as a whole: messages, script commands, the selection, time.
 class OPENMAYA_EXPORT MGlobal {

@@ -1,14 +1,13 @@
 #pragma once
 
+#include <maya/MDagPath.h>
+#include <maya/MDagPathArray.h>
 #include <maya/MFn.h>
 #include <maya/MObject.h>
 #include <maya/MStatus.h>
+#include <maya/MString.h>
 
 #include <vector>
-
-class MDagPath;
-class MDagPathArray;
-class MString;
 
 /// Walks the DAG below a node, that node included, parents before children.
 class OPENMAYA_EXPORT MItDag {

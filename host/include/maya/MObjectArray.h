@@ -1,6 +1,7 @@
 #pragma once
 
 #include <maya/MObject.h>
+#include <maya/MStatus.h>
 #include <maya/detail/ValueArray.h>
 
 /// An array of MObject.

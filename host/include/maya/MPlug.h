@@ -1,22 +1,22 @@
 #pragma once
 
+#include <maya/MAngle.h>
 #include <maya/MDGContext.h>
+#include <maya/MDistance.h>
+#include <maya/MIntArray.h>
 #include <maya/MObject.h>
 #include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MStringArray.h>
+#include <maya/MTime.h>
 #include <maya/MTypes.h>
 
 #include <utility>
 #include <vector>
 
-class MAngle;
 class MDataBlock;
 class MDataHandle;
-class MDistance;
-class MIntArray;
 class MPlugArray;
-class MString;
-class MStringArray;
-class MTime;
 
 /// An attribute of a node: a value, a compound, an array or an array's element.
 class OPENMAYA_EXPORT MPlug {
@@ -154,3 +154,8 @@ private:
     /// The chosen elements of the arrays on the way, by the arrays' attributes.
     std::vector<std::pair<const void*, int>> indices_;
 };
+
+// Behind the class: they need it themselves.
+#include <maya/MDataBlock.h>
+#include <maya/MDataHandle.h>
+#include <maya/MPlugArray.h>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <maya/MMatrix.h>
 #include <maya/MStatus.h>
 
 #include <cmath>
@@ -7,7 +8,6 @@
 
 class MFloatPoint;
 class MFloatVector;
-class MMatrix;
 class MVector;
 
 #define MPoint_kTol 1.0e-10

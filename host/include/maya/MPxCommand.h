@@ -1,17 +1,16 @@
 #pragma once
 
 #include <maya/MArgList.h>
+#include <maya/MDoubleArray.h>
+#include <maya/MIntArray.h>
 #include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MStringArray.h>
 #include <maya/MTypes.h>
 
 namespace host::api {
 struct Access;
 }
-
-class MDoubleArray;
-class MIntArray;
-class MString;
-class MStringArray;
 
 /// Base class of the commands that plug-ins bring. One object is made for each call; that of an undoable command lives
 /// on in the undo queue.

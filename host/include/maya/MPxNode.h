@@ -4,11 +4,10 @@
 #include <maya/MDataBlock.h>
 #include <maya/MObject.h>
 #include <maya/MPlug.h>
+#include <maya/MPlugArray.h>
 #include <maya/MStatus.h>
-
-class MPlugArray;
-class MString;
-class MTypeId;
+#include <maya/MString.h>
+#include <maya/MTypeId.h>
 
 /// Base class of the nodes that plug-ins bring.
 class OPENMAYA_EXPORT MPxNode {

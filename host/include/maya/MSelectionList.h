@@ -4,11 +4,10 @@
 #include <maya/MObject.h>
 #include <maya/MPlug.h>
 #include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MStringArray.h>
 
 #include <vector>
-
-class MString;
-class MStringArray;
 
 /// A list of nodes, plugs and components.
 class OPENMAYA_EXPORT MSelectionList {

@@ -95,3 +95,6 @@ OPENMAYA_EXPORT std::ostream& operator<<(std::ostream& out, MStatus& status);
 
 /// As CHECK_MSTATUS; after the report it returns the status from the calling function.
 #define CHECK_MSTATUS_AND_RETURN_IT(_status) CHECK_MSTATUS_AND_RETURN((_status), _return_status_)
+
+// Behind the class: they need it themselves.
+#include <maya/MString.h>

@@ -132,3 +132,6 @@ private:
 
 OPENMAYA_EXPORT std::ostream& operator<<(std::ostream& s, const MString& str);
 OPENMAYA_EXPORT MString operator+(const char* first, const MString& second);
+
+// Behind the class: they need it themselves.
+#include <maya/MStringArray.h>

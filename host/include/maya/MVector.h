@@ -1,5 +1,6 @@
 #pragma once
 
+#include <maya/MMatrix.h>
 #include <maya/MStatus.h>
 #include <maya/MTransformationMatrix.h>
 
@@ -9,7 +10,6 @@
 class MEulerRotation;
 class MFloatPoint;
 class MFloatVector;
-class MMatrix;
 class MPoint;
 class MQuaternion;
 
