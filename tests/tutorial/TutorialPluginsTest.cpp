@@ -1,42 +1,12 @@
-#include "api/plugins/PluginManager.h"
-#include "base/Messages.h"
-#include "commands/Host.h"
-#include "kit/Places.h"
-#include "scene/Scene.h"
+#include "TutorialFixture.h"
 
 #include <gtest/gtest.h>
-
-#include <vector>
 
 namespace {
 
 using host::mel::FloatArray;
 using host::mel::StringArray;
 using host::mel::Value;
-
-/// The running host with a plug-in of someone else's loaded by a script, as a user does it.
-class TutorialPlugins : public testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        host::Host::Options options;
-        options.pluginFolders = {orvo::test::buildTree("tests/tutorial/plug-ins")};
-        host::Host::instance().start(options);
-    }
-    void SetUp() override { host::Host::instance().scene().reset(); }
-    void TearDown() override {
-        host::Host::instance().scene().reset();
-        host::Host::instance().plugins().unloadAll();
-    }
-    Value run(const std::string& mel) { return host::Host::instance().interpreter().execute(mel); }
-    std::string failure(const std::string& mel) {
-        try {
-            run(mel);
-        } catch (const host::mel::Error& e) {
-            return e.what();
-        }
-        return {};
-    }
-};
 
 // Faults: a compound output that is not computed as a whole or part by part, or not recomputed after a change.
 TEST_F(TutorialPlugins, ComputingNodeWithCompoundOutput) {

@@ -5,9 +5,8 @@
 #include <maya/MPxCommand.h>
 #include <maya/MPxNode.h>
 #include <maya/MString.h>
+#include <maya/MSyntax.h>
 #include <maya/MTypeId.h>
-
-class MSyntax;
 
 using MCreatorFunction = void* (*)();
 using MInitializeFunction = MStatus (*)();

@@ -6,6 +6,7 @@
 #include <maya/MStatus.h>
 #include <maya/MString.h>
 #include <maya/MStringArray.h>
+#include <maya/MSyntax.h>
 #include <maya/MTypes.h>
 
 namespace host::api {
@@ -24,9 +25,13 @@ public:
     virtual MStatus redoIt();
     virtual bool isUndoable() const;
     virtual bool hasSyntax() const;
+    /// The syntax that the command was registered with, while it runs; an empty one otherwise.
+    MSyntax syntax() const;
     bool isHistoryOn() const;
     MString commandString() const;
     MStatus setHistoryOn(bool state);
+    /// What isUndoable() answers where the command does not override it.
+    MStatus setUndoable(bool state);
     MStatus setCommandString(const MString& name);
     static void displayInfo(const MString& theInfo);
     static void displayWarning(const MString& theWarning, bool showLineNumber = false);
@@ -64,5 +69,5 @@ private:
     friend struct host::api::Access;
     MPxCommand(const MPxCommand&) = delete;
     MPxCommand& operator=(const MPxCommand&) = delete;
-    bool history_ = true;
+    bool history_ = true, undoable_ = false;
 };

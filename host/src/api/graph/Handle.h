@@ -13,12 +13,14 @@
 class MDataBlock;
 class MPxNode;
 class MSelectionList;
+class MSyntax;
 
 class M3dView;
 
 namespace host::api {
 
 struct Plugin;
+struct SyntaxTable;
 
 /// What an MObject refers to.
 struct Handle {
@@ -98,6 +100,8 @@ struct Access {
     static MDataBlock dataBlock(scene::Node& node);
 
     static M3dView view(unsigned long serial);
+
+    static const SyntaxTable& table(const MSyntax& syntax);
 
     static MPxNode* userNode(scene::Node& node);
     static void setUserNode(MPxNode& user, scene::Node& node);

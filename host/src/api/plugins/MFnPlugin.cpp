@@ -72,7 +72,7 @@ MStatus MFnPlugin::setVersion(const MString& newVersion) {
 }
 
 MStatus MFnPlugin::registerCommand(const MString& commandName, MCreatorFunction creatorFunction,
-                                   MCreateSyntaxFunction) {
+                                   MCreateSyntaxFunction createSyntaxFunction) {
     Plugin* p = Access::plugin(object_);
     const std::string name = toText(commandName);
     if (!p) return MStatus::kFailure;
@@ -82,8 +82,21 @@ MStatus MFnPlugin::registerCommand(const MString& commandName, MCreatorFunction 
         showError("A command with the name '" + name + "' is registered already.");
         return MStatus::kFailure;
     }
-    mel.registerCommand(
-        name, [name, creatorFunction](mel::Call& call) { return api::runPluginCommand(name, creatorFunction, call); });
+    std::shared_ptr<const MSyntax> syntax;
+    if (createSyntaxFunction) {
+        try {
+            syntax = std::make_shared<const MSyntax>(createSyntaxFunction());
+        } catch (const std::exception& e) {
+            showError(p->name + ": exception in the syntax of '" + name + "': " + e.what());
+            return MStatus::kFailure;
+        } catch (...) {
+            showError(p->name + ": exception in the syntax of '" + name + "'.");
+            return MStatus::kFailure;
+        }
+    }
+    mel.registerCommand(name, [name, creatorFunction, syntax](mel::Call& call) {
+        return api::runPluginCommand(name, creatorFunction, syntax, call);
+    });
     p->commands.push_back(name);
     return MStatus::kSuccess;
 }

@@ -25,7 +25,8 @@ struct Frame {
     Frame* outer;
     Value result;
     std::string name;
-    bool reported = false; ///< it has told the user what went wrong
+    std::shared_ptr<const MSyntax> syntax{};
+    std::string fault{}; ///< what of its arguments does not keep to the syntax
 };
 Frame* current = nullptr;
 
@@ -52,7 +53,15 @@ void put(Value v) {
 
 namespace host::api {
 
-Value runPluginCommand(const std::string& name, MCreatorFunction create, mel::Call& call) {
+void noteFaultOfCall(const std::string& text) {
+    if (!current)
+        showError(text);
+    else if (current->fault.empty())
+        current->fault = text;
+}
+
+Value runPluginCommand(const std::string& name, MCreatorFunction create, std::shared_ptr<const MSyntax> syntax,
+                       mel::Call& call) {
     MArgList arguments;
     for (const Value& v : call.arguments) {
         switch (v.type()) {
@@ -86,7 +95,7 @@ Value runPluginCommand(const std::string& name, MCreatorFunction create, mel::Ca
 
     auto& undo = scene::Scene::current().undo;
     std::shared_ptr<MPxCommand> command;
-    Frame frame{current, {}, name, false};
+    Frame frame{current, {}, name, syntax};
     MStatus status = MStatus::kFailure;
     std::string thrown;
     {
@@ -104,10 +113,12 @@ Value runPluginCommand(const std::string& name, MCreatorFunction create, mel::Ca
         current = frame.outer;
     }
     if (!thrown.empty()) throw mel::Error("The command \"" + name + "\" ended with an exception: " + thrown);
+    if (!status && !frame.fault.empty()) throw mel::Error(frame.fault);
     if (!status) throw mel::Error("The command \"" + name + "\" failed: " + toText(status.errorString()));
+    if (!frame.fault.empty()) showError(frame.fault);
     if (command->isUndoable()) {
-        const auto again = [name](const std::shared_ptr<MPxCommand>& c, bool back) {
-            Frame inner{current, {}, name, false};
+        const auto again = [name, syntax](const std::shared_ptr<MPxCommand>& c, bool back) {
+            Frame inner{current, {}, name, syntax};
             current = &inner;
             MStatus s = MStatus::kFailure;
             try {
@@ -131,13 +142,19 @@ MPxCommand::~MPxCommand() = default;
 MStatus MPxCommand::doIt(const MArgList&) { return MStatus::kFailure; }
 MStatus MPxCommand::undoIt() { return MStatus::kFailure; }
 MStatus MPxCommand::redoIt() { return MStatus::kFailure; }
-bool MPxCommand::isUndoable() const { return false; }
+bool MPxCommand::isUndoable() const { return undoable_; }
 bool MPxCommand::hasSyntax() const { return false; }
+MSyntax MPxCommand::syntax() const { return current && current->syntax ? *current->syntax : MSyntax(); }
 bool MPxCommand::isHistoryOn() const { return history_; }
 MString MPxCommand::commandString() const { return current ? fromText(current->name) : MString(); }
 
 MStatus MPxCommand::setHistoryOn(bool state) {
     history_ = state;
+    return MStatus::kSuccess;
+}
+
+MStatus MPxCommand::setUndoable(bool state) {
+    undoable_ = state;
     return MStatus::kSuccess;
 }
 

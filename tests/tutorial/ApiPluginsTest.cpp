@@ -1,0 +1,55 @@
+#include "TutorialFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using host::mel::StringArray;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Faults: flags that are not told from objects, arguments in the wrong unit, uses of a flag that are lost, and an undo
+// that leaves half of it.
+TEST_F(TutorialPlugins, CommandWithFlags) {
+    run("loadPlugin rowOfPosts; createNode transform -n row; currentUnit -linear meter;");
+    EXPECT_EQ(run("rowOfPosts -count 3 row -s 0.5 -along 0 0 2 -tags low -t old;").toInt(), 3);
+    run("currentUnit -linear centimeter;");
+    EXPECT_EQ(run("listRelatives row;").toStringArray(),
+              (StringArray{"post_low_old1", "post_low_old2", "post_low_old3"}));
+    EXPECT_EQ(run("getAttr post_low_old3.tz;").toFloat(), 200.0);
+    EXPECT_EQ(run("rowOfPosts -query -count row;").toInt(), 3);
+    run("undo;"); // the query is no step of it
+    EXPECT_EQ(run("rowOfPosts -query -count row;").toInt(), 0);
+    run("select row; rowOfPosts -coun \"2\" -name gate;");
+    EXPECT_EQ(run("rowOfPosts -q -c row;").toInt(), 2);
+    EXPECT_EQ(run("objExists gate2;").toInt(), 1);
+    run("undo;");
+    EXPECT_EQ(run("objExists gate2;").toInt(), 0);
+    run("redo;");
+    EXPECT_EQ(run("objExists gate2;").toInt(), 1);
+}
+
+// Faults: a call that does not keep to the syntax and runs all the same, or fails with a word that does not say why.
+TEST_F(TutorialPlugins, CallsThatDoNotKeepToTheSyntax) {
+    run("loadPlugin rowOfPosts; createNode transform -n row; createNode transform -n other; select -cl;");
+    const struct {
+        const char *call, *fault;
+    } cases[] = {
+        {"rowOfPosts -colour 3 row", "Invalid flag: '-colour'"},
+        {"rowOfPosts -edit -count 3 row", "Invalid flag: '-edit'"},
+        {"rowOfPosts row -count", "Flag '-count' must be passed an integer argument"},
+        {"rowOfPosts -count -spacing 2 row", "Flag '-count' must be passed an integer argument"},
+        {"rowOfPosts -along 1 2", "Flag '-along' must be passed 3 arguments"},
+        {"rowOfPosts -c many row", "Invalid argument of flag '-c': expected an integer, got \"many\"."},
+        {"rowOfPosts -c 1e12 row",
+         "Invalid argument of flag '-c': expected an integer, got a number that is out of range."},
+        {"rowOfPosts -c 1 -c 2 row", "Flag '-c' cannot be used more than once."},
+        {"rowOfPosts -c 1", "Not enough objects or values."},
+        {"rowOfPosts -c 1 row other", "Too many objects or values."},
+        {"rowOfPosts -c 1 nobody", "No object matches name: nobody"},
+    };
+    for (const auto& [call, fault] : cases) EXPECT_EQ(failure(call), fault) << call;
+    EXPECT_EQ(run("size(`ls -type locator`);").toInt(), 0);
+}
+
+} // namespace
