@@ -4,9 +4,8 @@
 
 namespace {
 
+using host::mel::FloatArray;
 using host::mel::StringArray;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 // Faults: flags that are not told from objects, arguments in the wrong unit, uses of a flag that are lost, and an undo
 // that leaves half of it.
@@ -50,6 +49,28 @@ TEST_F(TutorialPlugins, CallsThatDoNotKeepToTheSyntax) {
     };
     for (const auto& [call, fault] : cases) EXPECT_EQ(failure(call), fault) << call;
     EXPECT_EQ(run("size(`ls -type locator`);").toInt(), 0);
+}
+
+// Faults: vertices that move in the wrong space, or twice as the normals change under way; an undo that misses some; a
+// border that is not one; what has history moved by force.
+TEST_F(TutorialPlugins, CommandsThatWalkOverMeshes) {
+    run("loadPlugin meshTools; polyPlane -w 2 -h 2 -sx 2 -sy 2 -n ground; scale 3 1 1 ground;");
+    EXPECT_EQ(run("meshReport ground;").toFloatArray(), (FloatArray{12, 8, 16, 16}));
+    EXPECT_EQ(run("select ground; selectBorder;").toStringArray(), (StringArray{"ground.vtx[0:3]", "ground.vtx[5:8]"}));
+    run("select ground.vtx[4] ground.vtx[8];");
+    EXPECT_EQ(run("pushVertices 0.5;").toInt(), 2);
+    const auto height = [&](int vertex) {
+        return run("pointPosition -w ground.vtx[" + std::to_string(vertex) + "];").toFloatArray()[1];
+    };
+    EXPECT_EQ(height(4), 0.5);
+    EXPECT_EQ(height(8), 0.5);
+    EXPECT_EQ(height(0), 0.0);
+    run("undo;");
+    EXPECT_EQ(height(4), 0.0);
+    run("redo;");
+    EXPECT_EQ(height(8), 0.5);
+    run("undo; delete -ch ground; select ground.vtx[0]; pushVertices 2;");
+    EXPECT_EQ(height(0), 2.0);
 }
 
 } // namespace

@@ -82,6 +82,18 @@ private:
 
 } // namespace
 
+Incidence::Incidence(int count, std::vector<std::pair<int, int>> pairs) {
+    std::sort(pairs.begin(), pairs.end());
+    pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
+    starts_.assign(static_cast<std::size_t>(count) + 1, 0);
+    items_.reserve(pairs.size());
+    for (const auto& [element, other] : pairs) {
+        ++starts_[static_cast<std::size_t>(element) + 1];
+        items_.push_back(other);
+    }
+    std::partial_sum(starts_.begin(), starts_.end(), starts_.begin());
+}
+
 PolyMesh::PolyMesh() { uvSets_.push_back({.name = "map1", .u = {}, .v = {}, .ids = {}}); }
 
 PolyMesh PolyMesh::fromPolygons(std::vector<Float3> points, std::span<const int> counts, std::vector<int> connects,
@@ -171,6 +183,26 @@ const PolyMesh::Topology& PolyMesh::topology() const {
             }
         }
         return t;
+    });
+}
+
+const Neighbours& PolyMesh::neighbours() const {
+    return neighbours_.get([this] {
+        std::vector<std::pair<int, int>> vertexFaces, vertexEdges, edgeFaces;
+        vertexFaces.reserve(connects_.size());
+        edgeFaces.reserve(connects_.size());
+        for (int face = 0; face < numPolygons(); ++face) {
+            for (const int vertex : faceVertices(face)) vertexFaces.emplace_back(vertex, face);
+            for (const int id : faceEdges(face)) edgeFaces.emplace_back(id >= 0 ? id : ~id, face);
+        }
+        vertexEdges.reserve(2 * edges().size());
+        for (int edge = 0; edge < numEdges(); ++edge) {
+            vertexEdges.emplace_back(edges()[edge].v1, edge);
+            vertexEdges.emplace_back(edges()[edge].v2, edge);
+        }
+        return Neighbours{Incidence(numVertices(), std::move(vertexFaces)),
+                          Incidence(numVertices(), std::move(vertexEdges)),
+                          Incidence(numEdges(), std::move(edgeFaces))};
     });
 }
 
@@ -392,6 +424,23 @@ bool PolyMesh::assignUvs(int set, std::span<const int> counts, std::span<const i
                     fmt::format("UV set {}: the counts sum up to {}, but {} ids are given", s.name, at, ids.size()));
     s.ids = any ? std::move(assigned) : std::vector<int>();
     return true;
+}
+
+int PolyMesh::addUv(int set, float u, float v) {
+    uvSets_[set].u.push_back(u);
+    uvSets_[set].v.push_back(v);
+    return uvSets_[set].size() - 1;
+}
+
+void PolyMesh::setUv(int set, int id, float u, float v) {
+    uvSets_[set].u[id] = u;
+    uvSets_[set].v[id] = v;
+}
+
+void PolyMesh::assignUv(int set, int face, int corner, int id) {
+    UvSet& s = uvSets_[set];
+    if (s.ids.empty()) s.ids.assign(connects_.size(), -1);
+    s.ids[faceStart(face) + corner] = id;
 }
 
 void PolyMesh::clearUvs(int set) { uvSets_[set] = {.name = uvSets_[set].name, .u = {}, .v = {}, .ids = {}}; }

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace host::mesh {
@@ -65,6 +66,26 @@ struct FaceRecords {
     std::vector<Record> records; ///< face by face
     std::vector<int> ids;
     bool operator==(const FaceRecords&) const = default;
+};
+
+/// Which elements meet: for each of one kind a list of those of another, in ascending order.
+class Incidence {
+public:
+    Incidence() = default;
+    /// `pairs` may come in any order, and more than once.
+    Incidence(int count, std::vector<std::pair<int, int>> pairs);
+    std::span<const int> of(int element) const {
+        return std::span(items_).subspan(starts_[element], starts_[element + 1] - starts_[element]);
+    }
+
+private:
+    std::vector<std::size_t> starts_;
+    std::vector<int> items_;
+};
+
+/// What meets at the vertices and edges of a mesh.
+struct Neighbours {
+    Incidence vertexFaces, vertexEdges, edgeFaces;
 };
 
 /// How the normals of the faces around a vertex are averaged.
@@ -161,6 +182,7 @@ public:
     std::span<const int> faceEdges(int face) const {
         return std::span(topology().faceEdges).subspan(faceStart(face), faceSize(face));
     }
+    const Neighbours& neighbours() const;
     /// Sets whether an edge is smooth.
     void setEdgeSmooth(int edge, bool smooth);
     /// Sets the smoothness of all edges; `smooth` has an entry an edge (else false, and nothing changes).
@@ -217,6 +239,12 @@ public:
     /// Assigns ids to the corners of all faces: `counts` has an entry a face, either 0 (its corners get none) or its
     /// number of corners; `ids` are those of the others, each -1 or in range.
     bool assignUvs(int set, std::span<const int> counts, std::span<const int> ids, std::string* error = nullptr);
+    /// @name One texture coordinate of a set, and what a face's corner is assigned; ids in range, or -1 for none
+    /// @{
+    int addUv(int set, float u, float v);
+    void setUv(int set, int id, float u, float v);
+    void assignUv(int set, int face, int corner, int id);
+    /// @}
     /// Drops a set's coordinates and assignments.
     void clearUvs(int set);
     /// The UV id of a face's corner; -1 for none.
@@ -253,6 +281,7 @@ private:
     std::shared_ptr<const FaceRecords> faceRecords_;
 
     LazyPart<Topology> topology_;
+    LazyPart<Neighbours> neighbours_;
     LazyPart<std::vector<Triangle>> triangles_;
     std::array<LazyPart<std::vector<Float3>>, 3> vertexNormals_;
     LazyPart<std::vector<Float3>> faceVertexNormals_;
