@@ -1,6 +1,10 @@
 #include "TutorialFixture.h"
 
-#include <gmock/gmock.h>
+#include <maya/MFnDependencyNode.h>
+#include <maya/MFnIntArrayData.h>
+#include <maya/MFnPointArrayData.h>
+#include <maya/MFnVectorArrayData.h>
+#include <maya/MSelectionList.h>
 
 namespace {
 
@@ -71,6 +75,37 @@ TEST_F(TutorialPlugins, CommandsThatWalkOverMeshes) {
     EXPECT_EQ(height(8), 0.5);
     run("undo; delete -ch ground; select ground.vtx[0]; pushVertices 2;");
     EXPECT_EQ(height(0), 2.0);
+}
+
+// Faults: units that do not convert, a number that a generic attribute loses, elements that are left over or lost when
+// the array is built anew.
+TEST_F(TutorialPlugins, NodeWithArraysAndGenericInput) {
+    run("loadPlugin windRibbon; createNode windRibbon -n r; createNode transform -n t;");
+    EXPECT_EQ(run("getAttr r.step;").toFloat(), 100.0);
+    EXPECT_EQ(run("getAttr -time 5 r.start;").toFloat(), 1.0);
+    EXPECT_NE(failure("setAttr r.heading 181;").find("past its maximum value of 180"), std::string::npos);
+    run("setAttr r.heading 90; getAttr r.place[2].placeY;");
+    EXPECT_EQ(run("getAttr -size r.place;").toInt(), 3);
+    EXPECT_NEAR(run("getAttr r.place[2].placeY;").toFloat(), 200, 1e-9);
+    run("connectAttr r.place[1].placeY t.ty; setAttr r.count 1; getAttr r.place[0].placeX;");
+    EXPECT_EQ(run("getAttr t.ty;").toFloat(), 0.0) << "what is connected stays, without a value";
+    EXPECT_EQ(run("getAttr -size r.place;").toInt(), 2);
+    run("setAttr r.count 4; setAttr t.sx 3; connectAttr t.sx r.strength;");
+    EXPECT_NEAR(run("getAttr t.ty;").toFloat(), 300, 1e-9);
+    EXPECT_NE(failure("connectAttr -f t.visibility r.strength;").find("not compatible"), std::string::npos);
+    run("connectAttr t.message r.followers -na; connectAttr persp.message r.followers -na;");
+    EXPECT_EQ(run("listConnections r.followers;").toStringArray(), (StringArray{"t", "persp"}));
+    MSelectionList list;
+    MObject node, data;
+    list.add("r");
+    list.getDependNode(0, node);
+    const MFnDependencyNode fn(node);
+    fn.findPlug("points", true).getValue(data);
+    EXPECT_NEAR(MFnPointArrayData(data).array()[3].y, 900, 1e-9);
+    fn.findPlug("steps", true).getValue(data);
+    EXPECT_NEAR(MFnVectorArrayData(data).array()[3].y, 3, 1e-12);
+    fn.findPlug("order", true).getValue(data);
+    EXPECT_EQ(MFnIntArrayData(data)[3], 1);
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include <maya/MDataHandle.h>
 #include <maya/MStatus.h>
 
+class MArrayDataBuilder;
+
 /// The elements of an array attribute in a data block, one current at a time, in ascending order of their index.
 class OPENMAYA_EXPORT MArrayDataHandle {
 public:
@@ -19,6 +21,10 @@ public:
     MStatus jumpToArrayElement(unsigned int position);
     MStatus setClean();
     MStatus setAllClean();
+    /// Starts with the array's elements.
+    MArrayDataBuilder builder(MStatus* ReturnStatus = NULL);
+    /// Makes the array's elements those that were built.
+    MStatus set(MArrayDataBuilder& builder);
     MArrayDataHandle& operator=(const MArrayDataHandle& other);
     static const char* className();
 
@@ -27,3 +33,6 @@ private:
     MDataHandle array_;
     unsigned int position_ = 0;
 };
+
+// Behind the class: it needs this one itself.
+#include <maya/MArrayDataBuilder.h>

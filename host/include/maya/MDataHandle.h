@@ -22,6 +22,8 @@ public:
     MDataHandle();
     MDataHandle(const MDataHandle& other);
     bool isNumeric() const;
+    /// Whether it is of a generic attribute, and what that holds now.
+    bool isGeneric(bool& isNumeric, bool& isNull) const;
     MFnNumericData::Type numericType() const;
     MFnData::Type type() const;
     MTypeId typeId() const;
@@ -107,6 +109,24 @@ public:
     void set3Double(double val1, double val2, double val3);
     void setString(const MString& val);
     MStatus setMObject(const MObject& data);
+    /// @name The number of a generic attribute, converted
+    /// What holds a number of another type keeps its type, unless `force` is set.
+    /// @{
+    bool asGenericBool() const;
+    unsigned char asGenericChar() const;
+    double asGenericDouble() const;
+    float asGenericFloat() const;
+    short asGenericShort() const;
+    int asGenericInt() const;
+    MInt64 asGenericInt64() const;
+    void setGenericBool(bool value, bool force);
+    void setGenericChar(unsigned char value, bool force);
+    void setGenericDouble(double value, bool force);
+    void setGenericFloat(float value, bool force);
+    void setGenericShort(short value, bool force);
+    void setGenericInt(int value, bool force);
+    void setGenericInt64(MInt64 value, bool force);
+    /// @}
     MDataHandle child(const MPlug& plug);
     MDataHandle child(const MObject& attribute);
     MDataHandle& operator=(const MDataHandle& other);

@@ -1,5 +1,7 @@
 #include "scene/Attribute.h"
 
+#include <algorithm>
+
 namespace host::scene {
 namespace {
 
@@ -92,6 +94,23 @@ AttributePtr Attribute::number(std::string longName, std::string shortName, Nume
     a->numeric = type;
     a->defaultValue = Numeric(type, 1, value);
     return a;
+}
+
+std::optional<ValueKind> kindOf(const Value& value) {
+    using Form = ValueKind::Form;
+    if (const auto* n = std::get_if<Numeric>(&value)) return ValueKind{Form::Number, DataKind::None, n->type, n->count};
+    if (std::holds_alternative<std::string>(value)) return ValueKind{Form::Text};
+    if (std::holds_alternative<MMatrix>(value) || std::holds_alternative<MFloatMatrix>(value))
+        return ValueKind{Form::Matrix};
+    const auto* data = std::get_if<DataPtr>(&value);
+    return data && *data ? std::optional(ValueKind{Form::Data, (*data)->kind()}) : std::nullopt;
+}
+
+bool Attribute::accepts(const ValueKind& kind) const {
+    return accepted.empty() || std::any_of(accepted.begin(), accepted.end(), [&](const ValueKind& a) {
+               return a == kind ||
+                      (a.form == kind.form && a.form == ValueKind::Form::Number && a.numeric == NumericType::None);
+           });
 }
 
 AttributePtr Attribute::unit(std::string longName, std::string shortName, AttributeType unitType, double value) {

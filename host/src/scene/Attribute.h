@@ -35,6 +35,18 @@ struct Limits {
     std::optional<double> min, max, softMin, softMax;
 };
 
+/// A kind of value, as a generic attribute says what it takes.
+struct ValueKind {
+    enum class Form : std::uint8_t { Number, Text, Matrix, Data };
+    Form form = Form::Number;
+    DataKind data = DataKind::None;          ///< of Data
+    NumericType numeric = NumericType::None; ///< of Number; None stands for any numbers
+    int count = 0;                           ///< of Number
+    bool operator==(const ValueKind&) const = default;
+};
+/// Nothing for an empty value.
+std::optional<ValueKind> kindOf(const Value& value);
+
 /// The definition of an attribute: shared by all nodes of a type, or a dynamic one of a single node.
 class Attribute : public std::enable_shared_from_this<Attribute> {
 public:
@@ -52,6 +64,7 @@ public:
     Value defaultValue;                                ///< of a leaf, or of a Tuple as a whole
     std::vector<std::pair<std::string, short>> fields; ///< Enum
     std::vector<AttributePtr> children;                ///< Tuple and Compound
+    std::vector<ValueKind> accepted;                   ///< Generic: what it takes; empty for anything
     Attribute* parent = nullptr;
     int childIndex = 0; ///< place within the parent
 
@@ -61,6 +74,8 @@ public:
     }
     /// Whether a leaf of this attribute is held as numbers.
     bool isNumber() const { return type == AttributeType::Numeric || type == AttributeType::Enum || isUnit(); }
+    /// Whether a Generic one takes values of the kind.
+    bool accepts(const ValueKind& kind) const;
     bool named(std::string_view name) const { return longName == name || shortName == name; }
     const Attribute* child(std::string_view name) const;
     const Attribute& root() const;

@@ -149,6 +149,11 @@ bool compatible(const Cell& source, const Cell& destination) {
     const Attribute &a = source.attribute, &b = destination.attribute;
     if (source.isArray() != destination.isArray()) return false;
     if (b.type == AttributeType::Message || a.type == AttributeType::Message) return b.type == AttributeType::Message;
+    if (b.type == AttributeType::Generic && a.type != AttributeType::Generic) {
+        const auto kind = a.type == AttributeType::Data ? ValueKind{ValueKind::Form::Data, a.dataKind}
+                                                        : kindOf(a.defaultValue).value_or(ValueKind{});
+        return b.accepts(kind);
+    }
     if (b.type == AttributeType::Generic || a.type == AttributeType::Generic) return true;
     if (a.isNumber() && b.isNumber()) return true;
     if (a.type == AttributeType::Tuple && b.type == AttributeType::Tuple) return a.children.size() == b.children.size();
@@ -193,7 +198,10 @@ void assign(Cell& destination, Cell& source) {
             evaluate(s);
             assign(destination.child(static_cast<int>(i)), s);
         }
-    } else if (to.type == from.type) {
+    } else if (to.type == AttributeType::Generic && source.isTupleChild()) {
+        const Numeric* s = source.numbers(&j);
+        if (s) destination.value = Numeric(s->type, 1, s->get(j));
+    } else if (to.type == AttributeType::Generic || to.type == from.type) {
         destination.value = source.value;
     }
 }

@@ -1,6 +1,7 @@
 #include <maya/MFnAttribute.h>
 
 #include "api/fn/FnSupport.h"
+#include "api/graph/DataTypes.h"
 
 #include <maya/MFloatMatrix.h>
 #include <maya/MFnCompoundAttribute.h>
@@ -126,11 +127,15 @@ bool MFnAttribute::accepts(MFnData::Type type, MStatus* ReturnStatus) const {
     const auto a = Access::attribute(object_);
     setStatus(ReturnStatus, a ? MStatus::kSuccess : MStatus::kFailure);
     if (!a) return false;
+    if (a->type == AttributeType::Generic) {
+        const auto kind = api::kindOf(type);
+        return kind && a->accepts(*kind);
+    }
+    if (a->type == AttributeType::Data) return api::typeOf(a->dataKind) == type;
     switch (type) {
     case MFnData::kNumeric: return a->isNumber() || a->type == AttributeType::Tuple;
     case MFnData::kString: return a->type == AttributeType::String;
     case MFnData::kMatrix: return a->type == AttributeType::Matrix;
-    case MFnData::kMesh: return a->type == AttributeType::Data && a->dataKind == DataKind::Mesh;
     default: return false;
     }
 }
@@ -314,19 +319,7 @@ MFnData::Type MFnTypedAttribute::attrType(MStatus* ReturnStatus) const {
     if (!a) return MFnData::kInvalid;
     if (a->type == AttributeType::String) return MFnData::kString;
     if (a->type == AttributeType::Matrix) return MFnData::kMatrix;
-    switch (a->dataKind) {
-    case DataKind::Mesh: return MFnData::kMesh;
-    case DataKind::StringArray: return MFnData::kStringArray;
-    case DataKind::DoubleArray: return MFnData::kDoubleArray;
-    case DataKind::FloatArray: return MFnData::kFloatArray;
-    case DataKind::IntArray: return MFnData::kIntArray;
-    case DataKind::PointArray: return MFnData::kPointArray;
-    case DataKind::VectorArray: return MFnData::kVectorArray;
-    case DataKind::MatrixArray: return MFnData::kMatrixArray;
-    case DataKind::ComponentList: return MFnData::kComponentList;
-    case DataKind::None: break;
-    }
-    return a->type == AttributeType::Generic ? MFnData::kAny : MFnData::kInvalid;
+    return a->type == AttributeType::Generic ? MFnData::kAny : api::typeOf(a->dataKind);
 }
 
 MStatus MFnTypedAttribute::getDefault(MObject& defaultData) {

@@ -1,6 +1,7 @@
 #include <maya/MDataHandle.h>
 
 #include "api/fn/NumericTypes.h"
+#include "api/graph/DataTypes.h"
 #include "api/graph/Handle.h"
 #include "base/Units.h"
 #include "scene/Evaluation.h"
@@ -141,10 +142,58 @@ MFnData::Type MDataHandle::type() const {
     const auto& v = view_->value();
     if (std::holds_alternative<std::string>(v)) return MFnData::kString;
     if (std::holds_alternative<MMatrix>(v) || std::holds_alternative<MFloatMatrix>(v)) return MFnData::kMatrix;
-    if (const auto* d = std::get_if<scene::DataPtr>(&v); d && *d && (*d)->kind() == scene::DataKind::Mesh)
-        return MFnData::kMesh;
-    return MFnData::kInvalid;
+    if (const auto* d = std::get_if<scene::DataPtr>(&v); d && *d) return api::typeOf((*d)->kind());
+    // Nothing is there yet; the attribute says what there will be.
+    return view_->cell ? api::typeOf(view_->cell->attribute.dataKind) : MFnData::kInvalid;
 }
+
+bool MDataHandle::isGeneric(bool& isNumeric, bool& isNull) const {
+    if (!view_ || !view_->cell || view_->cell->attribute.type != scene::AttributeType::Generic) return false;
+    isNumeric = this->isNumeric();
+    isNull = !scene::kindOf(view_->value());
+    return true;
+}
+
+namespace {
+
+template <class T, class Handle>
+T genericNumber(const Handle& view) {
+    int k = 0;
+    const Numeric* n = view ? view->numbers(&k) : nullptr;
+    if (!n) return T();
+    if constexpr (std::is_floating_point_v<T>) return static_cast<T>(n->get(k));
+    if constexpr (std::is_same_v<T, bool>) return n->get(k) != 0;
+    return static_cast<T>(n->getInt64(k));
+}
+
+template <class Handle, class T>
+void setGenericNumber(const Handle& view, NumericType type, T value, bool force) {
+    if (!view || !view->cell || view->cell->attribute.type != scene::AttributeType::Generic) return;
+    auto* held = std::get_if<Numeric>(&view->value());
+    Numeric number(held && !force ? held->type : type, 1);
+    if constexpr (std::is_same_v<T, MInt64>)
+        number.setInt64(0, value);
+    else
+        number.set(0, static_cast<double>(value));
+    if (force || view->cell->attribute.accepts(*scene::kindOf(scene::Value(number)))) view->value() = number;
+}
+
+} // namespace
+
+bool MDataHandle::asGenericBool() const { return genericNumber<bool>(view_); }
+unsigned char MDataHandle::asGenericChar() const { return genericNumber<unsigned char>(view_); }
+double MDataHandle::asGenericDouble() const { return genericNumber<double>(view_); }
+float MDataHandle::asGenericFloat() const { return genericNumber<float>(view_); }
+short MDataHandle::asGenericShort() const { return genericNumber<short>(view_); }
+int MDataHandle::asGenericInt() const { return genericNumber<int>(view_); }
+MInt64 MDataHandle::asGenericInt64() const { return genericNumber<MInt64>(view_); }
+void MDataHandle::setGenericBool(bool v, bool f) { setGenericNumber(view_, NumericType::Bool, v, f); }
+void MDataHandle::setGenericChar(unsigned char v, bool f) { setGenericNumber(view_, NumericType::Byte, v, f); }
+void MDataHandle::setGenericDouble(double v, bool f) { setGenericNumber(view_, NumericType::Double, v, f); }
+void MDataHandle::setGenericFloat(float v, bool f) { setGenericNumber(view_, NumericType::Float, v, f); }
+void MDataHandle::setGenericShort(short v, bool f) { setGenericNumber(view_, NumericType::Short, v, f); }
+void MDataHandle::setGenericInt(int v, bool f) { setGenericNumber(view_, NumericType::Int, v, f); }
+void MDataHandle::setGenericInt64(MInt64 v, bool f) { setGenericNumber(view_, NumericType::Int64, v, f); }
 
 MTypeId MDataHandle::typeId() const { return MTypeId(); }
 MObject MDataHandle::data() { return view_ ? Access::object(Access::value(*this)) : MObject(); }
@@ -275,6 +324,13 @@ void MDataHandle::set(const MString& v) {
 MStatus MDataHandle::set(const MObject& object) {
     const auto* data = Access::data(object);
     if (!view_ || !data) return MStatus::kInvalidParameter;
+    const bool generic = view_->cell && view_->cell->attribute.type == scene::AttributeType::Generic;
+    if (generic) {
+        const auto kind = scene::kindOf(data->value);
+        if (kind && !view_->cell->attribute.accepts(*kind)) return MStatus::kInvalidParameter;
+        view_->value() = data->value;
+        return MStatus::kSuccess;
+    }
     if (const auto* n = std::get_if<Numeric>(&data->value)) {
         int k = 0;
         Numeric* to = view_->numbers(&k);
@@ -282,10 +338,9 @@ MStatus MDataHandle::set(const MObject& object) {
         for (int i = 0; i < n->count; ++i) to->set(k + i, n->get(i));
         return MStatus::kSuccess;
     }
-    const bool generic = view_->cell && view_->cell->attribute.type == scene::AttributeType::Generic;
-    if (!generic && view_->value().index() != data->value.index()) return MStatus::kInvalidParameter;
+    if (view_->value().index() != data->value.index()) return MStatus::kInvalidParameter;
     const auto* held = std::get_if<scene::DataPtr>(&data->value);
-    if (!generic && view_->cell && held && *held && (*held)->kind() != view_->cell->attribute.dataKind)
+    if (view_->cell && held && *held && (*held)->kind() != view_->cell->attribute.dataKind)
         return MStatus::kInvalidParameter;
     view_->value() = data->value;
     return MStatus::kSuccess;
