@@ -1,5 +1,7 @@
 #include "TutorialFixture.h"
 
+#include "base/Messages.h"
+
 #include <maya/MFnDependencyNode.h>
 #include <maya/MFnIntArrayData.h>
 #include <maya/MFnPointArrayData.h>
@@ -106,6 +108,96 @@ TEST_F(TutorialPlugins, NodeWithArraysAndGenericInput) {
     EXPECT_NEAR(MFnVectorArrayData(data).array()[3].y, 3, 1e-12);
     fn.findPlug("order", true).getValue(data);
     EXPECT_EQ(MFnIntArrayData(data)[3], 1);
+}
+
+/// What the watching plug-in logged, in order.
+struct SceneWatch : TutorialPlugins {
+    void SetUp() override {
+        TutorialPlugins::SetUp();
+        run("loadPlugin sceneWatch; createNode transform -n base; createNode transform -n a -p base; watchNode a; "
+            "select "
+            "-cl; watchLog;");
+        host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
+            if (severity != host::Severity::Info) told.emplace_back(text);
+        });
+    }
+    void TearDown() override {
+        TutorialPlugins::TearDown();
+        host::Messages::instance().setSink({});
+    }
+    StringArray log(const std::string& mel) {
+        run("watchLog;");
+        run(mel);
+        return run("watchLog;").toStringArray();
+    }
+    StringArray told;
+};
+
+// Faults: an event that is not told of, or told of in the wrong direction; what undoing does left out.
+TEST_F(SceneWatch, NodesAttributesAndConnections) {
+    EXPECT_EQ(log("setAttr a.tx 3;"), (StringArray{"dirty a.translateX", "moved a", "set a.translateX"}));
+    EXPECT_EQ(log("setAttr base.ty 1;"), StringArray{"moved a"});
+    EXPECT_EQ(log("connectAttr base.v a.v; disconnectAttr base.v a.v;"),
+              (StringArray{"in a.visibility base.visibility", "cut a.visibility"}));
+    EXPECT_EQ(log("connectAttr a.v base.v;"), StringArray{"out a.visibility base.visibility"});
+    EXPECT_EQ(log("setAttr -lock 1 a.ry;"), StringArray{"locked a.rotateY"});
+    EXPECT_EQ(log("addAttr -ln haze a;"), StringArray{"added haze"});
+    EXPECT_EQ(log("undo;"), StringArray{"removed haze"});
+    EXPECT_EQ(log("rename a b; undo;"), (StringArray{"renamed a b", "renamed b a"}));
+    EXPECT_EQ(log("createNode transform -n c -p a; createNode locator;"),
+              (StringArray{"new c", "child c of a", "selection", "new locator1", "selection"}));
+    EXPECT_EQ(log("currentTime 12;"), StringArray{"frame 12"});
+    EXPECT_EQ(run("watchNode -endWatch a;").toInt(), 8);
+    EXPECT_EQ(log("setAttr a.tx 4;"), StringArray{});
+}
+
+// Faults: what the modifier gathers not undone with the deletion; a node that ends without a word.
+TEST_F(SceneWatch, Deleting) {
+    EXPECT_EQ(log("delete a;"), (StringArray{"deleting a", "new grave", "selection", "gone a"}));
+    EXPECT_EQ(run("objExists grave;").toInt(), 1);
+    run("undo;");
+    EXPECT_EQ(run("objExists grave;").toInt(), 0);
+    EXPECT_EQ(log("setAttr a.tz 1;").back(), "set a.translateZ") << "it goes on when the node is back";
+    EXPECT_EQ(log("delete a; flushUndo;").back(), "destroyed");
+}
+
+// Faults: an exception that ends the host or silences the others; a node torn from under those that work on it; a list
+// that changes while it is called; a callback that calls itself for ever.
+TEST_F(SceneWatch, CallbacksThatMisbehave) {
+    run("createNode transform -n d; watchNode -badly throw d; watchNode d;");
+    EXPECT_EQ(log("setAttr d.tx 1;").back(), "set d.translateX");
+    EXPECT_EQ(told, StringArray{"Exception in a callback: out of patience"});
+    EXPECT_EQ(run("getAttr d.tx;").toFloat(), 1.0);
+    run("createNode transform -n e; watchNode -badly once e;");
+    EXPECT_EQ(log("setAttr e.tx 1; setAttr e.tx 5;"), StringArray{"once e.translateX"});
+    EXPECT_EQ(run("getAttr e.tx;").toFloat(), 5.0);
+    run("undoInfo -state 0; createNode transform -n f; watchNode -badly delete f; createNode transform -n g; "
+        "connectAttr "
+        "f.tx g.tx;");
+    run("setAttr f.t 1 2 3;");
+    EXPECT_EQ(run("objExists f;").toInt(), 0);
+    EXPECT_EQ(run("objExists g;").toInt(), 1);
+    run("undoInfo -state 1; createNode transform -n f; watchNode -badly delete f; setAttr f.tx 1; undo; undo;");
+}
+
+// Faults: an operation that goes on although it was refused, messages in the wrong order, code that is called when its
+// plug-in is gone.
+TEST_F(SceneWatch, DocumentsAndUnloading) {
+    const std::string folder = testing::TempDir();
+    run("file -rename \"" + folder + "/watched.ma\";");
+    EXPECT_EQ(log("file -save;"), StringArray{"after save"});
+    const auto opened = log("file -f -o \"" + folder + "/watched.ma\";");
+    ASSERT_GE(opened.size(), 3u);
+    EXPECT_EQ(opened.front(), "before open");
+    EXPECT_EQ(opened.back(), "after open");
+    EXPECT_NE(std::find(opened.begin(), opened.end(), "new base"), opened.end());
+    run("file -rename \"" + folder + "/forbidden.ma\"; file -save;");
+    EXPECT_NE(failure("file -f -o \"" + folder + "/forbidden.ma\";").find("refused by a callback"), std::string::npos);
+    EXPECT_EQ(run("objExists base;").toInt(), 1) << "nothing was lost";
+    run("watchNode base; unloadPlugin sceneWatch;");
+    EXPECT_EQ(told.back(), "Plug-in, \"sceneWatch\", left 16 callbacks behind, which are removed.");
+    EXPECT_EQ(host::scene::Scene::current().observer, nullptr);
+    run("setAttr base.tx 1; delete base; currentTime 3;");
 }
 
 } // namespace

@@ -25,6 +25,8 @@
 
 using MInt64 = long long;
 using MUint64 = unsigned long long;
+/// What a callback is told by; 0 for none.
+using MCallbackId = std::size_t;
 
 using short2 = short[2];
 using short3 = short[3];

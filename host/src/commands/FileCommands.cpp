@@ -1,3 +1,4 @@
+#include "api/graph/FileOperation.h"
 #include "api/plugins/PluginManager.h"
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
@@ -148,6 +149,9 @@ Value referFile(const ParsedArguments& a, const std::string& name) {
     return made;
 }
 
+using api::FileOperation;
+using Action = FileOperation::Action;
+
 Value file(Call& call) {
     const ParsedArguments a(call,
                             {{"new", "newFile"},
@@ -197,14 +201,19 @@ Value file(Call& call) {
     };
     // A script that works without a user loses nothing it could be asked about: -force is always understood.
     if (a.has("new")) {
+        std::string none;
+        FileOperation operation(Action::New, none);
         scene.reset();
+        operation.done();
         return "untitled";
     }
     if (a.has("o")) {
-        const std::string path = workspace().findScene(name());
+        std::string path = workspace().findScene(name());
+        FileOperation operation(Action::Open, path);
         readScene(path, {});
         scene.fileName = path;
         if (const auto work = afterOpening()) work();
+        operation.done();
         return path;
     }
     if (a.has("rr")) {
@@ -212,20 +221,30 @@ Value file(Call& call) {
         return {};
     }
     if (a.has("r")) return referFile(a, name());
-    if (a.has("i")) return importFile(a, workspace().findScene(name()));
+    if (a.has("i")) {
+        std::string path = workspace().findScene(name());
+        FileOperation operation(Action::Import, path);
+        const Value imported = importFile(a, path);
+        operation.done();
+        return imported;
+    }
     if (a.has("rn")) {
         scene.fileName = placeOf(name());
         return scene.fileName;
     }
     if (a.has("ea")) {
-        const std::string path = placeOf(name());
+        std::string path = placeOf(name());
+        FileOperation operation(Action::Export, path);
         writeScene(path);
+        operation.done();
         return path;
     }
     if (a.has("s")) {
         if (scene.fileName.empty()) throw Error("The scene has no name yet: use file -rename first.");
+        FileOperation operation(Action::Save, scene.fileName);
         writeScene(scene.fileName);
         scene.modified = false;
+        operation.done();
         return scene.fileName;
     }
     if (a.has("mf")) {

@@ -1,3 +1,4 @@
+#include "api/graph/Callbacks.h"
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
 
@@ -17,11 +18,13 @@ std::unique_ptr<UndoQueue::Suspend>& suspension() {
 
 Value undo(Call&) {
     if (!theScene().undo.undo()) throw Error("There are no more commands to undo.");
+    api::Callbacks::shared().event("Undo");
     return {};
 }
 
 Value redo(Call&) {
     if (!theScene().undo.redo()) throw Error("There are no more commands to redo.");
+    api::Callbacks::shared().event("Redo");
     return {};
 }
 
@@ -91,7 +94,11 @@ void registerSceneCommands(Interpreter& interpreter) {
                       registerReferenceCommands,     registerSelectionCommands,     registerUndoCommands})
         add(interpreter);
     interpreter.beforeTopLevelStatement = [] { theScene().undo.openChunk(); };
-    interpreter.afterTopLevelStatement = [] { theScene().undo.closeChunk(); };
+    interpreter.afterTopLevelStatement = [] {
+        theScene().undo.closeChunk();
+        // Nobody works on what was deleted any more.
+        if (!api::Callbacks::shared().running()) theScene().forgetDeleted();
+    };
     interpreter.afterCommand = [](const std::string& name) { theScene().undo.endEntry(name); };
 }
 

@@ -45,6 +45,14 @@ void tellNodes(Cell& source, Cell& destination, bool made) {
     if (auto& b = destination.node.behavior) b->connectionChanged(destination, source, false, made);
 }
 
+void tellValue(Cell& cell) {
+    if (Observer* o = cell.node.scene.observer) o->valueSet(cell);
+}
+
+void tellAttribute(Node& node, const Attribute& attribute, Observer::AttributeEvent what) {
+    if (Observer* o = node.scene.observer) o->attributeChanged(node, attribute, what);
+}
+
 constexpr std::size_t lastPlace = static_cast<std::size_t>(-1);
 
 /// Connects; `place` is the destination's among those of the source.
@@ -55,6 +63,7 @@ void join(Cell& source, Cell& destination, std::size_t place = lastPlace) {
     if (place < list.size()) std::rotate(list.begin() + static_cast<std::ptrdiff_t>(place), list.end() - 1, list.end());
     dirtyWithDependents(destination);
     tellNodes(source, destination, true);
+    if (auto* o = source.node.scene.observer) o->connectionChanged(source, destination, true, false);
 }
 
 void part(Cell& source, Cell& destination) {
@@ -63,6 +72,7 @@ void part(Cell& source, Cell& destination) {
     std::erase(source.destinations, &destination);
     dirtyDependents(destination);
     tellNodes(source, destination, false);
+    if (auto* o = source.node.scene.observer) o->connectionChanged(source, destination, false, false);
 }
 
 /// The values and marks of a cell and of what it is made of, to be put back.
@@ -210,6 +220,7 @@ void Scene::setNumber(Cell& cell, double value, LimitPolicy policy) {
     Cell& owner = ownerOfNumbers(cell);
     if (cell.node.behavior && cell.attribute.internal && cell.node.behavior->setInternal(cell, after)) {
         dirtyDependents(cell);
+        tellValue(cell);
         return;
     }
     const Numeric before = *numbers;
@@ -223,12 +234,14 @@ void Scene::setNumber(Cell& cell, double value, LimitPolicy policy) {
             std::get<Numeric>(owner.value).set(k, to.get(k));
             cell.written = written;
             dirtyDependents(cell);
+            tellValue(cell);
         };
         record([set, after] { set(after, true); }, [set, before, wasWritten] { set(before, wasWritten); });
     } else {
         modified = true;
         ++generation_;
     }
+    tellValue(cell);
 }
 
 void Scene::setInt64(Cell& cell, std::int64_t value) {
@@ -275,6 +288,7 @@ void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
     }
     if (cell.node.behavior && cell.attribute.internal && cell.node.behavior->setInternal(cell, value)) {
         dirtyDependents(cell);
+        tellValue(cell);
         return;
     }
     const auto set = [&cell, keep = undo.recording() ? cell.node.shared_from_this() : nullptr](const Value& to,
@@ -283,6 +297,7 @@ void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
         cell.written = written;
         setClean(cell);
         dirtyDependents(cell);
+        tellValue(cell);
     };
     if (undo.recording()) {
         Value before = cell.value;
@@ -299,15 +314,22 @@ void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
 void Scene::setLocked(Cell& cell, bool locked) {
     if (cell.locked == locked) return;
     noteChange(cell);
-    const auto set = [&cell, keep = cell.node.shared_from_this()](bool to) { cell.locked = to; };
+    const auto set = [&cell, keep = cell.node.shared_from_this()](bool to) {
+        cell.locked = to;
+        if (keep->scene.observer) keep->scene.observer->lockChanged(cell);
+    };
     set(locked);
     record([set, locked] { set(locked); }, [set, locked] { set(!locked); });
 }
 
 void Scene::setKeyable(Cell& cell, bool keyable) {
+    if (observer && !observer->mayChangeKeyable(cell, keyable)) return;
     noteChange(cell);
     const auto before = cell.keyable;
-    const auto set = [&cell, keep = cell.node.shared_from_this()](std::optional<bool> to) { cell.keyable = to; };
+    const auto set = [&cell, keep = cell.node.shared_from_this()](std::optional<bool> to) {
+        cell.keyable = to;
+        if (keep->scene.observer) keep->scene.observer->keyableChanged(cell);
+    };
     set(keyable);
     record([set, keyable] { set(keyable); }, [set, before] { set(before); });
 }
@@ -337,6 +359,8 @@ void Scene::removeElement(Cell& element, bool breakConnections) {
         *kept = std::move(array.elements[index]);
         array.elements.erase(index);
         dirtyDependents(array);
+        keep->scene.keepDeleted(kept);
+        if (keep->scene.observer) keep->scene.observer->elementRemoved(array, index);
     };
     remove();
     record(remove, [&array, index, kept, keep = array.node.shared_from_this()] {
@@ -357,11 +381,14 @@ void Scene::addAttribute(Node& node, AttributePtr attribute) {
         [keep, attribute, cell] {
             keep->addDynamic(attribute);
             keep->putCell(std::move(*cell));
+            tellAttribute(*keep, *attribute, Observer::AttributeEvent::Added);
         },
         [keep, attribute, cell] {
             *cell = keep->takeCell(*attribute);
             keep->removeDynamic(*attribute);
+            tellAttribute(*keep, *attribute, Observer::AttributeEvent::Removed);
         });
+    tellAttribute(node, *attribute, Observer::AttributeEvent::Added);
 }
 
 void Scene::deleteAttribute(Node& node, const Attribute& attribute) {
@@ -375,15 +402,19 @@ void Scene::deleteAttribute(Node& node, const Attribute& attribute) {
     const auto& list = node.dynamicAttributes();
     const auto place = static_cast<std::size_t>(std::find(list.begin(), list.end(), kept) - list.begin());
     node.removeDynamic(attribute);
+    keepDeleted(cell);
     record(
         [keep, kept, cell] {
             *cell = keep->takeCell(*kept);
             keep->removeDynamic(*kept);
+            tellAttribute(*keep, *kept, Observer::AttributeEvent::Removed);
         },
         [keep, kept, cell, place] {
             keep->addDynamic(kept, place);
             keep->putCell(std::move(*cell));
+            tellAttribute(*keep, *kept, Observer::AttributeEvent::Added);
         });
+    tellAttribute(node, *kept, Observer::AttributeEvent::Removed);
 }
 
 void Scene::setAliases(Node& node, std::vector<std::pair<std::string, std::string>> aliases) {
@@ -402,8 +433,12 @@ void Scene::renameAttribute(Node& node, const Attribute& attribute, const std::s
     auto keep = node.shared_from_this();
     if (!node.renameDynamic(*kept, name, name))
         throw SceneError("Node '" + displayName(node) + "' already has an attribute named '" + name + "'.");
-    record([keep, kept, name] { keep->renameDynamic(*kept, name, name); },
-           [keep, kept, longBefore, shortBefore] { keep->renameDynamic(*kept, longBefore, shortBefore); });
+    const auto set = [keep, kept](const std::string& longName, const std::string& shortName) {
+        keep->renameDynamic(*kept, longName, shortName);
+        tellAttribute(*keep, *kept, Observer::AttributeEvent::Renamed);
+    };
+    record([set, name] { set(name, name); }, [set, longBefore, shortBefore] { set(longBefore, shortBefore); });
+    tellAttribute(node, *kept, Observer::AttributeEvent::Renamed);
 }
 
 void Scene::connect(Cell& source, Cell& destination, bool force) {
@@ -434,6 +469,10 @@ void Scene::connect(Cell& source, Cell& destination, bool force) {
     const NodePtr a = source.node.shared_from_this(), b = destination.node.shared_from_this();
     // What the destination held comes back with an undo.
     const Held before(destination);
+    if (observer) {
+        observer->connectionChanged(source, destination, true, true);
+        if (!a->inScene || !b->inScene || destination.source) return; // somebody else saw to it meanwhile
+    }
     join(source, destination);
     record([=, &source, &destination] { (void)a, (void)b, join(source, destination); },
            [=, &source, &destination] {
@@ -444,10 +483,13 @@ void Scene::connect(Cell& source, Cell& destination, bool force) {
 }
 
 void Scene::cutConnections(Cell& cell) {
-    forEachCell(cell, [&](Cell& c) {
-        if (c.source) disconnect(*c.source, c);
-        while (!c.destinations.empty()) disconnect(c, *c.destinations.back());
-    });
+    // Listed first: whoever is told of a cut may look at other parts of the attribute, which makes cells.
+    std::vector<Cell*> parts;
+    forEachCell(cell, [&](Cell& c) { parts.push_back(&c); });
+    for (Cell* c : parts) {
+        if (c->source) disconnect(*c->source, *c);
+        while (!c->destinations.empty()) disconnect(*c, *c->destinations.back());
+    }
 }
 
 void Scene::disconnect(Cell& source, Cell& destination) {
@@ -460,6 +502,10 @@ void Scene::disconnect(Cell& source, Cell& destination) {
     const Held before(destination);
     const auto place = static_cast<std::size_t>(
         std::find(source.destinations.begin(), source.destinations.end(), &destination) - source.destinations.begin());
+    if (observer) {
+        observer->connectionChanged(source, destination, false, true);
+        if (destination.source != &source) return;
+    }
     part(source, destination);
     const Held after(destination);
     record(

@@ -27,12 +27,20 @@ public:
     Wave& operator=(const Wave&) = delete;
 
     void dependents(Cell& cell) {
+        Observer* const observer = cell.node.scene.observer;
+        telling_ = observer && observer->wantsDirt();
         pending_.push_back(&cell);
         while (!pending_.empty()) {
             Cell* c = pending_.back();
             pending_.pop_back();
-            if (isNew(*c)) spread(*c);
+            if (!isNew(*c)) continue;
+            if (telling_) dirty_.push_back(c);
+            spread(*c);
         }
+        // Told of at the end: whoever is told may change the scene.
+        if (telling_) observer->dirtied(dirty_);
+        for (DagNode* node : moved_)
+            if (observer == node->scene.observer) observer->worldMoved(*node);
     }
 
     void mark(Cell& cell) {
@@ -79,6 +87,7 @@ private:
             std::vector<Cell*> stale;
             node.dag()->forgetWorld(stale);
             for (Cell* c : stale) mark(*c);
+            if (dag->scene.observer) moved_.push_back(dag);
         }
     }
 
@@ -98,6 +107,9 @@ private:
     bool nested_;
     std::vector<Cell*> pending_;
     std::unordered_set<Cell*> visited_;
+    std::vector<Cell*> dirty_;
+    std::vector<DagNode*> moved_;
+    bool telling_ = false;
 };
 
 /// Between kinds of attributes a number flows in the user's units, as if through a unit conversion.
@@ -119,6 +131,7 @@ void dirtyWorld(DagNode& node) {
     std::vector<Cell*> stale;
     node.forgetWorld(stale);
     for (Cell* c : stale) dirtyWithDependents(*c);
+    if (node.scene.observer && node.inScene) node.scene.observer->worldMoved(node);
 }
 
 void dirtyWithDependents(Cell& cell) {
@@ -198,10 +211,7 @@ void assign(Cell& destination, Cell& source) {
             evaluate(s);
             assign(destination.child(static_cast<int>(i)), s);
         }
-    } else if (to.type == AttributeType::Generic && source.isTupleChild()) {
-        const Numeric* s = source.numbers(&j);
-        if (s) destination.value = Numeric(s->type, 1, s->get(j));
-    } else if (to.type == AttributeType::Generic || to.type == from.type) {
+    } else if (to.type == from.type) {
         destination.value = source.value;
     }
 }
@@ -234,6 +244,10 @@ void followSources(Cell& cell) {
 
 namespace {
 
+void tellEvaluated(Cell& cell) {
+    if (Observer* o = cell.node.scene.observer) o->evaluated(cell);
+}
+
 /// Evaluations within evaluations up to here ask for their sources as they need them; beyond, what a cell is computed
 /// from is brought up to date before it, so that a chain of any length takes no more of the stack.
 constexpr int aheadDepth = 32;
@@ -253,6 +267,7 @@ void evaluateHere(Cell& cell) {
 
     if (cell.source) {
         followSources(cell);
+        tellEvaluated(cell);
         return;
     }
     // A connection to the compound around feeds its parts, too.
@@ -265,6 +280,7 @@ void evaluateHere(Cell& cell) {
     if (cell.flow().computed) {
         if (cell.node.behavior) cell.node.behavior->compute(cell);
         cell.dirty = false;
+        tellEvaluated(cell);
         return;
     }
     cell.dirty = false;

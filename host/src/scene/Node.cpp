@@ -179,6 +179,7 @@ const AttributeFlow& NodeType::flow(const Attribute& attribute) const {
 Node::Node(Scene& s, const NodeType& t) : scene(s), type(t) { ++type.liveNodes; }
 
 Node::~Node() {
+    if (scene.observer) scene.observer->nodeDestroyed(*this);
     behavior.reset();
     --type.liveNodes;
 }

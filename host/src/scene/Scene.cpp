@@ -246,6 +246,21 @@ void Scene::detach(DagNode& child) {
     child.parent = nullptr;
 }
 
+void Scene::announceAdded(Node& node) {
+    if (!observer) return;
+    const NodePtr keep = node.shared_from_this();
+    observer->nodeAdded(node);
+    DagNode* dag = node.dag();
+    if (observer && dag && dag->parent) observer->parentChanged(*dag, *dag->parent, true);
+}
+
+void Scene::announceRemoved(Node& node, DagNode* parent) {
+    if (!observer) return;
+    const NodePtr keep = node.shared_from_this();
+    if (parent) observer->parentChanged(*node.dag(), *parent, false);
+    if (observer) observer->nodeRemoved(node);
+}
+
 NodePtr Scene::createNode(const NodeType& type, std::string name, DagNode* parent) {
     if (type.isAbstract) throw SceneError("Cannot create a node of the abstract type '" + type.name + "'.");
     NodePtr node;
@@ -283,10 +298,12 @@ NodePtr Scene::createNode(const NodeType& type, std::string name, DagNode* paren
         [this, node, parent] {
             enter(node);
             if (DagNode* d = node->dag()) attach(*d, *parent, parent->children.size());
+            announceAdded(*node);
         },
-        [this, node] {
+        [this, node, parent] {
             if (DagNode* d = node->dag()) detach(*d);
             leave(*node);
+            announceRemoved(*node, node->dag() ? parent : nullptr);
         });
     if (node->behavior) node->behavior->postConstructor();
     // New nodes come into the current namespace, unless their names say another one.
@@ -294,7 +311,13 @@ NodePtr Scene::createNode(const NodeType& type, std::string name, DagNode* paren
         if (name.empty()) name = node->name;
         if (name.find(':') == name.npos) name = space + ":" + name;
     }
-    if (!name.empty()) rename(*node, name);
+    if (!name.empty()) {
+        // It has had no other name for anybody.
+        Observer* const told = std::exchange(observer, nullptr);
+        rename(*node, name);
+        observer = told;
+    }
+    announceAdded(*node);
     return node;
 }
 
@@ -321,15 +344,23 @@ NodePtr Scene::createUnknown(const std::string& typeName, const std::string& nam
         [this, node, at, inDag] {
             enter(node);
             if (inDag) attach(*node->dag(), *at, at->children.size());
+            announceAdded(*node);
         },
-        [this, node, inDag] {
+        [this, node, inDag, at] {
             if (inDag) detach(*node->dag());
             leave(*node);
+            announceRemoved(*node, inDag ? at : nullptr);
         });
+    announceAdded(*node);
     return node;
 }
 
 void Scene::deleteOne(const NodePtr& node) {
+    if (observer) {
+        keepDeleted(node);
+        observer->nodeAboutToGo(*node);
+        if (!node->inScene) return; // somebody else deleted it meanwhile
+    }
     // Connections go first, so that undo makes the node before it connects it.
     std::vector<Node*> history;
     for (Cell* whole : node->cells()) {
@@ -351,13 +382,18 @@ void Scene::deleteOne(const NodePtr& node) {
     leave(*node);
     record(
         [this, node] {
-            if (DagNode* d = node->dag()) detach(*d);
+            DagNode* d = node->dag();
+            DagNode* above = d ? d->parent : nullptr;
+            if (d) detach(*d);
             leave(*node);
+            announceRemoved(*node, above);
         },
         [this, node, parent, place] {
             enter(node);
             if (parent) attach(*node->dag(), *parent, place);
+            announceAdded(*node);
         });
+    announceRemoved(*node, parent);
     for (Node* up : history) {
         bool used = false;
         const std::function<void(Cell&)> look = [&](Cell& c) {
@@ -407,9 +443,10 @@ std::string Scene::rename(Node& node, const std::string& wanted) {
         DagNode* placed = raw->dag();
         unindex(*raw);
         if (placed) leavePlace(*placed);
-        raw->name = name;
+        const std::string was = std::exchange(raw->name, name);
         index(*raw);
         if (placed) enterPlace(*placed);
+        if (observer) observer->nodeRenamed(*raw, was);
     };
     set(after);
     record([set, after, node = node.shared_from_this()] { set(after); },
@@ -428,8 +465,11 @@ void Scene::reparent(DagNode& child, DagNode* newParent) {
     DagNode* from = child.parent;
     const std::size_t place = placeOf(child);
     const auto move = [this](DagNode& c, DagNode& p, std::size_t at) {
+        DagNode* const was = c.parent;
         detach(c);
         attach(c, p, at);
+        if (observer && was) observer->parentChanged(c, *was, false);
+        if (observer && c.parent == &p) observer->parentChanged(c, p, true);
     };
     auto keep = child.shared_from_this();
     move(child, *to, to->children.size());
@@ -451,6 +491,7 @@ void Scene::reorder(DagNode& child, std::size_t place) {
     const auto move = [p, &child](std::size_t at) {
         std::erase(p->children, &child);
         p->children.insert(p->children.begin() + static_cast<std::ptrdiff_t>(std::min(at, p->children.size())), &child);
+        if (child.scene.observer) child.scene.observer->reordered(child);
     };
     auto keep = child.shared_from_this();
     move(place);
@@ -530,20 +571,28 @@ void Scene::setSelection(std::vector<Selected> items) {
     const auto unique = merged(items);
     const auto before = selection_;
     const bool was = modified;
+    const auto set = [this](const std::vector<Selected>& to) {
+        selection_ = to;
+        if (observer) observer->selectionChanged();
+    };
     selection_ = unique;
-    record([this, unique] { selection_ = unique; }, [this, before] { selection_ = before; });
+    record([set, unique] { set(unique); }, [set, before] { set(before); });
     modified = was;
+    if (observer && before != unique) observer->selectionChanged();
 }
 
 void Scene::setTime(double ticks) {
     const auto set = [this](double t) {
         time_ = t;
+        std::vector<Cell*> clocks;
         for (auto& [serial, n] : nodes_) {
             if (n->type.name == "time")
-                dirtyWithDependents(n->cell("outTime"));
+                clocks.push_back(&n->cell("outTime"));
             else if (n->type.isA("animCurve"))
-                dirtyWithDependents(n->cell("output"));
+                clocks.push_back(&n->cell("output"));
         }
+        for (Cell* c : clocks) dirtyWithDependents(*c);
+        if (observer) observer->timeChanged();
     };
     const double before = time_;
     if (before == ticks) return;
@@ -560,8 +609,10 @@ void Scene::setPlayback(const PlaybackRange& range) {
 }
 
 void Scene::reset() {
+    if (observer) observer->sceneAboutToGo();
     undo.clear();
     References::of(*this).clear();
+    forgetDeleted();
     selection_.clear();
     keptConnections.clear();
     keptInstances.clear();

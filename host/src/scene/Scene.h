@@ -2,6 +2,7 @@
 
 #include "base/UserError.h"
 #include "scene/Node.h"
+#include "scene/Observer.h"
 #include "scene/Selection.h"
 #include "scene/Undo.h"
 
@@ -52,6 +53,15 @@ public:
     ~Scene();
 
     UndoQueue undo;
+    /// Is told what happens; null for nobody. It outlives the scene's nodes.
+    Observer* observer = nullptr;
+    /// Lets go of what was deleted while an observer was there: of nodes, attributes and elements that a caller further
+    /// up may still work on. Called where nobody does.
+    void forgetDeleted() { deleted_.clear(); }
+    /// Keeps what was deleted, while there is an observer.
+    void keepDeleted(std::shared_ptr<void> thing) {
+        if (observer) deleted_.push_back(std::move(thing));
+    }
     int evaluationDepth = 0;
 
     /// @name Node types
@@ -172,6 +182,8 @@ public:
     static bool isValidName(std::string_view name);
 
 private:
+    void announceAdded(Node& node);
+    void announceRemoved(Node& node, DagNode* parent);
     void enter(const NodePtr& node);
     void leave(Node& node);
     void attach(DagNode& child, DagNode& parent, std::size_t place);
@@ -211,6 +223,7 @@ private:
     PlaybackRange playback_;
     unsigned long generation_ = 0;
     std::unordered_set<const Cell*> cycles_;
+    std::vector<std::shared_ptr<void>> deleted_;
 };
 
 /// Registers the node types that every scene knows.

@@ -127,7 +127,10 @@ MStatus MFnPlugin::deregisterNode(const MTypeId& typeId) {
     auto& scene = scene::Scene::current();
     scene::NodeType* type = scene.findType(typeId.id());
     if (!type || type->plugin != p->name) return MStatus::kInvalidParameter;
-    if (type->liveNodes > 0) scene.undo.clear();
+    if (type->liveNodes > 0) {
+        scene.undo.clear();
+        scene.forgetDeleted();
+    }
     const std::string name = type->name;
     if (!scene.unregisterType(*type)) return MStatus::kFailure;
     std::erase(p->nodeTypes, name);

@@ -1,5 +1,6 @@
 #include "api/plugins/PluginManager.h"
 
+#include "api/graph/Callbacks.h"
 #include "api/graph/Handle.h"
 #include "base/Messages.h"
 
@@ -109,9 +110,12 @@ Plugin& PluginManager::loadFile(const std::filesystem::path& file) {
     plugin->path = std::filesystem::absolute(file);
     plugin->library = library;
     plugin->loading = true;
+    auto& callbacks = Callbacks::shared();
+    callbacks.tell(MSceneMessage::kBeforePluginLoad, {shown});
     const MStatus status = callShielded(initialise, *plugin, "initializePlugin");
     plugin->loading = false;
     if (!status) {
+        callbacks.removeOfModule(reinterpret_cast<const void*>(initialise));
         // What it did register stays, so its code has to stay, too.
         if (plugin->nodeTypes.empty() && plugin->commands.empty())
             dlclose(library);
@@ -121,6 +125,7 @@ Plugin& PluginManager::loadFile(const std::filesystem::path& file) {
                                 "\" failed to initialize: " + std::string(status.errorString().asChar()));
     }
     plugins_.push_back(std::move(plugin));
+    callbacks.tell(MSceneMessage::kAfterPluginLoad, {shown, plugins_.back()->name});
     return *plugins_.back();
 }
 
@@ -128,6 +133,9 @@ void PluginManager::unload(const std::string& name) {
     Plugin* p = find(name);
     if (!p) throw scene::SceneError("Plug-in, \"" + name + "\", is not loaded.");
     auto& scene = scene::Scene::current();
+    auto& callbacks = Callbacks::shared();
+    if (callbacks.running())
+        throw scene::SceneError("Plug-in, \"" + p->name + "\", cannot be unloaded while a callback runs.");
     for (const auto& typeName : p->nodeTypes) {
         for (const auto& [serial, node] : scene.nodes())
             if (node->type.name == typeName)
@@ -135,15 +143,22 @@ void PluginManager::unload(const std::string& name) {
                                         "\", cannot be unloaded because it is still in use: node '" +
                                         scene.displayName(*node) + "'.");
     }
+    const std::string pluginName = p->name, path = p->path.string();
+    callbacks.tell(MSceneMessage::kBeforePluginUnload, {pluginName});
     scene.undo.clear();
+    scene.forgetDeleted();
     const EntryPoint finish = entryPoint(p->library, "uninitializePlugin", "_Z18uninitializePlugin7MObject");
     const MStatus status = callShielded(finish, *p, "uninitializePlugin");
     if (!status)
         throw scene::SceneError("Plug-in, \"" + p->name +
                                 "\", failed to uninitialize: " + std::string(status.errorString().asChar()));
     void* library = p->library;
+    if (const int left = callbacks.removeOfModule(reinterpret_cast<const void*>(finish)); left > 0)
+        showWarning("Plug-in, \"" + pluginName + "\", left " + std::to_string(left) +
+                    (left == 1 ? " callback behind, which is removed." : " callbacks behind, which are removed."));
     std::erase_if(plugins_, [p](const auto& q) { return q.get() == p; });
     dlclose(library);
+    callbacks.tell(MSceneMessage::kAfterPluginUnload, {pluginName, path});
 }
 
 void PluginManager::unloadAll() noexcept {
