@@ -200,4 +200,29 @@ TEST_F(SceneWatch, DocumentsAndUnloading) {
     run("setAttr base.tx 1; delete base; currentTime 3;");
 }
 
+// Faults: members, lights or nodes that a walk misses; a light that shines elsewhere; a curve on the wrong plug or at
+// the wrong times; a scene that is not the same when it is opened again.
+TEST_F(TutorialPlugins, CommandThatLooksOverTheScene) {
+    run("loadPlugin sceneReport; createNode transform -n a; createNode transform -n b; sets -n posts a b; createNode "
+        "transform -n sun; setAttr sun.rx -90; createNode directionalLight -n sunShape -p sun; setAttr "
+        "sunShape.intensity 2; createNode transform -n sky; createNode ambientLight -n skyShape -p sky;");
+    EXPECT_EQ(run("sceneReport sets;").toString(), "posts: a b");
+    const StringArray lights = run("sceneReport lights;").toStringArray();
+    ASSERT_EQ(lights.size(), 2u);
+    EXPECT_EQ(lights[0].substr(0, 13), "sunShape 2 0 ");
+    EXPECT_NE(lights[0].find(" -1 "), std::string::npos) << lights[0];
+    EXPECT_EQ(lights[1].substr(0, 20), "skyShape 1 shade 0.4");
+    run("connectAttr a.tx b.ty; connectAttr b.tx sun.tz; connectAttr time1.outTime a.tz;");
+    EXPECT_EQ(run("sceneReport upstream sun;").toStringArray(), (StringArray{"sun", "b", "a", "time1"}));
+    EXPECT_EQ(run("sceneReport curve a.ty;").toFloat(), 2.5);
+    EXPECT_EQ(run("keyframe -q -timeChange a.ty;").toFloatArray(), (FloatArray{0, 24}));
+    EXPECT_NE(failure("sceneReport curve b.ty;"), "") << "something drives it already";
+    EXPECT_NE(failure("sceneReport curve a.message;"), "");
+    EXPECT_EQ(run("sceneReport save \"" + testing::TempDir() + "/report.ma\";").toString(), "report.ma");
+    EXPECT_EQ(run("sceneReport sets;").toString(), "posts: a b");
+    EXPECT_EQ(run("getAttr a.ty;").toFloat(), 2.5);
+    EXPECT_NE(failure("sceneReport save \"/no/such/folder/report.ma\";"), "");
+    EXPECT_EQ(run("sceneReport types;").toStringArray(), (StringArray{"directionalLight", "1", "", "0", "1"}));
+}
+
 } // namespace

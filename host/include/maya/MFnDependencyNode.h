@@ -7,6 +7,7 @@
 #include <maya/MPxNode.h>
 #include <maya/MString.h>
 #include <maya/MTypeId.h>
+#include <maya/MUuid.h>
 
 /// Function set for nodes.
 class OPENMAYA_EXPORT MFnDependencyNode : public MFnBase {
@@ -24,6 +25,9 @@ public:
     /// Renames the node and answers the name it got; a "#" at the end is replaced by the next free number.
     MString setName(const MString& name, bool createNamespace = false, MStatus* ReturnStatus = NULL);
     MString setName(const MString& name, MStatus* ReturnStatus);
+    /// A node that has no identifier yet gets one, which is saved with it.
+    MUuid uuid(MStatus* ReturnStatus = NULL) const;
+    void setUuid(const MUuid& uuid, MStatus* ReturnStatus = NULL);
     MStatus getConnections(MPlugArray& array) const;
     unsigned int attributeCount(MStatus* ReturnStatus = NULL) const;
     MObject attribute(unsigned int index, MStatus* ReturnStatus = NULL) const;

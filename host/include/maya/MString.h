@@ -42,6 +42,8 @@ public:
     MString operator+(const char* other) const;
     MString operator+(double value) const;
 
+    /// Makes it empty.
+    void clear();
     MStatus set(const char* charString);
     MStatus setUTF8(const char* utf8String);
     MStatus setWChar(const wchar_t* wcharString);

@@ -3,6 +3,7 @@
 #include "mel/Interpreter.h"
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
+#include "scene/Sets.h"
 
 #include <maya/MMatrix.h>
 #include <maya/MPoint.h>
@@ -97,9 +98,6 @@ struct Bounds {
     void include(const Bounds& other);
     MVector centre() const;
 };
-
-/// Puts the shape at or below the node into the set; for renderable sets it leaves the others first.
-void addToSet(scene::Node& set, scene::Node& member);
 
 /// Gives a mesh its present form as data of its own and cuts it off its history (undoable).
 void deleteHistory(scene::Node& meshShape);

@@ -9,60 +9,11 @@ using namespace scene;
 
 namespace {
 
-bool isRenderable(Node& set) { return set.type.isA("shadingEngine"); }
-
-/// The elements of the set's lists that the node is connected to.
-std::vector<Cell*> placesIn(Node& set, Node& member) {
-    std::vector<Cell*> places;
-    for (const char* list : {"dagSetMembers", "dnSetMembers"})
-        for (auto& [index, element] : set.cell(list).elements)
-            if (element->source && &element->source->node == &member) places.push_back(element.get());
-    return places;
-}
-
-/// What of the node a set of that kind holds: surfaces are rendered, whatever else is a member itself.
-std::vector<Node*> membersFor(Node& set, Node& node) {
-    DagNode* dag = node.dag();
-    if (!isRenderable(set) || !dag) return {&node};
-    std::vector<Node*> shapes;
-    for (DagNode* below : withDescendants(*dag))
-        if (below->type.isA("geometryShape") && !below->type.isA("locator") && !below->intermediate())
-            shapes.push_back(below);
-    return shapes;
-}
-
-void take(Node& set, Node& member) {
-    for (Cell* place : placesIn(set, member)) theScene().disconnect(*place->source, *place);
-}
-
 std::vector<Node*> allMembers(Node& set) {
     std::vector<Node*> members;
-    for (const char* list : {"dagSetMembers", "dnSetMembers"})
-        for (auto& [index, element] : set.cell(list).elements)
-            if (element->source) members.push_back(&element->source->node);
+    for (Cell* source : memberSources(set)) members.push_back(&source->node);
     return members;
 }
-
-Node* otherEngineOf(Node& set, Node& member) {
-    for (const auto& [serial, node] : theScene().nodes())
-        if (node.get() != &set && isRenderable(*node) && !placesIn(*node, member).empty()) return node.get();
-    return nullptr;
-}
-
-} // namespace
-
-void addToSet(Node& set, Node& node) {
-    for (Node* member : membersFor(set, node)) {
-        if (!placesIn(set, *member).empty()) continue;
-        if (isRenderable(set))
-            if (Node* other = otherEngineOf(set, *member)) take(*other, *member);
-        const bool dag = member->dag() != nullptr;
-        Cell& source = dag ? member->cell("instObjGroups").element(0) : member->cell("message");
-        theScene().connect(source, theScene().nextAvailable(set.cell(dag ? "dagSetMembers" : "dnSetMembers")));
-    }
-}
-
-namespace {
 
 Node& setNamed(const std::string& name) {
     Node& set = nodeNamed(name);
@@ -107,7 +58,7 @@ Value sets(Call& call) {
         }
         const auto members = allMembers(set);
         if (args.has("s")) return static_cast<int>(members.size());
-        if (args.has("r")) return isRenderable(set);
+        if (args.has("r")) return isRenderableSet(set);
         StringArray answer;
         for (Node* m : members) answer.push_back(nameOf(*m));
         return answer;
@@ -123,7 +74,7 @@ Value sets(Call& call) {
     }
     if (args.has("cl")) {
         Node& set = setNamed(args.text("cl"));
-        for (Node* member : allMembers(set)) take(set, *member);
+        for (Node* member : allMembers(set)) takeFromSet(set, *member);
         return nameOf(set);
     }
     const auto objects = [&] { return names.empty() ? selectedNodes() : wholeNodes(names); };
@@ -132,7 +83,7 @@ Value sets(Call& call) {
         Node& set = setNamed(args.text(flag));
         for (Node* node : objects()) {
             if (node == &set) throw Error("A set cannot be a member of itself: " + nameOf(set));
-            if (isRenderable(set) && flag != std::string_view("fe"))
+            if (isRenderableSet(set) && flag != std::string_view("fe"))
                 for (Node* member : membersFor(set, *node))
                     if (Node* other = otherEngineOf(set, *member))
                         throw Error("'" + nameOf(*member) + "' belongs to '" + nameOf(*other) +
@@ -144,7 +95,7 @@ Value sets(Call& call) {
     if (args.has("rm")) {
         Node& set = setNamed(args.text("rm"));
         for (Node* node : objects())
-            for (Node* member : membersFor(set, *node)) take(set, *member);
+            for (Node* member : membersFor(set, *node)) takeFromSet(set, *member);
         return nameOf(set);
     }
     if (args.edit()) throw Error("sets -edit was not told what to do.");

@@ -291,16 +291,49 @@ std::vector<std::pair<double, double>> keysOf(Node& curve) {
     return list;
 }
 
+const char* curveTypeFor(const Attribute& attribute) {
+    if (!attribute.isNumber()) return nullptr;
+    switch (attribute.type) {
+    case AttributeType::Angle: return "animCurveTA";
+    case AttributeType::Distance: return "animCurveTL";
+    case AttributeType::Time: return "animCurveTT";
+    default: return "animCurveTU";
+    }
+}
+
+int addKey(Scene& scene, Node& curve, const CurveKey& key) {
+    if (std::isnan(key.time)) throw SceneError("The time of a key must be a number.");
+    KeyEdit edit(scene, curve);
+    const auto& keys = edit.keys();
+    const auto place =
+        std::lower_bound(keys.begin(), keys.end(), key.time, [](const CurveKey& k, double t) { return k.time < t; });
+    CurveKey placed = key;
+    placed.index = static_cast<int>(place - keys.begin());
+    placed.given =
+        static_cast<std::uint16_t>(placed.given | CurveKey::TimeValue | CurveKey::InType | CurveKey::OutType);
+    if (place != keys.end() && place->time == key.time)
+        edit.replace(placed);
+    else
+        edit.add(placed);
+    return placed.index;
+}
+
+void changeKey(Scene& scene, Node& curve, int place, const CurveKey& key) {
+    KeyEdit edit(scene, curve);
+    CurveKey placed = key;
+    placed.index = place;
+    edit.replace(placed);
+}
+
+void removeKey(Scene& scene, Node& curve, int place) { KeyEdit(scene, curve).remove(place); }
+
 void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tangent out) {
     if (!plug.attribute.isNumber() || plug.isArray())
         throw SceneError("The attribute '" + plug.name() + "' cannot be animated.");
     Node* curve = curveOf(plug);
     if (!curve) {
         scene.requireSettable(plug);
-        const char* kind = plug.attribute.type == AttributeType::Angle      ? "animCurveTA"
-                           : plug.attribute.type == AttributeType::Distance ? "animCurveTL"
-                           : plug.attribute.type == AttributeType::Time     ? "animCurveTT"
-                                                                            : "animCurveTU";
+        const char* kind = curveTypeFor(plug.attribute);
         std::string name = plug.node.name + "_" + plug.attributePath();
         std::replace_if(
             name.begin(), name.end(), [](char c) { return c == '.' || c == '[' || c == ']'; }, '_');

@@ -43,6 +43,17 @@ void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tan
 
 /// The same for a curve that is there: `at` is a time in ticks, or what its input is compared with.
 void setCurveKey(Scene& scene, Node& curve, double at, double value, Tangent in, Tangent out);
+/// @name The keys of a curve one by one, by their places in the order of their times (undoable)
+/// @{
+/// Puts in a key; one at the same time is replaced. @return its place
+int addKey(Scene& scene, Node& curve, const CurveKey& key);
+/// Replaces the key at a place by one of the same time.
+void changeKey(Scene& scene, Node& curve, int place, const CurveKey& key);
+void removeKey(Scene& scene, Node& curve, int place);
+/// @}
+
+/// The kind of curve over time that the attribute takes; null when it cannot be animated.
+const char* curveTypeFor(const Attribute& attribute);
 
 /// The curve that drives the plug; null when there is none.
 Node* curveOf(Cell& plug);

@@ -249,10 +249,23 @@ void registerDag(Registrar& r) {
     r.abstract("light", "shape", shapeKind, MFn::kLight,
                {color("color", "cl", 1, 1, 1), A::number("intensity", "in", N::Float, 1),
                 A::number("useRayTraceShadows", "urs", N::Bool, 1), A::number("emitDiffuse", "ed", N::Bool, 1),
-                A::number("emitSpecular", "sn", N::Bool, 1), color("shadowColor", "sc", 0, 0, 0)});
-    r.type("directionalLight", "light", shapeKind, MFn::kDirectionalLight, {});
-    r.type("ambientLight", "light", shapeKind, MFn::kAmbientLight, {A::number("ambientShade", "as", N::Float, 0.45)});
-    r.type("pointLight", "light", shapeKind, MFn::kPointLight, {A::number("decayRate", "de", N::Short)});
+                A::number("emitSpecular", "sn", N::Bool, 1), color("shadowColor", "sc", 0, 0, 0),
+                A::number("shadowRays", "shr", N::Short, 1), A::number("rayDepthLimit", "rdl", N::Short, 1),
+                A::unit("centerOfIllumination", "coi", distance, 5)});
+    r.abstract("nonAmbientLightShapeNode", "light", shapeKind, MFn::kNonAmbientLight,
+               {A::number("decayRate", "de", N::Short)});
+    r.abstract("nonExtendedLightShapeNode", "nonAmbientLightShapeNode", shapeKind, MFn::kNonExtendedLight,
+               {A::number("lightRadius", "lr", N::Float), A::number("castSoftShadows", "css", N::Bool),
+                A::number("useDepthMapShadows", "dms", N::Bool), A::number("dmapFilterSize", "fs", N::Short, 1),
+                A::number("dmapResolution", "dr", N::Short, 512), A::number("dmapBias", "db", N::Float, 0.001),
+                A::number("useDmapAutoFocus", "af", N::Bool, 1), A::number("dmapWidthFocus", "wf", N::Float, 100),
+                A::number("dmapFocus", "df", N::Float, 90)});
+    r.type("directionalLight", "nonExtendedLightShapeNode", shapeKind, MFn::kDirectionalLight,
+           {A::unit("lightAngle", "la", angle), A::number("useLightPosition", "ulp", N::Bool)});
+    r.type("ambientLight", "light", shapeKind, MFn::kAmbientLight,
+           {A::number("ambientShade", "as", N::Float, 0.45), A::number("castSoftShadows", "css", N::Bool),
+            A::number("shadowRadius", "sr", N::Float)});
+    r.type("pointLight", "nonExtendedLightShapeNode", shapeKind, MFn::kPointLight, {});
 }
 
 void registerShading(Registrar& r) {

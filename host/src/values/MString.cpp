@@ -190,6 +190,8 @@ MString MString::operator+(const MString& other) const { return MString(*this) +
 MString MString::operator+(const char* other) const { return MString(*this) += other; }
 MString MString::operator+(double value) const { return MString(*this) += value; }
 
+void MString::clear() { *this = MString(); }
+
 MStatus MString::set(const char* charString) {
     *this = charString;
     return MStatus::kSuccess;

@@ -1,6 +1,7 @@
 #include <maya/MFnDependencyNode.h>
 
 #include "api/fn/FnSupport.h"
+#include "api/graph/Callbacks.h"
 #include "values/Text.h"
 
 #include <maya/MObjectArray.h>
@@ -98,6 +99,39 @@ MString MFnDependencyNode::setName(const MString& name, bool, MStatus* ReturnSta
 
 MString MFnDependencyNode::setName(const MString& name, MStatus* ReturnStatus) {
     return setName(name, false, ReturnStatus);
+}
+
+MUuid MFnDependencyNode::uuid(MStatus* ReturnStatus) const {
+    const auto n = Access::node(object_);
+    setStatus(ReturnStatus, n ? MStatus::kSuccess : MStatus::kFailure);
+    if (!n) return MUuid();
+    if (n->uuid.empty()) {
+        MUuid made;
+        made.generate();
+        n->uuid = toText(made.asString());
+    }
+    return MUuid(fromText(n->uuid));
+}
+
+void MFnDependencyNode::setUuid(const MUuid& uuid, MStatus* ReturnStatus) {
+    const auto n = Access::node(object_);
+    setStatus(ReturnStatus, !n || n->locked ? MStatus::kFailure
+                            : uuid.valid()  ? MStatus::kSuccess
+                                            : MStatus::kInvalidParameter);
+    if (!n || n->locked || !uuid.valid()) return;
+    auto& callbacks = api::Callbacks::shared();
+    std::string after = toText(uuid.asString());
+    if (!callbacks.mayChangeUuid(*n, after)) {
+        setStatus(ReturnStatus, MStatus::kFailure);
+        return;
+    }
+    const auto set = [n](const std::string& to) {
+        const std::string before = std::exchange(n->uuid, to);
+        api::Callbacks::shared().uuidChanged(*n, before);
+    };
+    const std::string before = n->uuid;
+    n->scene.record([set, after] { set(after); }, [set, before] { set(before); });
+    set(after);
 }
 
 MStatus MFnDependencyNode::getConnections(MPlugArray& array) const {

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <maya/MStatus.h>
+#include <maya/MString.h>
+#include <maya/MStringArray.h>
+
+/// Opening, importing and saving scenes, as the command `file` does it: Maya ASCII is read and written, models are
+/// imported. What fails is told of and gives kFailure. `type` may be null, "mayaAscii", or a kind of model for import.
+class OPENMAYA_EXPORT MFileIO {
+public:
+    enum ReferenceMode { kLoadDefault, kLoadAllReferences, kLoadNoReferences };
+    MFileIO();
+    MFileIO(const MString& fileName);
+    virtual ~MFileIO();
+    /// The name that a new scene will be saved by, before it has one of its own.
+    static MString currentFile();
+    static MStatus setCurrentFile(const MString& fileName);
+    static MString fileType();
+    static MStatus getFileTypes(MStringArray& types);
+    static MStatus newFile(bool force = false);
+    static MStatus open(const MString& fileName, const char* type = NULL, bool force = false,
+                        ReferenceMode refMode = kLoadDefault, bool ignoreVersion = false);
+    static MStatus save(bool force = false);
+    static MStatus saveAs(const MString& fileName, const char* type = NULL, bool force = false);
+    static MStatus importFile(const MString& fileName, const char* type = NULL, bool preserveReferences = false,
+                              const char* nameSpace = NULL, bool ignoreVersion = false);
+    static MStatus exportAll(const MString& fileName, const char* type = NULL, bool preserveReferences = false);
+    /// The files that the scene consists of, itself first.
+    static MStatus getFiles(MStringArray& files, bool wantUnresolvedNames = false, bool wantReferencesOnly = false);
+    static bool isReadingFile();
+    static bool isWritingFile();
+    static bool isOpeningFile();
+    static bool isNewingFile();
+    static bool mustRenameToSave(MStatus* ReturnStatus = NULL);
+    static MStatus setMustRenameToSave(bool mustRename);
+    static MString mustRenameToSaveMsg(MStatus* ReturnStatus = NULL);
+    static MStatus setMustRenameToSaveMsg(const MString& message);
+    /// The file of the last operation of that kind, from before it was begun on.
+    static MString beforeOpenFilename(MStatus* ReturnStatus = NULL);
+    static MString beforeImportFilename(MStatus* ReturnStatus = NULL);
+    static MString beforeSaveFilename(MStatus* ReturnStatus = NULL);
+    static MString beforeExportFilename(MStatus* ReturnStatus = NULL);
+    /// Whether the last operation failed.
+    static bool getErrorStatus(MStatus* ReturnStatus = NULL);
+    static MStatus resetError();
+    static MString fileCurrentlyLoading();
+    static bool isImportingFile();
+    static const char* className();
+    static MStatus import(const MString& fileName, const char* type = NULL, bool preserveReferences = false,
+                          const char* nameSpace = NULL);
+};
