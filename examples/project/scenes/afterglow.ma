@@ -1,0 +1,54 @@
+//Maya ASCII 2010 scene
+//Name: afterglow.ma
+//Codeset: UTF-8
+requires maya "2010";
+requires "orvosky" "RVX v1.40.0";
+currentUnit -l centimeter -a degree -t film;
+createNode transform -s -n "persp";
+	setAttr ".t" -type "double3" 0 1400 0;
+	setAttr ".r" -type "double3" 14 0 0;
+createNode camera -s -n "perspShape" -p "persp";
+	setAttr -k off ".v" no;
+	setAttr ".rnd" yes;
+	setAttr ".fl" 21;
+	setAttr ".ncp" 100;
+	setAttr ".fcp" 3000000;
+	setAttr ".imn" -type "string" "persp";
+createNode transform -n "OrvoSkyData";
+createNode transform -n "skySettings" -p "OrvoSkyData";
+createNode orvosky_SkySceneSettings -n "skySettingsShape" -p "skySettings";
+	setAttr ".useGameSunDir" no;
+createNode transform -n "sky" -p "OrvoSkyData";
+createNode orvosky_BasicSkyLocator -n "skyShape" -p "sky";
+	setAttr ".sunDir" -type "double3" -0.2 0.1 1;
+	setAttr ".sunEnable" no;
+	setAttr ".zenithColour" -type "float3" 0.2 0.28 0.5;
+	setAttr ".horizonColour" -type "float3" 0.93 0.64 0.66;
+	setAttr ".horizonFalloff" 4;
+	setAttr ".horizonOffset" 0.08;
+createNode transform -n "haze" -p "OrvoSkyData";
+createNode orvosky_ExpHeightFog -n "hazeShape" -p "haze";
+	setAttr ".fogHeight" 60;
+	setAttr ".fogDensity" 1.4;
+	setAttr ".fogColour" -type "float3" 0.36 0.42 0.6;
+	setAttr ".fogAlpha" 0.9;
+createNode transform -n "cloudShading" -p "OrvoSkyData";
+createNode orvosky_ParticleCloudShadingParams -n "cloudShadingShape" -p "cloudShading";
+	setAttr ".shadingTexture" -type "string" "build\\clouds\\cloud_sprite.dds";
+	setAttr ".shadingBrightness" 1.1;
+	setAttr ".sunShadowAmount" 0.55;
+	setAttr ".groundShadowAmount" 0.5;
+	setAttr ".selfShadowAmount" 0.45;
+	setAttr ".lightingAmbient" -type "double3" 0.34 0.34 0.5;
+	setAttr ".sunDir" -type "double3" -0.2 0.1 1;
+	setAttr ".sunColour" -type "double3" 1 0.66 0.6;
+createNode transform -n "cloudDome" -p "OrvoSkyData";
+createNode orvosky_ParticleCloudDome -n "cloudDomeShape" -p "cloudDome";
+	setAttr ".domeInnerRadius" 4600;
+	setAttr ".domeOuterRadius" 6200;
+	setAttr ".placementDensity" 0.62;
+	setAttr ".cloudScale" 1.3;
+	setAttr ".cloudDataDir" -type "string" "build\\clouds\\cumulus.xml";
+createNode transform -n "skyRenderer";
+createNode orvosky_SkyRenderer -n "skyRendererShape" -p "skyRenderer";
+// End of file

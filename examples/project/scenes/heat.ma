@@ -1,0 +1,58 @@
+//Maya ASCII 2010 scene
+//Name: heat.ma
+//Codeset: UTF-8
+requires maya "2010";
+requires "orvosky" "RVX v1.40.0";
+currentUnit -l centimeter -a degree -t film;
+createNode transform -s -n "persp";
+	setAttr ".t" -type "double3" 0 1400 0;
+	setAttr ".r" -type "double3" 22 20 0;
+createNode camera -s -n "perspShape" -p "persp";
+	setAttr -k off ".v" no;
+	setAttr ".rnd" yes;
+	setAttr ".fl" 21;
+	setAttr ".ncp" 100;
+	setAttr ".fcp" 3000000;
+	setAttr ".imn" -type "string" "persp";
+createNode transform -n "OrvoSkyData";
+createNode transform -n "skySettings" -p "OrvoSkyData";
+createNode orvosky_SkySceneSettings -n "skySettingsShape" -p "skySettings";
+	setAttr ".useGameSunDir" no;
+createNode transform -n "sky" -p "OrvoSkyData";
+createNode orvosky_BasicSkyLocator -n "skyShape" -p "sky";
+	setAttr ".sunDir" -type "double3" 0.2 0.8 -0.5;
+	setAttr ".sunColour" -type "float3" 1 0.97 0.88;
+	setAttr ".sunDiskSize" 0.1;
+	setAttr ".sunDiskFalloff" 20;
+	setAttr ".zenithColour" -type "float3" 0.3 0.47 0.7;
+	setAttr ".horizonColour" -type "float3" 0.9 0.86 0.76;
+	setAttr ".horizonFalloff" 3.5;
+createNode transform -n "haze" -p "OrvoSkyData";
+createNode orvosky_ExpHeightFog -n "hazeShape" -p "haze";
+	setAttr ".fogHeight" 120;
+	setAttr ".fogDensity" 1;
+	setAttr ".fogColour" -type "float3" 0.9 0.85 0.74;
+	setAttr ".fogAlpha" 0.95;
+createNode transform -n "cloudShading" -p "OrvoSkyData";
+createNode orvosky_ParticleCloudShadingParams -n "cloudShadingShape" -p "cloudShading";
+	setAttr ".shadingTexture" -type "string" "build\\clouds\\cloud_sprite.dds";
+	setAttr ".shadingBrightness" 1.2;
+	setAttr ".shadingOpacity" 0.85;
+	setAttr ".sunShadowAmount" 0.35;
+	setAttr ".groundShadowAmount" 0.35;
+	setAttr ".selfShadowAmount" 0.35;
+	setAttr ".lightingAmbient" -type "double3" 0.55 0.55 0.56;
+	setAttr ".lightingSunGlowAmount" 0.8;
+	setAttr ".sunDir" -type "double3" 0.2 0.8 -0.5;
+	setAttr ".sunColour" -type "double3" 1 0.96 0.86;
+createNode transform -n "cloudDome" -p "OrvoSkyData";
+createNode orvosky_ParticleCloudDome -n "cloudDomeShape" -p "cloudDome";
+	setAttr ".domeHeight" 1000;
+	setAttr ".domeInnerRadius" 6500;
+	setAttr ".domeOuterRadius" 8500;
+	setAttr ".placementDensity" 0.42;
+	setAttr ".cloudScale" 1.3;
+	setAttr ".cloudDataDir" -type "string" "build\\clouds\\cumulus.xml";
+createNode transform -n "skyRenderer";
+createNode orvosky_SkyRenderer -n "skyRendererShape" -p "skyRenderer";
+// End of file
