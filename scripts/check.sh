@@ -19,6 +19,7 @@ Runs the stages in the order given and stops at the first that fails. What a sta
   tsan        the same with the thread sanitizer
   tidy        hold the plug-in's sources to .clang-tidy
   fuzz        run each fuzz target on all that it can think of, for FUZZ_SECONDS (600 when it is not set)
+  package     make the Debian package, and try the program that it installs from an empty folder
   windows     build the plug-in for Windows by MinGW-w64, and run the tests that need no host under Wine
   all         all of them: what a release needs
 
@@ -26,7 +27,7 @@ Exit status: 0 when every stage passed, 1 when one failed, 2 for a wrong use.
 TEXT
 }
 
-stages=(format rooms warnings clang asan tsan tidy fuzz windows)
+stages=(format rooms warnings clang asan tsan tidy fuzz package windows)
 # Rooms where a fault of memory is likely, and whose tests do not take long.
 quick_tests=(base_tests mel_tests files_tests scene_tests file_command_tests api_graph_tests plugin_unit_tests app_tests)
 
@@ -93,6 +94,15 @@ check_fuzz() {
     "$target" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=4096 -print_final_stats=1 \
       -artifact_prefix="build/fuzz/found/$(basename "$target")-" "build/fuzz/corpus/$corpus" "tests/fuzz/corpus/$corpus"
   done
+}
+
+check_package() {
+  [ -f build/package/build.ninja ] ||
+    cmake -S . -B build/package -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVOSKY_TESTS=OFF -DORVOSKY_BENCH=OFF
+  cmake --build build/package
+  rm -f build/package/*.deb
+  (cd build/package && cpack -G DEB)
+  scripts/try_package.sh build/package/*.deb
 }
 
 check_windows() { scripts/check_windows.sh; }

@@ -6,7 +6,7 @@ packages=(
   cmake ninja-build g++ pkg-config git
   libimath-dev libopenimageio-dev libfmt-dev libcli11-dev
   libegl-dev libgl-dev libglu1-mesa-dev libglew-dev libgl1-mesa-dri libegl1
-  libembree-dev libassimp-dev libtinyxml-dev libpugixml-dev libre2-dev libhwy-dev nlohmann-json3-dev
+  libedit-dev libembree-dev libassimp-dev libtinyxml-dev libpugixml-dev libre2-dev libhwy-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev python3
   qt6-base-dev libqt6opengl6-dev libqt6svg6-dev xvfb xdotool
   libxml2-utils ccache locales

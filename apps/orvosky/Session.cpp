@@ -25,6 +25,11 @@ fs::path programFolder() {
     return failed ? fs::path(".") : self.parent_path();
 }
 
+/// The folders of the plug-in: beside the program where it was built, in a library folder where it is installed.
+std::vector<fs::path> pluginFolders(const fs::path& program) {
+    return {program, program.parent_path() / "lib" / "orvosky"};
+}
+
 Failure scriptFailure(const host::mel::Error& e) { return Failure(e.silent ? std::string() : e.described()); }
 
 } // namespace
@@ -43,7 +48,7 @@ Session::Session(const CommonOptions& common, const fs::path& scene) : settings_
     host::Host::Options options;
     options.project = common.project;
     options.scene = scene;
-    options.pluginFolders = {program};
+    options.pluginFolders = pluginFolders(program);
     options.scriptFolders = {tools / "scripts"};
     try {
         host.start(options);
@@ -111,11 +116,11 @@ void Session::runScript(const fs::path& script, const std::vector<std::string>& 
     }
 }
 
-void Session::runText(const std::string& text, const std::vector<std::string>& arguments) {
+void Session::runText(const std::string& text, const std::vector<std::string>& arguments, const std::string& source) {
     auto& mel = host::Host::instance().interpreter();
     try {
         mel.setArguments(arguments);
-        mel.execute(text, "-e");
+        mel.execute(text, source);
     } catch (const host::mel::Error& e) {
         throw scriptFailure(e);
     }

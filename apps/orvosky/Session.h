@@ -13,6 +13,9 @@
 
 namespace orvosky {
 
+/// The folder of the program's own tools: shaders, scripts, presets.
+std::filesystem::path toolRoot();
+
 /// The program's exit statuses.
 enum ExitStatus : int { kWorked = 0, kFailed = 1, kWrongUsage = 2 };
 
@@ -39,8 +42,8 @@ public:
     void openScene(const std::filesystem::path& scene);
     /// Runs a script file. Throws Failure with the place of the error.
     void runScript(const std::filesystem::path& script, const std::vector<std::string>& arguments);
-    /// Runs script text given on the command line.
-    void runText(const std::string& text, const std::vector<std::string>& arguments);
+    /// Runs script text that comes from `source`: "-e" for the command line.
+    void runText(const std::string& text, const std::vector<std::string>& arguments, const std::string& source = "-e");
     /// Applies the settings to every scene that a script opens from now on; what is wrong with one fails the script.
     void applySettingsToOpenedScenes();
     /// Throws Failure when there are settings, and no scene was opened for them.
@@ -111,23 +114,36 @@ int batchCommand(const CommonOptions& common, const BatchOptions& options);
 
 struct InspectOptions {
     std::string file;
-    std::string project; ///< where the files lie that the file names; empty: the project that the file lies in
-    bool json = false;   ///< for tools
-    bool strict = false; ///< warnings count as errors
+    std::string other;      ///< to be compared with it
+    bool diff = false;      ///< tell what the two hold differently
+    bool summary = false;   ///< in a few lines
+    bool listFiles = false; ///< the files that it names alone; of a scene, too
+    std::string project;    ///< where the files lie that the file names; empty: the project that the file lies in
+    bool json = false;      ///< for tools
+    bool strict = false;    ///< warnings count as errors
 };
+/// Needs neither workspace nor plug-in, but for the files of a scene.
+int inspectCommand(const CommonOptions& common, const InspectOptions& options);
+
 /// `name` may be a pattern; empty for all commands.
 int commandsCommand(const CommonOptions& common, const std::string& name);
-/// Needs neither workspace nor plug-in.
-int inspectCommand(const InspectOptions& options);
 
 struct EditOptions {
     std::string scene; ///< empty: the start page
 };
 int editCommand(const CommonOptions& common, const EditOptions& options);
-/// @}
 
-/// The folder of the program's scripts, shaders, icons and presets.
-std::filesystem::path toolRoot();
+struct NodesOptions {
+    std::string type; ///< empty for all of the plug-in's
+    bool json = false, markdown = false;
+};
+int nodesCommand(const CommonOptions& common, const NodesOptions& options);
+
+struct NewOptions {
+    std::string folder, preset = "valley";
+};
+int newCommand(const NewOptions& options);
+/// @}
 
 /// Shows the failure that is being handled, as the program's error.
 int reportCurrentFailure();

@@ -29,6 +29,8 @@ Subcommand addRun(CLI::App& program, CommonOptions& common, std::vector<std::str
 Subcommand addExport(CLI::App& program, CommonOptions& common);
 Subcommand addRender(CLI::App& program, CommonOptions& common);
 Subcommand addBatch(CLI::App& program, CommonOptions& common);
+Subcommand addNodes(CLI::App& program, CommonOptions& common);
+Subcommand addNew(CLI::App& program, CommonOptions& common);
 Subcommand addInspect(CLI::App& program, CommonOptions& common);
 Subcommand addEdit(CLI::App& program, CommonOptions& common);
 Subcommand addCommands(CLI::App& program, CommonOptions& common);

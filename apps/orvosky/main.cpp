@@ -42,7 +42,7 @@ std::vector<std::string> takeScriptWords(std::vector<std::string>& words) {
         text = text || w == "-e";
         if (valueFollows(w))
             ++at;
-        else if (!w.starts_with('-'))
+        else if (!w.starts_with('-') || w == "-")
             break;
     }
     if (!text) ++at; // the script itself
@@ -78,6 +78,12 @@ std::string unexpectedWords(const CLI::App& program, const std::vector<std::stri
         if (word.starts_with("--")) text += suggestion(word.substr(0, word.find('=')), options);
     }
     return text.empty() ? text : "Unexpected on the command line: " + text;
+}
+
+/// Keeps the help from listing which flags exclude which: an error says so when it matters.
+void hideRelations(CLI::App& line) {
+    for (CLI::Option* option : line.get_options())
+        if (option->get_items_expected_max() == 0 && option->get_option_text().empty()) option->option_text(" ");
 }
 
 /// Does a subcommand's work, with a log of it.
@@ -124,9 +130,15 @@ int main(int argc, char** argv) {
                                       addInspect(program, common),
                                       addEdit(program, common),
                                       addCommands(program, common),
+                                      addNodes(program, common),
+                                      addNew(program, common),
                                       addHelp(program)};
     std::vector<std::string> names;
-    for (const Subcommand& subcommand : subcommands) names.push_back(subcommand.line->get_name());
+    for (const Subcommand& subcommand : subcommands) {
+        names.push_back(subcommand.line->get_name());
+        hideRelations(*subcommand.line);
+    }
+    hideRelations(program);
 
     std::string command = "orvosky";
     if (std::size_t at = subcommandAt(words); at < words.size()) {

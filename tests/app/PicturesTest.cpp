@@ -170,6 +170,35 @@ TEST_F(Pictures, CubesLieAsTheirReadersTakeThem) {
         HasSubstr("7 frames: 1 rendered, 6 were there"));
 }
 
+// Fault: clouds that one face shows up to its edge and the next one does not. In OpenEXR's cube maps the outermost
+// pixels of neighbouring faces show the same directions.
+TEST_F(Pictures, FacesAgreeAtTheirEdges) {
+    constexpr int size = 257;
+    render(orvo::test::sourceTree("examples/project/scenes/dusk.ma"), "c.exr",
+           {"--cube", "--size", std::to_string(size)});
+    const Floats stack = floats("c.exr");
+    ASSERT_EQ(stack.height, 6 * size);
+    // Neighbours: left and right columns of faces by number (+X -X +Y -Y +Z -Z); then the bottom row of +Y and -Z's
+    // top.
+    const int sides[4][2] = {{0, 5}, {5, 1}, {1, 4}, {4, 0}};
+    double sum = 0;
+    int apart = 0, count = 0;
+    const auto compare = [&](const float* a, const float* b) {
+        double off = 0;
+        for (int k = 0; k < 3; ++k)
+            off = std::max(off,
+                           std::abs(std::sqrt(std::max(0.0, double(a[k]))) - std::sqrt(std::max(0.0, double(b[k])))));
+        sum += off;
+        apart += off > 0.06;
+        ++count;
+    };
+    for (const auto& [left, right] : sides)
+        for (int y = 0; y < size; ++y) compare(stack.at(0, left * size + y), stack.at(size - 1, right * size + y));
+    for (int x = 0; x < size; ++x) compare(stack.at(x, 3 * size - 1), stack.at(x, 5 * size));
+    EXPECT_LT(sum / count, 0.004);
+    EXPECT_LT(apart, count / 100);
+}
+
 /// A sky of one colour.
 const char* const plainSky = "createNode transform -n OrvoSkyData; createNode transform -n s -p OrvoSkyData;\n"
                              "createNode orvosky_BasicSkyLocator -n sky -p s; createNode orvosky_SkyRenderer;\n"

@@ -16,7 +16,10 @@ TEST_F(Program, HelpTellsAllThatASubcommandTakes) {
         {"export", {"SCENE", "OUT"}},
         {"render",
          {"SCENE", "PICTURE", "--size", "--camera", "--time", "(default: the\n", "scene's own current time)"}},
-        {"inspect", {"FILE", "--json"}}};
+        {"batch", {"SCENES", "--out", "-j"}},
+        {"nodes", {"TYPE", "--json"}},
+        {"new", {"DIR", "--preset"}},
+        {"inspect", {"FILE", "--json", "--summary", "--diff", "--list-files"}}};
     for (const auto& [subcommand, words] : taken) {
         const Outcome o = run({subcommand, "--help"});
         EXPECT_EQ(o.status, 0);
@@ -24,7 +27,7 @@ TEST_F(Program, HelpTellsAllThatASubcommandTakes) {
         EXPECT_THAT(o.out, HasSubstr("\nExamples:\n  orvosky "));
         EXPECT_THAT(o.out, HasSubstr("\nExit status:\n  0  "));
         for (const std::string& word : words) EXPECT_THAT(o.out, HasSubstr(word)) << subcommand;
-        if (subcommand == "inspect") continue;
+        if (subcommand == "inspect" || subcommand == "new") continue;
         for (const char* word : {"--project DIR", "--no-plugin", "--set NODE.ATTR=VALUE", "MAYA_SCRIPT_PATH",
                                  "MAYA_PLUG_IN_PATH", "ORVOSKY_NO_GL", "ORVOSKY_TOOL_ROOT"})
             EXPECT_THAT(o.out, HasSubstr(word)) << subcommand;

@@ -4,6 +4,11 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <map>
+#include <set>
 
 namespace orvosky::inspect {
 namespace {
@@ -76,6 +81,83 @@ std::string asText(const Inspection& found) {
     else
         text += fmt::format("Not OK: {} {} not fit.\n", found.problems.count(),
                             found.problems.count() == 1 ? "thing does" : "things do");
+    return text;
+}
+
+std::string asSummary(const Inspection& found, const std::vector<NamedFile>& files) {
+    std::vector<std::pair<std::string, std::size_t>> kinds;
+    for (const Element& element : found.elements) {
+        const auto kind = std::ranges::find(kinds, element.name, &std::pair<std::string, std::size_t>::first);
+        if (kind == kinds.end())
+            kinds.emplace_back(element.name, 1);
+        else
+            ++kind->second;
+    }
+    std::string text =
+        fmt::format("{}: {}, version {}, {}\n", printable(found.file), documentName(found.type),
+                    found.version.empty() ? "missing" : printable(found.version, 60),
+                    found.problems.count() == 0 ? "everything fits"
+                                                : counted(found.problems.count(), "thing") + " that does not fit");
+    for (const auto& [name, count] : kinds) text += fmt::format("  {:<28} {:>6}\n", name, count);
+    if (found.data) text += fmt::format("  {:<28} {:>6} bytes\n", printable(found.data->file), found.data->size);
+    const auto missing = std::ranges::count_if(files, [](const NamedFile& file) { return file.file.empty(); });
+    text += fmt::format("  {} named, {} of them missing\n", counted(files.size(), "file"), missing);
+    return text;
+}
+
+std::string asDifference(const Inspection& a, const Inspection& b) {
+    std::string text;
+    const auto say = [&](char mark, const std::string& line) { text += fmt::format("{} {}\n", mark, line); };
+    if (a.type != b.type) say('-', "type " + printable(a.type)), say('+', "type " + printable(b.type));
+    if (a.version != b.version)
+        say('-', "version " + printable(a.version)), say('+', "version " + printable(b.version));
+    const auto key = [](const Element& e) { return std::pair(e.name, std::max(1, e.number)); };
+    const auto valueOf = [](const NamedValue& v) {
+        return v.name + " " + std::visit([](const auto& value) { return shown(value); }, v.value);
+    };
+    const std::function<void(const std::vector<Element>&, const std::vector<Element>&, const std::string&)> compare =
+        [&](const std::vector<Element>& left, const std::vector<Element>& right, const std::string& within) {
+            std::map<std::pair<std::string, int>, const Element*> others;
+            for (const Element& element : right) others.emplace(key(element), &element);
+            for (const Element& element : left) {
+                const std::string name = within + element.described();
+                const auto other = others.find(key(element));
+                if (other == others.end()) {
+                    say('-', name);
+                    continue;
+                }
+                std::set<std::string> before, after;
+                for (const NamedValue& v : element.attributes) before.insert(valueOf(v));
+                for (const NamedValue& v : other->second->attributes) after.insert(valueOf(v));
+                for (const NamedValue& v : element.attributes)
+                    if (!after.contains(valueOf(v))) say('-', name + ": " + valueOf(v));
+                for (const NamedValue& v : other->second->attributes)
+                    if (!before.contains(valueOf(v))) say('+', name + ": " + valueOf(v));
+                compare(element.children, other->second->children, name + ", ");
+                others.erase(other);
+            }
+            for (const Element& element : right)
+                if (others.contains(key(element))) say('+', within + element.described());
+        };
+    compare(a.elements, b.elements, "");
+    const auto dataOf = [](const Inspection& found) {
+        if (!found.data) return std::string();
+        std::ifstream in(found.data->file, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    if (a.data.has_value() != b.data.has_value() || dataOf(a) != dataOf(b)) {
+        if (a.data) say('-', fmt::format("data of {}", counted(a.data->size, "byte")));
+        if (b.data) say('+', fmt::format("data of {}, other ones", counted(b.data->size, "byte")));
+    }
+    return text;
+}
+
+std::string asList(const Inspection& found, const std::vector<NamedFile>& files) {
+    std::string text;
+    if (found.data) text += fmt::format("there    {}  (data)\n", printable(found.data->file));
+    for (const NamedFile& file : files)
+        text += fmt::format("{}  {}  ({}, {})\n", file.file.empty() ? "missing" : "there  ", printable(file.path),
+                            file.element->described(), file.attribute);
     return text;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Inspection.h"
+#include "NamedFiles.h"
 
 namespace orvosky::inspect {
 
@@ -11,5 +11,12 @@ std::string asText(const Inspection& found);
 /// where there are any, "derived" and "children"), "data", "notes", "warnings", "problems", "ok". Values that could not
 /// be read are texts.
 std::string asJson(const Inspection& found);
+/// What the file holds, in a few lines.
+std::string asSummary(const Inspection& found, const std::vector<NamedFile>& files);
+/// What two files hold differently, a line each; empty when nothing is. Elements are compared with those of the same
+/// name and number, data byte for byte.
+std::string asDifference(const Inspection& a, const Inspection& b);
+/// The files that a file names, a line each.
+std::string asList(const Inspection& found, const std::vector<NamedFile>& files);
 
 } // namespace orvosky::inspect

@@ -34,7 +34,18 @@ fs::path projectRoot(const fs::path& named, const fs::path& file) {
     }
 }
 
-/// The file that a path of an exported file means: with either separator, in any case. Empty when it is not there.
+/// Whether a DDS file's header tells of a cube map in DXT1, DXT3 or DXT5.
+bool isCubeMapForGl(const fs::path& file) {
+    char header[128] = {};
+    if (!std::ifstream(file, std::ios::binary).read(header, sizeof header) || std::memcmp(header, "DDS ", 4) != 0)
+        return false;
+    const bool isCubeMap = static_cast<unsigned char>(header[113]) & 0x02, hasCode = header[80] & 0x04;
+    const std::string_view code(header + 84, 4);
+    return isCubeMap && hasCode && (code == "DXT1" || code == "DXT3" || code == "DXT5");
+}
+
+} // namespace
+
 fs::path fileMeant(const fs::path& folder, std::string path) {
     std::ranges::replace(path, '\\', '/');
     std::error_code failed;
@@ -56,36 +67,32 @@ fs::path fileMeant(const fs::path& folder, std::string path) {
     return fs::is_regular_file(at, failed) ? at : fs::path();
 }
 
-/// Whether a DDS file's header tells of a cube map in DXT1, DXT3 or DXT5.
-bool isCubeMapForGl(const fs::path& file) {
-    char header[128] = {};
-    if (!std::ifstream(file, std::ios::binary).read(header, sizeof header) || std::memcmp(header, "DDS ", 4) != 0)
-        return false;
-    const bool isCubeMap = static_cast<unsigned char>(header[113]) & 0x02, hasCode = header[80] & 0x04;
-    const std::string_view code(header + 84, 4);
-    return isCubeMap && hasCode && (code == "DXT1" || code == "DXT3" || code == "DXT5");
-}
-
-} // namespace
-
-void checkNamedFiles(Inspection& found, const fs::path& project) {
+std::vector<NamedFile> namedFiles(const Inspection& found, const fs::path& project) {
+    std::vector<NamedFile> files;
     const fs::path root = projectRoot(project, found.file);
-    if (root.empty()) return;
-    for (const Element& element : found.elements) {
+    for (const Element& element : found.elements)
         for (const char* name : {"gradientTexture", "texture", "spriteTexture", "shading_tex_filepath"}) {
             const auto path = element.get<std::string>(name);
             if (!path || path->empty()) continue;
             const bool inBuild = std::string_view(name) != "shading_tex_filepath";
-            const fs::path file = fileMeant(inBuild ? root / "build" : root, *path);
-            const auto warn = [&](std::string_view what) {
-                found.warnings.push_back(fmt::format("{} line {}, {}: {} {}: {}", printable(found.file), element.line,
-                                                     element.described(), name, what, printable(*path)));
-            };
-            if (file.empty())
-                warn("names a file that is not there");
-            else if (element.name == "TexturedSky" && !isCubeMapForGl(file))
-                warn("names a file that OpenGL cannot take, since it is no DDS cube map in DXT1, DXT3 or DXT5");
+            files.push_back(
+                {&element, name, *path, root.empty() ? fs::path() : fileMeant(inBuild ? root / "build" : root, *path)});
         }
+    return files;
+}
+
+void checkNamedFiles(Inspection& found, const fs::path& project) {
+    if (projectRoot(project, found.file).empty()) return;
+    for (const NamedFile& named : namedFiles(found, project)) {
+        const auto warn = [&](std::string_view what) {
+            found.warnings.push_back(fmt::format("{} line {}, {}: {} {}: {}", printable(found.file),
+                                                 named.element->line, named.element->described(), named.attribute, what,
+                                                 printable(named.path)));
+        };
+        if (named.file.empty())
+            warn("names a file that is not there");
+        else if (named.element->name == "TexturedSky" && !isCubeMapForGl(named.file))
+            warn("names a file that OpenGL cannot take, since it is no DDS cube map in DXT1, DXT3 or DXT5");
     }
 }
 

@@ -1,0 +1,53 @@
+//Maya ASCII 2010 scene
+//Name: valley.ma
+//Codeset: UTF-8
+requires maya "2010";
+requires "orvosky" "RVX v1.40.0";
+currentUnit -l centimeter -a degree -t film;
+createNode transform -s -n "persp";
+	setAttr ".t" -type "double3" 0 1400 0;
+	setAttr ".r" -type "double3" 13 10 0;
+createNode camera -s -n "perspShape" -p "persp";
+	setAttr -k off ".v" no;
+	setAttr ".rnd" yes;
+	setAttr ".fl" 21;
+	setAttr ".ncp" 100;
+	setAttr ".fcp" 3000000;
+	setAttr ".imn" -type "string" "persp";
+createNode transform -n "OrvoSkyData";
+createNode transform -n "skySettings" -p "OrvoSkyData";
+createNode orvosky_SkySceneSettings -n "skySettingsShape" -p "skySettings";
+	setAttr ".useGameSunDir" no;
+createNode transform -n "sky" -p "OrvoSkyData";
+createNode orvosky_GradientSkyLocator -n "skyShape" -p "sky";
+	setAttr ".sunDir" -type "double3" -0.5 0.6 -0.6;
+	setAttr ".sunColour" -type "float3" 1 0.95 0.8;
+	setAttr ".sunDiskWeight" 0.6;
+	setAttr ".gradientTexture" -type "string" "build\\skies\\times_of_day.png";
+	setAttr ".xcoord" 0.45;
+createNode transform -n "haze" -p "OrvoSkyData";
+createNode orvosky_ExpHeightFog -n "hazeShape" -p "haze";
+	setAttr ".fogHeight" 40;
+	setAttr ".fogDensity" 1.5;
+	setAttr ".fogColour" -type "float3" 0.78 0.86 0.93;
+	setAttr ".fogAlpha" 0.9;
+createNode transform -n "cloudShading" -p "OrvoSkyData";
+createNode orvosky_ParticleCloudShadingParams -n "cloudShadingShape" -p "cloudShading";
+	setAttr ".shadingTexture" -type "string" "build\\clouds\\cloud_sprite.dds";
+	setAttr ".shadingBrightness" 1.15;
+	setAttr ".sunShadowAmount" 0.3;
+	setAttr ".selfShadowAmount" 0.5;
+	setAttr ".lightingAmbient" -type "double3" 0.42 0.5 0.62;
+	setAttr ".sunDir" -type "double3" -0.5 0.6 -0.6;
+	setAttr ".sunColour" -type "double3" 1 0.97 0.9;
+createNode transform -n "cloudDome" -p "OrvoSkyData";
+createNode orvosky_ParticleCloudDome -n "cloudDomeShape" -p "cloudDome";
+	setAttr ".windDir" 70;
+	setAttr ".domeInnerRadius" 4800;
+	setAttr ".domeOuterRadius" 6500;
+	setAttr ".placementDensity" 0.6;
+	setAttr ".cloudScale" 1.15;
+	setAttr ".cloudDataDir" -type "string" "build\\clouds\\cumulus.xml";
+createNode transform -n "skyRenderer";
+createNode orvosky_SkyRenderer -n "skyRendererShape" -p "skyRenderer";
+// End of file

@@ -1,0 +1,193 @@
+// What helps at the command line: node types, new projects, scripts from elsewhere, completion, and the documents that
+// tell of the program.
+#include "ProgramFixture.h"
+
+#include <nlohmann/json.hpp>
+
+#include <regex>
+#include <set>
+
+namespace {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class Tools : public Program {
+protected:
+    /// What a line of the shell writes in the test's folder; `orvosky` is the program.
+    std::string shell(const std::string& line) {
+        const std::string path = fs::path(orvo::test::program()).parent_path();
+        std::ofstream(folder_ / "line.sh")
+            << "cd '" << folder_.string() << "'\nexport PATH='" << path << "':$PATH HOME=$PWD TERM=dumb\n"
+            << line << "\n";
+        FILE* const pipe = popen(("bash '" + (folder_ / "line.sh").string() + "' 2>&1").c_str(), "r");
+        std::string text;
+        for (int c = 0; (c = std::fgetc(pipe)) != EOF;) text += static_cast<char>(c);
+        pclose(pipe);
+        return text;
+    }
+};
+
+// Faults: an attribute that nobody explains, or an explanation of one that is not there any more; a table in the
+// documents that is older than the nodes; limits, parts or defaults that are not those of the node. The values are
+// those of the tables that the nodes were made from.
+TEST_F(Tools, EveryAttributeIsExplained) {
+    Outcome o = run({"nodes", "--json"});
+    ASSERT_EQ(o.status, 0) << o.error;
+    std::set<std::string> registered;
+    const json types = json::parse(o.out);
+    for (const json& type : types) {
+        EXPECT_NE(type["about"], "") << type["type"];
+        for (const json& attribute : type["attributes"]) {
+            EXPECT_NE(attribute["meaning"], "") << type["type"] << attribute["name"];
+            registered.insert(type["type"].get<std::string>() + "." + attribute["name"].get<std::string>());
+        }
+    }
+    EXPECT_EQ(registered.count("orvosky_SkyRenderer.Enable"), 1u);
+    const json explained = json::parse(content(orvo::test::sourceTree("plugin/attributes.json")));
+    for (const auto& [type, known] : explained.items())
+        for (const auto& [name, meaning] : known["attributes"].items())
+            EXPECT_EQ(registered.count(type + "." + name), 1u) << type << "." << name << " is explained, but not there";
+    EXPECT_EQ(run({"nodes", "--markdown"}).out, content(orvo::test::sourceTree("docs/nodes.md")))
+        << "orvosky nodes --markdown > docs/nodes.md";
+
+    const json fogs = json::parse(run({"nodes", "orvosky_ExpHeightFog", "--json"}).out), fog = fogs.at(0);
+    const auto named = [&](const char* name) {
+        for (const json& attribute : fog["attributes"])
+            if (attribute["name"] == name) return attribute;
+        return json();
+    };
+    EXPECT_EQ(named("fogDensity")["min"], 0.0001);
+    EXPECT_EQ(named("fogDensity")["softMax"], 20);
+    EXPECT_FALSE(named("fogDensity").contains("max"));
+    EXPECT_EQ(named("fogHeight")["unit"], "metres");
+    EXPECT_EQ(named("fogColour")["children"], json({"fogColourR", "fogColourG", "fogColourB"}));
+    EXPECT_EQ(named("fogColour")["default"], json({1, 1, 1}));
+    EXPECT_THAT(run({"nodes", "orvosky_SkySceneSettings"}).out,
+                HasSubstr("cloudBackBufferRes (enum), default 0, 0 Half, 1 Third, 2 Quarter"));
+    o = run({"nodes", "orvosky_Nobody"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("no node type orvosky_Nobody"));
+}
+
+// Faults: a project that does not render or export as it stands, or warns; one made over what is there, or left half
+// made; a preset by a name that is spelled a little otherwise.
+TEST_F(Tools, NewProjectsWork) {
+    ASSERT_EQ(run({"new", "deep/skies/", "--preset", "Valley"}).status, 0);
+    Outcome o = run({"render", "deep/skies/scenes/sky.ma", "sky.png", "--size", "32x18", "--strict"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    EXPECT_EQ(run({"export", "deep/skies/scenes/sky.ma", "sky.atmos", "--strict"}).status, 0);
+    EXPECT_EQ(run({"inspect", "sky.atmos", "--strict", "--project", "deep/skies"}).status, 0);
+    EXPECT_TRUE(fs::is_directory(folder_ / "deep/skies/build/skies"));
+    o = run({"new", "deep"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("deep is there already."));
+    fs::create_directory(folder_ / "empty");
+    EXPECT_EQ(run({"new", "empty"}).status, 0);
+    o = run({"new", "other", "--preset", "nowhere"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.error, HasSubstr("There is no preset nowhere; there are "));
+    EXPECT_FALSE(fs::exists(folder_ / "other"));
+    EXPECT_THAT(run({"new", "small.ma/x"}).error, HasSubstr("Cannot make small.ma/x: "));
+    EXPECT_THAT(leftovers(), IsEmpty());
+}
+
+// Faults: a script from a pipe that is not run, or whose errors name no place; a prompt that ends at the first error,
+// runs a statement before it is whole, or forgets its lines.
+TEST_F(Tools, ScriptsComeFromElsewhere) {
+    EXPECT_EQ(shell("echo 'print (\"a\" + size($argv) + $argv[1]);' | orvosky run - x y"), "a2y");
+    EXPECT_THAT(shell("printf 'print 1;\\nnonsense;\\n' | orvosky run -; echo $?"),
+                AllOf(HasSubstr("standard input line 2"), HasSubstr("\n1\n")));
+    if (std::system("command -v script >/dev/null") != 0) GTEST_SKIP() << "no terminal to be had";
+    const std::string said =
+        shell("printf 'nonsense;\\nproc int two() {\\nreturn 2;\\n}\\nprint (two() * 21);\\nquit;\\nprint 77;\\n' |"
+              " script -qec 'orvosky run -' /dev/null");
+    EXPECT_THAT(said, AllOf(HasSubstr("nonsense"), HasSubstr("42"), Not(HasSubstr("\n77"))));
+    EXPECT_THAT(content(folder_ / ".local/state/orvosky/history"), HasSubstr("two"));
+}
+
+// Faults: a summary, a difference or a list that tells something else than the files hold; alike files that differ.
+TEST_F(Tools, InspectComparesAndLists) {
+    ASSERT_EQ(run({"new", "p"}).status, 0);
+    ASSERT_EQ(run({"export", "p/scenes/sky.ma", "p/a.atmos"}).status, 0);
+    ASSERT_EQ(run({"export", "p/scenes/sky.ma", "p/b.atmos"}).status, 0);
+    Outcome o = run({"inspect", "--diff", "p/a.atmos", "p/b.atmos"});
+    EXPECT_EQ(o.status, 0) << o.out << o.error;
+    EXPECT_THAT(o.out, IsEmpty());
+    ASSERT_EQ(run({"export", "p/scenes/sky.ma", "p/b.atmos", "--set", "hazeShape.fogHeight=60", "--set",
+                   "cloudDomeShape.cloudScale=1.4"})
+                  .status,
+              0);
+    o = run({"inspect", "--diff", "p/a.atmos", "p/b.atmos"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.out, AllOf(HasSubstr("- ExpHeightFog: fogHeight 40\n"), HasSubstr("+ ExpHeightFog: fogHeight 60\n"),
+                             HasSubstr("+ data of ")));
+    EXPECT_THAT(o.out, Not(HasSubstr("GradientSky")));
+    EXPECT_EQ(run({"inspect", "--diff", "p/a.atmos"}).status, 2);
+    o = run({"inspect", "--summary", "p/a.atmos"});
+    EXPECT_EQ(o.status, 0);
+    EXPECT_THAT(o.out, AllOf(HasSubstr("sky scene, version 7, everything fits"), HasSubstr("GradientSky"),
+                             HasSubstr("0 of them missing")));
+    EXPECT_EQ(run({"inspect", "--list-files", "p/scenes/sky.ma"}).status, 0);
+    fs::remove(folder_ / "p/build/skies/times_of_day.png");
+    o = run({"inspect", "--list-files", "p/a.atmos"});
+    EXPECT_EQ(o.status, 1);
+    EXPECT_THAT(o.out, HasSubstr("missing  skies\\times_of_day.png  (GradientSky 1, gradientTexture)"));
+    o = run({"inspect", "--list-files", "p/scenes/sky.ma", "--json"});
+    EXPECT_EQ(o.status, 1);
+    int there = 0, missing = 0;
+    const json files = json::parse(o.out);
+    for (const json& file : files) ++(file["there"] ? there : missing);
+    EXPECT_EQ(there, 2);
+    EXPECT_EQ(missing, 1);
+    // The data of an export is damaged.
+    fs::resize_file(folder_ / "p/a.cdata", 5);
+    EXPECT_EQ(run({"inspect", "p/a.atmos"}).status, 1);
+}
+
+// Fault: a completion that knows other words than the program.
+TEST_F(Tools, BashCompletesWords) {
+    const std::string source = "source '" + orvo::test::sourceTree("packaging/orvosky.bash") + "'; ";
+    const auto completed = [&](const std::string& words, int at) {
+        return shell(source + "COMP_WORDS=(" + words + "); COMP_CWORD=" + std::to_string(at) +
+                     "; _orvosky; echo ${COMPREPLY[@]}");
+    };
+    EXPECT_EQ(completed("orvosky ren", 1), "render\n");
+    EXPECT_EQ(completed("orvosky render --pan", 2), "--panorama\n");
+    EXPECT_EQ(completed("orvosky nodes orvosky_Exp", 2), "orvosky_ExpHeightFog\n");
+    EXPECT_EQ(completed("orvosky render sma", 2), "small.ma\n");
+}
+
+// Fault: a message in the documents that no source has any more. What varies in one stands as … there.
+TEST_F(Tools, TroubleshootingTellsOfMessagesThatThereAre) {
+    std::string sources;
+    for (const char* root : {"apps", "host/src", "plugin"})
+        for (const auto& entry : fs::recursive_directory_iterator(orvo::test::sourceTree(root)))
+            if (entry.path().extension() == ".cpp" || entry.path().extension() == ".h")
+                sources += content(entry.path());
+    // Texts that are split over lines belong together.
+    sources = std::regex_replace(sources, std::regex("\"\\s*\\n\\s*\""), "");
+    std::istringstream lines(content(orvo::test::sourceTree("docs/troubleshooting.md")));
+    int messages = 0;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with("| `")) continue;
+        const std::string cell = line.substr(2, line.find(" | ") - 2);
+        static const std::regex quoted("`([^`]*)`");
+        for (std::sregex_iterator at(cell.begin(), cell.end(), quoted), end; at != end; ++at) {
+            std::string text = (*at)[1];
+            for (std::size_t cut = 0; !text.empty(); text.erase(0, cut + 3)) {
+                cut = std::min(text.find("\xE2\x80\xA6"), text.size());
+                const std::string part = text.substr(0, cut);
+                EXPECT_NE(sources.find(part), std::string::npos) << part;
+                if (cut == text.size()) break;
+            }
+            ++messages;
+        }
+    }
+    EXPECT_GT(messages, 60);
+}
+
+} // namespace
