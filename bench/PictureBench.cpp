@@ -29,7 +29,7 @@ std::string windyDusk() {
 
 std::vector<std::string> rendering(const benchmark::State& state, const std::string& picture) {
     return {"--project",
-            ORVO_PROJECT,
+            project,
             "render",
             windyDusk(),
             (workFolder() / picture).string(),
