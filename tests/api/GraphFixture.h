@@ -5,6 +5,7 @@
 #include "base/Messages.h"
 #include "base/Units.h"
 #include "commands/Host.h"
+#include "kit/MessageSink.h"
 #include "scene/Scene.h"
 
 #include <maya/MFnDagNode.h>
@@ -38,16 +39,8 @@ protected:
         host::setAngularUnit(host::AngularUnit::Degree);
         host::setTimeUnit(host::filmUnit);
         scene.reset();
-        host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
-            if (severity == host::Severity::Info) infos.emplace_back(text);
-            if (severity == host::Severity::Warning) warnings.emplace_back(text);
-            if (severity == host::Severity::Error) errors.emplace_back(text);
-        });
     }
-    ~GraphFixture() override {
-        scene.reset();
-        host::Messages::instance().setSink({});
-    }
+    ~GraphFixture() override { scene.reset(); }
 
     /// What the script answers, an array's elements separated by spaces; a failing one's message.
     static std::string run(const std::string& script) {
@@ -77,6 +70,13 @@ protected:
 
     host::scene::Scene& scene = host::scene::Scene::current();
     std::vector<std::string> infos, warnings, errors;
+
+private:
+    orvo::test::MessageSink sink_{[this](host::Severity severity, std::string_view text) {
+        if (severity == host::Severity::Info) infos.emplace_back(text);
+        if (severity == host::Severity::Warning) warnings.emplace_back(text);
+        if (severity == host::Severity::Error) errors.emplace_back(text);
+    }};
 };
 
 /// A plug-in without a file: what a test registers through it is gone with it.

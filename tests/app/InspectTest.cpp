@@ -5,6 +5,7 @@
 #include "inspect/InspectionText.h"
 #include "inspect/XmlFile.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -51,13 +52,6 @@ std::string sampleData() {
 
 class Inspect : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "orvosky-inspect-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(pattern.data()));
-        folder_ = pattern;
-    }
-    void TearDown() override { fs::remove_all(folder_); }
-
     std::string write(const std::string& name, const std::string& bytes) const {
         std::ofstream(folder_ / name, std::ios::binary) << bytes;
         return (folder_ / name).string();
@@ -78,7 +72,7 @@ protected:
         return {};
     }
 
-    fs::path folder_;
+    orvo::test::TemporaryFolder folder_;
 };
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -55,17 +56,7 @@ createNode orvosky_SkyRenderer -n "renderer1Shape" -p "renderer1";
 /// Runs the program in a folder of its own, which holds small.ma.
 class Program : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "orvosky-test-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(pattern.data()));
-        folder_ = pattern;
-        write(folder_ / "small.ma", smallScene);
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        fs::permissions(folder_, fs::perms::owner_all, ignored);
-        fs::remove_all(folder_, ignored);
-    }
+    void SetUp() override { write(folder_ / "small.ma", smallScene); }
 
     /// Runs the program in the test's folder. `fileLimit` bounds what it may write to one file, in bytes.
     Outcome run(std::vector<std::string> arguments, std::map<std::string, std::string> environment = {},
@@ -111,5 +102,5 @@ protected:
         return found;
     }
 
-    fs::path folder_;
+    orvo::test::TemporaryFolder folder_;
 };

@@ -4,6 +4,8 @@
 #include "base/Units.h"
 #include "commands/Host.h"
 #include "files/Workspace.h"
+#include "kit/MessageSink.h"
+#include "kit/TemporaryFolder.h"
 #include "scene/Scene.h"
 
 #include <gmock/gmock.h>
@@ -19,22 +21,14 @@
 /// The running host with a new scene, the usual units, and a project folder of its own that is removed at the end.
 class CommandFixture : public testing::Test {
 protected:
-    CommandFixture() : project(std::filesystem::temp_directory_path() / ("orvo_commands_" + std::to_string(getpid()))) {
-        std::filesystem::remove_all(project);
+    CommandFixture() {
         std::filesystem::create_directories(project / "scenes");
-        previous_ = host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
-            if (severity == host::Severity::Warning) warnings += std::string(text) + '\n';
-        });
         static const bool started = (host::Host::instance().start({project, {}, {}}), true);
         (void)started;
         renew();
         host::Host::instance().workspace().open(project);
     }
-    ~CommandFixture() override {
-        renew();
-        std::filesystem::remove_all(project);
-        host::Messages::instance().setSink(std::move(previous_));
-    }
+    ~CommandFixture() override { renew(); }
 
     host::mel::Value run(const std::string& mel) { return host::Host::instance().interpreter().execute(mel); }
     std::string text(const std::string& mel) { return run(mel).toString(); }
@@ -62,7 +56,7 @@ protected:
         return {std::istreambuf_iterator<char>(in), {}};
     }
 
-    std::filesystem::path project;
+    orvo::test::TemporaryFolder project;
     std::string warnings;
 
 private:
@@ -72,5 +66,7 @@ private:
         host::setAngularUnit(host::AngularUnit::Degree);
         host::setTimeUnit(host::filmUnit);
     }
-    host::Messages::Sink previous_;
+    orvo::test::MessageSink sink_{[this](host::Severity severity, std::string_view text) {
+        if (severity == host::Severity::Warning) warnings += std::string(text) + '\n';
+    }};
 };

@@ -12,7 +12,7 @@ using ProjectCommandTest = CommandFixture;
 TEST_F(ProjectCommandTest, WorkspaceRootAndRules) {
     EXPECT_EQ(text("workspace -q -rootDirectory;"), path("") == project.generic_string() ? path("") + "/" : path(""));
     EXPECT_EQ(text("workspace -q -fullName;"), project.generic_string());
-    EXPECT_EQ(text("workspace -q -shortName;"), project.filename().string());
+    EXPECT_EQ(text("workspace -q -shortName;"), project.path().filename().string());
     EXPECT_EQ(text("workspace -q -directory;"), project.generic_string());
     run("workspace -fileRule \"scene\" \"shots\" -fr images \"out/img\" -v \"show\" \"clouds \\\"one\\\"\";");
     EXPECT_EQ(texts("workspace -q -fileRule;"), (StringArray{"images", "out/img", "scene", "shots"}));

@@ -9,15 +9,10 @@ namespace {
 
 struct ReferenceTest : CommandFixture {
     ReferenceTest() {
-        previous_ = host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
-            (severity == host::Severity::Error ? errors : warnings) += std::string(text) + '\n';
-        });
         for (const char* name : {"set", "level", "prop"})
             std::filesystem::copy_file(orvo::test::testData(std::string("references/") + name + ".ma"),
                                        project / "scenes" / (std::string(name) + ".ma"));
     }
-    ~ReferenceTest() override { host::Messages::instance().setSink(std::move(previous_)); }
-
     void open(const std::string& name) {
         warnings.clear();
         errors.clear();
@@ -41,7 +36,9 @@ struct ReferenceTest : CommandFixture {
     std::string errors;
 
 private:
-    host::Messages::Sink previous_;
+    orvo::test::MessageSink sink_{[this](host::Severity severity, std::string_view text) {
+        (severity == host::Severity::Error ? errors : warnings) += std::string(text) + '\n';
+    }};
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "base/Messages.h"
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
+#include "kit/MessageSink.h"
 #include "kit/Places.h"
 #include "scene/Evaluation.h"
 
@@ -18,19 +19,12 @@
 /// A test that opens scenes: starts with a new scene, and collects what the user would be told.
 class SceneFileFixture : public testing::Test {
 protected:
-    void SetUp() override {
-        old_ = host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
-            messages.emplace_back(text);
-            severities.push_back(severity);
-        });
-        scene.reset();
-    }
+    void SetUp() override { scene.reset(); }
     void TearDown() override {
         std::error_code ignored;
         if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
         scene.reset();
         host::files::FileUnits().makeCurrent();
-        host::Messages::instance().setSink(std::move(old_));
     }
 
     host::files::SceneReader::Result open(const std::string& text, host::files::SceneReader::Options options = {}) {
@@ -70,6 +64,9 @@ protected:
     std::vector<host::Severity> severities;
 
 private:
-    host::Messages::Sink old_;
+    orvo::test::MessageSink sink_{[this](host::Severity severity, std::string_view text) {
+        messages.emplace_back(text);
+        severities.push_back(severity);
+    }};
     mutable std::filesystem::path folder_; ///< of files; made when one is asked for
 };

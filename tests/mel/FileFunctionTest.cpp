@@ -1,4 +1,5 @@
 #include "MelFixture.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -34,12 +35,7 @@ private:
 /// A folder of files that a script knows as $d (with a slash at its end), removed at the end.
 class FileFunctionTest : public testing::Test {
 protected:
-    FileFunctionTest() : folder(fs::temp_directory_path() / ("mel_files_" + std::to_string(::getpid()))) {
-        fs::remove_all(folder);
-        fs::create_directories(folder);
-        mel.interpreter.setGlobalVariable("d", folder.generic_string() + "/");
-    }
-    ~FileFunctionTest() override { fs::remove_all(folder); }
+    FileFunctionTest() { mel.interpreter.setGlobalVariable("d", folder.generic_string() + "/"); }
 
     void write(const std::string& name, const std::string& text) {
         std::ofstream(folder / name, std::ios::binary) << text;
@@ -50,7 +46,7 @@ protected:
     }
     std::string run(const std::string& script) { return mel.run("string $d; " + script); }
 
-    fs::path folder;
+    orvo::test::TemporaryFolder folder;
     MelFixture mel;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Messages.h"
+#include "kit/MessageSink.h"
 #include "mel/Interpreter.h"
 
 #include <gtest/gtest.h>
@@ -12,18 +13,7 @@
 /// An interpreter with the language's own functions, and everything it says.
 class MelFixture {
 public:
-    MelFixture() {
-        host::mel::registerLanguageCommands(interpreter);
-        previous_ = host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
-            if (severity == host::Severity::Output)
-                printed += text;
-            else if (severity == host::Severity::Warning)
-                warnings += std::string(text) + '\n';
-            else if (severity == host::Severity::Error)
-                errors += std::string(text) + '\n';
-        });
-    }
-    ~MelFixture() { host::Messages::instance().setSink(std::move(previous_)); }
+    MelFixture() { host::mel::registerLanguageCommands(interpreter); }
     MelFixture(const MelFixture&) = delete;
     MelFixture& operator=(const MelFixture&) = delete;
 
@@ -38,7 +28,14 @@ public:
     std::string printed, warnings, errors;
 
 private:
-    host::Messages::Sink previous_;
+    orvo::test::MessageSink sink_{[this](host::Severity severity, std::string_view text) {
+        if (severity == host::Severity::Output)
+            printed += text;
+        else if (severity == host::Severity::Warning)
+            warnings += std::string(text) + '\n';
+        else if (severity == host::Severity::Error)
+            errors += std::string(text) + '\n';
+    }};
 };
 
 struct PrintCase {

@@ -1,4 +1,5 @@
 #include "MelFixture.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -17,13 +18,11 @@ namespace {
 /// Two folders of scripts on the script path, removed at the end.
 class ScopeTest : public testing::Test {
 protected:
-    ScopeTest() : folder(fs::temp_directory_path() / ("mel_scope_" + std::to_string(::getpid()))) {
-        fs::remove_all(folder);
+    ScopeTest() {
         fs::create_directories(folder / "one");
         fs::create_directories(folder / "two");
         mel.interpreter.setScriptPath({folder / "one", folder / "two"});
     }
-    ~ScopeTest() override { fs::remove_all(folder); }
 
     void write(const std::string& name, const std::string& text) {
         std::ofstream(folder / name, std::ios::binary) << text;
@@ -37,7 +36,7 @@ protected:
         }
     }
 
-    fs::path folder;
+    orvo::test::TemporaryFolder folder;
     MelFixture mel;
 };
 

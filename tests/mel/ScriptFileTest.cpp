@@ -1,4 +1,5 @@
 #include "MelFixture.h"
+#include "kit/TemporaryFolder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -11,18 +12,14 @@ using host::mel::Error;
 /// A folder of scripts on the script path, removed at the end.
 class ScriptFileTest : public testing::Test {
 protected:
-    ScriptFileTest() : folder(fs::temp_directory_path() / ("mel_scripts_" + std::to_string(::getpid()))) {
-        fs::create_directories(folder);
-        mel.interpreter.setScriptPath({folder / "missing", folder});
-    }
-    ~ScriptFileTest() override { fs::remove_all(folder); }
+    ScriptFileTest() { mel.interpreter.setScriptPath({folder / "missing", folder}); }
 
     std::string write(const std::string& name, const std::string& text) {
         std::ofstream(folder / name, std::ios::binary) << text;
         return (folder / name).string();
     }
 
-    fs::path folder;
+    orvo::test::TemporaryFolder folder;
     MelFixture mel;
 };
 

@@ -3,6 +3,7 @@
 #include "base/Messages.h"
 #include "base/Units.h"
 #include "commands/Commands.h"
+#include "kit/MessageSink.h"
 #include "mel/Interpreter.h"
 #include "mesh/PolyMesh.h"
 #include "scene/Evaluation.h"
@@ -25,14 +26,8 @@ protected:
         host::setAngularUnit(host::AngularUnit::Degree);
         host::setTimeUnit(host::filmUnit);
         scene.reset();
-        host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
-            if (severity == host::Severity::Warning || severity == host::Severity::Error) complaints.emplace_back(text);
-        });
     }
-    ~SceneFixture() override {
-        host::Messages::instance().setSink({});
-        scene.reset();
-    }
+    ~SceneFixture() override { scene.reset(); }
 
     /// What the last statement answers, an array's elements separated by spaces; a failed one's message.
     std::string run(const std::string& script) {
@@ -59,6 +54,11 @@ protected:
     host::mel::Interpreter mel;
     host::scene::Scene& scene = host::scene::Scene::current();
     std::vector<std::string> complaints;
+
+private:
+    orvo::test::MessageSink sink_{[this](host::Severity severity, std::string_view text) {
+        if (severity == host::Severity::Warning || severity == host::Severity::Error) complaints.emplace_back(text);
+    }};
 };
 
 /// One case of a table: what is run, and what it answers.

@@ -3,6 +3,7 @@
 #include "api/graph/Handle.h"
 #include "api/plugins/PluginManager.h"
 #include "base/Messages.h"
+#include "kit/MessageSink.h"
 #include "mesh/Primitives.h"
 #include "scene/MeshNode.h"
 #include "scene/Scene.h"
@@ -56,16 +57,12 @@ protected:
             ASSERT_TRUE(MFnPlugin(object).registerNode("testLocator", MTypeId(0x7f001), TestLocator::create, nullptr,
                                                        MPxNode::kLocatorNode));
         }
-        previous_ = host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
-            (severity == host::Severity::Error ? errors : warnings).emplace_back(text);
-        });
     }
     void TearDown() override {
         TestLocator::draws.clear();
         TestLocator::drawn.clear();
         view.reset();
         scene.reset();
-        host::Messages::instance().setSink(std::move(previous_));
     }
 
     void openView(int width, int height) {
@@ -130,5 +127,7 @@ protected:
     std::vector<std::string> errors, warnings;
 
 private:
-    host::Messages::Sink previous_;
+    orvo::test::MessageSink sink_{[this](host::Severity severity, std::string_view text) {
+        (severity == host::Severity::Error ? errors : warnings).emplace_back(text);
+    }};
 };

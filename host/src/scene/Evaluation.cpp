@@ -85,7 +85,8 @@ private:
         }
         if (flow.movesWorld) {
             std::vector<Cell*> stale;
-            node.dag()->forgetWorld(stale);
+            DagNode* const dag = node.dag();
+            dag->forgetWorld(stale);
             for (Cell* c : stale) mark(*c);
             if (dag->scene.observer) moved_.push_back(dag);
         }

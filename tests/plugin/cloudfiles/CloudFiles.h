@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include <clocale>
 #include <cstdlib>
@@ -14,11 +15,6 @@
 /// A folder for a test's files, gone after the test.
 class CloudFiles : public testing::Test {
 protected:
-    CloudFiles() : folder_(std::filesystem::path(testing::TempDir()) / ("orvo_clouds-" + std::to_string(getpid()))) {
-        std::filesystem::create_directories(folder_);
-    }
-    ~CloudFiles() override { std::filesystem::remove_all(folder_); }
-
     /// Of a text file, whose line ends are the system's.
     static std::string contents(const std::filesystem::path& file) {
         std::ostringstream text;
@@ -34,7 +30,7 @@ protected:
         return path(name);
     }
 
-    std::filesystem::path folder_;
+    orvo::test::TemporaryFolder folder_;
 };
 
 /// The text with the first `from` changed to `to`; a text without it is a fault of the test.

@@ -3,6 +3,7 @@
 #include "Schema.h"
 #include "kit/Places.h"
 
+#include "kit/TemporaryFolder.h"
 #include "scene/Evaluation.h"
 #include "viewport/Viewport.h"
 
@@ -19,10 +20,6 @@ const std::string importCommand = "orvosky_ParticleCloudShadingParams_ImportData
 
 class CloudNodes : public PluginScene {
 protected:
-    CloudNodes() : folder_(fs::path(testing::TempDir()) / ("orvo_cloudnodes-" + std::to_string(getpid()))) {
-        fs::create_directories(folder_);
-    }
-    ~CloudNodes() override { fs::remove_all(folder_); }
     static std::string quoted(const std::string& text) { return '"' + text + '"'; }
     std::string path(const char* name) const { return (folder_ / name).string(); }
     std::string write(const char* name, const std::string& text) const {
@@ -41,7 +38,7 @@ protected:
         EXPECT_THAT(log_.all(), testing::ElementsAreArray(messages)) << command;
     }
 
-    fs::path folder_;
+    orvo::test::TemporaryFolder folder_;
 };
 
 } // namespace

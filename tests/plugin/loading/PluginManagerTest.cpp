@@ -2,6 +2,7 @@
 #include "kit/Places.h"
 
 #include "MessageLog.h"
+#include "kit/TemporaryFolder.h"
 #include "scene/Scene.h"
 
 #include <gmock/gmock.h>
@@ -26,9 +27,6 @@ namespace {
 class PluginLoading : public testing::Test {
 protected:
     PluginLoading() {
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        folder_ = fs::path(testing::TempDir()) / (std::string(test->name()) + "-" + std::to_string(getpid()));
-        fs::remove_all(folder_);
         first = folder_ / "first";
         second = folder_ / "second";
         fs::create_directories(first);
@@ -39,7 +37,6 @@ protected:
     ~PluginLoading() override {
         scene.reset();
         manager.unloadAll();
-        fs::remove_all(folder_);
     }
     static fs::path install(const fs::path& folder, const std::string& name, const char* module = "moodyPlugin") {
         const fs::path file = folder / (name + ".so");
@@ -66,7 +63,7 @@ protected:
     MessageLog log_;
 
 private:
-    fs::path folder_;
+    orvo::test::TemporaryFolder folder_;
 };
 
 } // namespace

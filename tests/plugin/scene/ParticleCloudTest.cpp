@@ -7,6 +7,7 @@
 #include "SkyTool/clouds/CloudGeneration.h"
 #include "kit/Places.h"
 
+#include "kit/TemporaryFolder.h"
 #include "viewport/Viewport.h"
 
 #include <gmock/gmock.h>
@@ -39,14 +40,11 @@ std::string number(double v) { return std::to_string(v); }
 
 class ParticleCloudScene : public PluginScene {
 protected:
-    ParticleCloudScene() : folder_(fs::path(testing::TempDir()) / ("orvo_cloud-" + std::to_string(getpid()))) {
-        fs::remove_all(folder_);
-        fs::create_directories(folder_);
+    ParticleCloudScene() {
         must("createNode transform -n \"OrvoSkyData\"; createNode transform -n \"settings\" -p \"OrvoSkyData\";"
              "createNode orvosky_SkySceneSettings -p \"settings\"; createNode orvosky_SkyRenderer;");
         log_.clear();
     }
-    ~ParticleCloudScene() override { fs::remove_all(folder_); }
 
     void shading() {
         must("createNode transform -n \"shading\" -p \"OrvoSkyData\";"
@@ -120,7 +118,7 @@ protected:
     }
     static void drawOnce() { draw(16, 9); }
 
-    fs::path folder_;
+    orvo::test::TemporaryFolder folder_;
 };
 
 // Faults: an element that says of self-shadow what the parameters are by now, beside records that were made before; an

@@ -1,6 +1,7 @@
 #include "PluginScene.h"
 #include "Schema.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -17,13 +18,10 @@ const std::string lastLine = "Failed to export .atmos - see above for details.";
 
 class SaveSkySystem : public PluginScene {
 protected:
-    SaveSkySystem() : folder_(fs::path(testing::TempDir()) / ("orvo_export-" + std::to_string(getpid()))) {
-        fs::remove_all(folder_);
-        fs::create_directories(folder_);
+    SaveSkySystem() {
         must("createNode transform -n \"OrvoSkyData\";");
         log_.clear();
     }
-    ~SaveSkySystem() override { fs::remove_all(folder_); }
 
     /// A node under OrvoSkyData; `setting` are more statements about "X", its name.
     void add(const std::string& type, const std::string& name, std::string setting = {}) {
@@ -54,7 +52,7 @@ protected:
         log_.clear();
     }
 
-    fs::path folder_;
+    orvo::test::TemporaryFolder folder_;
 };
 
 } // namespace

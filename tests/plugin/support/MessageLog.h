@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Messages.h"
+#include "kit/MessageSink.h"
 
 #include <string>
 #include <utility>
@@ -9,14 +10,6 @@
 /// What the host's script editor is told while the log lives.
 class MessageLog {
 public:
-    MessageLog() {
-        previous_ = host::Messages::instance().setSink(
-            [this](host::Severity severity, std::string_view text) { entries_.emplace_back(severity, text); });
-    }
-    ~MessageLog() { host::Messages::instance().setSink(previous_); }
-    MessageLog(const MessageLog&) = delete;
-    MessageLog& operator=(const MessageLog&) = delete;
-
     std::vector<std::string> errors() const { return of(host::Severity::Error); }
     std::vector<std::string> infos() const { return of(host::Severity::Info); }
     std::vector<std::string> all() const {
@@ -44,5 +37,6 @@ private:
     }
 
     std::vector<std::pair<host::Severity, std::string>> entries_;
-    host::Messages::Sink previous_;
+    orvo::test::MessageSink sink_{
+        [this](host::Severity severity, std::string_view text) { entries_.emplace_back(severity, text); }};
 };

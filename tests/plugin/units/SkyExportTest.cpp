@@ -1,6 +1,7 @@
 #include "SkyTool/export/SkyExport.h"
 
 #include "MessageLog.h"
+#include "kit/TemporaryFolder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -44,13 +45,7 @@ SkyNodeKindTable fakeKinds() {
 
 class SkyExport : public testing::Test {
 protected:
-    SkyExport() {
-        nodes.clear();
-        folder_ = fs::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
-        fs::remove_all(folder_);
-        fs::create_directories(folder_);
-    }
-    ~SkyExport() override { fs::remove_all(folder_); }
+    SkyExport() { nodes.clear(); }
 
     FakeNode& add(SkyNodeKind kind, const std::string& name) {
         records_.push_back({kind, MObject(), MString(name.c_str())});
@@ -65,7 +60,7 @@ protected:
         return text.str();
     }
 
-    fs::path folder_;
+    orvo::test::TemporaryFolder folder_;
     std::vector<SkyNodeRecord> records_;
     MessageLog log_;
 };

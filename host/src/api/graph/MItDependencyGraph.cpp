@@ -12,6 +12,14 @@ using host::api::Access;
 using scene::Cell;
 using scene::Node;
 
+namespace {
+
+void listParts(Cell& cell, std::vector<Cell*>& parts) {
+    scene::forEachCell(cell, [&](Cell& part) { parts.push_back(&part); });
+}
+
+} // namespace
+
 /// The walk: what was reached and how, and what is still to be visited.
 struct MItDependencyGraph::Walk {
     struct Item {
@@ -92,9 +100,9 @@ struct MItDependencyGraph::Walk {
         std::shared_ptr<Node> keep;
         Cell* root = at == 0 && !rootPlug.isNull() ? Access::cell(rootPlug, keep) : nullptr;
         if (root)
-            root->listParts(parts);
+            listParts(*root, parts);
         else
-            for (Cell* c : node.cells()) c->listParts(parts);
+            for (Cell* c : node.cells()) listParts(*c, parts);
         for (Cell* c : parts)
             for (Cell* other : otherEnds(*c))
                 if (nodes.insert(&other->node).second) reach(*other, c, at, found);
@@ -120,11 +128,11 @@ struct MItDependencyGraph::Walk {
         std::vector<Cell*> starts;
         std::shared_ptr<Node> keep;
         if (plug.isNull()) {
-            for (Cell* c : node.cells()) c->listParts(starts);
+            for (Cell* c : node.cells()) listParts(*c, starts);
         } else {
             Cell* cell = Access::cell(plug, keep);
             if (!cell) return;
-            cell->listParts(starts);
+            listParts(*cell, starts);
             for (Cell* up = cell->parent; up; up = up->parent) starts.push_back(up);
         }
         for (Cell* c : starts)
@@ -134,7 +142,7 @@ struct MItDependencyGraph::Walk {
         // Through the node: to those of its connected plugs that depend on this one, or that it depends on.
         Cell& here = *Access::cell(plug, keep);
         std::vector<Cell*> parts;
-        for (Cell* c : node.cells()) c->listParts(parts);
+        for (Cell* c : node.cells()) listParts(*c, parts);
         for (Cell* c : parts) {
             if (c == &here || otherEnds(*c).empty()) continue;
             const bool leads = direction == kDownstream ? depends(*c, here) : depends(here, *c);
