@@ -2,6 +2,7 @@
 #include "Registration.h"
 
 #include <maya/MFnPlugin.h>
+#include <maya/MGlobal.h>
 
 namespace {
 
@@ -25,6 +26,12 @@ private:
     MFnPlugin& plugin_;
 };
 
+/// Where there is a window, the sky's menu and shelf come and go with the plug-in; its scripts make them.
+void runInWindow(const char* procedure) {
+    const MString name(procedure);
+    (void)orvo::succeeded(MGlobal::executeCommand("if (!`about -batch` && `exists " + name + "`) " + name + ";"));
+}
+
 } // namespace
 
 // The host's header declares the entry points, with the linkage under which the host looks them up.
@@ -40,7 +47,9 @@ ORVO_ENTRY_POINT MStatus initializePlugin(MObject object) {
         MFnPlugin plugin(object, "TKLA ORVO SKY TOOLKIT", "RVX v1.40.0", "Any", &status);
         if (!orvo::succeeded(status)) return status;
         HostRegistrar registrar(plugin);
-        return orvo::registerRows(orvo::registrationTable(), registrar);
+        const MStatus registered = orvo::registerRows(orvo::registrationTable(), registrar);
+        if (!registered.error()) runInWindow("orvoskyStartup");
+        return registered;
     });
 }
 
@@ -49,6 +58,7 @@ ORVO_ENTRY_POINT MStatus uninitializePlugin(MObject object) {
         MStatus status;
         MFnPlugin plugin(object, "Unknown", "Unknown", "Any", &status);
         if (!orvo::succeeded(status)) return status;
+        runInWindow("orvoskyShutdown");
         HostRegistrar registrar(plugin);
         return orvo::deregisterRows(orvo::registrationTable(), registrar);
     });

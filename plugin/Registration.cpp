@@ -61,6 +61,7 @@ std::span<const RegistrationRow> registrationTable() {
         commandRow<OrvoSky_ConvertFullPathToProjectRootPath>("orvosky_ConvertFullPathToProjectRootPath"),
         commandRow<DropMeshCommand>("orvo_dropMesh"),
         commandRow<OrvoSky_UpdateSkySystemCommand>("orvosky_UpdateSkySystemCommand"),
+        commandRow<ParticleCloud_CountSpritesCommand>("orvosky_ParticleCloud_CountSpritesCommand"),
     };
     return rows;
 }

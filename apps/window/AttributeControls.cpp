@@ -167,14 +167,17 @@ std::vector<double> AttributeControl::numbers() const {
 }
 
 std::string AttributeControl::setting(std::vector<double> numbers) const {
-    std::string mel = "setAttr " + plug_.quotedPath();
+    std::string mel = "setAttr " + plug_.quotedPath(), keys;
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         const int k = static_cast<int>(i);
         double value = numbers[i];
         if (const auto low = plug_.min(k)) value = std::max(value, *low);
         if (const auto high = plug_.max(k)) value = std::min(value, *high);
         mel += " " + numberText(value);
+        keys += "setKeyframe -value " + numberText(value) + " " + quoted(plug_.path(k)) + "; ";
     }
+    // What has keys follows them: a change is a key.
+    if (plug_.keyed()) return numbers.size() == 1 ? keys : "{ " + keys + "}";
     return mel + ";";
 }
 
@@ -269,7 +272,7 @@ void AttributeControl::showMenu(QPoint at) {
     });
     menu.addSeparator();
     if (number) {
-        add(tr("Set Key"), plug_.settable() && plug_.attribute().keyable, run("setKeyframe " + path + ";"));
+        add(tr("Set Key"), plug_.settable(), run("setKeyframe " + path + ";"));
         if (plug_.keyed()) add(tr("Delete Keys"), true, run("cutKey -clear " + path + ";"));
     }
     if (const std::string feed = plug_.feed().toStdString(); !feed.empty()) {

@@ -137,7 +137,7 @@ bool Document::open(const QString& file) {
     const std::string path = QFileInfo(file).absoluteFilePath().toStdString();
     const bool script = file.endsWith(".mel", Qt::CaseInsensitive);
     const bool worked = load(file, [&] {
-        emit editor_.echoed(QString::fromStdString((script ? "source " : "file -f -open ") + quoted(path) + ";"));
+        editor_.echo((script ? "source " : "file -f -open ") + quoted(path) + ";");
         try {
             if (script) editor_.runAside("file -f -new;");
             start_.open(path);

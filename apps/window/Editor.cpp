@@ -13,6 +13,12 @@ namespace orvosky::window {
 using host::scene::Scene;
 using host::scene::UndoQueue;
 
+namespace {
+
+constexpr std::size_t longestName = 80; ///< of a step of undo
+
+}
+
 std::string quoted(const std::string& text) {
     std::string out = "\"";
     for (const char c : text) {
@@ -71,21 +77,29 @@ void Editor::announce() {
     for (const auto& item : scene().selection()) now.push_back(item.node.get());
     const bool another = now != selected_;
     selected_ = std::move(now);
+    ++changes_;
     if (another) emit selectionChanged();
     emit changed();
 }
 
 bool Editor::run(const std::string& mel) {
     if (running_ == 0) takePreviewBack();
-    emit echoed(QString::fromStdString(mel));
-    const bool worked = execute(mel, {});
+    echo(mel);
+    bool worked;
+    {
+        const UndoQueue::Chunk step(scene().undo, mel.size() > longestName ? mel.substr(0, longestName) + "..." : mel);
+        worked = execute(mel, {});
+    }
+    if (!worked) emit failed();
     if (running_ == 0) announce();
     return worked;
 }
 
-bool Editor::runScript(const std::string& mel, const std::string& name) {
+bool Editor::runTyped(const std::string& mel, const std::string& name) {
     takePreviewBack();
+    echo(mel);
     const bool worked = execute(mel, name);
+    if (!worked) emit failed();
     announce();
     return worked;
 }
@@ -120,6 +134,7 @@ bool Editor::preview(const std::string& mel) {
         const UndoQueue::Capture captured(scene().undo, preview_);
         worked = execute(mel, {});
     }
+    ++changes_;
     emit changed();
     return worked;
 }

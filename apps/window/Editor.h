@@ -36,11 +36,13 @@ public:
 
     static host::scene::Scene& scene();
 
-    /// Runs an action of the user: its text is echoed, and it is one step of undo. False when it failed; what was wrong
-    /// has been told.
+    /// Runs an action of the user, one statement: its text is echoed and names the step of undo that it is. False when
+    /// it failed; what was wrong has been told.
     bool run(const std::string& mel);
-    /// Runs what the user typed or a script file. The text is echoed by whoever took it from the user.
-    bool runScript(const std::string& mel, const std::string& name);
+    /// Runs what the user typed; `name` stands for it in errors. Each statement is a step of undo.
+    bool runTyped(const std::string& mel, const std::string& name = {});
+    /// Echoes an action that did its work by other ways than run().
+    void echo(const std::string& mel) { emit echoed(QString::fromStdString(mel)); }
     /// Runs something that is no edit (the view's camera): no echo, no undo, the scene stays as saved as it was.
     bool runAside(const std::string& mel);
     /// Runs a query. None when it fails, without a message.
@@ -57,11 +59,15 @@ public:
 
     /// Tells all panels that the scene may be another one now, as after opening a file or a draw that changed nodes.
     void announce();
+    /// A number that is another one after each change; never 0.
+    unsigned long changes() const { return changes_; }
     /// Called before scripts run: nodes that free what they hold in OpenGL need its context.
     std::function<void()> makeCurrent;
 
 signals:
     void echoed(const QString& mel);
+    /// What was echoed last did not work.
+    void failed();
     void message(orvosky::window::Editor::Kind kind, const QString& text);
     /// Something of the scene has changed: values, nodes, names, selection or time.
     void changed();
@@ -74,6 +80,7 @@ private:
     std::vector<host::scene::Edit> preview_;
     bool previewModified_ = false;
     int running_ = 0;
+    unsigned long changes_ = 1;
     std::vector<const void*> selected_;
 };
 

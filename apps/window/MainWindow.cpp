@@ -2,25 +2,39 @@
 
 #include "AttributePanel.h"
 #include "Document.h"
+#include "ExportDialog.h"
+#include "HandleTool.h"
+#include "HistoryPanel.h"
 #include "InterfaceCommands.h"
 #include "OutlinerPanel.h"
+#include "Picking.h"
+#include "ScriptPanel.h"
+#include "StartPage.h"
+#include "SunTool.h"
 #include "Theme.h"
+#include "TimeBar.h"
 #include "ViewWidget.h"
 
 #include "base/Messages.h"
 #include "commands/Host.h"
 #include "files/Workspace.h"
 #include "scene/Scene.h"
+#include "viewport/Picture.h"
 
+#include <QActionGroup>
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDir>
 #include <QDockWidget>
+#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTimer>
@@ -45,6 +59,8 @@ MainWindow::MainWindow(const WindowStart& start)
     column->setSpacing(0);
     column->addWidget(view_, 1);
     column->addWidget(makeStrip());
+    time_ = new TimeBar(editor_);
+    column->addWidget(time_);
     setCentralWidget(middle);
 
     shelf_->setObjectName("shelf");
@@ -64,11 +80,17 @@ MainWindow::MainWindow(const WindowStart& start)
     };
     QDockWidget* left = dock(tr("Outliner"), "outlinerDock", outliner_, Qt::LeftDockWidgetArea);
     QDockWidget* right = dock(tr("Attributes"), "attributesDock", attributes_, Qt::RightDockWidgetArea);
+    scripts_ = new ScriptPanel(editor_);
+    QDockWidget* below = dock(tr("Script Editor"), "scriptsDock", scripts_, Qt::BottomDockWidgetArea);
+    QDockWidget* past = dock(tr("History"), "historyDock", new HistoryPanel(editor_), Qt::LeftDockWidgetArea);
+    below->hide();
+    past->hide();
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     resize(1360, 820);
     resizeDocks({left, right}, {210, 372}, Qt::Horizontal);
     makeLastLine();
+    makeTools();
     makeMenus();
 
     connect(&editor_, &Editor::changed, view_, &ViewWidget::refresh);
@@ -77,7 +99,10 @@ MainWindow::MainWindow(const WindowStart& start)
         undo_->setEnabled(undo.canUndo());
         redo_->setEnabled(undo.canRedo());
         fillCameras();
+        if (host::Host::instance().interpreter().isCallable("orvoskyViewStatus"))
+            status_->setText(QString::fromStdString(editor_.ask("orvoskyViewStatus").toString()));
     });
+    connect(view_, &ViewWidget::clicked, this, &MainWindow::pick);
     connect(&editor_, &Editor::echoed, this, [this](const QString& mel) {
         command_->setPlaceholderText(mel.size() > 300 ? mel.left(300) + "..." : mel);
     });
@@ -94,6 +119,12 @@ MainWindow::MainWindow(const WindowStart& start)
     });
     connect(view_, &ViewWidget::cameraChanged, this, [this] { lookUp_->setChecked(view_->looksUp()); });
 
+    auto* go = new QPushButton(tr("Export"));
+    go->setObjectName("primary");
+    go->setFocusPolicy(Qt::NoFocus);
+    connect(go, &QPushButton::clicked, this, [this] { showExport(); });
+    menuBar()->setCornerWidget(go);
+
     QSettings settings;
     restoreGeometry(settings.value("geometry").toByteArray());
     restoreState(settings.value("layout").toByteArray());
@@ -109,8 +140,94 @@ MainWindow::~MainWindow() {
 
 void MainWindow::start() {
     show();
-    if (!document_->recover() && !start_.scene.empty()) document_->open(QString::fromStdString(start_.scene.string()));
+    auto& mel = host::Host::instance().interpreter();
+    if (mel.isCallable("orvoskyStartup")) editor_.runAside("orvoskyStartup;");
+    if (document_->recover()) {
+    } else if (!start_.scene.empty()) {
+        document_->open(QString::fromStdString(start_.scene.string()));
+    } else {
+        showStartPage();
+        return;
+    }
     view_->setFocus();
+}
+
+void MainWindow::showStartPage() {
+    startPage_ = new StartPage(start_.toolRoot / "presets", document_->recent(), this);
+    const auto begin = [this](auto work) {
+        return [this, work](const auto&... file) {
+            if (work(file...)) endStartPage();
+        };
+    };
+    connect(startPage_, &StartPage::presetChosen, this,
+            begin([this](const QString& file) { return document_->openPreset(file); }), Qt::QueuedConnection);
+    connect(startPage_, &StartPage::recentChosen, this,
+            begin([this](const QString& file) { return document_->open(file); }), Qt::QueuedConnection);
+    connect(startPage_, &StartPage::browseChosen, document_.get(), &Document::browse, Qt::QueuedConnection);
+    connect(startPage_, &StartPage::emptyChosen, this, &MainWindow::endStartPage, Qt::QueuedConnection);
+    connect(document_.get(), &Document::opened, this, &MainWindow::endStartPage);
+    startPage_->setGeometry(0, menuBar()->height(), width(), height() - menuBar()->height());
+    startPage_->show();
+    startPage_->raise();
+}
+
+StartPage* MainWindow::startPage() const { return startPage_; }
+
+void MainWindow::endStartPage() {
+    if (!startPage_) return;
+    startPage_->hide();
+    startPage_->deleteLater();
+    startPage_ = nullptr;
+    view_->setFocus();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (startPage_) startPage_->setGeometry(0, menuBar()->height(), width(), height() - menuBar()->height());
+}
+
+void MainWindow::makeTools() {
+    auto sun = std::make_unique<SunTool>(editor_, *view_);
+    auto handles = std::make_unique<HandleTool>(editor_, *view_);
+    sun_ = sun.get();
+    handles_ = handles.get();
+    view_->addTool(std::move(sun));
+    view_->addTool(std::move(handles));
+    auto* bar = addToolBar(tr("Tools"));
+    bar->setObjectName("tools");
+    bar->setMovable(false);
+    bar->setIconSize({20, 20});
+    auto* group = new QActionGroup(this);
+    const auto tool = [&](const char* icon, const QString& label, const char* key, HandleTool::Mode mode) {
+        QAction* action = bar->addAction(theme::icon(icon), label);
+        action->setToolTip(tr("%1 (%2)").arg(label, key));
+        action->setShortcut(QKeySequence(key));
+        action->setCheckable(true);
+        action->setChecked(mode == HandleTool::Mode::Select);
+        group->addAction(action);
+        connect(action, &QAction::triggered, this, [this, mode] { handles_->setMode(mode); });
+    };
+    tool("select", tr("Select"), "Q", HandleTool::Mode::Select);
+    tool("move", tr("Move"), "W", HandleTool::Mode::Move);
+    tool("rotate", tr("Rotate"), "E", HandleTool::Mode::Rotate);
+    tool("scale", tr("Scale"), "R", HandleTool::Mode::Scale);
+    QAction* sunShown = bar->addAction(theme::icon("sun"), tr("Sun"));
+    sunShown->setToolTip(tr("Shows the sun's ring always; it is dragged over the sky whenever the pointer is near"));
+    sunShown->setCheckable(true);
+    connect(sunShown, &QAction::toggled, this, [this](bool on) { sun_->setShown(on); });
+    bar->addSeparator();
+    addToolBar(shelf_);
+}
+
+void MainWindow::pick(QPointF at, Qt::KeyboardModifiers modifiers) {
+    DagNode* shape = shapeAt(view_->eye(), view_->ray(at));
+    if (!shape) {
+        if (!Editor::scene().selection().empty() && !(modifiers & Qt::ShiftModifier)) editor_.run("select -clear;");
+        return;
+    }
+    DagNode& picked = shape->parent && !shape->parent->isWorld() ? *shape->parent : *shape;
+    editor_.run(std::string(modifiers & Qt::ShiftModifier ? "select -tgl " : "select -r ") +
+                quoted(picked.partialPath()) + ";");
 }
 
 QAction* MainWindow::act(QMenu& menu, const QString& label, const QKeySequence& key, std::function<void()> work) {
@@ -130,6 +247,11 @@ void MainWindow::runOnSelection(const std::string& mel) {
 void MainWindow::makeMenus() {
     QMenu& file = *menuBar()->addMenu(tr("File"));
     act(file, tr("New"), QKeySequence::New, [this] { document_->newScene(); });
+    QMenu* presets = file.addMenu(tr("New from Preset"));
+    const QDir folder(QString::fromStdString((start_.toolRoot / "presets").string()));
+    for (const QFileInfo& preset : folder.entryInfoList({"*.ma"}, QDir::Files, QDir::Name))
+        connect(presets->addAction(presetTitle(preset.completeBaseName())), &QAction::triggered, this,
+                [this, path = preset.absoluteFilePath()] { document_->openPreset(path); });
     act(file, tr("Open..."), QKeySequence::Open, [this] { document_->browse(); });
     QMenu* recent = file.addMenu(tr("Open Recent"));
     connect(&file, &QMenu::aboutToShow, this, [this, recent] {
@@ -141,6 +263,19 @@ void MainWindow::makeMenus() {
     file.addSeparator();
     act(file, tr("Save"), QKeySequence::Save, [this] { document_->save(); });
     act(file, tr("Save As..."), QKeySequence("Ctrl+Shift+S"), [this] { document_->saveAs(); });
+    file.addSeparator();
+    act(file, tr("Export..."), QKeySequence("Ctrl+E"), [this] { showExport(); });
+    act(file, tr("Save Picture..."), QKeySequence("Ctrl+P"), [this] {
+        const QString root = QString::fromStdString(host::Host::instance().workspace().root().string());
+        const QString name = QFileDialog::getSaveFileName(this, tr("Save Picture"), root + "/sky.png",
+                                                          tr("Pictures (*.png *.jpg *.tif *.exr)"), nullptr,
+                                                          QFileDialog::DontUseNativeDialog);
+        if (!name.isEmpty()) savePicture(name);
+    });
+    act(file, tr("Copy Picture"), QKeySequence("Ctrl+Shift+C"), [this] {
+        QGuiApplication::clipboard()->setImage(view_->picture());
+        host::showInfo("The picture is on the clipboard.");
+    });
     file.addSeparator();
     act(file, tr("Quit"), QKeySequence::Quit, [this] { close(); });
 
@@ -164,6 +299,7 @@ void MainWindow::makeMenus() {
             }
         if (!names.empty()) editor_.run("setAttr" + names + (shown ? " 0;" : " 1;"));
     });
+    act(edit, tr("Set Key"), QKeySequence("S"), [this] { time_->setKey(); });
     edit.addSeparator();
     act(edit, tr("Select Nothing"), {}, [this] { editor_.run("select -clear;"); });
 
@@ -178,6 +314,9 @@ void MainWindow::makeMenus() {
         connect(action, &QAction::toggled, this,
                 [this, width, height](bool on) { view_->setSafeFrame(on ? width : 0, on ? height : 0); });
     };
+    QAction* local = display.addAction(tr("Move Along Own Axes"));
+    local->setCheckable(true);
+    connect(local, &QAction::toggled, this, [this](bool on) { handles_->setLocal(on); });
     safe(tr("Frame of a Picture of 16 : 9"), 1280, 720);
     QAction* whole = act(display, tr("View Only"), QKeySequence("Space"), [] {});
     whole->setCheckable(true);
@@ -198,6 +337,31 @@ void MainWindow::makeMenus() {
     });
     act(help, tr("About"), {},
         [this] { tell(Editor::Kind::Info, tr("Orvo sky toolkit %1").arg(QString::fromStdString(start_.version))); });
+}
+
+ExportDialog& MainWindow::showExport() {
+    if (!export_) {
+        export_ = new ExportDialog(editor_, start_, this);
+        export_->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    export_->show();
+    export_->raise();
+    export_->check();
+    return *export_;
+}
+
+bool MainWindow::savePicture(const QString& file) {
+    const QImage shown = view_->picture();
+    host::viewport::Picture picture(shown.width(), shown.height(), 3);
+    for (int y = 0; y < shown.height(); ++y) std::copy_n(shown.constScanLine(y), picture.rowBytes(), picture.row(y));
+    picture.origin = {.software = "orvosky " + start_.version, .scene = document_->title().toStdString()};
+    std::string error;
+    if (picture.write(file.toStdString(), &error)) {
+        host::showInfo("Saved " + file.toStdString() + ".");
+        return true;
+    }
+    host::showError(error);
+    return false;
 }
 
 QWidget* MainWindow::makeStrip() {
@@ -233,7 +397,7 @@ void MainWindow::makeLastLine() {
     connect(command_, &QLineEdit::returnPressed, this, [this] {
         const QString mel = command_->text().trimmed();
         command_->clear();
-        if (!mel.isEmpty()) editor_.run(mel.toStdString() + (mel.endsWith(';') || mel.endsWith('}') ? "" : ";"));
+        if (!mel.isEmpty()) editor_.runTyped(mel.toStdString() + (mel.endsWith(';') || mel.endsWith('}') ? "" : ";"));
         view_->setFocus();
     });
     said_->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -282,6 +446,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    time_->play(false);
     document_->giveUp();
     QSettings settings;
     settings.setValue("geometry", saveGeometry());

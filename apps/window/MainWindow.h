@@ -4,6 +4,7 @@
 #include "WindowModule.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <memory>
 
@@ -18,8 +19,14 @@ namespace orvosky::window {
 
 class AttributePanel;
 class Document;
+class ExportDialog;
+class HandleTool;
 class InterfaceCommands;
 class OutlinerPanel;
+class ScriptPanel;
+class StartPage;
+class SunTool;
+class TimeBar;
 class ViewWidget;
 
 /// Sets what has to be said before there is an application: the kind of OpenGL, where preferences lie.
@@ -40,16 +47,30 @@ public:
     ViewWidget& view() { return *view_; }
     AttributePanel& attributes() { return *attributes_; }
     OutlinerPanel& outliner() { return *outliner_; }
+    ScriptPanel& scripts() { return *scripts_; }
+    TimeBar& time() { return *time_; }
+    /// Opens the export dialog, which checks the sky first.
+    ExportDialog& showExport();
+    /// Saves what the view shows, in the format of the file's extension. False, with a message, when it cannot.
+    bool savePicture(const QString& file);
+    /// The page that a session begins with; null once a scene was chosen.
+    StartPage* startPage() const;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void makeMenus();
     QWidget* makeStrip();
     void makeLastLine();
+    void makeTools();
+    void showStartPage();
+    void endStartPage();
+    /// Selects what is at a point of the view.
+    void pick(QPointF at, Qt::KeyboardModifiers modifiers);
     void fillCameras();
     void showTitle();
     void tell(Editor::Kind kind, const QString& text);
@@ -65,6 +86,12 @@ private:
     std::unique_ptr<InterfaceCommands> commands_;
     OutlinerPanel* outliner_;
     AttributePanel* attributes_;
+    ScriptPanel* scripts_;
+    TimeBar* time_;
+    QPointer<ExportDialog> export_;
+    QPointer<StartPage> startPage_;
+    HandleTool* handles_;
+    SunTool* sun_;
     QComboBox* cameras_;
     QToolButton* lookUp_;
     QLabel *cost_, *status_, *said_;

@@ -30,6 +30,14 @@ std::string PlugView::path() const {
     return at ? Editor::scene().displayName(*at) + "." + attribute_->longName : std::string();
 }
 
+std::string PlugView::path(int component) const {
+    if (attribute_->type != AttributeType::Tuple) return path();
+    host::scene::Node* at = node();
+    return at ? Editor::scene().displayName(*at) + "." +
+                    attribute_->children[static_cast<std::size_t>(component)]->longName
+              : std::string();
+}
+
 std::string PlugView::quotedPath() const { return quoted(path()); }
 
 int PlugView::components() const {

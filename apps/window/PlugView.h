@@ -22,6 +22,7 @@ public:
     const host::scene::Attribute& attribute() const { return *attribute_; }
     /// "|sky|skyShape.sunDir", for MEL; unquoted.
     std::string path() const;
+    std::string path(int component) const; ///< of a component of a tuple
     std::string quotedPath() const;
 
     int components() const;          ///< of a number or a tuple; 0 for others

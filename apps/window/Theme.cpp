@@ -45,6 +45,8 @@ QMenu::separator { height: 1px; background: @3; margin: 4px 8px; }
 QDockWidget { color: @6; titlebar-close-icon: none; titlebar-normal-icon: none; }
 QDockWidget::title { background: @1; padding: 7px 10px; text-align: left; }
 QToolTip { background: @2; color: @7; border: 1px solid @3; padding: 4px; }
+QToolBar { background: @1; border: none; padding: 2px 8px; spacing: 2px; }
+QToolBar::separator { background: @3; width: 1px; margin: 6px 8px; }
 QStatusBar { background: @1; color: @6; }
 QStatusBar::item { border: none; }
 QTreeView, QListView, QPlainTextEdit, QTextEdit { background: @1; color: @7; border: none; outline: none;
@@ -139,7 +141,8 @@ void apply(QApplication& application) {
 void setIconFolder(const std::filesystem::path& folder) { iconFolder() = QString::fromStdString(folder.string()); }
 
 QIcon icon(const QString& name) {
-    static QHash<QString, QIcon> made;
+    // Never destroyed: the application goes first, and pictures do not outlive it well.
+    static auto& made = *new QHash<QString, QIcon>;
     if (const auto found = made.constFind(name); found != made.cend()) return *found;
     QIcon result;
     QFile file(iconFolder() + "/" + name + ".svg");

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 /// The window is a module of its own, so that only `edit` loads Qt.
 namespace orvosky::window {
@@ -23,7 +24,13 @@ struct WindowStart {
     /// Brings sky nodes up to date. What goes wrong with one is reported; answers a failure that no message told of.
     std::function<std::string()> bringUpToDate;
     /// Writes the open scene's sky as `orvosky export` does.
-    std::function<void(const std::filesystem::path& target, bool keepGoing)> exportSky;
+    std::function<void(const std::filesystem::path& target)> exportSky;
+    /// What an exported file holds, in a few words, and what does not fit in it.
+    struct Findings {
+        std::string holds;
+        std::vector<std::string> warnings, problems;
+    };
+    std::function<Findings(const std::filesystem::path& file)> inspect;
 };
 
 /// Opens the window and works until it is closed. @return the program's exit status

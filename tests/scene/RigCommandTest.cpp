@@ -79,7 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
                    "directionalLight -q -rgb sun",
                    "0 0 1"},
         ScriptCase{"LightShade", "ambientLight -n sky -as .25; ambientLight -q -as sky", "0.25"},
-        ScriptCase{"LightWithout", "directionalLight -d 2", "Error: directionalLight has no decayRate."},
+        ScriptCase{"LightWithout", "ambientLight -d 2", "Error: ambientLight has no decayRate."},
         // A film of an inch at 12.7 mm sees 90 degrees.
         ScriptCase{"CameraAngle", "camera -n c -hfa 1 -hfv 90; camera -q -fl c", "12.7"},
         ScriptCase{"CameraAspect", "camera -n c -hfa 2 -ar 4; camera -q -vfa c", "0.5"},

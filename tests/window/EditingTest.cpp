@@ -118,7 +118,7 @@ TEST_F(Attributes, AWrongTemplateShowsItsMessageAndThePlainPage) {
     open();
     editor().run("createNode directionalLight -n lamp;");
     EXPECT_NE(window().attributes().page()->control("intensity"), nullptr) << "a type without a template";
-    editor().runScript("global proc AEpointLightTemplate(string $n) { editorTemplate -addControl \"noSuch\"; }", "t");
+    editor().runTyped("global proc AEpointLightTemplate(string $n) { editorTemplate -addControl \"noSuch\"; }", "t");
     editor().run("createNode pointLight -n bulb;");
     auto* problem = window().attributes().page()->findChild<QLabel*>("problem");
     ASSERT_NE(problem, nullptr);

@@ -45,10 +45,10 @@ TEST_F(Outliner, FollowsTheScene) {
     EXPECT_THAT(names(model(), at("OrvoSkyData")), ElementsAre("settings", "sky", "fog"));
     editor().run("createNode transform -n late -p OrvoSkyData; reorder -front late; delete fog; rename sky \"blue\";");
     EXPECT_THAT(names(model(), at("OrvoSkyData")), ElementsAre("late", "settings", "blue"));
-    for (int i = 0; i < 4; ++i) editor().run("undo;");
+    editor().run("undo;");
     EXPECT_THAT(names(model(), at("OrvoSkyData")), ElementsAre("settings", "sky", "fog"));
     editor().run("redo;");
-    EXPECT_THAT(names(model(), at("OrvoSkyData")), ElementsAre("settings", "sky", "fog", "late"));
+    EXPECT_THAT(names(model(), at("OrvoSkyData")), ElementsAre("late", "settings", "blue"));
     auto& search = *window().outliner().findChild<QLineEdit*>();
     QTest::keyClicks(&search, "LAT");
     EXPECT_THAT(names(model()), ElementsAre("late"));
@@ -91,7 +91,8 @@ TEST_F(Outliner, SelectsRenamesAndHides) {
 // Fault: a tree that is built, or looked through, node by node at each change.
 TEST_F(Outliner, FetchesWhatIsOpened) {
     open();
-    editor().run("createNode transform -n many; for ($i = 0; $i < 20000; ++$i) createNode transform -p many; select -cl;");
+    editor().run(
+        "createNode transform -n many; for ($i = 0; $i < 20000; ++$i) createNode transform -p many; select -cl;");
     EXPECT_EQ(model().rowCount(at("many")), 0) << "nothing of it has been looked at";
     EXPECT_TRUE(model().canFetchMore(at("many")));
     tree().expand(at("many"));

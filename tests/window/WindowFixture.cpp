@@ -2,7 +2,6 @@
 
 #include "Theme.h"
 
-#include "api/plugins/PluginManager.h"
 #include "commands/Host.h"
 #include "scene/Scene.h"
 
@@ -77,12 +76,12 @@ namespace {
 /// An X server for this process, and an application on it; made when the first test needs them.
 class Desktop {
 public:
-    static Desktop& instance() {
-        static Desktop desktop;
+    /// Made when the first test asks; gone before main ends, as an application has to be.
+    static std::unique_ptr<Desktop>& instance() {
+        static std::unique_ptr<Desktop> desktop;
         return desktop;
     }
 
-private:
     Desktop() {
         int ready[2];
         if (pipe(ready) != 0) std::abort();
@@ -123,6 +122,10 @@ private:
         kill(server_, SIGTERM);
         waitpid(server_, nullptr, 0);
     }
+    Desktop(const Desktop&) = delete;
+    Desktop& operator=(const Desktop&) = delete;
+
+private:
     pid_t server_;
     QApplication* application_;
 };
@@ -138,35 +141,9 @@ void Window::SetUp() {
     setenv("XDG_CONFIG_HOME", (folder_ / ".config").c_str(), 1);
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope,
                        QString::fromStdString((folder_ / ".config").string()));
-    Desktop::instance();
-    static bool started = false;
-    host::Host& host = host::Host::instance();
-    if (!std::exchange(started, true)) {
-        const std::string tools = orvo::test::buildTree("share/orvosky/");
-        setenv("ORVOSKY_TOOL_ROOT", tools.c_str(), 1);
-        host::Host::Options options;
-        options.project = folder_;
-        options.pluginFolders = {orvo::test::pluginFolder()};
-        options.scriptFolders = {tools + "scripts"};
-        host.start(options);
-        host.plugins().loadByBareName("orvosky");
-    }
-    host.interpreter().call("workspace", {"-openWorkspace", folder_.string()});
-    start_.toolRoot = orvo::test::buildTree("share/orvosky");
-    start_.version = "test";
-    start_.begin = [] {};
-    start_.end = [] { host::Host::instance().scene().reset(); };
-    start_.open = [](const fs::path& scene) {
-        auto& mel = host::Host::instance().interpreter();
-        if (scene.extension() == ".mel")
-            mel.sourceFile(scene);
-        else
-            mel.call("file", {"-f", "-open", scene.string()});
-    };
-    start_.bringUpToDate = [] {
-        host::Host::instance().interpreter().call("orvosky_UpdateSkySystemCommand", {});
-        return std::string();
-    };
+    if (!Desktop::instance()) Desktop::instance() = std::make_unique<Desktop>();
+    common_.project = folder_.string();
+    start_ = windowStart(common_, options_, session_);
 }
 
 void Window::TearDown() {
@@ -176,6 +153,7 @@ void Window::TearDown() {
 }
 
 void Window::open(const std::string& scene) {
+    start_.begin();
     window_ = std::make_unique<MainWindow>(start_);
     QObject::connect(&window_->editor(), &Editor::echoed,
                      [this](const QString& mel) { echoed_.push_back(mel.toStdString()); });
@@ -185,7 +163,7 @@ void Window::open(const std::string& scene) {
     window_->start();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window_.get()));
     window_->activateWindow();
-    QTest::qWaitForWindowActive(window_.get(), 2000);
+    (void)QTest::qWaitForWindowActive(window_.get(), 2000);
     if (!scene.empty()) {
         write(folder_ / "scenes/opened.ma", scene);
         ASSERT_TRUE(window_->document().open(QString::fromStdString((folder_ / "scenes/opened.ma").string())));
@@ -193,7 +171,10 @@ void Window::open(const std::string& scene) {
     settle(250);
 }
 
-void Window::close() { window_.reset(); }
+void Window::close() {
+    window_.reset(); // and the session, at its end
+    echoed_.clear();
+}
 
 std::string Window::saved() {
     const fs::path file = folder_ / "compared.ma";
@@ -205,5 +186,7 @@ std::string Window::saved() {
 
 int main(int count, char** words) {
     testing::InitGoogleMock(&count, words);
-    return RUN_ALL_TESTS();
+    const int status = RUN_ALL_TESTS();
+    orvosky::window::Desktop::instance().reset();
+    return status;
 }

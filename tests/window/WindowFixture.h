@@ -5,6 +5,7 @@
 #include "MainWindow.h"
 #include "ViewWidget.h"
 
+#include "../../apps/orvosky/EditCommand.h"
 #include "kit/Places.h"
 
 #include <QTest>
@@ -39,7 +40,7 @@ protected:
 
     /// Opens the window and the scene of that text, when it has one.
     void open(const std::string& scene = skyScene);
-    /// Ends the window and opens another one on the same project.
+    /// Ends the window; another one may be opened on the same project.
     void close();
     /// Lets the window do what is due.
     static void settle(int ms = 50) { QTest::qWait(ms); }
@@ -58,6 +59,9 @@ protected:
     std::vector<std::string> errors_;
 
 private:
+    CommonOptions common_;
+    EditOptions options_;
+    std::optional<Session> session_;
     WindowStart start_;
     std::unique_ptr<MainWindow> window_;
     std::vector<std::string> echoed_;

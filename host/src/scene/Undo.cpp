@@ -80,6 +80,18 @@ bool UndoQueue::redo() {
 std::string UndoQueue::undoName() const { return done_.empty() ? std::string() : done_.back().name; }
 std::string UndoQueue::redoName() const { return undone_.empty() ? std::string() : undone_.back().name; }
 
+std::vector<std::string> UndoQueue::undoNames() const {
+    std::vector<std::string> names;
+    for (const Step& step : done_) names.push_back(step.name);
+    return names;
+}
+
+std::vector<std::string> UndoQueue::redoNames() const {
+    std::vector<std::string> names;
+    for (auto step = undone_.rbegin(); step != undone_.rend(); ++step) names.push_back(step->name);
+    return names;
+}
+
 void UndoQueue::clear() {
     // Edits can hold the last reference to nodes, whose destructors may come back here.
     std::exchange(done_, {});

@@ -36,6 +36,9 @@ public:
     bool canRedo() const { return !undone_.empty(); }
     std::string undoName() const;
     std::string redoName() const;
+    /// The steps that can be taken back, the oldest first; those that can be repeated, the next one first.
+    std::vector<std::string> undoNames() const;
+    std::vector<std::string> redoNames() const;
 
     void clear();
     /// Switches recording off and on (MEL's undoInfo -state); off also forgets everything.

@@ -155,4 +155,18 @@ MStatus ParticleCloud_ExportDataCommand::doIt(const MArgList& args) {
     });
 }
 
+MStatus ParticleCloud_CountSpritesCommand::doIt(const MArgList& args) {
+    return guarded("ParticleCloud_CountSpritesCommand", MStatus(MStatus::kFailure), [&]() -> MStatus {
+        const auto names = hasFlags(args) ? std::nullopt : namesFrom(args, 0);
+        const auto clouds = names ? cloudsOf(*names) : std::nullopt;
+        if (!clouds)
+            return refused("ParticleCloud_CountSpritesCommand incorrect syntax given! :(  Usage: "
+                           "\"ParticleCloud_CountSpritesCommand cloudInstanceNames[]\"   bailing.");
+        int sprites = 0;
+        for (const ParticleCloud* cloud : *clouds) sprites += cloud->numSprites();
+        setResult(sprites);
+        return MStatus::kSuccess;
+    });
+}
+
 } // namespace orvo

@@ -26,4 +26,11 @@ public:
     MStatus doIt(const MArgList& args) override;
 };
 
+/// `orvosky_ParticleCloud_CountSpritesCommand cloudInstanceNames[]`: answers how many sprites the clouds have now, in
+/// all. Fails when one of the names is no cloud.
+class ParticleCloud_CountSpritesCommand : public MPxCommand {
+public:
+    MStatus doIt(const MArgList& args) override;
+};
+
 } // namespace orvo

@@ -1,0 +1,119 @@
+#!/usr/bin/env python3
+"""Makes the pictures of the window in docs/images, on an X server of its own. Wants a built build/release, Xvfb, xdotool."""
+
+import os
+import shutil
+import struct
+import subprocess
+import tempfile
+import time
+import zlib
+from pathlib import Path
+
+TREE = Path(__file__).resolve().parent.parent
+PROGRAM = TREE / "build/release/bin/orvosky"
+WIDTH, HEIGHT = 1280, 760
+
+
+def png(dump: bytes) -> bytes:
+    """The picture of an X window dump of 32 bits a pixel, as PNG."""
+    head = struct.unpack(">25I", dump[:100])
+    size, width, height, line, colours = head[0], head[4], head[5], head[12], head[19]
+    pixels = dump[size + 12 * colours:]
+    rows = []
+    for y in range(height):
+        row = pixels[y * line:y * line + width * 4]
+        rgb = bytearray(width * 3)
+        rgb[0::3], rgb[1::3], rgb[2::3] = row[2::4], row[1::4], row[0::4]
+        rows.append(b"\0" + bytes(rgb))
+
+    def chunk(kind: bytes, data: bytes) -> bytes:
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)) +
+            chunk(b"IDAT", zlib.compress(b"".join(rows), 9)) + chunk(b"IEND", b""))
+
+
+class Desktop:
+    def __init__(self, folder: Path):
+        self.folder = folder
+        read, write = os.pipe()
+        self.server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", f"{WIDTH}x{HEIGHT}x24", "-fbdir", str(folder)],
+            pass_fds=[write], stderr=subprocess.DEVNULL)
+        os.close(write)
+        self.display = ":" + os.read(read, 16).decode().strip()
+        self.env = {**os.environ, "DISPLAY": self.display, "XDG_CONFIG_HOME": str(folder / "config")}
+        config = folder / "config/orvosky"
+        config.mkdir(parents=True)
+
+    def start(self, *words: str) -> subprocess.Popen:
+        program = subprocess.Popen([str(PROGRAM), *words], env=self.env, stdout=subprocess.DEVNULL)
+        time.sleep(3)
+        self.do("search", "--sync", "--name", "Orvo sky", "windowmove", "0", "0", "windowsize", str(WIDTH), str(HEIGHT))
+        time.sleep(4)
+        return program
+
+    def do(self, *words: str) -> None:
+        subprocess.run(["xdotool", *words], env=self.env, check=True, stdout=subprocess.DEVNULL)
+
+    def click(self, x: int, y: int) -> None:
+        self.do("mousemove", str(x), str(y), "click", "1")
+        time.sleep(1.5)
+
+    def shoot(self, name: str) -> None:
+        self.do("mousemove", str(WIDTH - 4), str(HEIGHT - 60))
+        time.sleep(2)
+        (TREE / "docs/images" / name).write_bytes(png((self.folder / "Xvfb_screen0").read_bytes()))
+
+    def type_mel(self, mel: str) -> None:
+        self.click(200, HEIGHT - 12)
+        self.do("type", "--delay", "2", mel)
+        self.do("key", "Return")
+        time.sleep(4)
+
+    def end(self) -> None:
+        self.server.terminate()
+        self.server.wait()
+
+
+def main() -> None:
+    folder = Path(tempfile.mkdtemp())
+    try:
+        project = folder / "project"
+        shutil.copytree(TREE / "examples/project", project)
+        desktop = Desktop(folder)
+        try:
+            program = desktop.start("--project", str(project), "edit")
+            desktop.shoot("window-start.png")
+            program.kill()
+            program.wait()
+
+            program = desktop.start("--project", str(project), "edit", str(project / "scenes/dusk.ma"))
+            desktop.type_mel("setAttr cloudDomeShape.renderWireFrame 0; select -r duskSky;")
+            desktop.shoot("window-sky.png")
+            desktop.do("key", "ctrl+e")
+            time.sleep(4)
+            desktop.shoot("window-export.png")
+            program.kill()
+            program.wait()
+
+            shutil.rmtree(project / "autosave", ignore_errors=True)
+            preset = TREE / "build/release/share/orvosky/presets/5_towering_cumulus.ma"
+            program = desktop.start("--project", str(project), "edit", str(preset))
+            desktop.type_mel("orvoskyPresetFile cloud_sprite.dds; orvosky_ParticleCloud_RefreshTextureCommand towerSprites; "
+                             "setAttr towerSpritesShape.renderWireFrame 0; select -r towerSphere22;")
+            desktop.click(640, 30)
+            desktop.do("key", "w")
+            time.sleep(1)
+            desktop.shoot("window-cloud.png")
+            program.kill()
+            program.wait()
+        finally:
+            desktop.end()
+    finally:
+        shutil.rmtree(folder)
+
+
+if __name__ == "__main__":
+    main()
