@@ -46,10 +46,10 @@ TEST(Registration, TableHasTheNamesAndIdsOfTheFileFormat) {
                     "orvosky_ParticleCloudShadingParams_ImportData", "orvosky_ParticleCloud_ExportDataCommand",
                     "orvosky_ParticleCloudDome_RefreshDataCommand", "orvosky_ParticleCloudDome_LoadFromDiskCommand",
                     "orvosky_SceneFog", "orvosky_SkyRenderer", "orvosky_ConvertFullPathToProjectRootPath",
-                    "orvo_dropMesh", "orvosky_UpdateSkySystemCommand"));
+                    "orvo_dropMesh", "orvosky_UpdateSkySystemCommand", "orvosky_ParticleCloud_CountSpritesCommand"));
     EXPECT_THAT(ids,
                 ElementsAre(0x374000, 0x374003, 0, 0x374009, 0x374015, 0x374016, 0x374017, 0x374019, 0x374020, 0x374022,
-                            0x374024, 0, 0, 0x374023, 0x374025, 0, 0, 0, 0, 0, 0x374027, 0x374028, 0, 0, 0));
+                            0x374024, 0, 0, 0x374023, 0x374025, 0, 0, 0, 0, 0, 0x374027, 0x374028, 0, 0, 0, 0));
 }
 
 // Catches a loop that goes on after a failure, rolls back, or names the wrong row.
