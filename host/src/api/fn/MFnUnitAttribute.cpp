@@ -122,9 +122,9 @@ MFnUnitAttribute::Type MFnUnitAttribute::unitType(MStatus* ReturnStatus) const {
     MStatus MFnUnitAttribute::get##Name(MTime& v) const { return read(object_, &Limits::member, v); }                  \
     MStatus MFnUnitAttribute::get##Name(MAngle& v) const { return read(object_, &Limits::member, v); }                 \
     MStatus MFnUnitAttribute::get##Name(MDistance& v) const { return read(object_, &Limits::member, v); }              \
-    MStatus MFnUnitAttribute::set##Name(double v) { return write(object_, &Limits::member, inside(v)); }             \
-    MStatus MFnUnitAttribute::set##Name(const MTime& v) { return write(object_, &Limits::member, inside(v)); }       \
-    MStatus MFnUnitAttribute::set##Name(const MAngle& v) { return write(object_, &Limits::member, inside(v)); }      \
+    MStatus MFnUnitAttribute::set##Name(double v) { return write(object_, &Limits::member, inside(v)); }               \
+    MStatus MFnUnitAttribute::set##Name(const MTime& v) { return write(object_, &Limits::member, inside(v)); }         \
+    MStatus MFnUnitAttribute::set##Name(const MAngle& v) { return write(object_, &Limits::member, inside(v)); }        \
     MStatus MFnUnitAttribute::set##Name(const MDistance& v) { return write(object_, &Limits::member, inside(v)); }
 
 ORVO_UNIT_LIMIT(Min, min)
