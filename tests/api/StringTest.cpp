@@ -73,6 +73,7 @@ TEST(String, WideTextsAreWellFormedOrBytes) {
         EXPECT_EQ(text(MString(wide)), bytes);
         EXPECT_EQ(std::wstring(MString(bytes).asWChar()), wide) << testing::PrintToString(bytes);
     }
+    EXPECT_EQ(text(MString(L"sky\x2601 and more", 4)), "sky\xE2\x98\x81") << "as long as is said, not as the text is";
 }
 
 struct SplitCase {

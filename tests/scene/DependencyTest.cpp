@@ -257,3 +257,11 @@ TEST_F(DependencyTest, ArrayPlugs) {
     run("undo");
     EXPECT_EQ(value("to.sum"), 8);
 }
+
+// Faults: a lock that does not keep a connection away, or that is gone after one was refused.
+TEST_F(DependencyTest, ALockOutlivesARefusedConnection) {
+    run("spaceLocator -n driver; spaceLocator -n held");
+    scene.setLocked(scene.findPlug("held.tx"), true);
+    EXPECT_THAT(run("connectAttr -f driver.tx held.tx"), testing::HasSubstr("is locked"));
+    EXPECT_EQ(run("getAttr -l held.tx") + run("connectionInfo -id held.tx"), "10");
+}
