@@ -14,8 +14,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A preset's name as it is compared: "Golden Hour", "golden-hour" and "golden_hour" are one.
+/// A preset's name as it is compared and listed: "Golden Hour", "golden-hour" and the file "2_golden_hour", whose
+/// number is its place on the window's page, are one.
 std::string plainName(std::string name) {
+    if (const auto number = name.find_first_not_of("0123456789");
+        number > 0 && number < name.size() && name[number] == '_')
+        name.erase(0, number + 1);
     for (char& c : name)
         c = c == ' ' || c == '-' ? '_' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return name;
@@ -28,7 +32,7 @@ fs::path presetScene(const std::string& name) {
     for (const auto& entry : fs::directory_iterator(toolRoot() / "presets", none)) {
         if (entry.path().extension() != ".ma") continue;
         if (plainName(entry.path().stem()) == plainName(name)) return entry.path();
-        known.push_back(entry.path().stem());
+        known.push_back(plainName(entry.path().stem()));
     }
     std::ranges::sort(known);
     std::string list;
@@ -87,6 +91,8 @@ int newCommand(const NewOptions& options) {
             for (const char* folder : {"scenes", "scripts", "images", "sourceimages"})
                 fs::create_directory(made.path() / folder);
             fs::copy(toolRoot() / "presets" / "build", made.path() / "build", fs::copy_options::recursive);
+            // Where the window's presets look for theirs.
+            fs::copy(toolRoot() / "presets" / "files", made.path() / "build" / "orvosky");
             fs::copy_file(scene, made.path() / "scenes" / "sky.ma");
             std::ofstream workspace(made.path() / "workspace.mel");
             workspace << workspaceText;

@@ -87,6 +87,9 @@ TEST_F(Tools, NewProjectsWork) {
     EXPECT_THAT(o.error, HasSubstr("deep is there already."));
     fs::create_directory(folder_ / "empty");
     EXPECT_EQ(run({"new", "empty"}).status, 0);
+    EXPECT_EQ(run({"new", "evening", "--preset", "dusk"}).status, 0); // a file with its place before its name
+    const auto exported = run({"export", "evening/scenes/sky.ma", "evening.atmos"});
+    EXPECT_EQ(exported.status, 0) << exported.error;
     o = run({"new", "other", "--preset", "nowhere"});
     EXPECT_EQ(o.status, 1);
     EXPECT_THAT(o.error, HasSubstr("There is no preset nowhere; there are "));
