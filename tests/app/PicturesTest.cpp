@@ -110,7 +110,7 @@ std::pair<int, int> brightest(const Floats& picture, int fromRow, int toRow) {
 }
 
 // Faults: faces in another order, turned, or mirrored. The sun stands off the middle of one face after the other; where
-// it is seen follows from the table of the OpenGL specification (3.8.10), and from the code of OpenEXR's ImfEnvmap.
+// it is seen follows from OpenGL's table of cube map faces, and from the code of OpenEXR's ImfEnvmap.
 TEST_F(Pictures, CubesLieAsTheirReadersTakeThem) {
     constexpr int size = 33;
     const Direction suns[] = {{1, 0.5, -0.2},  {-1, 0.5, -0.2}, {0.5, 1, -0.2},
