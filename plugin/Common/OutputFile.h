@@ -35,7 +35,7 @@ public:
     void print(const char* format, const Arguments&... arguments) {
         write(formatText(format, arguments...));
     }
-    /// @return whether the file was open and all of it reached the disk, and its place
+    /// @return whether the file was open, all of it reached the disk, and then its place
     bool close();
 
 private:
