@@ -225,4 +225,31 @@ TEST_F(TutorialPlugins, CommandThatLooksOverTheScene) {
     EXPECT_EQ(run("sceneReport types;").toStringArray(), (StringArray{"directionalLight", "1", "", "0", "1"}));
 }
 
+// Faults: names that are taken for those of another namespace, what is half moved when a name is in the way, namespaces
+// that stay behind or go with what is in them.
+TEST_F(TutorialPlugins, CommandThatKeepsAssetsInNamespaces) {
+    run("loadPlugin assetSpaces; createNode transform -n a; createNode transform -n b -p a;");
+    EXPECT_EQ(run("assetSpaces stow \"7 trees\" a b;").toString(), ":_7_trees");
+    run("namespace -set _7_trees;");
+    EXPECT_EQ(run("createNode transform -n c; assetSpaces stow leaves _7_trees:b;").toString(), ":_7_trees:leaves");
+    EXPECT_EQ(run("assetSpaces list;").toStringArray(), (StringArray{"_7_trees: a c", "_7_trees:leaves: b"}));
+    EXPECT_EQ(run("assetSpaces list leaves;").toStringArray(), StringArray{});
+    run("assetSpaces rename \":_7_trees\" wood;");
+    EXPECT_EQ(run("namespaceInfo -cur;").toString(), "wood");
+    EXPECT_EQ(run("ls -l \"wood:*:*\";").toStringArray(), StringArray{"|wood:a|wood:leaves:b"});
+    run("namespace -set \":\"; namespace -add rock; createNode transform -n \"rock:c\"; createNode transform -n "
+        "\"rock:a2\"; namespace -add \"rock:moss\";");
+    EXPECT_NE(failure("assetSpaces merge rock wood;"), "") << "wood:c is there";
+    EXPECT_EQ(run("assetSpaces list;").toStringArray(),
+              (StringArray{"rock: c a2", "rock:moss:", "wood: a c", "wood:leaves: b"}));
+    run("delete \"wood:c\"; assetSpaces merge rock wood;");
+    EXPECT_EQ(run("assetSpaces list;").toStringArray(), (StringArray{"wood: a c a2", "wood:leaves: b", "wood:moss:"}));
+    for (const char* wrong : {"assetSpaces rename wood \"a b\";", "assetSpaces rename none x;",
+                              "assetSpaces discard \":\";", "assetSpaces merge wood \"wood:leaves\";"})
+        EXPECT_NE(failure(wrong), "") << wrong;
+    run("assetSpaces discard wood;");
+    EXPECT_EQ(run("ls \"*:*\" \"*:*:*\";").toStringArray(), StringArray{});
+    EXPECT_EQ(run("assetSpaces list;").toStringArray(), StringArray{});
+}
+
 } // namespace

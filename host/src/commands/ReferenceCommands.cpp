@@ -3,7 +3,7 @@
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
 
-#include "scene/References.h"
+#include "scene/Namespaces.h"
 
 #include <algorithm>
 
@@ -66,50 +66,6 @@ Value referenceQuery(Call& call) {
     return args.has("shn") ? file.substr(file.rfind('/') + 1) : file;
 }
 
-std::string withoutColons(std::string name) {
-    while (name.starts_with(':')) name.erase(0, 1);
-    while (name.ends_with(':')) name.pop_back();
-    return name;
-}
-
-/// A namespace as a script names it: from the root with a colon in front, else from the current one.
-std::string namespaceNamed(const std::string& text) {
-    const std::string name = withoutColons(text), &current = references().current;
-    return text.starts_with(':') || current.empty() ? name : name.empty() ? current : current + ":" + name;
-}
-
-std::string existingNamespace(const std::string& text) {
-    std::string name = namespaceNamed(text);
-    if (!references().exists(name) && references().exists(withoutColons(text))) name = withoutColons(text);
-    if (!references().exists(name)) throw Error("No namespace matches name: '" + text + "'.");
-    return name;
-}
-
-void requireName(const std::string& name) {
-    if (!Scene::isValidName(name) || name.find(':') != name.npos)
-        throw Error("'" + name + "' is not a name for a namespace.");
-}
-
-/// Nodes within the namespace, and where asked for within those below it.
-std::vector<Node*> nodesIn(const std::string& space, bool below) {
-    std::vector<Node*> found;
-    for (const auto& [serial, node] : theScene().nodes()) {
-        const std::string_view own = namespaceOf(node->name);
-        if (own == space || (below && (space.empty() || own.starts_with(space + ":")))) found.push_back(node.get());
-    }
-    return found;
-}
-
-/// Gives all nodes of a namespace, and of those below it, another one.
-void moveNodes(const std::string& from, const std::string& to, bool force) {
-    for (Node* node : nodesIn(from, true)) {
-        const std::string rest = from.empty() ? node->name : node->name.substr(from.size() + 1);
-        const std::string name = to.empty() ? rest : to + ":" + rest;
-        if (!force && theScene().findNode(name)) throw Error("The name '" + name + "' is taken.");
-        if (!node->isDefault) theScene().rename(*node, name);
-    }
-}
-
 Value namespaceCommand(Call& call) {
     const ParsedArguments args(call,
                                {{"add", "addNamespace", 1},
@@ -126,56 +82,37 @@ Value namespaceCommand(Call& call) {
                                 {"rel", "relativeNames", 1},
                                 {"cur", "currentNamespace", 1}},
                                true);
-    References& r = references();
-    if (args.has("ex")) return static_cast<int>(r.exists(namespaceNamed(args.text("ex"))));
-    if (args.has("add")) {
-        const std::string name = withoutColons(args.text("add"));
-        for (std::string_view part = name;;) {
-            const auto colon = part.find(':');
-            requireName(std::string(part.substr(0, colon)));
-            if (colon == part.npos) break;
-            part.remove_prefix(colon + 1);
-        }
-        const std::string parent = args.has("p") ? existingNamespace(args.text("p")) : namespaceNamed("");
-        const std::string whole = args.text("add").starts_with(':') || parent.empty() ? name : parent + ":" + name;
-        if (r.exists(whole)) throw Error("The namespace '" + whole + "' exists already.");
-        r.declare(whole);
-        return whole;
-    }
-    if (args.has("set")) {
-        r.current = existingNamespace(args.text("set"));
-        return r.current;
-    }
+    Scene& scene = theScene();
+    std::string& current = references().current;
+    const auto existing = [&](const char* flag, std::size_t k = 0) {
+        return existingNamespace(scene, args.value(flag, k).toString());
+    };
+    if (args.has("ex")) return static_cast<int>(references().exists(namespaceNamed(scene, args.text("ex"))));
+    if (args.has("add")) return addNamespace(scene, args.text("add"), args.has("p") ? existing("p") : current);
+    if (args.has("set")) return current = existing("set");
     if (args.has("mv")) {
-        const std::string from = existingNamespace(args.value("mv", 0).toString()),
-                          to = existingNamespace(args.value("mv", 1).toString());
-        moveNodes(from, to, args.has("f"));
+        moveNamespace(scene, existing("mv", 0), existing("mv", 1), args.has("f"));
         return {};
     }
     if (args.has("ren")) {
-        const std::string from = existingNamespace(args.value("ren", 0).toString());
-        const std::string name = withoutColons(args.value("ren", 1).toString());
-        requireName(name);
-        const std::string above(namespaceOf(from)), to = above.empty() ? name : above + ":" + name;
-        if (from.empty() || r.exists(to)) throw Error("The namespace cannot be renamed to '" + to + "'.");
-        for (const std::string& below : r.namespaces())
-            if (below == from || below.starts_with(from + ":")) r.declare(to + below.substr(from.size()));
-        moveNodes(from, to, true);
-        r.forget(from);
-        if (r.current == from) r.current = to;
-        return to;
+        const std::string parent = args.has("p") ? existing("p") : "";
+        const std::string name = args.value("ren", 0).toString();
+        return renameNamespace(scene, existingNamespace(scene, parent.empty() ? name : ":" + parent + ":" + name),
+                               args.value("ren", 1).toString());
     }
     if (args.has("rm")) {
-        const std::string name = existingNamespace(args.text("rm"));
-        if (name.empty()) throw Error("The root namespace cannot be removed.");
-        if (args.has("dnc"))
-            theScene().deleteNodes(nodesIn(name, true));
-        else if (args.has("mnr") || args.has("mnp"))
-            moveNodes(name, args.has("mnp") ? std::string(namespaceOf(name)) : "", true);
-        if (!nodesIn(name, true).empty()) throw Error("The namespace '" + name + "' is not empty.");
-        r.forget(name);
-        if (r.current == name || r.current.starts_with(name + ":")) r.current = namespaceOf(name);
+        const std::string name = existing("rm");
+        removeNamespace(scene, name,
+                        args.has("dnc")   ? NamespaceContents::Delete
+                        : args.has("mnp") ? NamespaceContents::ToParent
+                        : args.has("mnr") ? NamespaceContents::ToRoot
+                                          : NamespaceContents::MustBeNone);
         return name;
+    }
+    if (args.has("rel")) {
+        if (args.query()) return 0;
+        if (args.value("rel").toBool()) throw Error("Names are always looked up from the root namespace.");
+        return {};
     }
     throw Error("namespace was not told what to do.");
 }
@@ -195,7 +132,7 @@ Value namespaceInfo(Call& call) {
                                       {"int", "internal"},
                                       {"irn", "isRootNamespace"}});
     const StringArray names = args.names();
-    const std::string space = names.empty() ? references().current : existingNamespace(names[0]);
+    const std::string space = names.empty() ? references().current : existingNamespace(theScene(), names[0]);
     const std::string lead = args.has("an") ? ":" : "";
     if (args.has("cur"))
         return args.has("an") || references().current.empty() ? ":" + references().current : references().current;
@@ -209,12 +146,10 @@ Value namespaceInfo(Call& call) {
     StringArray found;
     const bool all = args.has("ls") || (!args.has("lon") && !args.has("lod"));
     if (all || args.has("lon"))
-        for (const std::string& name : references().namespaces()) {
-            const bool below = space.empty() || name.starts_with(space + ":");
-            if (below && (args.has("r") || namespaceOf(name) == space)) found.push_back(lead + name);
-        }
+        for (const std::string& name : namespacesIn(theScene(), space, args.has("r"))) found.push_back(lead + name);
     if (all || args.has("lod"))
-        for (Node* node : nodesIn(space, args.has("r"))) found.push_back(nameOf(*node, args.has("dp")));
+        for (Node* node : nodesInNamespace(theScene(), space, args.has("r")))
+            found.push_back(nameOf(*node, args.has("dp")));
     return found;
 }
 
