@@ -16,11 +16,7 @@ for scene in examples/project/scenes/*.ma; do
     --samples 4
 done
 "$program" new "$work/skies" >/dev/null
-for scene in plugin/presets/*.ma; do
-  name=$(basename "$scene" .ma)
-  cp "$scene" "$work/skies/scenes/"
-  "$program" --quiet --project "$work/skies" render "$work/skies/scenes/$name.ma" "$images/$name.png" --size 640x360 --samples 4
-done
+"$program" --quiet --project "$work/skies" render "$work/skies/scenes/sky.ma" "$images/valley.png" --size 640x360 --samples 4
 
 echo "== tutorial"
 step=0
@@ -45,7 +41,7 @@ row() {
   shift 2
   name=${plug//[^A-Za-z]/}
   for value in "$@"; do
-    "$program" --quiet --project "$work/skies" render "$work/skies/scenes/valley.ma" "$images/look-$name-$value.png" --size 240x135 --samples 4 \
+    "$program" --quiet --project "$work/skies" render "$work/skies/scenes/sky.ma" "$images/look-$name-$value.png" --size 240x135 --samples 4 \
       --set "$plug=$value" ${extra[@]+"${extra[@]}"}
     heads+="| $value " marks+='|---' cells+="| ![](images/look-$name-$value.png) "
   done

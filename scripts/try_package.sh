@@ -10,7 +10,7 @@ fail() { echo "Error: $*" >&2; exit 1; }
 dpkg-deb -x "$package" "$work/root"
 cd "$work"
 root=$work/root/usr
-for file in bin/orvosky lib/orvosky/orvosky.so lib/orvosky/liborvohost.so share/orvosky/presets/valley.ma \
+for file in bin/orvosky lib/orvosky/orvosky.so lib/orvosky/liborvohost.so share/orvosky/presets/8_valley.ma \
   share/man/man1/orvosky.1 share/doc/orvosky/README.md share/doc/orvosky/schemas/atmos.xsd \
   share/bash-completion/completions/orvosky share/zsh/vendor-completions/_orvosky; do
   [ -s "$root/$file" ] || fail "the package lacks $file."

@@ -90,8 +90,8 @@ int newCommand(const NewOptions& options) {
             NewFolder made(place);
             for (const char* folder : {"scenes", "scripts", "images", "sourceimages"})
                 fs::create_directory(made.path() / folder);
-            fs::copy(toolRoot() / "presets" / "build", made.path() / "build", fs::copy_options::recursive);
-            // Where the window's presets look for theirs.
+            // Where presets look for what they use.
+            fs::create_directory(made.path() / "build");
             fs::copy(toolRoot() / "presets" / "files", made.path() / "build" / "orvosky");
             fs::copy_file(scene, made.path() / "scenes" / "sky.ma");
             std::ofstream workspace(made.path() / "workspace.mel");

@@ -83,7 +83,7 @@ createNode transform -n "cloudDome1" -p "OrvoSkyData";
 createNode orvosky_ParticleCloudDome -n "cloudDome1Shape" -p "cloudDome1";
 	setAttr ".renderWireFrame" no;
 	setAttr ".domeHeight" 700;
-	setAttr ".placementDensity" 0.9;
+	setAttr ".placementDensity" 0.8;
 	setAttr ".cloudScale" 0.8;
 	setAttr ".cloudDataDir" -type "string" "build/orvosky/cumulus.xml";
 createNode transform -n "skyRenderer";

@@ -78,7 +78,7 @@ createNode orvosky_ParticleCloudDome -n "cloudDome1Shape" -p "cloudDome1";
 	setAttr ".renderWireFrame" no;
 	setAttr ".domeHeight" 640;
 	setAttr ".placementDensity" 1.6;
-	setAttr ".cloudScale" 1.25;
+	setAttr ".cloudScale" 1.6;
 	setAttr ".cloudDataDir" -type "string" "build/orvosky/cumulus.xml";
 createNode transform -n "heightFog1" -p "OrvoSkyData";
 createNode orvosky_ExpHeightFog -n "heightFog1Shape" -p "heightFog1";

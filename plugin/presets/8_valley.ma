@@ -1,5 +1,5 @@
 //Maya ASCII 2010 scene
-//Name: valley.ma
+//Name: 8_valley.ma
 //Codeset: UTF-8
 requires maya "2010";
 requires "orvosky" "RVX v1.40.0";
@@ -23,7 +23,7 @@ createNode orvosky_GradientSkyLocator -n "skyShape" -p "sky";
 	setAttr ".sunDir" -type "double3" -0.5 0.6 -0.6;
 	setAttr ".sunColour" -type "float3" 1 0.95 0.8;
 	setAttr ".sunDiskWeight" 0.6;
-	setAttr ".gradientTexture" -type "string" "build\\skies\\times_of_day.png";
+	setAttr ".gradientTexture" -type "string" "build\\orvosky\\times_of_day.png";
 	setAttr ".xcoord" 0.45;
 createNode transform -n "haze" -p "OrvoSkyData";
 createNode orvosky_ExpHeightFog -n "hazeShape" -p "haze";
@@ -33,7 +33,7 @@ createNode orvosky_ExpHeightFog -n "hazeShape" -p "haze";
 	setAttr ".fogAlpha" 0.9;
 createNode transform -n "cloudShading" -p "OrvoSkyData";
 createNode orvosky_ParticleCloudShadingParams -n "cloudShadingShape" -p "cloudShading";
-	setAttr ".shadingTexture" -type "string" "build\\clouds\\cloud_sprite.dds";
+	setAttr ".shadingTexture" -type "string" "build\\orvosky\\cloud_sprite.dds";
 	setAttr ".shadingBrightness" 1.15;
 	setAttr ".sunShadowAmount" 0.3;
 	setAttr ".selfShadowAmount" 0.5;
@@ -47,7 +47,7 @@ createNode orvosky_ParticleCloudDome -n "cloudDomeShape" -p "cloudDome";
 	setAttr ".domeOuterRadius" 6500;
 	setAttr ".placementDensity" 0.6;
 	setAttr ".cloudScale" 1.15;
-	setAttr ".cloudDataDir" -type "string" "build\\clouds\\cumulus.xml";
+	setAttr ".cloudDataDir" -type "string" "build\\orvosky\\cumulus.xml";
 createNode transform -n "skyRenderer";
 createNode orvosky_SkyRenderer -n "skyRendererShape" -p "skyRenderer";
 // End of file
