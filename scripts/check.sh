@@ -62,7 +62,7 @@ check_quick() {
   configured asan
   cmake --build --preset asan --target orvosky_program orvosky "${quick_tests[@]}"
   export ASAN_OPTIONS=detect_leaks=1:suppressions=$PWD/tests/support/asan.supp
-  export LSAN_OPTIONS=suppressions=$PWD/tests/support/lsan.supp:print_suppressions=0 UBSAN_OPTIONS=print_stacktrace=1
+  export LSAN_OPTIONS=suppressions=$PWD/tests/support/lsan.supp:print_suppressions=0:use_tls=0 UBSAN_OPTIONS=print_stacktrace=1
   local test
   for test in "${quick_tests[@]}"; do
     echo "-- $test"

@@ -289,7 +289,8 @@ bool AttributeControl::eventFilter(QObject* watched, QEvent* event) {
     // The label is pulled sideways to change its number: Ctrl finely, Shift coarsely.
     if (watched != label_ || label_->cursor().shape() != Qt::SizeHorCursor || !plug_.settable() || dimmed_)
         return QWidget::eventFilter(watched, event);
-    auto* mouse = static_cast<QMouseEvent*>(event);
+    auto* mouse = dynamic_cast<QMouseEvent*>(event);
+    if (!mouse) return QWidget::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::MouseButtonPress:
         if (mouse->button() == Qt::LeftButton) {

@@ -156,9 +156,9 @@ public:
     }
 
     std::string encode(const std::string& path, const PixelRows& pixels, std::vector<unsigned char>& file) override {
+        OIIO::Filesystem::IOVecOutput memory(file); // outlives the writer, which may still write as it is destroyed
         const auto output = writerFor(path);
         if (!output) return "unknown format";
-        OIIO::Filesystem::IOVecOutput memory(file);
         const bool dropAlpha = pixels.channels % 2 == 0 && !output->supports("alpha");
         OIIO::ImageSpec spec(pixels.width, pixels.height, pixels.channels - (dropAlpha ? 1 : 0), typeOf(pixels.floats));
         keepAlphaApart(spec);
