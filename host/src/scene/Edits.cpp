@@ -4,6 +4,7 @@
 #include "scene/Scene.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <tuple>
 
