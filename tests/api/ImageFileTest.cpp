@@ -155,6 +155,10 @@ TEST_F(ImageFile, BadFilesLeaveThePictureAlone) {
     files.push_back(write("huge.ppm", bytes("P6\n32000 8000\n255\nabc")));
     files.push_back(write("wide.ppm", bytes("P6\n40000 1\n255\nabc")));
     files.push_back(write("negative.ppm", bytes("P6\n-3 2\n255\nabcabc")));
+    const std::string whole = path("before.bmp"); // its pixels stand before the file
+    ASSERT_TRUE(png.writeToFile(whole.c_str(), "bmp"));
+    std::fstream(whole, std::ios::in | std::ios::out | std::ios::binary).seekp(10).write("\xf0\xff\xff\xff", 4);
+    files.push_back(whole);
     Bytes lie = tga(false);
     lie[12] = lie[13] = lie[14] = lie[15] = 0x7f;
     files.push_back(write("huge.tga", lie));

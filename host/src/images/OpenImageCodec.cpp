@@ -90,6 +90,23 @@ void addNotes(std::span<const Note> notes, std::vector<unsigned char>& file) {
     if (end != file.end()) file.insert(end + 1, lines.begin(), lines.end());
 }
 
+/// A file in memory. OpenImageIO's own reader of memory does not look whether a place lies before the beginning, where
+/// damaged headers send the readers of some formats.
+class FileInMemory final : public OIIO::Filesystem::IOMemReader {
+public:
+    using IOMemReader::IOMemReader;
+
+    std::size_t read(void* to, std::size_t count) override {
+        const std::size_t done = pread(to, count, m_pos);
+        m_pos += static_cast<std::int64_t>(done);
+        return done;
+    }
+    std::size_t pread(void* to, std::size_t count, std::int64_t offset) override {
+        if (offset < 0 || static_cast<std::size_t>(offset) >= size()) return 0;
+        return IOMemReader::pread(to, count, offset);
+    }
+};
+
 class Reader final : public ImageReader {
 public:
     explicit Reader(std::vector<unsigned char> file) : file_(std::move(file)), bytes_(file_.data(), file_.size()) {}
@@ -118,7 +135,7 @@ public:
 private:
     // The input goes before what it reads from.
     std::vector<unsigned char> file_;
-    OIIO::Filesystem::IOMemReader bytes_;
+    FileInMemory bytes_;
     std::unique_ptr<OIIO::ImageInput> input_;
 };
 
