@@ -66,7 +66,8 @@ TEST_F(ImportProcess, WhatGoesWrongInTheReaderIsTold) {
         {"", "its meshes were not handed over"},
         {"echo some words that are no model", "its meshes were not handed over"}};
     for (const auto& [line, text] : cases)
-        EXPECT_THAT(failure([&] { takeModel(runImporter(script(line), "x.obj", 1s, 1 << 20)); }), HasSubstr(text))
+        EXPECT_THAT(failure([&, command = line] { takeModel(runImporter(script(command), "x.obj", 1s, 1 << 20)); }),
+                    HasSubstr(text))
             << line;
     EXPECT_THAT(failure([&] { runImporter(folder_ / "none", "x.obj", 1s, 1); }),
                 AllOf(HasSubstr((folder_ / "none").string()), HasSubstr("cannot be started")));

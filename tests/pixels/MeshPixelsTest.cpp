@@ -260,8 +260,7 @@ protected:
     static void loadStandIn(const char* name = "xeliLocator") {
         plugins().load((fs::path(orvo::test::standIns()) / (std::string(name) + ".so")).string());
     }
-    /// A ground of 2 km at y = `groundY` that faces up; its mesh is the locator's, whose transform lifts it there.
-    static constexpr double groundY = -300;
+    /// A ground of 2 km at y = -300 that faces up; its mesh is the locator's, whose transform lifts it there.
     static void makeGround(const std::string& name = "xeli") {
         run("polyPlane -w 200000 -h 200000 -sx 8 -sy 8 -n " + name + "Ground; setAttr " + name +
             "Ground.v 0; createNode transform -n " + name + "T; setAttr " + name +

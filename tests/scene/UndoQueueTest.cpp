@@ -248,7 +248,7 @@ TEST_F(Ledger, ClearingForgetsTheOpenChunkToo) {
     };
     {
         const UndoQueue::Chunk chunk(queue);
-        auto meddler = std::make_shared<Meddler>(queue);
+        const std::shared_ptr<Meddler> meddler(new Meddler{queue});
         queue.record({[meddler] {}, [meddler] {}});
     }
     queue.clear();
