@@ -246,6 +246,12 @@ int batchCommand(const CommonOptions& common, const BatchOptions& options) {
         fs::create_directories(options.folder, failure);
         if (failure) throw Failure(fmt::format("Cannot make the folder {}: {}.", options.folder, failure.message()));
         const std::vector<std::string> words = sharedWords(common, options);
+        const unsigned processors = std::max(1U, std::thread::hardware_concurrency());
+        const std::size_t count = options.processes > 0 ? static_cast<std::size_t>(options.processes) : processors;
+        // Each draws by its share of the processors: threads beyond that only wait for each other. 0: by its own
+        // thread.
+        const std::size_t share = processors / std::min(count, std::max<std::size_t>(scenes.size(), 1));
+        setenv("LP_NUM_THREADS", std::to_string(share > 1 ? share : 0).c_str(), 0);
 
         std::mutex mutex; // of the progress
         Progress progress(scenes.size());
@@ -262,8 +268,6 @@ int batchCommand(const CommonOptions& common, const BatchOptions& options) {
             }
         };
         {
-            const unsigned processors = std::max(1U, std::thread::hardware_concurrency());
-            const std::size_t count = options.processes > 0 ? static_cast<std::size_t>(options.processes) : processors;
             std::vector<std::jthread> threads;
             for (std::size_t i = 1; i < std::min(count, scenes.size()); ++i) threads.emplace_back(work);
             work();

@@ -11,7 +11,10 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <numbers>
 
 namespace orvosky {
@@ -23,6 +26,36 @@ using viewport::Picture;
 
 constexpr double degree = std::numbers::pi / 180;
 constexpr int kMargin = 2; ///< pixels that a face of a panorama shows beyond its edges
+
+/// The longest side of what is drawn at once, in pixels. Larger pictures are drawn in parts.
+int longestSideAtOnce() {
+    constexpr int usual = 8192;
+    const char* const text = std::getenv("ORVOSKY_TILE");
+    if (!text || !*text) return usual;
+    int side = 0;
+    const char* const end = text + std::strlen(text);
+    if (const auto read = std::from_chars(text, end, side); read.ec != std::errc() || read.ptr != end || side < 16)
+        throw Failure(fmt::format("ORVOSKY_TILE is \"{}\": give a number of pixels from 16.", text));
+    return side;
+}
+
+/// Of a side in parts of at most that many pixels: how long each is, a multiple of twice `aside`. Drivers work out how
+/// fast textures run by pairs of pixels, which are to be the same in a part as in the whole.
+int evenPart(int side, int longest, int aside) {
+    if (side <= longest) return side;
+    const int step = 2 * aside;
+    longest = std::max(longest - longest % step, step);
+    const int count = (side + longest - 1) / longest, part = (side + count - 1) / count;
+    return (part + step - 1) / step * step;
+}
+
+/// Puts what of a part lies in the whole at its place there.
+template <class Pixels>
+void paste(Pixels& whole, const Pixels& part, int x, int y) {
+    const auto row = static_cast<std::ptrdiff_t>(std::min(part.width, whole.width - x)) * part.channels;
+    for (int at = 0; at < part.height && y + at < whole.height; ++at)
+        std::copy_n(part.at(0, at), row, whole.at(x, y + at));
+}
 
 /// The camera shape that a name means: the shape itself, or the one below a transform.
 host::scene::DagNode& findCamera(const std::string& name) {
@@ -84,16 +117,30 @@ PictureFile fileOf(const std::string& path, FloatPicture picture) {
 PictureMaker::PictureMaker(const RenderOptions& options)
     : options_(options), origin_{.software = "orvosky " ORVOSKY_VERSION,
                                  .scene = std::filesystem::path(options.scene).filename().string()} {
-    int width = options.width, height = options.height;
+    wholeWidth_ = options.width;
+    wholeHeight_ = options.height;
     if (options.kind == PictureKind::Panorama)
-        width = height = viewport::LatLongPicture::faceSize(options.width, kMargin);
-    // Without alpha, files of 8 bits show what a display of 8 bits shows.
-    const bool floats = options.alpha || FloatPicture::holdsLight(options.picture);
-    std::string error;
-    view_ = viewport::Viewport::create(width * options.samplesAside, height * options.samplesAside, &error,
-                                       floats ? viewport::ColourDepth::Floats : viewport::ColourDepth::Bytes);
-    if (!view_) throw Failure("Cannot render " + options.picture + ": " + error);
+        wholeWidth_ = wholeHeight_ = viewport::LatLongPicture::faceSize(options.width, kMargin);
+    wholeWidth_ *= options.samplesAside;
+    wholeHeight_ *= options.samplesAside;
+    openView();
     if (!options.helpers) view_->setObjectDisplay(view_->objectDisplay() & ~viewport::Viewport::showLocators);
+}
+
+/// As large as the picture, or as a part of it that the driver draws at once and has the memory for.
+void PictureMaker::openView() {
+    // Without alpha, files of 8 bits show what a display of 8 bits shows.
+    const bool floats = options_.alpha || FloatPicture::holdsLight(options_.picture);
+    constexpr int leastSide = 2048; // every driver has that
+    std::string error;
+    for (int side = longestSideAtOnce(); !view_; side = std::max(partWidth_, partHeight_) / 2) {
+        partWidth_ = evenPart(wholeWidth_, side, options_.samplesAside);
+        partHeight_ = evenPart(wholeHeight_, side, options_.samplesAside);
+        view_ = viewport::Viewport::create(partWidth_, partHeight_, &error,
+                                           floats ? viewport::ColourDepth::Floats : viewport::ColourDepth::Bytes);
+        if (!view_ && std::max(partWidth_, partHeight_) <= leastSide)
+            throw Failure("Cannot render " + options_.picture + ": " + error);
+    }
 }
 
 void PictureMaker::openCamera() {
@@ -160,7 +207,23 @@ void PictureMaker::render() {
     if (!view_->render(&error)) throw Failure("Cannot render " + target_ + ": " + error);
 }
 
-FloatPicture PictureMaker::drawFloats() {
+/// Draws all parts of a view or face, one at a time, and puts them together.
+template <class Part>
+auto PictureMaker::drawParts(const Part& drawPart) {
+    if (partWidth_ >= wholeWidth_ && partHeight_ >= wholeHeight_) return drawPart();
+    const int aside = options_.samplesAside;
+    decltype(drawPart()) whole;
+    for (int y = 0; y < wholeHeight_; y += partHeight_)
+        for (int x = 0; x < wholeWidth_; x += partWidth_) {
+            view_->setPart({wholeWidth_, wholeHeight_, x, y});
+            const auto part = drawPart();
+            if (whole.width == 0) whole = {wholeWidth_ / aside, wholeHeight_ / aside, part.channels};
+            paste(whole, part, x / aside, y / aside);
+        }
+    return whole;
+}
+
+FloatPicture PictureMaker::drawFloatPart() {
     FloatPicture picture;
     view_->setBackground({0, 0, 0, 1});
     render();
@@ -173,7 +236,20 @@ FloatPicture PictureMaker::drawFloats() {
         picture = opaque(view_->floatPicture());
     }
     if (FloatPicture::holdsLight(target_)) picture.makeLinear();
-    picture = picture.reduced(options_.samplesAside);
+    return picture.reduced(options_.samplesAside);
+}
+
+FloatPicture PictureMaker::drawFloats() {
+    FloatPicture picture = drawParts([this] { return drawFloatPart(); });
+    picture.origin = origin_;
+    return picture;
+}
+
+Picture PictureMaker::drawBytes() {
+    Picture picture = drawParts([this] {
+        render();
+        return view_->picture();
+    });
     picture.origin = origin_;
     return picture;
 }
@@ -245,10 +321,7 @@ std::vector<PictureFile> PictureMaker::make(const std::string& target) {
     lookThroughCamera();
     if (options_.alpha || options_.samplesAside > 1 || FloatPicture::holdsLight(target))
         return {fileOf(target, drawFloats())};
-    render();
-    Picture picture = view_->picture();
-    picture.origin = origin_;
-    return {{target, [target, picture = std::move(picture)](auto& bytes, auto& error) {
+    return {{target, [target, picture = drawBytes()](auto& bytes, auto& error) {
                  return picture.encode(target, bytes, &error);
              }}};
 }

@@ -40,16 +40,23 @@ public:
 
 private:
     void lookThroughCamera();
+    template <class Part>
+    auto drawParts(const Part& drawPart);
+    host::viewport::FloatPicture drawFloatPart();
     host::viewport::FloatPicture drawFloats();
+    host::viewport::Picture drawBytes();
     host::viewport::FloatPicture drawFace(const host::viewport::CubeFace& face, double reach);
     host::viewport::FloatPicture drawPanorama();
     std::vector<PictureFile> makeCube();
+    void openView();
     void render();
     void place(const host::viewport::CameraFrame& frame, const host::viewport::CameraOptics& optics);
 
     const RenderOptions& options_;
     host::viewport::Picture::Origin origin_;
     std::unique_ptr<host::viewport::Viewport> view_;
+    int wholeWidth_, wholeHeight_; ///< of a view or a face with all samples; the view may be of a part of it
+    int partWidth_ = 0, partHeight_ = 0;
     host::scene::DagNode* named_ = nullptr;
     host::scene::DagNode* made_ = nullptr; ///< one in the named one's place, turned otherwise
     std::string target_;                   ///< what is made now, for messages

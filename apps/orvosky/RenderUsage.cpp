@@ -22,7 +22,8 @@ bool readSize(const std::string& text, int& width, int& height) {
     return second.ec == std::errc() && second.ptr == end && height > 0;
 }
 
-constexpr int kWidestPanorama = 16384, kLargestFace = 8192;
+constexpr int kLongestSide = 32768, kLargestFace = 8192;
+constexpr std::int64_t kMostPixels = std::int64_t{kLongestSide} * kLongestSide / 2;
 
 /// Gives what was not asked for the value that it has for the kind of picture. Throws the error of a wrong line.
 void settle(RenderOptions& options) {
@@ -31,6 +32,10 @@ void settle(RenderOptions& options) {
     if (view) {
         if (options.width == 0) options.width = 1280, options.height = 720;
         if (options.height == 0) refuse("--size of a view is WIDTHxHEIGHT, for example 1280x720");
+        if (std::max(options.width, options.height) > kLongestSide ||
+            std::int64_t{options.width} * options.height > kMostPixels)
+            refuse("--size of a view is at most " + std::to_string(kLongestSide) + " a side, and " +
+                   std::to_string(kMostPixels) + " pixels");
         if (options.picture.ends_with(".dds")) refuse("a .dds file is written of a cube alone: add --cube");
         return;
     }
@@ -49,8 +54,8 @@ void settle(RenderOptions& options) {
     const int height = (options.width + 1) / 2;
     if (options.height != 0 && options.height != height)
         refuse("--size of a panorama is its width, twice its height: give one number");
-    if (options.width < 2 || options.width > kWidestPanorama)
-        refuse("--size of a panorama is a width of 2 to " + std::to_string(kWidestPanorama));
+    if (options.width < 2 || options.width > kLongestSide)
+        refuse("--size of a panorama is a width of 2 to " + std::to_string(kLongestSide));
     if (options.look && (*options.look)[1] != 0) refuse("a panorama is level: give --look an elevation of 0");
     options.height = height;
 }

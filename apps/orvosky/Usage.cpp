@@ -35,6 +35,7 @@ constexpr const char* environmentText =
 Environment:
   MAYA_SCRIPT_PATH    folders of scripts, searched after the workspace's
   MAYA_PLUG_IN_PATH   folders of plug-ins, searched after the program's own
+  ORVOSKY_TILE        the longest side of what render draws at once (8192); larger pictures are drawn in parts
   ORVOSKY_NO_GL       set to 1: behave as on a machine without OpenGL
   ORVOSKY_TOOL_ROOT   set by the program, for scripts: the folder of its own tools
 )";

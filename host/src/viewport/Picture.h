@@ -52,6 +52,7 @@ public:
     std::uint8_t* row(int y) { return pixels.data() + rowBytes() * static_cast<std::size_t>(y); }
     const std::uint8_t* row(int y) const { return pixels.data() + rowBytes() * static_cast<std::size_t>(y); }
     /// The first channel of the pixel in column `x` of row `y`, counted from the top left.
+    std::uint8_t* at(int x, int y) { return row(y) + static_cast<std::ptrdiff_t>(x) * channels; }
     const std::uint8_t* at(int x, int y) const { return row(y) + static_cast<std::ptrdiff_t>(x) * channels; }
 
     int width = 0, height = 0;

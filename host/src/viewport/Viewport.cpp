@@ -74,7 +74,26 @@ bool Viewport::resize(int width, int height, std::string* error) {
     if (!target) return false;
     target_ = std::move(target);
     ports_ = {{0, 0, width, height}};
+    part_.reset();
     return true;
+}
+
+void Viewport::setPart(const PicturePart& part) {
+    if (drawing_ || !begun_.empty()) return;
+    part_ = part;
+    ports_ = {{0, 0, part.width, part.height}};
+}
+
+/// Widens what is seen so that the part fills the target.
+MMatrix Viewport::ofPart(const MMatrix& projection) const {
+    if (!part_) return projection;
+    const double width = target_->width(), height = target_->height();
+    MMatrix crop;
+    crop.matrix[0][0] = part_->width / width;
+    crop.matrix[1][1] = part_->height / height;
+    crop.matrix[3][0] = (part_->width - 2.0 * part_->x - width) / width;
+    crop.matrix[3][1] = (2.0 * part_->y + height - part_->height) / height;
+    return projection * crop;
 }
 
 Viewport* Viewport::active() { return open().active; }
@@ -124,7 +143,7 @@ std::optional<MMatrix> Viewport::modelView() const {
 bool Viewport::updateMatrices() {
     const auto projected = projection(), seen = modelView();
     if (!projected || !seen || begun_.empty()) return false;
-    loadMatrices(*projected, *seen);
+    loadMatrices(ofPart(*projected), *seen);
     return true;
 }
 
@@ -133,7 +152,12 @@ void Viewport::bindTarget() {
     usePort();
 }
 
-void Viewport::usePort() const { glViewport(port().x, port().y, port().width, port().height); }
+void Viewport::usePort() const {
+    if (part_)
+        glViewport(0, 0, target_->width(), target_->height());
+    else
+        glViewport(port().x, port().y, port().width, port().height);
+}
 
 bool Viewport::beginGL() {
     if (!context_->makeCurrent()) return false;
@@ -157,7 +181,7 @@ bool Viewport::endGL() {
 
 bool Viewport::pushPort(const PortRect& rect) {
     constexpr std::size_t deepest = 64;
-    if (rect.width < 1 || rect.height < 1 || ports_.size() >= deepest || !makeCurrent()) return false;
+    if (part_ || rect.width < 1 || rect.height < 1 || ports_.size() >= deepest || !makeCurrent()) return false;
     ports_.push_back(rect);
     if (!begun_.empty()) usePort();
     return true;
@@ -186,7 +210,7 @@ bool Viewport::render(std::string* error) {
     drawing_ = true;
     std::string problem;
     try {
-        problem = FrameDraw(*this, *projected, cameraFrame(*node).worldToCamera()).run();
+        problem = FrameDraw(*this, ofPart(*projected), cameraFrame(*node).worldToCamera()).run();
     } catch (const std::exception& e) {
         problem = e.what();
     }
@@ -197,7 +221,7 @@ bool Viewport::render(std::string* error) {
 }
 
 Picture Viewport::picture() {
-    Picture rgb(width(), height(), 3);
+    Picture rgb(target_->width(), target_->height(), 3);
     if (!makeCurrent()) return rgb;
     const Picture rgba = target_->readPixels();
     for (int y = 0; y < rgb.height; ++y) {
@@ -208,7 +232,7 @@ Picture Viewport::picture() {
 }
 
 FloatPicture Viewport::floatPicture() {
-    return makeCurrent() ? target_->readFloats() : FloatPicture(width(), height(), 4);
+    return makeCurrent() ? target_->readFloats() : FloatPicture(target_->width(), target_->height(), 4);
 }
 
 } // namespace host::viewport

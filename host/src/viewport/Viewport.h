@@ -19,6 +19,12 @@
 
 namespace host::viewport {
 
+/// A part of a larger picture: where its top left corner is, in pixels from that of the whole.
+struct PicturePart {
+    int width = 0, height = 0; ///< of the whole
+    int x = 0, y = 0;
+};
+
 /// A model view: a camera's picture of the scene, drawn into an offscreen target.
 ///
 /// All views of the process share one GL context, so that what a plug-in makes in one can be used in all; it lives as
@@ -46,11 +52,16 @@ public:
     unsigned long serial() const { return serial_; } ///< never used again for another view
     /// @}
 
-    int width() const { return target_->width(); }
-    int height() const { return target_->height(); }
+    int width() const { return ports_.front().width; }
+    int height() const { return ports_.front().height; }
     /// Gives the view another size; what was drawn is gone. False, with a text in `error`, when given, from within a
     /// draw and for a size that the driver does not have: then all is as before.
     bool resize(int width, int height, std::string* error = nullptr);
+    /// Draws parts of a picture that is larger than can be drawn at once. The view is as large as the whole to everyone
+    /// who asks, its camera too; what is drawn and read is the part, of the size that the view was made with. It may
+    /// reach beyond the whole to the right and at the bottom, where there is nothing to be seen. Not from within a
+    /// draw.
+    void setPart(const PicturePart& part);
     ColourDepth colourDepth() const { return target_->colourDepth(); }
     const GlContext& context() const { return *context_; }
 
@@ -95,8 +106,8 @@ public:
     bool makeCurrent() { return context_->makeCurrent(); }
     /// The part of the port that is drawn into.
     PortRect port() const { return ports_.back(); }
-    bool pushPort(const PortRect& rect);
-    bool popPort(); ///< false when only the whole port is left
+    bool pushPort(const PortRect& rect); ///< false in a part of a picture, too: it has one port
+    bool popPort();                      ///< false when only the whole port is left
     /// @}
 
     /// The colour of templated objects, each of red, green and blue.
@@ -117,6 +128,7 @@ private:
     Viewport() = default;
     void bindTarget();
     void usePort() const;
+    MMatrix ofPart(const MMatrix& projection) const;
 
     std::shared_ptr<GlContext> context_;
     std::unique_ptr<OffscreenTarget> target_;
@@ -125,6 +137,7 @@ private:
     std::weak_ptr<scene::Node> camera_;
     std::array<float, 4> background_{0, 0, 0, 1};
     std::optional<MVector> headlight_;
+    std::optional<PicturePart> part_;
     std::vector<PortRect> ports_;
     std::vector<MatrixKeeper> begun_;
     bool drawing_ = false;
