@@ -9,7 +9,7 @@ packages=(
   libedit-dev libembree-dev libassimp-dev libtinyxml-dev libpugixml-dev libre2-dev libhwy-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev python3
   qt6-base-dev libqt6opengl6-dev libqt6svg6-dev xvfb xdotool
-  libxml2-utils ccache locales
+  libxml2-utils ccache locales zsh mandoc
   "$@"
 )
 

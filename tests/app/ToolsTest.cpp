@@ -170,33 +170,40 @@ TEST_F(Tools, BashCompletesWords) {
     EXPECT_EQ(completed("orvosky render sma", 2), "small.ma\n");
 }
 
-// Fault: a message in the documents that no source has any more. What varies in one stands as … there.
-TEST_F(Tools, TroubleshootingTellsOfMessagesThatThereAre) {
-    std::string sources;
-    for (const char* root : {"apps", "host/src", "plugin"})
-        for (const auto& entry : fs::recursive_directory_iterator(orvo::test::sourceTree(root)))
-            if (entry.path().extension() == ".cpp" || entry.path().extension() == ".h")
-                sources += content(entry.path());
-    // Texts that are split over lines belong together.
-    sources = std::regex_replace(sources, std::regex("\"\\s*\\n\\s*\""), "");
-    std::istringstream lines(content(orvo::test::sourceTree("docs/troubleshooting.md")));
-    int messages = 0;
-    for (std::string line; std::getline(lines, line);) {
-        if (!line.starts_with("| `")) continue;
-        const std::string cell = line.substr(2, line.find(" | ") - 2);
-        static const std::regex quoted("`([^`]*)`");
-        for (std::sregex_iterator at(cell.begin(), cell.end(), quoted), end; at != end; ++at) {
-            std::string text = (*at)[1];
-            for (std::size_t cut = 0; !text.empty(); text.erase(0, cut + 3)) {
-                cut = std::min(text.find("\xE2\x80\xA6"), text.size());
-                const std::string part = text.substr(0, cut);
-                EXPECT_NE(sources.find(part), std::string::npos) << part;
-                if (cut == text.size()) break;
-            }
-            ++messages;
-        }
+// Faults: the same, or words that zsh takes otherwise than they are meant. A zsh types the lines, with a tab at the end
+// of each, and tells what it then has.
+TEST_F(Tools, ZshCompletesWords) {
+    if (std::system("command -v zsh >/dev/null") != 0) GTEST_SKIP() << "no zsh to be had";
+    const std::pair<const char*, const char*> lines[] = {
+        {"orvosky ren", "orvosky render "},
+        {"orvosky render --pan", "orvosky render --panorama "},
+        {"orvosky nodes orvosky_Exp", "orvosky nodes orvosky_ExpHeightFog "},
+        {"orvosky render sma", "orvosky render small.ma "},
+        {"orvosky help insp", "orvosky help inspect "}};
+    std::string script = "zmodload zsh/zpty; zpty z zsh -f -i\nzpty -w z 'fpath=(" +
+                         orvo::test::sourceTree("packaging") +
+                         " $fpath); autoload -Uz compinit; compinit -u -d $PWD/.dump'\n"
+                         "zpty -w z 'say() { print -r -- $BUFFER >> said; BUFFER= }; zle -N say; bindkey ^T say'\n";
+    std::string expected;
+    for (const auto& [typed, has] : lines) {
+        script += "zpty -w -n z $'" + std::string(typed) + "\\t\\C-t'\n";
+        expected += std::string(has) + "\n";
     }
-    EXPECT_GT(messages, 60);
+    write(folder_ / "type.zsh", script + "zpty -w z exit; while zpty -r z text; do :; done\n");
+    const std::string said = shell("zsh -f type.zsh");
+    EXPECT_EQ(content(folder_ / "said"), expected) << said;
+}
+
+// Fault: a manual page that readers of such pages complain of, or that lacks a subcommand.
+TEST_F(Tools, TheManualPageIsOne) {
+    if (std::system("command -v mandoc >/dev/null") != 0) GTEST_SKIP() << "no mandoc to be had";
+    const std::string page = (folder_ / "orvosky.1").string();
+    EXPECT_EQ(shell("python3 '" + orvo::test::sourceTree("scripts/make_man.py") + "' orvosky 1 '" + page +
+                    "'; mandoc -T lint -W warning '" + page + "'"),
+              "");
+    const std::string shown = shell("mandoc -T ascii '" + page + "' | col -b");
+    for (const char* part : {"NAME", "ORVOSKY RENDER", "ORVOSKY BATCH", "orvosky render scenes/dusk.ma dusk.png"})
+        EXPECT_THAT(shown, HasSubstr(part));
 }
 
 } // namespace
