@@ -61,6 +61,24 @@ class Desktop:
         self.do("mousemove", str(x), str(y), "click", "1")
         time.sleep(1.5)
 
+    def drag(self, start: tuple[int, int], end: tuple[int, int]) -> None:
+        self.do("mousemove", *map(str, start))
+        time.sleep(0.5)
+        self.do("mousedown", "1")
+        for i in range(1, 9):
+            self.do("mousemove", *(str(a + (b - a) * i // 8) for a, b in zip(start, end)))
+            time.sleep(0.2)
+        self.do("mouseup", "1")
+        time.sleep(1.5)
+
+    def enter(self, x: int, y: int, text: str) -> None:
+        """Types into a field of the attributes."""
+        self.do("mousemove", str(x), str(y), "click", "--repeat", "3", "1")
+        self.do("key", "ctrl+a")
+        self.do("type", "--delay", "20", text)
+        self.do("key", "Return")
+        time.sleep(4)
+
     def shoot(self, name: str) -> None:
         self.do("mousemove", str(WIDTH - 4), str(HEIGHT - 60))
         time.sleep(2)
@@ -77,6 +95,31 @@ class Desktop:
         self.server.wait()
 
 
+def tutorial(desktop: Desktop, folder: Path) -> None:
+    """A first sky, by hand alone, as docs/tutorial.md tells it."""
+    project = folder / "skies"
+    subprocess.run([str(PROGRAM), "new", str(project)], check=True, stdout=subprocess.DEVNULL)
+    program = desktop.start("--project", str(project), "edit")
+    desktop.shoot("tutorial-window-1.png")
+    desktop.click(516, 250)  # the preset "Golden hour"
+    time.sleep(4)
+    desktop.shoot("tutorial-window-2.png")
+    desktop.click(452, 51)  # "Cloud Dome" of the shelf
+    time.sleep(6)
+    desktop.enter(1066, 281, "0.7")  # "Placement"
+    desktop.enter(1066, 310, "1.1")  # "Scale"
+    desktop.shoot("tutorial-window-3.png")
+    desktop.click(1046, 708)  # "Wires"
+    desktop.drag((462, 425), (560, 412))  # the sun
+    time.sleep(6)
+    desktop.shoot("tutorial-window-4.png")
+    desktop.do("key", "ctrl+e")
+    time.sleep(20)
+    desktop.shoot("tutorial-window-5.png")
+    program.kill()
+    program.wait()
+
+
 def main() -> None:
     folder = Path(tempfile.mkdtemp())
     try:
@@ -84,6 +127,8 @@ def main() -> None:
         shutil.copytree(TREE / "examples/project", project)
         desktop = Desktop(folder)
         try:
+            tutorial(desktop, folder)
+
             program = desktop.start("--project", str(project), "edit")
             desktop.shoot("window-start.png")
             program.kill()

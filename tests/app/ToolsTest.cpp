@@ -104,6 +104,47 @@ TEST_F(Tools, NewProjectsWork) {
     EXPECT_THAT(leftovers(), IsEmpty());
 }
 
+// Faults: a node of the menu "Sky" that lacks what it needs to be exported: settings, clouds, their shading and
+// textures.
+TEST_F(Tools, TheMenusNodesCanBeExported) {
+    for (const char* sky : {"orvoskyCreate orvosky_ParticleCloudDome dome;", "orvoskyCreateCloud;"}) {
+        write(folder_ / "sky.mel", std::string("orvoskyCreate orvosky_BasicSkyLocator sky; ") + sky);
+        const Outcome o = run({"export", "sky.mel", "sky.atmos", "--strict", "--project", "."});
+        EXPECT_EQ(o.status, 0) << sky << o.error;
+        EXPECT_GT(fs::file_size(folder_ / "sky.cdata"), 128u) << sky;
+    }
+}
+
+// Faults: a step of the tutorial that does not work as it stands there, warns, or changes nothing that is seen.
+TEST_F(Tools, TheTutorialsScriptWorks) {
+    ASSERT_EQ(run({"new", "skies"}).status, 0);
+    std::istringstream lines(content(orvo::test::sourceTree("docs/tutorial.md")));
+    std::string script, last;
+    int steps = 0;
+    bool inside = false;
+    for (std::string line; std::getline(lines, line);) {
+        if (line == "```mel") {
+            inside = true;
+        } else if (inside && line == "```") {
+            inside = false;
+            ++steps;
+            write(folder_ / "skies/scripts/evening.mel", script);
+            const Outcome o = run({"render", "skies/scripts/evening.mel", "step.bmp", "--size", "64x36", "--strict"});
+            EXPECT_EQ(o.status, 0) << "step " << steps << ": " << o.error;
+            EXPECT_NE(content(folder_ / "step.bmp"), last) << "step " << steps;
+            last = content(folder_ / "step.bmp");
+        } else if (inside) {
+            script += line + "\n";
+        }
+    }
+    EXPECT_GE(steps, 5);
+    Outcome o = run({"export", "skies/scripts/evening.mel", "evening.atmos", "--strict"});
+    EXPECT_EQ(o.status, 0) << o.error;
+    o = run({"inspect", "evening.atmos", "--strict", "--project", "skies"});
+    EXPECT_EQ(o.status, 0) << o.out << o.error;
+    EXPECT_GT(fs::file_size(folder_ / "evening.cdata"), 100'000u) << "clouds";
+}
+
 // Faults: a script from a pipe that is not run, or whose errors name no place; a prompt that ends at the first error,
 // runs a statement before it is whole, or forgets its lines.
 TEST_F(Tools, ScriptsComeFromElsewhere) {
