@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <thread>
+
 using namespace host::mel;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -135,6 +138,33 @@ TEST(StepLimit, EndsWhatHasNoEnd) {
         mel.interpreter.setStepLimit(100000);
         EXPECT_THROW(mel.run(script), Error) << script;
         EXPECT_THROW(mel.run("print 1"), Error);
+    }
+}
+
+// Faults: a script that goes on by catching what stops it, by a command that takes long, or by what it deferred; a
+// session that is of no use after one was stopped, or has called quit.
+TEST(Stopping, EndsAScriptAndNoneAfterIt) {
+    for (const char* script : {"while (1) catchQuiet(`eval \"while (1);\"`);", "while (1) catchQuiet(`slow`);",
+                               "evalDeferred \"print later;\"; proc f() { while (1); } f();"}) {
+        MelFixture mel;
+        mel.interpreter.registerCommand("slow", [](Call&) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            return Value();
+        });
+        int asked = 0;
+        mel.interpreter.stopAsked = [&] { return ++asked == 2; };
+        try {
+            mel.run(script);
+            ADD_FAILURE() << script;
+        } catch (const Error& e) {
+            EXPECT_STREQ(e.what(), "The script was stopped.");
+        }
+        EXPECT_EQ(mel.run("print 1;"), "1");
+        EXPECT_EQ(asked, 2) << "short scripts are left alone";
+        EXPECT_THROW(mel.run("quit -exitCode 3;"), Error);
+        EXPECT_THROW(mel.run("print 1;"), Error);
+        EXPECT_EQ(mel.interpreter.takeExitCode(), 3);
+        EXPECT_EQ(mel.run("print 1;"), "1");
     }
 }
 

@@ -250,7 +250,7 @@ void AttributeProgram::run(const Attributes& attributes) {
         for (const StatementPointer& statement : impl_->script->statements)
             if (statement->execute(frame) == Flow::Return) break;
     } catch (...) {
-        if (machine.impl().stepsLeft <= 0) ++runaways;
+        if (machine.impl().stepsLeft + machine.impl().stepsBehind <= 0) ++runaways;
         throw;
     }
     for (const auto& [number, variable] : impl_->outputs) attributes.setOutput(number, variable->value.toFloat());

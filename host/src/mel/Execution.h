@@ -4,6 +4,7 @@
 #include "mel/Interpreter.h"
 #include "mel/OpenFile.h"
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <limits>
@@ -52,16 +53,26 @@ struct Interpreter::Impl {
     std::vector<std::filesystem::path> scriptPath;
     std::set<std::string> searched; ///< script files that were run in search of a procedure
     int depth = 0;                  ///< of texts and procedures that are running
-    std::int64_t stepsLeft = std::numeric_limits<std::int64_t>::max();
+    std::int64_t stepsLeft = 0;     ///< of this turn, before somebody may stop the script
+    std::int64_t stepsBehind = std::numeric_limits<std::int64_t>::max(); ///< of later turns
+    bool stopped = false;                                                ///< by stopAsked; until all of it has ended
+    std::chrono::steady_clock::time_point nextLook{};                    ///< when stopAsked is asked next
 
     std::mt19937 random{0x4f52564f};
     std::map<int, std::unique_ptr<OpenFile>> files;
 
-    /// Throws Error when the steps are used up.
+    /// Throws Error when the steps are used up, or somebody stops the script.
     void spend(std::int64_t steps) {
-        if (stepsLeft < steps) outOfSteps();
-        stepsLeft -= steps;
+        if (stepsLeft < steps)
+            spendOfNextTurn(steps);
+        else
+            stepsLeft -= steps;
     }
+    void spendOfNextTurn(std::int64_t steps);
+    /// Throws Error when somebody stops the script.
+    void look();
+    /// Begins an outermost text or call.
+    void begin();
     [[noreturn]] void outOfSteps();
 
     struct Deferred {

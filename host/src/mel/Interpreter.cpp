@@ -4,13 +4,17 @@
 #include "mel/Parser.h"
 #include "mel/StackGuard.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 namespace host::mel {
 namespace {
 
 constexpr int kDepthLimit = 1000;
+constexpr std::int64_t kStepsOfTurn = 256;
+constexpr std::chrono::milliseconds kFirstLook{200}, kLookEvery{50};
 
 /// Calls a hook at the end of a block, also when that ends by an error.
 struct AtEnd {
@@ -28,7 +32,9 @@ struct AtEnd {
 class Deferral {
 public:
     explicit Deferral(Interpreter::Impl& impl) : impl_(impl), outermost_(impl.depth == 0) {
-        if (outermost_) impl_.deferred.clear();
+        if (!outermost_) return;
+        impl_.deferred.clear();
+        impl_.begin();
     }
     void run() const {
         while (outermost_ && !impl_.deferred.empty()) {
@@ -147,6 +153,7 @@ Value Interpreter::Impl::runCommand(const std::shared_ptr<Command>& command, con
         return runLanguage(*command, passed);
     }
     spend(1);
+    look(); // a command may take long
     DepthCount count(*this, name);
     if (owner.beforeCommand) owner.beforeCommand(name);
     AtEnd end{owner.afterCommand ? std::function<void()>([&] { owner.afterCommand(name); }) : nullptr};
@@ -278,14 +285,44 @@ void Interpreter::setGlobalVariable(const std::string& name, Value value) {
     impl_->global(name).assign(std::move(value));
 }
 
-void Interpreter::setStepLimit(std::int64_t steps) { impl_->stepsLeft = steps; }
+void Interpreter::setStepLimit(std::int64_t steps) {
+    impl_->stepsLeft = 0;
+    impl_->stepsBehind = steps;
+}
+
+void Interpreter::Impl::begin() {
+    stopped = false;
+    nextLook = std::chrono::steady_clock::now() + kFirstLook;
+}
+
+void Interpreter::Impl::look() {
+    if (!stopped && owner.stopAsked && std::chrono::steady_clock::now() >= nextLook) {
+        stopped = owner.stopAsked();
+        nextLook = std::chrono::steady_clock::now() + kLookEvery;
+    }
+    if (stopped) throw Error("The script was stopped.");
+}
+
+void Interpreter::Impl::spendOfNextTurn(std::int64_t steps) {
+    stepsBehind += std::exchange(stepsLeft, 0);
+    look();
+    if (stepsBehind < steps) outOfSteps();
+    stepsBehind -= steps;
+    stepsLeft = std::min(stepsBehind, kStepsOfTurn);
+    stepsBehind -= stepsLeft;
+}
 
 void Interpreter::Impl::outOfSteps() {
-    stepsLeft = 0;
+    stepsLeft = stepsBehind = 0;
     throw Error(exitCode ? "The script has called quit." : "The script takes too many steps.");
 }
 
 std::optional<int> Interpreter::exitCode() const { return impl_->exitCode; }
+
+std::optional<int> Interpreter::takeExitCode() {
+    if (impl_->exitCode) setStepLimit(std::numeric_limits<std::int64_t>::max());
+    return std::exchange(impl_->exitCode, std::nullopt);
+}
 
 void Interpreter::setArguments(std::vector<std::string> arguments) {
     setGlobalVariable("argv", StringArray(std::move(arguments)));

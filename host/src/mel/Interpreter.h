@@ -70,6 +70,13 @@ public:
     /// of a loop, a call, or 64 characters or elements that one of them works on. Without a limit they may take any.
     void setStepLimit(std::int64_t steps);
 
+    /// Asked while scripts run, from a fifth of a second after the outermost one began, twenty times a second: true
+    /// ends it, whatever it catches. It must run no scripts.
+    std::function<bool()> stopAsked;
+
+    /// Lets scripts run again after one that called `quit`. @return its exit code, when there was one
+    std::optional<int> takeExitCode();
+
     /// Sets the global string array $argv: the arguments the scripts were started with.
     void setArguments(std::vector<std::string> arguments);
 

@@ -1,5 +1,6 @@
 #include <maya/MProgressWindow.h>
 
+#include "base/WorkWatch.h"
 #include "values/StatusOut.h"
 
 #include <maya/MComputation.h>
@@ -47,7 +48,12 @@ const char* MProgressWindow::className() { return "MProgressWindow"; }
 MComputation::MComputation() = default;
 MComputation::~MComputation() = default;
 void MComputation::beginComputation(bool, bool, bool) { progress_ = min_; }
-bool MComputation::isInterruptRequested() { return false; }
+
+bool MComputation::isInterruptRequested() {
+    const auto& watch = host::workWatch();
+    return watch && watch(max_ > min_ ? static_cast<double>(progress_ - min_) / (max_ - min_) : 0.0);
+}
+
 void MComputation::endComputation() {}
 
 MStatus MComputation::setProgressRange(const int minValue, const int maxValue) {
