@@ -1,7 +1,10 @@
 #include "CloudDomeWorkers.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <optional>
+#include <semaphore>
 
 namespace orvo {
 namespace {
@@ -35,9 +38,20 @@ std::unique_ptr<Job> tryMakeJob(const CloudTemplate& source, const DomeCloudPlac
     }
 }
 
-bool tryStart(const ThreadStarter& start, Job& job, std::vector<std::jthread>& threads) {
+constexpr std::chrono::milliseconds tellEvery{40};
+
+/// What the threads of a batch and the one that waits for them share.
+struct Batch {
+    std::counting_semaphore<> ended{0};
+    std::atomic<bool> givenUp{false};
+};
+
+bool tryStart(const ThreadStarter& start, Job& job, Batch& batch, std::vector<std::jthread>& threads) {
     try {
-        threads.push_back(start([&job] { job.run(); }));
+        threads.push_back(start([&job, &batch] {
+            if (!batch.givenUp) job.run();
+            batch.ended.release();
+        }));
         return true;
     } catch (const std::exception&) {
         return false;
@@ -49,17 +63,28 @@ bool tryStart(const ThreadStarter& start, Job& job, std::vector<std::jthread>& t
 std::jthread startThread(std::function<void()> work) { return std::jthread(std::move(work)); }
 
 DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std::span<const DomeCloudPlacement> placed,
-                                  const CloudShadingParams& shading, const ThreadStarter& start) {
+                                  const CloudShadingParams& shading, const ThreadStarter& start,
+                                  const DomeProgress& progress) {
     DomeGeneration result;
+    Batch batch;
+    std::size_t done = 0;
     std::vector<std::unique_ptr<Job>> jobs;
     std::vector<std::jthread> threads; // after the jobs: on every way out it waits for the threads that use them
     threads.reserve(maxDomeThreads);
+    const auto tell = [&] {
+        if (progress && !batch.givenUp && !progress(done, placed.size())) batch.givenUp = true;
+    };
     const auto finishBatch = [&] {
+        for (std::size_t i = 0; progress && i < threads.size(); ++i) {
+            while (!batch.ended.try_acquire_for(tellEvery)) tell();
+            ++done;
+        }
+        tell();
         threads.clear();
         for (const auto& job : jobs) {
-            if (!job->geom) job->run();
+            if (!job->geom && !batch.givenUp) job->run();
             if (!job->geom)
-                ++result.failed;
+                result.failed += batch.givenUp ? 0 : 1;
             else if (job->geom->numSprites > 0)
                 result.clouds.push_back(
                     {job->settings, std::move(job->geom), job->shapes.boundCentre, job->shapes.boundRadius});
@@ -70,14 +95,15 @@ DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std:
     jobs.reserve(maxDomeThreads);
     result.clouds.reserve(placed.size());
     for (const DomeCloudPlacement& cloud : placed) {
+        if (batch.givenUp) break;
         const CloudTemplate& source = templates[static_cast<std::size_t>(cloud.templateIndex)];
         ++result.started;
         auto job = tryMakeJob(source, cloud, shading);
-        bool started = job && tryStart(start, *job, threads);
+        bool started = job && tryStart(start, *job, batch, threads);
         if (!started && !threads.empty()) {
             finishBatch();
             if (!job) job = tryMakeJob(source, cloud, shading);
-            started = job && tryStart(start, *job, threads);
+            started = job && tryStart(start, *job, batch, threads);
         }
         if (!job) {
             ++result.failed;
@@ -88,16 +114,17 @@ DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std:
         if (!started || threads.size() == maxDomeThreads) finishBatch();
     }
     finishBatch();
+    result.givenUp = batch.givenUp;
     return result;
 }
 
 DomeBuild buildDome(std::span<const CloudTemplate> templates, const DomeLayout& layout,
-                    const CloudShadingParams& shading, const ThreadStarter& start) {
+                    const CloudShadingParams& shading, const ThreadStarter& start, const DomeProgress& progress) {
     std::vector<double> radii(templates.size());
     std::transform(templates.begin(), templates.end(), radii.begin(),
                    [](const CloudTemplate& source) { return source.shapes.boundRadius; });
     const DomePlacement placement = placeDomeClouds(radii, layout);
-    DomeGeneration generation = generateDomeClouds(templates, placement.clouds, shading, start);
+    DomeGeneration generation = generateDomeClouds(templates, placement.clouds, shading, start, progress);
 
     std::size_t dataSize = 0;
     for (const DomeCloud& cloud : generation.clouds)
@@ -106,6 +133,7 @@ DomeBuild buildDome(std::span<const CloudTemplate> templates, const DomeLayout& 
     return {.clouds = std::move(generation.clouds),
             .started = generation.started,
             .failed = generation.failed,
+            .givenUp = generation.givenUp,
             .limitReached = placement.limitReached,
             .dataSize = dataSize};
 }

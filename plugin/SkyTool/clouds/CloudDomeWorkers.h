@@ -19,10 +19,14 @@ constexpr std::size_t maxDomeThreads = 64; ///< at a time
 using ThreadStarter = std::function<std::jthread(std::function<void()> work)>;
 std::jthread startThread(std::function<void()> work);
 
+/// Told now and then, in the calling thread, how many of so many clouds are done. False gives the rest up.
+using DomeProgress = std::function<bool(std::size_t done, std::size_t all)>;
+
 struct DomeGeneration {
     std::vector<DomeCloud> clouds; ///< in the order of their placement; a cloud that failed or has no sprites lacks
     std::size_t started = 0;       ///< clouds that were begun
     std::size_t failed = 0;        ///< of these, the clouds for which there was no memory
+    bool givenUp = false;          ///< whether it was ended early: clouds lack then
 };
 
 /// Generates the placed clouds, not scaled yet, in batches of at most maxDomeThreads threads: the next batch begins
@@ -30,20 +34,23 @@ struct DomeGeneration {
 /// not even the first of a batch can be started, the calling thread does the work. It also does a cloud over for which
 /// the memory beside the others of its batch did not suffice.
 DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std::span<const DomeCloudPlacement> placed,
-                                  const CloudShadingParams& shading, const ThreadStarter& start = startThread);
+                                  const CloudShadingParams& shading, const ThreadStarter& start = startThread,
+                                  const DomeProgress& progress = {});
 
 /// A dome full of clouds.
 struct DomeBuild {
     std::vector<DomeCloud> clouds; ///< scaled
     std::size_t started = 0;       ///< clouds that were begun
     std::size_t failed = 0;        ///< of these, the clouds for which there was no memory
+    bool givenUp = false;          ///< whether it was ended early: clouds lack then
     bool limitReached = false;     ///< whether maxDomeClouds ended the placement
     std::size_t dataSize = 0;      ///< bytes of the clouds' exported vertex data
 };
 
 /// Places, generates and scales the clouds of a dome.
 DomeBuild buildDome(std::span<const CloudTemplate> templates, const DomeLayout& layout,
-                    const CloudShadingParams& shading, const ThreadStarter& start = startThread);
+                    const CloudShadingParams& shading, const ThreadStarter& start = startThread,
+                    const DomeProgress& progress = {});
 
 /// A dome cloud as the export takes it. The dome cloud must outlive the answer.
 GeneratedCloud exportedDomeCloud(const DomeCloud& cloud);

@@ -11,6 +11,7 @@
 #include "ParticleCloudShadingParamsLocator.h"
 
 #include <algorithm>
+#include <maya/MComputation.h>
 #include <maya/MGlobal.h>
 #include <utility>
 
@@ -86,9 +87,15 @@ MStatus ParticleCloudDome::initialize() {
 }
 
 void ParticleCloudDome::refresh() {
-    freeAll();
+    renderer_.release();
+    templates_.clear();
+    templatesLoaded_ = false;
+    builtFor_.reset();
     loadTemplates();
-    if (auto* shading = ParticleCloudShadingParamsLocator::firstLiveInstance()) prepareClouds(shading->readParams());
+    if (auto* shading = ParticleCloudShadingParamsLocator::firstLiveInstance())
+        prepareClouds(shading->readParams());
+    else
+        clouds_.clear();
 }
 
 void ParticleCloudDome::bringUpToDate() {
@@ -97,11 +104,8 @@ void ParticleCloudDome::bringUpToDate() {
     templatesLoaded_ = false;
     loadTemplates();
     auto* shadingNode = ParticleCloudShadingParamsLocator::firstLiveInstance();
-    if (!shadingNode || templates_ != earlier || !complete_) {
-        clouds_.clear();
-        builtFor_.reset();
-    }
-    if (!shadingNode) return;
+    if (!shadingNode || templates_ != earlier || !complete_) builtFor_.reset();
+    if (!shadingNode) return clouds_.clear();
     const CloudShadingParams shading = shadingNode->readParams();
     // A draw lets the light turn without generating the clouds anew, which would take it too long.
     if (shading.enableSelfShadow && shading.sunDir != builtSunDir_) builtFor_.reset();
@@ -197,9 +201,27 @@ void ParticleCloudDome::loadFolder(const std::string& folder) {
 
 void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
     const BuildInputs inputs = readBuildInputs(shading);
-    clouds_.clear(); // before the new ones take their memory
     builtFor_ = inputs;
-    DomeBuild dome = buildDome(templates_, inputs.layout, shading);
+    complete_ = false;
+    MComputation work;
+    work.beginComputation(true);
+    const auto build = [&] {
+        return buildDome(templates_, inputs.layout, shading, startThread, [&work](std::size_t done, std::size_t all) {
+            work.setProgressRange(0, static_cast<int>(all));
+            work.setProgress(static_cast<int>(done));
+            return !work.isInterruptRequested();
+        });
+    };
+    DomeBuild dome = build();
+    if (dome.failed > 0 && !clouds_.empty()) { // the earlier clouds took the memory
+        clouds_.clear();
+        dome.clouds.clear();
+        dome = build();
+    }
+    work.endComputation();
+    if (dome.givenUp)
+        return reportPlacedError("ParticleCloudDome:  [%s] keeps its earlier clouds: generating others was given up\n",
+                                 name().asUTF8());
     clouds_ = std::move(dome.clouds);
     builtSunDir_ = shading.sunDir;
     complete_ = dome.failed == 0;
@@ -217,7 +239,10 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
 
 void ParticleCloudDome::prepareClouds(const CloudShadingParams& shading) {
     loadTemplates();
-    if (!templates_.empty() && builtFor_ != readBuildInputs(shading)) placeAndGenerate(shading);
+    if (templates_.empty())
+        clouds_.clear();
+    else if (builtFor_ != readBuildInputs(shading))
+        placeAndGenerate(shading);
 }
 
 void ParticleCloudDome::render(M3dView& view) {

@@ -31,7 +31,8 @@ public:
     /// they do not follow from the templates, the layout and the shading as they are now. Needs no GL. A node that is
     /// switched off only forgets them.
     void bringUpToDate();
-    /// Frees everything, loads the templates again and generates the clouds. Without a shading-parameters node in the
+    /// Loads the templates again and generates the clouds; the earlier ones stay until there are others, and when the
+    /// artist gives that up (Esc), which is an error. Without a shading-parameters node in the
     /// scene there are templates only: the clouds come with the first draw that finds one.
     void refresh();
     /// Takes the clouds from a library file or a folder of cloud files, and refreshes.
@@ -73,7 +74,7 @@ private:
     std::vector<DomeCloud> clouds_;
     std::optional<BuildInputs> builtFor_; ///< nothing before the clouds are placed
     Vector3 builtSunDir_;                 ///< towards which the light was marched
-    bool complete_ = false;               ///< whether there was memory for all clouds
+    bool complete_ = false;               ///< whether all clouds were generated
     CloudSpriteRenderer renderer_;
 };
 

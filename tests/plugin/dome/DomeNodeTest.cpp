@@ -1,6 +1,7 @@
 #include "GlPrograms.h"
 #include "PluginScene.h"
 #include "Schema.h"
+#include "base/WorkWatch.h"
 #include "kit/Places.h"
 #include "viewport/Viewport.h"
 
@@ -221,6 +222,21 @@ TEST_F(DomeNode, LoadsFoldersAndLibrariesAndExportsThem) {
     const std::string scaled = exported();
     EXPECT_EQ(count(scaled, "cullingSphereRadius = \"75.000000\""), 250u);
     EXPECT_EQ(count(scaled, "spriteSize = \"30.000000\""), 250u);
+}
+
+// Catches a sky that is gone, or half of another, when the artist does not wait for the new one.
+TEST_F(DomeNode, KeepsItsCloudsWhenOthersAreGivenUp) {
+    write("a.xml", fileOf(single, cloud()));
+    ASSERT_TRUE(load(folder().string()));
+    const auto before = places();
+    must("setAttr dome.placementDensity 0.5;");
+    host::workWatch() = [](double part) { return part >= 0; };
+    EXPECT_TRUE(mel("orvosky_ParticleCloudDome_RefreshDataCommand dome"));
+    host::workWatch() = {};
+    EXPECT_THAT(log_.errors(), Contains(HasSubstr("[dome] keeps its earlier clouds")));
+    EXPECT_EQ(places(), before);
+    must("orvosky_UpdateSkySystemCommand");
+    EXPECT_LT(places().size(), before.size()) << "what was given up is made up for";
 }
 
 // Catches clouds made without shading parameters, and a dome that does not come back to life when there are some.

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <mutex>
 #include <system_error>
+#include <thread>
 
 using namespace orvo;
 using testing::ElementsAre;
@@ -172,6 +173,32 @@ TEST_F(DomeWorkers, WaitForTheOpenBatchWhenAThreadCannotBeStarted) {
     // Threads that do nothing stand for those that ran out of memory beside the others.
     const DomeGeneration again = generate(13, [](const std::function<void()>&) { return std::jthread(); });
     expectSame(again.clouds, crowded.clouds);
+}
+
+// Catches work that cannot be given up, that goes on afterwards, or whose progress goes back or is told by other
+// threads; clouds that are others because somebody watched.
+TEST_F(DomeWorkers, ToldOfTheirProgressMayBeGivenUp) {
+    const auto caller = std::this_thread::get_id();
+    std::size_t last = 0;
+    const auto rising = [&](std::size_t done, std::size_t all) {
+        EXPECT_EQ(std::this_thread::get_id(), caller);
+        EXPECT_EQ(all, 150u);
+        EXPECT_GE(done, last);
+        last = done;
+        return true;
+    };
+    const auto places = this->places(150);
+    const DomeGeneration watched = generateDomeClouds(templates_, places, shading_, startThread, rising);
+    EXPECT_EQ(last, 150u);
+    EXPECT_FALSE(watched.givenUp);
+    expectSame(watched.clouds, generate(150).clouds);
+    int asked = 0;
+    const DomeGeneration early = generateDomeClouds(templates_, places, shading_, startThread,
+                                                    [&](std::size_t, std::size_t) { return ++asked < 1; });
+    EXPECT_TRUE(early.givenUp);
+    EXPECT_EQ(asked, 1) << "nobody is asked again";
+    EXPECT_LE(early.started, 64u);
+    EXPECT_EQ(early.failed, 0u);
 }
 
 // Catches empty clouds in the list, a memory count without the padding or after the scaling, and counts of clouds that
