@@ -11,10 +11,10 @@ Runs the stages in the order given and stops at the first that fails. What a sta
 
   format      hold every source to .clang-format
   rooms       hold every include to the rooms that may know each other
-  warnings    build everything by g++, with warnings as errors
-  clang       build everything by clang, with warnings as errors
-  quick       build the rooms of the host, the program and their tests with the address and undefined-behaviour
-              sanitizers, and run them
+  warnings    build everything by g++, with warnings as errors: the build that scripts/test.sh tests
+  clang       compile everything by clang, with warnings as errors; nothing is linked
+  quick       build the rooms of the host that read what comes from outside with the address and undefined-behaviour
+              sanitizers, and run their tests and fuzz targets
   asan        build and run every test with these sanitizers
   tsan        the same with the thread sanitizer
   tidy        hold the plug-in's sources to .clang-tidy
@@ -29,7 +29,8 @@ TEXT
 
 stages=(format rooms warnings clang asan tsan tidy fuzz package windows)
 # Rooms where a fault of memory is likely, and whose tests do not take long.
-quick_tests=(base_tests mel_tests files_tests scene_tests file_command_tests api_graph_tests plugin_unit_tests app_tests)
+quick_tests=(base_tests mel_tests files_tests scene_tests)
+quick_fuzz=(fuzz_scene fuzz_workspace fuzz_mel_parse fuzz_mel_run fuzz_inspect)
 
 sources() { git ls-files -z '*.cpp' '*.h'; }
 
@@ -54,20 +55,18 @@ check_clang() {
   scripts/setup.sh clang
   cmake -S . -B build/clang -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
     -DORVOSKY_WERROR=ON
-  cmake --build build/clang
+  python3 scripts/check_syntax.py build/clang
 }
 
 check_quick() {
   scripts/setup.sh
   configured asan
-  cmake --build --preset asan --target orvosky_program orvosky "${quick_tests[@]}"
+  cmake --build --preset asan --target "${quick_tests[@]}" "${quick_fuzz[@]/%/_smoke}"
+  export UBSAN_OPTIONS=print_stacktrace=1 LSAN_OPTIONS=suppressions=$PWD/tests/support/lsan.supp:print_suppressions=0:use_tls=0
   export ASAN_OPTIONS=detect_leaks=1:suppressions=$PWD/tests/support/asan.supp
-  export LSAN_OPTIONS=suppressions=$PWD/tests/support/lsan.supp:print_suppressions=0:use_tls=0 UBSAN_OPTIONS=print_stacktrace=1
-  local test
-  for test in "${quick_tests[@]}"; do
-    echo "-- $test"
-    "build/asan/bin/$test" --gtest_brief=1
-  done
+  # Program by program: a process for every test would take longer than the tests.
+  printf '%s\n' "${quick_tests[@]}" | xargs -P "$(nproc)" -I {} build/asan/bin/{} --gtest_brief=1
+  ctest --preset asan -j "$(nproc)" -R "^fuzz\\.($(IFS='|'; echo "${quick_fuzz[*]}"))\$"
 }
 
 check_asan() { scripts/test.sh asan; }
