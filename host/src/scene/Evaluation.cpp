@@ -12,10 +12,7 @@ namespace host::scene {
 namespace {
 
 void setDirtyBelow(Cell& cell, bool dirty) {
-    cell.dirty = dirty;
-    for (auto& c : cell.children)
-        if (c) setDirtyBelow(*c, dirty);
-    for (auto& [index, c] : cell.elements) setDirtyBelow(*c, dirty);
+    forEachCell(cell, [dirty](Cell& c) { c.dirty = dirty; });
 }
 
 /// One wave of dirt: visits each cell once, whatever cycles the connections form.
@@ -58,16 +55,11 @@ private:
         return true;
     }
 
-    void destinationsBelow(Cell& cell) {
-        for (Cell* d : cell.destinations) mark(*d);
-        for (auto& c : cell.children)
-            if (c) destinationsBelow(*c);
-        for (auto& [index, c] : cell.elements) destinationsBelow(*c);
-    }
-
     void spread(Cell& cell) {
         // A change of a part is a change of the whole, and of every part below.
-        destinationsBelow(cell);
+        forEachCell(cell, [this](Cell& part) {
+            for (Cell* d : part.destinations) mark(*d);
+        });
         for (Cell* up = cell.parent; up; up = up->parent)
             for (Cell* d : up->destinations) mark(*d);
 
@@ -92,14 +84,11 @@ private:
         }
     }
 
-    void markAttribute(Cell& cell, const Attribute& wanted) {
-        if (&cell.attribute == &wanted && cell.index < 0) {
-            mark(cell);
-            return;
-        }
-        for (auto& c : cell.children)
-            if (c) markAttribute(*c, wanted);
-        for (auto& [index, c] : cell.elements) markAttribute(*c, wanted);
+    void markAttribute(Cell& root, const Attribute& wanted) {
+        if (&root.attribute == &wanted) return mark(root);
+        forEachCell(root, [&](Cell& c) {
+            if (&c.attribute == &wanted && c.index < 0) mark(c);
+        });
     }
 
     static inline unsigned long last_ = 0;
