@@ -20,40 +20,45 @@ MVector threeOf(const ParsedArguments& args, const char* flag) {
     return {args.value(flag, 0).toFloat(), args.value(flag, 1).toFloat(), args.value(flag, 2).toFloat()};
 }
 
-struct CameraFlag {
+/// A flag that sets three numbers at once.
+struct TripleFlag {
     const char *flag, *attribute;
     double factor;
 };
 
-/// Flags of `camera` that set one number of the shape.
-std::vector<CameraFlag> cameraFlags() {
-    const double length = lengthUnit(), angle = angleUnit();
-    return {{"fl", "focalLength", 1},
-            {"hfa", "horizontalFilmAperture", 1},
-            {"vfa", "verticalFilmAperture", 1},
-            {"ncp", "nearClipPlane", length},
-            {"fcp", "farClipPlane", length},
-            {"coi", "centerOfInterest", length},
-            {"o", "orthographic", 1},
-            {"ow", "orthographicWidth", length},
-            {"lsr", "lensSqueezeRatio", 1},
-            {"fs", "fStop", 1},
-            {"fd", "focusDistance", length},
-            {"sa", "shutterAngle", angle},
-            {"ovr", "overscan", 1},
-            {"dfg", "displayFilmGate", 1},
-            {"dr", "displayResolution", 1},
-            {"dgm", "displayGateMask", 1},
-            {"ff", "filmFit", 1},
-            {"ffo", "filmFitOffset", 1},
-            {"hfo", "horizontalFilmOffset", 1},
-            {"vfo", "verticalFilmOffset", 1},
-            {"cs", "cameraScale", 1},
-            {"psc", "preScale", 1},
-            {"ptsc", "postScale", 1},
-            {"dof", "depthOfField", 1},
-            {"mb", "motionBlur", 1}};
-}
+/// A flag of one value that is called as an attribute of the shape is that attribute.
+constexpr std::initializer_list<FlagSpec> cameraFlags = {{"n", "name", 1},
+                                                         {"p", "position", 3},
+                                                         {"rot", "rotation", 3},
+                                                         {"fl", "focalLength", 1},
+                                                         {"hfa", "horizontalFilmAperture", 1},
+                                                         {"vfa", "verticalFilmAperture", 1},
+                                                         {"ncp", "nearClipPlane", 1},
+                                                         {"fcp", "farClipPlane", 1},
+                                                         {"coi", "centerOfInterest", 1},
+                                                         {"o", "orthographic", 1},
+                                                         {"ow", "orthographicWidth", 1},
+                                                         {"lsr", "lensSqueezeRatio", 1},
+                                                         {"fs", "fStop", 1},
+                                                         {"fd", "focusDistance", 1},
+                                                         {"sa", "shutterAngle", 1},
+                                                         {"ovr", "overscan", 1},
+                                                         {"dfg", "displayFilmGate", 1},
+                                                         {"dr", "displayResolution", 1},
+                                                         {"dgm", "displayGateMask", 1},
+                                                         {"ff", "filmFit", 1},
+                                                         {"ffo", "filmFitOffset", 1},
+                                                         {"hfo", "horizontalFilmOffset", 1},
+                                                         {"vfo", "verticalFilmOffset", 1},
+                                                         {"cs", "cameraScale", 1},
+                                                         {"psc", "preScale", 1},
+                                                         {"ptsc", "postScale", 1},
+                                                         {"dof", "depthOfField", 1},
+                                                         {"mb", "motionBlur", 1},
+                                                         {"hfv", "horizontalFieldOfView", 1},
+                                                         {"vfv", "verticalFieldOfView", 1},
+                                                         {"ar", "aspectRatio", 1},
+                                                         {"wci", "worldCenterOfInterest", 3}};
 
 /// The angle of view across a film of that width; focal lengths are in millimetres, films in inches.
 double viewAngle(DagNode& shape, const char* aperture) {
@@ -80,40 +85,7 @@ DagNode& cameraShape(Node& node) {
 }
 
 Value camera(Call& call) {
-    const ParsedArguments args(call,
-                               {{"n", "name", 1},
-                                {"p", "position", 3},
-                                {"rot", "rotation", 3},
-                                {"fl", "focalLength", 1},
-                                {"hfa", "horizontalFilmAperture", 1},
-                                {"vfa", "verticalFilmAperture", 1},
-                                {"ncp", "nearClipPlane", 1},
-                                {"fcp", "farClipPlane", 1},
-                                {"coi", "centerOfInterest", 1},
-                                {"o", "orthographic", 1},
-                                {"ow", "orthographicWidth", 1},
-                                {"lsr", "lensSqueezeRatio", 1},
-                                {"fs", "fStop", 1},
-                                {"fd", "focusDistance", 1},
-                                {"sa", "shutterAngle", 1},
-                                {"ovr", "overscan", 1},
-                                {"dfg", "displayFilmGate", 1},
-                                {"dr", "displayResolution", 1},
-                                {"dgm", "displayGateMask", 1},
-                                {"ff", "filmFit", 1},
-                                {"ffo", "filmFitOffset", 1},
-                                {"hfo", "horizontalFilmOffset", 1},
-                                {"vfo", "verticalFilmOffset", 1},
-                                {"cs", "cameraScale", 1},
-                                {"psc", "preScale", 1},
-                                {"ptsc", "postScale", 1},
-                                {"dof", "depthOfField", 1},
-                                {"mb", "motionBlur", 1},
-                                {"hfv", "horizontalFieldOfView", 1},
-                                {"vfv", "verticalFieldOfView", 1},
-                                {"ar", "aspectRatio", 1},
-                                {"wci", "worldCenterOfInterest", 3}},
-                               true);
+    const ParsedArguments args(call, cameraFlags, true);
     DagNode *transform = nullptr, *shape = nullptr;
     if (args.query() || args.edit()) {
         const auto nodes = givenOrSelected(args);
@@ -128,15 +100,16 @@ Value camera(Call& call) {
         theScene().setNumber(shape->cell("verticalFilmAperture"), 0.94488);
         theScene().setNumber(shape->cell("filmFit"), 0);
     }
-    for (const auto& [flag, attribute, factor] : cameraFlags()) {
-        if (!args.has(flag)) continue;
-        Cell& cell = shape->cell(attribute);
+    for (const FlagSpec& spec : cameraFlags) {
+        const char* const flag = spec.shortName;
+        if (spec.values != 1 || !args.has(flag) || !shape->type.find(spec.longName)) continue;
+        Cell& cell = shape->cell(spec.longName);
         if (args.query()) {
             evaluate(cell);
             if (cell.attribute.numeric == NumericType::Bool) return static_cast<int>(cell.number());
             if (cell.attribute.type == AttributeType::Enum)
                 return cell.attribute.fieldName(static_cast<short>(cell.number())).value_or("");
-            return cell.number() / factor;
+            return toUi(cell.attribute, cell.number());
         }
         if (cell.attribute.type == AttributeType::Enum) {
             std::string field = args.text(flag);
@@ -146,18 +119,16 @@ Value camera(Call& call) {
             theScene().setNumber(cell, *index);
             continue;
         }
-        theScene().setNumber(cell, args.number(flag, 0) * factor);
+        theScene().setNumber(cell, fromUi(cell.attribute, args.number(flag, 0)));
     }
     for (const auto& [flag, attribute, factor] :
-         {CameraFlag{"p", "translate", lengthUnit()}, CameraFlag{"rot", "rotate", angleUnit()}}) {
+         {TripleFlag{"p", "translate", lengthUnit()}, TripleFlag{"rot", "rotate", angleUnit()}}) {
         if (!args.has(flag)) continue;
         if (args.query()) {
             const MVector v = tripleOf(*transform, attribute);
             return FloatArray{v.x / factor, v.y / factor, v.z / factor};
         }
-        setTriple(*transform, attribute,
-                  MVector(args.value(flag, 0).toFloat(), args.value(flag, 1).toFloat(), args.value(flag, 2).toFloat()) *
-                      factor);
+        setTriple(*transform, attribute, threeOf(args, flag) * factor);
     }
     if (args.query() && args.has("ar"))
         return shape->cell("horizontalFilmAperture").number() / shape->cell("verticalFilmAperture").number();
@@ -308,7 +279,7 @@ Value joint(Call& call) {
         setTriple(*node, "translate", local ? given : MVector(pointOf(given) * node->parentMatrix().inverse()));
     }
     for (const auto& [flag, attribute, unit] :
-         {CameraFlag{"o", "jointOrient", angleUnit()}, CameraFlag{"s", "scale", 1}}) {
+         {TripleFlag{"o", "jointOrient", angleUnit()}, TripleFlag{"s", "scale", 1}}) {
         if (!args.has(flag)) continue;
         if (args.query()) {
             const MVector v = tripleOf(*node, attribute) * (1 / unit);
