@@ -1,6 +1,7 @@
 #include <maya/MImage.h>
 
 #include "base/Messages.h"
+#include "kit/MessageSink.h"
 
 #include <gmock/gmock.h>
 
@@ -186,7 +187,7 @@ TEST_F(ImageFile, RefusalsNameTheReason) {
     const Bytes exr =
         joined(bytes(std::string("v/1\1\2\0\0\0", 8)), bytes(std::string("owner\0string\0\0\0\0\x7f", 17)));
     std::string told;
-    const auto before = host::Messages::instance().setSink([&](host::Severity, std::string_view t) { told = t; });
+    const orvo::test::MessageSink sink([&](host::Severity, std::string_view t) { told = t; });
     for (const auto& [file, reason] : {std::pair{write("list.mp4", ppm), "its name does not end as"},
                                        {write("x.png?a=b", ppm), "its name does not end as"},
                                        {write("plain", ppm), "its name does not end as"},
@@ -201,7 +202,6 @@ TEST_F(ImageFile, RefusalsNameTheReason) {
         EXPECT_EQ(image.readFromFile(file.c_str()), MStatus::kFailure) << file;
         EXPECT_THAT(told, testing::AllOf(testing::HasSubstr(file), testing::HasSubstr(reason)));
     }
-    host::Messages::instance().setSink(before);
 }
 
 // Fault: an impossible request is taken, or a refused write damages the file that is there.

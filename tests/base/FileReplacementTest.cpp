@@ -2,6 +2,7 @@
 #include "FailingCalls.h"
 
 #include "base/FileReplacement.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -39,26 +40,16 @@ const Files kEarlier{{"sky.atmos", "earlier scene"}, {"sky.cdata", "earlier data
 
 class Replacement : public testing::Test {
 protected:
-    void SetUp() override {
-        // In memory where there is such a place: hundreds of rounds would else wait for the disk.
-        const fs::path memory = "/dev/shm";
-        const fs::path place = access(memory.c_str(), W_OK) == 0 ? memory : fs::temp_directory_path();
-        std::string pattern = (place / "orvo-replacement-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(pattern.data()));
-        folder_ = pattern;
-    }
-    void TearDown() override { fs::remove_all(folder_); }
-
     void put(const Files& files) const {
-        for (const auto& e : fs::directory_iterator(folder_)) fs::remove_all(e.path());
+        for (const auto& e : fs::directory_iterator(folder_.path())) fs::remove_all(e.path());
         for (const auto& [name, text] : files) std::ofstream(folder_ / name, std::ios::binary) << text;
     }
     Files found() const {
         Files files;
-        for (const auto& e : fs::recursive_directory_iterator(folder_)) {
+        for (const auto& e : fs::recursive_directory_iterator(folder_.path())) {
             std::ostringstream text;
             if (!e.is_directory()) text << std::ifstream(e.path(), std::ios::binary).rdbuf();
-            files[e.path().lexically_relative(folder_).string()] = text.str();
+            files[e.path().lexically_relative(folder_.path()).string()] = text.str();
         }
         return files;
     }
@@ -81,7 +72,8 @@ protected:
         return text;
     }
 
-    fs::path folder_;
+    // In memory where there is such a place: hundreds of rounds would else wait for the disk.
+    const orvo::test::TemporaryFolder folder_{access("/dev/shm", W_OK) == 0 ? "/dev/shm" : fs::temp_directory_path()};
 };
 
 // Faults: an earlier file lost, half a pair, a temporary left or success pretended when any one call fails, be it one

@@ -1,5 +1,6 @@
 #include "CommandFixture.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -124,14 +125,14 @@ TEST_F(ReferenceTest, FilesThatIncludeThemselvesOrLieElsewhereAreKept) {
     EXPECT_THAT(errors, HasSubstr("includes itself: a.ma -> b.ma -> a.ma"));
     EXPECT_EQ(number("getAttr r1:r2:cup.tx"), 1);
 
-    const auto outside = std::filesystem::temp_directory_path() / ("orvo_outside_" + std::to_string(getpid()) + ".ma");
+    const orvo::test::TemporaryFolder elsewhere;
+    const auto outside = elsewhere / "outside.ma";
     std::filesystem::copy_file(project / "scenes/prop.ma", outside);
     std::filesystem::create_symlink(outside, project / "scenes/link.ma");
     std::filesystem::create_directory(project / "scenes/folder.ma");
     write("scenes/broken.ma", "//Maya ASCII 2011 scene\ncreateNode transform -n \"x");
     refer("bad.ma", {outside.string(), "link.ma", "../../../../etc/passwd", "folder.ma", "broken.ma", "prop.ma"});
     open("bad.ma");
-    std::filesystem::remove(outside);
     EXPECT_THAT(warnings, HasSubstr(outside.string() + ": lies outside of the project and of the scene's folder"));
     EXPECT_THAT(warnings, HasSubstr("link.ma: lies outside"));
     EXPECT_THAT(warnings, HasSubstr("folder.ma: cannot be found"));

@@ -3,6 +3,7 @@
 #include "files/MeshImport.h"
 #include "files/ModelMessage.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,13 +31,8 @@ using testing::HasSubstr;
 class ImportProcess : public testing::Test {
 protected:
     ImportProcess() { fs::create_directories(folder_ / "model"); }
-    ~ImportProcess() override { fs::remove_all(folder_); }
-    fs::path put(const std::string& name, const std::string& bytes) const {
-        std::ofstream(folder_ / name, std::ios::binary) << bytes;
-        return folder_ / name;
-    }
     fs::path script(const std::string& line) const {
-        const fs::path file = put("reader", "#!/bin/sh\n" + line + "\n");
+        const fs::path file = folder_.write("reader", "#!/bin/sh\n" + line + "\n");
         fs::permissions(file, fs::perms::owner_all);
         return file;
     }
@@ -48,7 +44,7 @@ protected:
             return e.what();
         }
     }
-    const fs::path folder_ = fs::temp_directory_path() / ("orvo_importer_" + std::to_string(getpid()));
+    const orvo::test::TemporaryFolder folder_;
 };
 
 // Faults: a reader that crashes, hangs or tells too much takes the host with it, keeps it waiting, or counts as a
@@ -107,7 +103,7 @@ TEST_F(ImportProcess, MemoryIsLimited) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "there is no limit with sanitizers";
 #endif
-    const fs::path file = put("large.fbx", "Kaydara FBX Binary  ");
+    const fs::path file = folder_.write("large.fbx", "Kaydara FBX Binary  ");
     fs::resize_file(file, std::uintmax_t{5} << 30);
     EXPECT_THAT(failure([&] { readModel(file); }), AllOf(HasSubstr("large.fbx"), HasSubstr("4 GiB of memory")));
 }
@@ -116,15 +112,16 @@ TEST_F(ImportProcess, MemoryIsLimited) {
 TEST_F(ImportProcess, ModelsReadTheirOwnFolder) {
     const std::string triangle(reinterpret_cast<const char*>(std::array<float, 9>{0, 0, 0, 1, 0, 0, 0, 1, 0}.data()),
                                36);
-    put("outside.bin", triangle);
-    put("model/beside.bin", triangle);
+    folder_.write("outside.bin", triangle);
+    folder_.write("model/beside.bin", triangle);
     fs::create_symlink(folder_ / "outside.bin", folder_ / "model/link.bin");
     const auto read = [&](const std::string& buffer) {
-        const fs::path file = put("model/a.gltf", R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],
+        const fs::path file =
+            folder_.write("model/a.gltf", R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],
             "nodes":[{"mesh":0}],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],
             "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}],
             "bufferViews":[{"buffer":0,"byteLength":36}],"buffers":[{"byteLength":36,"uri":")" +
-                                                      buffer + "\"}]}");
+                                              buffer + "\"}]}");
         return failure([&] { readModel(file); });
     };
     EXPECT_EQ(read("beside.bin"), "no error");

@@ -1,10 +1,9 @@
 #include "files/MeshImport.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -37,11 +36,8 @@ void replace(std::string& text, const std::string& from, const std::string& to) 
 /// Files of the test's own, removed at its end.
 class MeshImport : public testing::Test {
 protected:
-    MeshImport() { std::filesystem::create_directories(folder_); }
-    ~MeshImport() override { std::filesystem::remove_all(folder_); }
     std::string put(const std::string& name, const std::string& bytes) const {
-        std::ofstream(folder_ / name, std::ios::binary) << bytes;
-        return (folder_ / name).string();
+        return folder_.write(name, bytes).string();
     }
     ImportedModel read(const std::string& name, const std::string& bytes) const { return readModel(put(name, bytes)); }
     std::string failure(const std::string& name, const std::string& bytes) const {
@@ -54,8 +50,7 @@ protected:
     }
 
 private:
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("orvo_import_" + std::to_string(getpid()));
+    const orvo::test::TemporaryFolder folder_;
 };
 
 std::vector<int> list(std::span<const int> values) { return {values.begin(), values.end()}; }

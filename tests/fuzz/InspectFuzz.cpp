@@ -1,5 +1,6 @@
 #include "Failure.h"
 #include "inspect/InspectionText.h"
+#include "kit/TemporaryFolder.h"
 
 #include <nlohmann/json.hpp>
 
@@ -11,8 +12,6 @@
 #include <string>
 #include <string_view>
 
-#include <unistd.h>
-
 /// The inspection of any bytes: the text up to the first zero byte is the file, what follows it is the cloud data
 /// beside it; without a zero byte there are none. A file is refused with a message for people, or told of in full.
 namespace {
@@ -22,20 +21,6 @@ namespace fs = std::filesystem;
 void require(bool condition) {
     if (!condition) std::abort();
 }
-
-/// A folder of this process for the two files, removed at its end.
-struct Folder {
-    Folder() {
-        std::string pattern = (fs::temp_directory_path() / "orvosky-fuzz-XXXXXX").string();
-        require(mkdtemp(pattern.data()) != nullptr);
-        path = pattern;
-    }
-    ~Folder() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    fs::path path;
-};
 
 void write(const fs::path& path, std::string_view bytes) {
     std::ofstream out(path, std::ios::binary);
@@ -52,8 +37,8 @@ void requirePlain(std::string_view text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace orvosky::inspect;
-    static const Folder folder;
-    const fs::path scene = folder.path / "sky.atmos", vertices = folder.path / "sky.cdata";
+    static const orvo::test::TemporaryFolder folder;
+    const fs::path scene = folder / "sky.atmos", vertices = folder / "sky.cdata";
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     const std::size_t end = bytes.find('\0');
     write(scene, bytes.substr(0, end));

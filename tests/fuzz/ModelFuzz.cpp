@@ -2,6 +2,7 @@
 #include "files/ImportProcess.h"
 #include "files/MeshImport.h"
 #include "files/ModelMessage.h"
+#include "kit/TemporaryFolder.h"
 
 #include <chrono>
 #include <cstdint>
@@ -11,36 +12,16 @@
 #include <iterator>
 #include <string>
 
-#include <unistd.h>
-
 /// Any bytes as a model, read by the program that reads models. The first byte chooses the format: '0' OBJ, '1' glTF,
 /// '2' its binary form, '3' FBX. Whatever becomes of that program, the host has a model or a text of one line.
-namespace {
-
 namespace fs = std::filesystem;
-
-/// A folder of this process, removed at its end.
-struct Folder {
-    Folder() {
-        std::string pattern = (fs::temp_directory_path() / "orvosky-fuzz-XXXXXX").string();
-        if (!mkdtemp(pattern.data())) std::abort();
-        path = pattern;
-    }
-    ~Folder() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    fs::path path;
-};
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace host::files;
-    static const Folder folder;
+    static const orvo::test::TemporaryFolder folder;
     constexpr const char* endings[]{"obj", "gltf", "glb", "fbx"};
     if (size == 0) return 0;
-    const fs::path file = folder.path / (std::string("model.") + endings[data[0] % std::size(endings)]);
+    const fs::path file = folder / (std::string("model.") + endings[data[0] % std::size(endings)]);
     std::ofstream(file, std::ios::binary)
         .write(reinterpret_cast<const char*>(data) + 1, static_cast<std::streamsize>(size - 1));
     try {

@@ -13,8 +13,8 @@ namespace orvo::test {
 /// A new folder of the test's own. It is gone at the end, with all that is in it, whatever permissions the test took.
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "orvo-test-XXXXXX").string();
+    explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string pattern = (parent / "orvo-test-XXXXXX").string();
         if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder can be made");
         path_ = std::filesystem::canonical(pattern);
     }

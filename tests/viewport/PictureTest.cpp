@@ -1,5 +1,6 @@
 #include "viewport/Picture.h"
 
+#include "kit/TemporaryFolder.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -17,11 +18,11 @@ using testing::HasSubstr;
 
 class PictureTest : public testing::Test {
 protected:
-    PictureTest() { fs::create_directories(folder); }
-    ~PictureTest() override { fs::remove_all(folder); }
-    std::size_t entries() const { return std::distance(fs::directory_iterator(folder), fs::directory_iterator()); }
+    std::size_t entries() const {
+        return std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator());
+    }
 
-    const fs::path folder = fs::temp_directory_path() / ("picture-test-" + std::to_string(::getpid()));
+    const orvo::test::TemporaryFolder folder;
     std::string error;
 };
 

@@ -1,5 +1,6 @@
 #include "Common/ShaderProgram.h"
 
+#include "kit/TemporaryFolder.h"
 #include "viewport/GlContext.h"
 #include "viewport/OffscreenTarget.h"
 
@@ -8,8 +9,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <unistd.h>
-
 namespace {
 
 using namespace orvo;
@@ -72,10 +71,9 @@ TEST(ShaderProgramCalls, FromText) {
 
 // Fault: files found under another case refused, not compiled, or a missing one that leaves half a program.
 TEST(ShaderProgramCalls, FromFiles) {
-    const auto folder = std::filesystem::temp_directory_path() / ("shader-test-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
-    std::ofstream(folder / "Sky.vert") << "V";
-    std::ofstream(folder / "Sky.frag");
+    const orvo::test::TemporaryFolder folder;
+    folder.write("Sky.vert", "V");
+    folder.write("Sky.frag", "");
     Recorder driver;
     const GlFunctionsScope scope(driver.table());
     bool found = false;
@@ -94,7 +92,6 @@ TEST(ShaderProgramCalls, FromFiles) {
         EXPECT_EQ(program.vertexStage(), nullptr);
     }
     EXPECT_THAT(driver.take(), ElementsAre("createProgram", "deleteProgram 13"));
-    std::filesystem::remove_all(folder);
 }
 
 // Fault: a type that is no stage makes a GL object, or loses the value that stands in its place.

@@ -2,14 +2,13 @@
 
 #include "MessageLog.h"
 #include "Pictures.h"
+#include "kit/TemporaryFolder.h"
 #include "viewport/GlContext.h"
 
 #include <maya/MImage.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 namespace {
 
@@ -32,11 +31,7 @@ struct TexturesGl : testing::Test {
         ASSERT_TRUE(glAvailable(&error)) << error;
         fs::create_directories(folder / "sky.dds");
     }
-    void TearDown() override {
-        EXPECT_TRUE(!context || glGetError() == GL_NO_ERROR);
-        std::error_code code;
-        fs::remove_all(folder, code);
-    }
+    void TearDown() override { EXPECT_TRUE(!context || glGetError() == GL_NO_ERROR); }
     std::string copyOf(const std::string& name, const std::string& as, std::size_t size = SIZE_MAX) {
         const Bytes file = pictures::bytesOf(name);
         std::ofstream(folder / as, std::ios::binary)
@@ -45,7 +40,7 @@ struct TexturesGl : testing::Test {
         return (folder / as).string();
     }
     std::unique_ptr<GlContext> context;
-    const fs::path folder = fs::temp_directory_path() / ("textures-test-" + std::to_string(::getpid()));
+    const orvo::test::TemporaryFolder folder;
 };
 
 GLint levelValue(GLenum name, GLint level = 0) {
