@@ -2,24 +2,15 @@
 
 #include "Failure.h"
 
+#include "base/NumberText.h"
 #include "base/Units.h"
 #include "commands/Host.h"
 #include "scene/Scene.h"
 
-#include <charconv>
 #include <cstdint>
 
 namespace orvosky {
 namespace {
-
-/// Takes a whole number off the front of the text.
-std::optional<int> takeNumber(std::string_view& text) {
-    int number = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (read.ec != std::errc()) return std::nullopt;
-    text.remove_prefix(static_cast<std::size_t>(read.ptr - text.data()));
-    return number;
-}
 
 bool takeSign(std::string_view& text, char sign) {
     if (text.empty() || text.front() != sign) return false;
@@ -30,15 +21,15 @@ bool takeSign(std::string_view& text, char sign) {
 /// Nothing for a text that does not read as frames at all.
 std::optional<FrameRange> tryReadFrames(std::string_view text) {
     FrameRange range;
-    const auto first = takeNumber(text);
+    const auto first = host::takeInt(text);
     if (!first) return std::nullopt;
     range.first = range.last = *first;
     if (takeSign(text, '-')) {
-        const auto last = takeNumber(text);
+        const auto last = host::takeInt(text);
         if (!last) return std::nullopt;
         range.last = *last;
         if (takeSign(text, 'x')) {
-            const auto step = takeNumber(text);
+            const auto step = host::takeInt(text);
             if (!step) return std::nullopt;
             range.step = *step;
         }

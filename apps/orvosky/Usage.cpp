@@ -3,11 +3,11 @@
 #include "Failure.h"
 
 #include "base/Messages.h"
+#include "base/NumberText.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <numeric>
 
@@ -143,16 +143,20 @@ std::string nearest(const std::string& written, std::span<const std::string> kno
 }
 
 bool readNumbers(const std::string& text, char separator, std::span<double> numbers) {
-    const char* at = text.data();
-    const char* const end = at + text.size();
+    std::string_view rest = text;
+    const auto skip = [&](char c) {
+        const bool there = rest.starts_with(c);
+        if (there) rest.remove_prefix(1);
+        return there;
+    };
     for (std::size_t i = 0; i < numbers.size(); ++i) {
-        if (i > 0 && (at == end || *at++ != separator)) return false;
-        if (at != end && *at == '+') ++at;
-        const auto read = std::from_chars(at, end, numbers[i]);
-        if (read.ec != std::errc() || !std::isfinite(numbers[i])) return false;
-        at = read.ptr;
+        if (i > 0 && !skip(separator)) return false;
+        skip('+');
+        const auto number = host::takeDouble(rest);
+        if (!number || !std::isfinite(*number)) return false;
+        numbers[i] = *number;
     }
-    return at == end;
+    return rest.empty();
 }
 
 } // namespace orvosky

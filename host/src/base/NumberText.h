@@ -1,5 +1,6 @@
 #pragma once
 
+#include <charconv>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -19,6 +20,10 @@ struct ReadNumber {
     std::size_t length = 0; ///< bytes, leading blanks included; 0 when the text begins with no number
 };
 
+/// std::from_chars, but a number out of range is held to it: infinity when too large, 0 when too small.
+std::from_chars_result heldFromChars(const char* first, const char* last, double& value);
+std::from_chars_result heldFromChars(const char* first, const char* last, float& value);
+
 /// Reads a decimal number in the C locale's form. What is too large gives infinity, what is too small 0. Names such as
 /// "inf" and "nan", and hexadecimal forms, are not numbers.
 ReadNumber readNumber(std::string_view text);
@@ -31,6 +36,11 @@ struct ReadWhole {
 };
 
 ReadWhole readWhole(std::string_view text);
+
+/// Takes the number that a text begins with off its front, without blanks or a plus sign before it. Nothing, and the
+/// text as it was, when there is none or it is out of range.
+std::optional<int> takeInt(std::string_view& text);
+std::optional<double> takeDouble(std::string_view& text);
 
 /// The int that fills the whole text, without blanks or a plus sign.
 std::optional<int> readInt(std::string_view text);

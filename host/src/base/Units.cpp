@@ -1,7 +1,8 @@
 #include "base/Units.h"
 
+#include "base/NumberText.h"
+
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <numbers>
 
@@ -119,10 +120,8 @@ std::optional<AngularUnit> angularUnitNamed(std::string_view name) {
 std::optional<TimeUnit> timeUnitNamed(std::string_view name) {
     for (const TimeEntry& entry : timeUnits)
         if (!name.empty() && (name == entry.name || name == entry.longName)) return TimeUnit{entry.ticks};
-    int rate = 0;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), rate);
-    const std::string_view rest(end, static_cast<std::size_t>(name.data() + name.size() - end));
-    if (error != std::errc() || rest != "fps" || rate < 1 || ticksPerSecond % rate != 0) return std::nullopt;
+    const int rate = takeInt(name).value_or(0);
+    if (name != "fps" || rate < 1 || ticksPerSecond % rate != 0) return std::nullopt;
     return TimeUnit{static_cast<double>(ticksPerSecond / rate)};
 }
 

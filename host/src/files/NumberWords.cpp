@@ -1,5 +1,7 @@
 #include "files/NumberWords.h"
 
+#include "base/NumberText.h"
+
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -12,17 +14,8 @@ std::optional<T> parse(std::string_view word) {
     if (word.size() > 1 && word[0] == '+' && word[1] != '-') word.remove_prefix(1);
     T value = 0;
     const char* last = word.data() + word.size();
-    const auto [end, error] = std::from_chars(word.data(), last, value);
-    if (end == last && error == std::errc() && !word.empty()) return value;
-    if (end == last && error == std::errc::result_out_of_range) {
-        const bool negative = word.front() == '-';
-        if (negative) word.remove_prefix(1);
-        const bool tiny = word.find("e-") != word.npos || word.find("E-") != word.npos || word.front() == '.' ||
-                          word.starts_with("0.");
-        value = tiny ? T(0) : std::numeric_limits<T>::infinity();
-        return negative ? -value : value;
-    }
-    return std::nullopt;
+    const auto [end, error] = heldFromChars(word.data(), last, value);
+    return end == last && error == std::errc() ? std::optional(value) : std::nullopt;
 }
 
 /// "1.#INF", "-1.#IND", "1.#QNAN0" and their like.

@@ -1,5 +1,6 @@
 #include "files/SceneWriter.h"
 
+#include "base/NumberText.h"
 #include "base/TextFile.h"
 #include "files/AttributeWriter.h"
 #include "files/ReferenceEdits.h"
@@ -7,7 +8,6 @@
 #include "scene/References.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <unordered_set>
 
@@ -250,9 +250,8 @@ void Writing::collectEdits() {
         for (const KeptConnection& kept : scene_.keptConnections)
             for (const std::string* side : {&kept.sourceText, &kept.destinationText})
                 if (const auto at = side->find("phl["); at != side->npos) {
-                    int number = 0;
-                    std::from_chars(side->data() + at + 4, side->data() + side->size(), number);
-                    used = std::max(used, number);
+                    std::string_view number = std::string_view(*side).substr(at + 4);
+                    used = std::max(used, takeInt(number).value_or(0));
                 }
     }
     for (const auto& reference : references.all())

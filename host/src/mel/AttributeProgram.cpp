@@ -1,12 +1,12 @@
 #include "mel/AttributeProgram.h"
 
+#include "base/NumberText.h"
 #include "mel/Execution.h"
 #include "mel/Lexer.h"
 #include "mel/Numbers.h"
 #include "mel/Parser.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <optional>
 #include <set>
@@ -158,12 +158,12 @@ struct Slot {
 
 std::optional<Slot> slotOf(std::string_view word) {
     if (!word.starts_with(".I[") && !word.starts_with(".O[")) return std::nullopt;
-    Slot slot{word[1] == 'O', 0};
-    const char* last = word.data() + word.size() - 1;
-    const auto [end, error] = std::from_chars(word.data() + 3, last, slot.number);
+    const bool isOutput = word[1] == 'O';
+    word.remove_prefix(3);
+    const auto number = takeInt(word);
     constexpr int most = 1 << 20;
-    if (error != std::errc() || end != last || *last != ']' || slot.number > most) return std::nullopt;
-    return slot;
+    if (!number || word != "]" || *number > most) return std::nullopt;
+    return Slot{isOutput, *number};
 }
 
 } // namespace

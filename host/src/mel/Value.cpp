@@ -1,7 +1,9 @@
 #include "mel/Value.h"
 
+#include "base/NumberText.h"
 #include "mel/Numbers.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <climits>
@@ -21,6 +23,19 @@ Out mapped(const In& in, F f) {
 }
 
 double length(const Vector& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
+
+/// "-0x1F": bits of an int.
+std::optional<NumberPrefix> hexadecimalPrefix(std::string_view text) {
+    std::size_t at = std::min(text.find_first_not_of(kSpace), text.size());
+    const bool negative = text.substr(at, 1) == "-";
+    if (negative || text.substr(at, 1) == "+") ++at;
+    if (const auto mark = text.substr(at, 2); mark != "0x" && mark != "0X") return std::nullopt;
+    unsigned bits = 0;
+    const auto [last, status] = std::from_chars(text.data() + at + 2, text.data() + text.size(), bits, 16);
+    if (status != std::errc()) return std::nullopt;
+    const double v = static_cast<int>(bits);
+    return NumberPrefix{negative ? -v : v, static_cast<std::size_t>(last - text.data()), true};
+}
 
 std::string text(const Vector& v) { return formatFloat(v.x) + ' ' + formatFloat(v.y) + ' ' + formatFloat(v.z); }
 
@@ -56,34 +71,12 @@ std::string formatFloat(double v) {
 }
 
 std::optional<NumberPrefix> numberPrefix(std::string_view text) {
-    std::size_t at = text.find_first_not_of(kSpace);
-    if (at == std::string_view::npos) return std::nullopt;
-    bool negative = text[at] == '-';
-    if (text[at] == '-' || text[at] == '+') ++at;
-    if (at == text.size() || text[at] == '-' || text[at] == '+') return std::nullopt;
-    const char* begin = text.data() + at;
-    const char* end = text.data() + text.size();
-    if (end - begin > 2 && begin[0] == '0' && (begin[1] == 'x' || begin[1] == 'X')) {
-        unsigned bits = 0;
-        auto [last, status] = std::from_chars(begin + 2, end, bits, 16);
-        if (status == std::errc()) {
-            const double v = static_cast<int>(bits);
-            return NumberPrefix{negative ? -v : v, static_cast<std::size_t>(last - text.data()), true};
-        }
-    }
-    if (*begin != '.' && (*begin < '0' || *begin > '9')) return std::nullopt;
-    double v = 0;
-    auto [last, status] = std::from_chars(begin, end, v);
-    if (status == std::errc::invalid_argument) return std::nullopt;
-    const std::string_view digits(begin, static_cast<std::size_t>(last - begin));
-    if (status == std::errc::result_out_of_range) {
-        const std::size_t exponent = digits.find_first_of("eE");
-        const bool tiny = exponent != std::string_view::npos ? digits.find('-', exponent) != std::string_view::npos
-                                                             : digits.front() == '.' || digits.front() == '0';
-        v = tiny ? 0.0 : HUGE_VAL;
-    }
-    const bool whole = digits.find_first_of(".eE") == std::string_view::npos && v <= INT_MAX;
-    return NumberPrefix{negative ? -v : v, static_cast<std::size_t>(last - text.data()), whole};
+    if (const auto hexadecimal = hexadecimalPrefix(text)) return hexadecimal;
+    const ReadNumber read = readNumber(text);
+    if (read.length == 0) return std::nullopt;
+    const bool whole =
+        text.substr(0, read.length).find_first_of(".eE") == std::string_view::npos && std::abs(read.value) <= INT_MAX;
+    return NumberPrefix{read.value, read.length, whole};
 }
 
 double leadingNumber(std::string_view text) {

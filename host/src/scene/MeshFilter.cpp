@@ -1,11 +1,11 @@
 #include "scene/MeshFilter.h"
 
+#include "base/NumberText.h"
 #include "mesh/PolyMesh.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <numbers>
 
@@ -58,18 +58,17 @@ std::vector<bool> listed(const std::vector<std::string>& components, char kind, 
     std::vector<bool> in(static_cast<std::size_t>(count));
     for (const std::string& text : components) {
         if (text.size() < 4 || text[0] != kind || text[1] != '[' || text.back() != ']') continue;
-        int first = 0, last = count - 1;
-        const char *at = text.data() + 2, *end = text.data() + text.size() - 1;
-        if (*at != '*') {
-            auto [behind, bad] = std::from_chars(at, end, first);
-            last = first;
-            if (bad == std::errc() && behind != end && *behind == ':') {
-                last = count - 1;
-                if (behind[1] != '*') bad = std::from_chars(behind + 1, end, last).ec;
+        std::string_view range = std::string_view(text).substr(2, text.size() - 3);
+        std::optional<int> first = 0, last = count - 1;
+        if (!range.starts_with('*')) {
+            first = last = takeInt(range);
+            if (range.starts_with(':')) {
+                range.remove_prefix(1);
+                last = range.starts_with('*') ? count - 1 : takeInt(range);
             }
-            if (bad != std::errc()) continue;
+            if (!first || !last) continue;
         }
-        for (int i = std::max(first, 0); i <= std::min(last, count - 1); ++i) in[static_cast<std::size_t>(i)] = true;
+        for (int i = std::max(*first, 0); i <= std::min(*last, count - 1); ++i) in[static_cast<std::size_t>(i)] = true;
     }
     return in;
 }

@@ -1,11 +1,11 @@
 #include "api/px/ArgParsing.h"
 
 #include "api/px/ArgListAccess.h"
+#include "base/NumberText.h"
 #include "values/Text.h"
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -63,11 +63,9 @@ bool isTruth(const std::string& text) {
     return std::any_of(std::begin(known), std::end(known), [&](const char* word) { return text == word; });
 }
 
-std::optional<double> wholeNumber(const std::string& text) {
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
+std::optional<double> wholeNumber(std::string_view text) {
+    const auto value = takeDouble(text);
+    return text.empty() ? value : std::nullopt;
 }
 
 const char* kindOf(MSyntax::MArgType type) {
