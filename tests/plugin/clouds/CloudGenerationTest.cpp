@@ -99,6 +99,8 @@ std::vector<Case> cases() {
         all.push_back({"a density beyond bounds", randomCloud(6, 20), 3e4});
         all.back().cloud.set.spheres[2].density = bad;
     }
+    all.push_back({"shapes that reach beyond the bounds", randomCloud(20, 22)});
+    all.back().cloud.set.boundRadius *= 0.5;
     all.push_back({"far from the origin", randomCloud(20, 21)});
     for (CloudShapeSphere& sphere : all.back().cloud.set.spheres)
         sphere.transform = MatrixMultiply(translationMatrix({-3e9, 0, 2e9}), sphere.transform);
