@@ -112,6 +112,7 @@ private:
     Move move_ = Move::None;
     QPointF last_, pressed_;
     bool stale_ = true, moving_ = false, clicking_ = false;
+    bool wanted_ = false; ///< whether what was drawn asked for another frame
     int divisor_ = 1, frames_ = 0;
     double fullCost_ = 0; ///< of a frame with all pixels, in milliseconds, as the last frames let one think
     QTimer rest_;

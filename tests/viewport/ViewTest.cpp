@@ -50,7 +50,8 @@ TEST_F(ViewTest, FailsWhenItsViewIsClosed) {
          {kept.beginGL(), kept.endGL(), kept.getCamera(path), kept.setCamera(path), kept.refresh(true),
           kept.projectionMatrix(m), kept.modelViewMatrix(m), kept.viewToWorld(1, 1, p, q), kept.popViewport(),
           kept.pushViewport(0, 0, 1, 1), kept.viewport(side, side, side, side), kept.setDrawColor(MColor()),
-          kept.colorMask(mask, mask, mask, mask), kept.drawText("a", p), kept.updateViewingParameters()})
+          kept.colorMask(mask, mask, mask, mask), kept.drawText("a", p), kept.updateViewingParameters(),
+          kept.scheduleRefresh()})
         EXPECT_EQ(s, MStatus(MStatus::kFailure));
     EXPECT_EQ(M3dView::numberOf3dViews(), 0u);
     M3dView::active3dView(&status);
@@ -104,6 +105,18 @@ TEST_F(ViewTest, BeginsAndEndsNest) {
     EXPECT_EQ(view->picture().at(7, 7)[2], 255);
     EXPECT_TRUE(api.refresh());
     EXPECT_EQ(view->picture().at(7, 7)[2], 0);
+}
+
+// Fault: a draw is promised another one that nobody makes, or who watches the view does not hear of the wish.
+TEST_F(ViewTest, AsksWhoWatchesForAnotherDraw) {
+    open();
+    if (IsSkipped()) return;
+    M3dView api = host::api::Access::view(view->serial());
+    EXPECT_FALSE(api.scheduleRefresh());
+    int asked = 0;
+    view->setRefresher([&] { ++asked; });
+    EXPECT_TRUE(api.scheduleRefresh());
+    EXPECT_EQ(asked, 1);
 }
 
 // Fault: the matrices that a plug-in is told are not those that it draws with, or are transposed.

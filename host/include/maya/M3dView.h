@@ -129,6 +129,9 @@ public:
     static MColor backgroundColor(MStatus* ReturnStatus = NULL);
     /// Draws the view anew (or, with `all`, every view) before it returns; not from within a draw.
     MStatus refresh(bool all = false, bool force = false);
+    /// Has the view drawn anew when nothing else is to be done; allowed within a draw. kFailure where nobody watches
+    /// the view, as in the program's pictures: then no draw follows by itself.
+    MStatus scheduleRefresh();
     /// @}
 
     /// @name Camera and spaces

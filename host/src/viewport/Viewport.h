@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -89,6 +90,14 @@ public:
     /// are reported as messages that name the node, and the picture lacks them. False, with a text in `error`, when
     /// given, without a camera, with a camera that has no view volume, from within a draw, or when GL itself fails.
     bool render(std::string* error = nullptr);
+    /// Says how somebody who watches the view draws it anew; the call may come from within a draw, and only takes
+    /// note. Empty, as at first: nobody watches.
+    void setRefresher(std::function<void()> refresher) { refresher_ = std::move(refresher); }
+    /// Asks for another draw. False when nobody watches.
+    bool scheduleRefresh() {
+        if (refresher_) refresher_();
+        return static_cast<bool>(refresher_);
+    }
     /// What was drawn last, as opaque RGB; black before the first frame.
     Picture picture();
     /// Shows what was drawn last in another framebuffer of the view's context, which is current; interpolated where
@@ -138,6 +147,7 @@ private:
     std::array<float, 4> background_{0, 0, 0, 1};
     std::optional<MVector> headlight_;
     std::optional<PicturePart> part_;
+    std::function<void()> refresher_;
     std::vector<PortRect> ports_;
     std::vector<MatrixKeeper> begun_;
     bool drawing_ = false;

@@ -211,6 +211,11 @@ MColor M3dView::backgroundColor(MStatus* ReturnStatus) {
     return MColor();
 }
 
+MStatus M3dView::scheduleRefresh() {
+    Viewport* view = Viewport::find(serial_);
+    return done(view && view->scheduleRefresh());
+}
+
 MStatus M3dView::refresh(bool all, bool) {
     Viewport* own = Viewport::find(serial_);
     if (!own) return MStatus::kFailure;
