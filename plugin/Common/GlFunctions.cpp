@@ -69,6 +69,13 @@ std::string loadDriver(GlFunctions& table) {
     take(table.uniformMatrix2fv, glUniformMatrix2fv);
     take(table.uniformMatrix3fv, glUniformMatrix3fv);
     take(table.uniformMatrix4fv, glUniformMatrix4fv);
+    if (glGenBuffers && glDeleteBuffers && glBindBuffer && glBufferData && glBufferSubData) {
+        take(table.genBuffers, glGenBuffers);
+        take(table.deleteBuffers, glDeleteBuffers);
+        take(table.bindBuffer, glBindBuffer);
+        take(table.bufferData, glBufferData);
+        take(table.bufferSubData, glBufferSubData);
+    }
     take(table.activeTexture, glActiveTexture);
     take(table.compressedTexImage2D, glCompressedTexImage2D);
     table.getIntegerv = [](GLenum name, GLint* values) { glGetIntegerv(name, values); };
@@ -283,6 +290,11 @@ bool glAvailable(std::string* reason) {
     if (driverTable(problem).resolved && !glGetString(GL_VERSION)) problem = "No OpenGL context is current";
     if (reason) *reason = problem;
     return problem.empty();
+}
+
+void forgetGlErrors() {
+    // Bounded: a lost context may go on for ever.
+    for (int i = 0; i < 64 && glGetError() != GL_NO_ERROR; ++i) {}
 }
 
 GlFunctionsScope::GlFunctionsScope(GlFunctions table) : table_(std::move(table)), previous_(substitute) {

@@ -76,6 +76,15 @@ struct GlFunctions {
     GlEntry<void(GLint location, GLsizei count, GLboolean transpose, const GLfloat*values)> uniformMatrix2fv,
         uniformMatrix3fv, uniformMatrix4fv;
 
+    /// @name Buffer objects, of version 1.5; a driver may lack them. genBuffers then makes no names.
+    /// @{
+    GlEntry<void(GLsizei count, GLuint* names)> genBuffers;
+    GlEntry<void(GLsizei count, const GLuint* names)> deleteBuffers;
+    GlEntry<void(GLenum target, GLuint name)> bindBuffer;
+    GlEntry<void(GLenum target, GLsizeiptr bytes, const void* data, GLenum usage)> bufferData;
+    GlEntry<void(GLenum target, GLintptr offset, GLsizeiptr bytes, const void* data)> bufferSubData;
+    /// @}
+
     GlEntry<void(GLenum unit)> activeTexture;
     GlEntry<void(GLenum target, GLint level, GLenum format, GLsizei width, GLsizei height, GLint border, GLsizei bytes,
                  const void* data)>
@@ -89,8 +98,12 @@ struct GlFunctions {
 /// OpenGL 2.0 or later current. Before that every entry does nothing and answers zero (locations: -1).
 const GlFunctions& gl();
 
-/// Whether the calling thread has a context with all the entry points. When not, `reason`, when given, tells why.
+/// Whether the calling thread has a context with all the entry points, but for those that a driver may lack. When not,
+/// `reason`, when given, tells why.
 bool glAvailable(std::string* reason = nullptr);
+
+/// Takes the errors that others left behind, which say nothing about what comes next.
+void forgetGlErrors();
 
 /// `driver` with a link that behaves alike on every driver. Some link stages that were not compiled, and leave the
 /// validate status true and the info log empty when all is well; others refuse such stages, validate only when asked

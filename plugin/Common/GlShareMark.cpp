@@ -38,10 +38,24 @@ std::shared_ptr<const GlShareMark> GlShareMark::ofCurrentContext() {
 GlShareMark::GlShareMark(std::string text) : text_(std::move(text)) { shader_.setSource(text_); }
 
 GlShareMark::~GlShareMark() {
-    if (isCurrent()) gl().deleteShader(shader_.handle);
+    if (isCurrent()) {
+        sweep();
+        gl().deleteShader(shader_.handle);
+    }
     liveMarks();
 }
 
 bool GlShareMark::isCurrent() const { return gl().isShader(shader_.handle) && shader_.source() == text_; }
+
+void GlShareMark::deleteBuffer(GLuint name) const {
+    doomedBuffers_.push_back(name);
+    if (isCurrent()) sweep();
+}
+
+void GlShareMark::sweep() const {
+    if (doomedBuffers_.empty()) return;
+    gl().deleteBuffers(static_cast<GLsizei>(doomedBuffers_.size()), doomedBuffers_.data());
+    doomedBuffers_.clear();
+}
 
 } // namespace orvo

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace orvo {
 
@@ -26,11 +27,18 @@ public:
     /// Whether the current context sees what was made beside the mark.
     bool isCurrent() const;
 
+    /// Deletes a buffer object that was made beside the mark: at once, or, when its context is not current, at the next
+    /// sweep(). Where the mark ends before, the buffer lasts as long as its context.
+    void deleteBuffer(GLuint name) const;
+    /// Deletes what had to wait. Only while the mark is current.
+    void sweep() const;
+
 private:
     explicit GlShareMark(std::string text);
 
     ShaderStage shader_{GL_VERTEX_SHADER};
     std::string text_;
+    mutable std::vector<GLuint> doomedBuffers_;
 };
 
 } // namespace orvo

@@ -16,6 +16,9 @@ GlStateScope::~GlStateScope() {
     glPopMatrix();
 }
 
+GlArrayScope::GlArrayScope() { glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT); }
+GlArrayScope::~GlArrayScope() { glPopClientAttrib(); }
+
 GlMatrixScope::GlMatrixScope(const Matrix44& matrix) {
     glPushMatrix();
     glMultMatrixd(&matrix.m[0][0]);

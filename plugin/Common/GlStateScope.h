@@ -14,6 +14,15 @@ public:
     GlStateScope& operator=(const GlStateScope&) = delete;
 };
 
+/// Keeps the vertex arrays and the bound buffers in the same way.
+class GlArrayScope {
+public:
+    GlArrayScope();
+    ~GlArrayScope();
+    GlArrayScope(const GlArrayScope&) = delete;
+    GlArrayScope& operator=(const GlArrayScope&) = delete;
+};
+
 /// Pushes the current matrix multiplied by another one, for the length of the scope.
 class GlMatrixScope {
 public:

@@ -47,11 +47,6 @@ private:
                                      Setting{GL_UNPACK_SWAP_BYTES}};
 };
 
-/// Errors that others left behind say nothing about an upload. Bounded: a lost context may go on for ever.
-void forgetErrors() {
-    for (int i = 0; i < 64 && glGetError() != GL_NO_ERROR; ++i) {}
-}
-
 void setParameter(GLenum target, GLenum name, GLenum value) {
     glTexParameteri(target, name, static_cast<GLint>(value));
 }
@@ -79,7 +74,7 @@ bool upload2D(TextureHandle& handle, const void* pixels, std::uint64_t bytes, co
               const Put& put) {
     handle.release();
     if (!pixels) return false;
-    forgetErrors();
+    forgetGlErrors();
     if (!handle.generate(bytesWithLevels(bytes, sampling.mipmaps))) return false;
     glBindTexture(GL_TEXTURE_2D, handle.name());
     const GLenum filter = sampling.linear ? GL_LINEAR : GL_NEAREST;
@@ -266,7 +261,7 @@ bool uploadCubeMap(TextureHandle& handle, int size, const std::array<const void*
                    int byteSize) {
     handle.release();
     if (std::find(faces.begin(), faces.end(), nullptr) != faces.end()) return false;
-    forgetErrors();
+    forgetGlErrors();
     if (!handle.generate(faces.size() * bytesOf(size, size, format, byteSize))) return false;
     glBindTexture(GL_TEXTURE_CUBE_MAP, handle.name());
     for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})

@@ -5,7 +5,7 @@
 #include "SkyTool/skies/ViewQuad.h"
 
 #include <algorithm>
-#include <numeric>
+#include <array>
 #include <vector>
 
 namespace orvo {
@@ -35,64 +35,46 @@ bool loadSprite(TextureHandle& texture, const std::string& path) {
     return loadTextureRgba(texture, path, false, false, true);
 }
 
-/// The vertex arrays of a cloud, enabled while it is drawn.
-class VertexArrays {
-public:
-    explicit VertexArrays(const ShaderProgram& program) : program_(program) {}
-    ~VertexArrays() {
-        for (const GLuint location : enabled_) gl().disableVertexAttribArray(location);
-    }
-    VertexArrays(const VertexArrays&) = delete;
-    VertexArrays& operator=(const VertexArrays&) = delete;
-    void add(const char* name, int components, const std::vector<float>& values) {
-        const GLint location = gl().getAttribLocation(program_.handle(), name);
-        if (location == -1 || values.empty()) return;
-        enabled_.push_back(static_cast<GLuint>(location));
-        gl().enableVertexAttribArray(enabled_.back());
-        gl().vertexAttribPointer(enabled_.back(), components, GL_FLOAT, GL_FALSE, 0, values.data());
-    }
-
-private:
-    const ShaderProgram& program_;
-    std::vector<GLuint> enabled_;
+/// A vertex attribute of the cloud programs, and where a geometry has its values.
+struct SpriteAttribute {
+    const char* name;
+    GLint components;
+    const std::vector<float> ParticleCloudGeom::*values;
 };
+constexpr SpriteAttribute attributes[] = {{"in_pos", 3, &ParticleCloudGeom::positions},
+                                          {"in_rand", 1, &ParticleCloudGeom::randoms},
+                                          {"in_uvcoord", 2, &ParticleCloudGeom::uvCoords},
+                                          {"in_opacity", 1, &ParticleCloudGeom::opacities},
+                                          {"in_shadowCubeData0", 4, &ParticleCloudGeom::shadowCube0},
+                                          {"in_shadowCubeData1", 4, &ParticleCloudGeom::shadowCube1}};
 
-/// The vertices of all sprites, the sprite farthest from the eye first; sprites at one distance keep their order.
-std::vector<GLuint> verticesBackToFront(const ParticleCloudGeom& geom, const Vector3& eye) {
-    std::vector<std::pair<double, GLuint>> sprites(static_cast<std::size_t>(geom.numSprites));
-    for (std::size_t i = 0; i < sprites.size(); ++i) {
-        const float* p = &geom.positions[i * 12];
-        const Vector3 toSprite = Vector3{p[0], p[1], p[2]} - eye;
-        sprites[i] = {-dot(toSprite, toSprite), static_cast<GLuint>(i)};
-    }
-    std::sort(sprites.begin(), sprites.end());
-    std::vector<GLuint> vertices;
-    vertices.reserve(sprites.size() * 4);
-    for (const auto& [distance, sprite] : sprites)
-        for (GLuint corner = 0; corner < 4; ++corner) vertices.push_back(sprite * 4 + corner);
-    return vertices;
+bool uploadVertices(GlBuffer& buffer, const std::shared_ptr<const GlShareMark>& context,
+                    const ParticleCloudGeom& geom) {
+    std::array<std::span<const std::byte>, std::size(attributes)> parts;
+    std::transform(std::begin(attributes), std::end(attributes), parts.begin(),
+                   [&](const SpriteAttribute& a) { return std::as_bytes(std::span(geom.*a.values)); });
+    return buffer.fill(context, GL_ARRAY_BUFFER, GL_STATIC_DRAW, parts);
 }
 
-/// What the vertex stage reads.
-void setVertexUniforms(ShaderProgram& program, const CloudToDraw& cloud, const CloudShadingParams& shading,
-                       const Vector3& eyePoint) {
-    const CloudSettings& s = cloud.settings;
+/// What the vertex stage reads, the same for all clouds of a node.
+void setVertexUniforms(ShaderProgram& program, const CloudShadingParams& shading, const Vector3& eyePoint) {
     setUniform(program, "eyePoint", eyePoint);
-    setUniform(program, "spriteSize", s.spriteSize * 100.0);
     setUniform(program, "sunDir", shading.sunDir);
-    setUniform(program, "cloudCenter", cloud.setCentre);
-    setUniform(program, "domeoffset", cloud.domeOffset);
-    setUniform(program, "domeopacity", cloud.opacity);
     setUniform(program, "sunShadowAmount", shading.sunShadowAmount);
     setUniform(program, "groundShadowAmount", shading.groundShadowAmount);
+    setUniform(program, "selfShadowAmount", shading.selfShadowAmount);
+    // The optical depth is in metres of full cloud; the falloff holds for a hundred of them, as in exported data.
+    setUniform(program, "selfShadowFalloff", shading.selfShadowFalloff / 100.0);
+}
+
+/// The same for one of them.
+void setSettingUniforms(ShaderProgram& program, const CloudSettings& s) {
+    setUniform(program, "spriteSize", s.spriteSize * 100.0);
     setUniform(program, "groundShadowOffset", s.groundShadowOffset * 100.0);
     // A fade that is off still goes through smoothstep, which wants its edges apart.
     setUniform(program, "enableGroundFade", s.enableGroundFade ? 1.0 : 0.0);
     setUniform(program, "groundFadeStart", s.enableGroundFade ? s.groundFadeStart * 100.0 : 1.0);
     setUniform(program, "groundFadeEnd", s.enableGroundFade ? s.groundFadeEnd * 100.0 : 0.0);
-    setUniform(program, "selfShadowAmount", shading.selfShadowAmount);
-    // The optical depth is in metres of full cloud; the falloff holds for a hundred of them, as in exported data.
-    setUniform(program, "selfShadowFalloff", shading.selfShadowFalloff / 100.0);
 }
 
 /// What the pixel stage reads.
@@ -109,11 +91,10 @@ void setPixelUniforms(ShaderProgram& program, const CloudShadingParams& shading)
     setUniform(program, "wireFrame", 0.0);
 }
 
-void setState(const CloudToDraw& cloud) {
+void setState() {
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);
-    cloud.depthTest ? glEnable(GL_DEPTH_TEST) : glDisable(GL_DEPTH_TEST);
     glDisable(GL_ALPHA_TEST);
     glDisable(GL_LIGHTING);
     glDisable(GL_CULL_FACE);
@@ -121,7 +102,145 @@ void setState(const CloudToDraw& cloud) {
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
 }
 
+/// Puts numbers into uniforms whose locations are known.
+void setUniform(const ShaderProgram& program, std::int32_t location, const Vector3& v) {
+    program.setUniformF(location, static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z));
+}
+
 } // namespace
+
+/// The drawing of some clouds: from cloud to cloud only what differs is set.
+class CloudSpriteRenderer::Batch {
+public:
+    Batch(CloudSpriteRenderer& renderer, const CloudShadingParams& shading, const Vector3& eyePoint,
+          const std::function<bool()>& mayLag)
+        : renderer_(renderer), shading_(shading), eyePoint_(eyePoint), mayLag_(mayLag),
+          context_(GlShareMark::ofCurrentContext()) {
+        if (context_) context_->sweep();
+        setState();
+        gl().activeTexture(GL_TEXTURE0);
+        glBindTexture(GL_TEXTURE_2D, renderer.texture_->name());
+        disableClientArrays();
+    }
+    ~Batch() {
+        disableArrays();
+        ShaderProgram::unbind();
+    }
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+    void draw(const CloudToDraw& cloud) {
+        if (cloud.geom.numSprites <= 0) return;
+        const bool withShadow = !cloud.geom.shadowCube0.empty() && shading_.enableSelfShadow;
+        ShaderProgram* program =
+            withShadow ? renderer_.shadowCube_.get(shadowCubeShaders) : renderer_.fixedDir_.get(fixedDirShaders);
+        if (!program) return;
+        if (program != program_) use(*program);
+        if (depthTest_ != cloud.depthTest) {
+            depthTest_ = cloud.depthTest;
+            cloud.depthTest ? glEnable(GL_DEPTH_TEST) : glDisable(GL_DEPTH_TEST);
+        }
+        if (settings_ != cloud.settings) {
+            settings_ = cloud.settings;
+            setSettingUniforms(*program, cloud.settings);
+        }
+        setUniform(*program, centreLocation_, cloud.setCentre);
+        setUniform(*program, offsetLocation_, cloud.domeOffset);
+        program->setUniformF(opacityLocation_, static_cast<float>(cloud.opacity));
+
+        if (!cloud.sprites.order_) cloud.sprites.order_.emplace(cloud.geom);
+        SpriteOrder& order = *cloud.sprites.order_;
+        order.update(
+            eyePoint_ - cloud.domeOffset, [this] { return mayLag(); }, renderer_.sorter_);
+        const void* elements = bindVertices(cloud);
+        const auto count = static_cast<GLsizei>(order.vertices().size());
+        glDrawElements(GL_QUADS, count, GL_UNSIGNED_SHORT, elements);
+        if (!cloud.wireFrame) return;
+        program->setUniformF("wireFrame", 1.0f);
+        glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+        glDrawElements(GL_QUADS, count, GL_UNSIGNED_SHORT, elements);
+        glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+        program->setUniformF("wireFrame", 0.0f);
+    }
+
+private:
+    void use(ShaderProgram& program) {
+        disableArrays();
+        program_ = &program;
+        program.bind();
+        setVertexUniforms(program, shading_, eyePoint_);
+        setPixelUniforms(program, shading_);
+        settings_.reset();
+        centreLocation_ = program.uniformLocation("cloudCenter");
+        offsetLocation_ = program.uniformLocation("domeoffset");
+        opacityLocation_ = program.uniformLocation("domeopacity");
+        std::transform(std::begin(attributes), std::end(attributes), locations_.begin(),
+                       [&](const SpriteAttribute& a) { return program.attributeLocation(a.name); });
+        for (const GLint location : locations_)
+            if (location != -1) gl().enableVertexAttribArray(static_cast<GLuint>(location));
+    }
+
+    void disableArrays() {
+        if (!program_) return;
+        for (const GLint location : locations_)
+            if (location != -1) gl().disableVertexAttribArray(static_cast<GLuint>(location));
+    }
+
+    bool mayLag() {
+        if (!lagAnswer_) lagAnswer_ = mayLag_ && mayLag_();
+        return *lagAnswer_;
+    }
+
+    /// Brings the cloud's buffers up to date. @return false when it is to be drawn without them
+    bool fillBuffers(const CloudToDraw& cloud) {
+        CloudSprites& s = cloud.sprites;
+        if (!context_ || s.refused_ == context_) return false;
+        const bool upToDate = s.elements_.isIn(context_) && s.elementsRevision_ == s.order_->revision();
+        const auto elements = std::as_bytes(std::span(s.order_->vertices()));
+        if ((s.vertices_.isIn(context_) || uploadVertices(s.vertices_, context_, cloud.geom)) &&
+            (upToDate || s.elements_.fill(context_, GL_ELEMENT_ARRAY_BUFFER, GL_DYNAMIC_DRAW, {&elements, 1}))) {
+            s.elementsRevision_ = s.order_->revision();
+            return true;
+        }
+        s.vertices_.release();
+        s.elements_.release();
+        s.refused_ = context_;
+        return false;
+    }
+
+    /// Lets the attributes be read from the cloud's buffers, or, where there are none, from its arrays.
+    /// @return where the elements are
+    const void* bindVertices(const CloudToDraw& cloud) {
+        const bool buffered = fillBuffers(cloud);
+        gl().bindBuffer(GL_ARRAY_BUFFER, cloud.sprites.vertices_.name());
+        gl().bindBuffer(GL_ELEMENT_ARRAY_BUFFER, cloud.sprites.elements_.name());
+        std::size_t offset = 0;
+        for (std::size_t i = 0; i < std::size(attributes); ++i) {
+            const std::vector<float>& values = cloud.geom.*attributes[i].values;
+            const void* from = buffered ? reinterpret_cast<const void*>(offset) : values.data();
+            offset += values.size() * sizeof(float);
+            if (locations_[i] != -1)
+                gl().vertexAttribPointer(static_cast<GLuint>(locations_[i]), attributes[i].components, GL_FLOAT,
+                                         GL_FALSE, 0, from);
+        }
+        return buffered ? nullptr : cloud.sprites.order_->vertices().data();
+    }
+
+    // First of all, so that they are restored last.
+    const GlStateScope state_;
+    const GlArrayScope arrays_;
+    CloudSpriteRenderer& renderer_;
+    const CloudShadingParams& shading_;
+    const Vector3 eyePoint_;
+    const std::function<bool()>& mayLag_;
+    std::optional<bool> lagAnswer_;
+    const std::shared_ptr<const GlShareMark> context_;
+    ShaderProgram* program_ = nullptr;
+    std::array<GLint, std::size(attributes)> locations_{};
+    GLint centreLocation_ = -1, offsetLocation_ = -1, opacityLocation_ = -1;
+    std::optional<CloudSettings> settings_;
+    std::optional<bool> depthTest_;
+};
 
 bool CloudSpriteRenderer::prepare(const CloudShadingParams& shading) {
     const bool fixedDir = fixedDir_.get(fixedDirShaders), shadowCube = shadowCube_.get(shadowCubeShaders);
@@ -141,38 +260,11 @@ void CloudSpriteRenderer::reloadTexture() {
     textureLoaded_ = false;
 }
 
-void CloudSpriteRenderer::draw(const CloudToDraw& cloud, const CloudShadingParams& shading, const Vector3& eyePoint) {
-    if (cloud.geom.numSprites <= 0 || !texture_) return;
-    const bool withShadow = !cloud.geom.shadowCube0.empty() && shading.enableSelfShadow;
-    ShaderProgram* program = withShadow ? shadowCube_.get(shadowCubeShaders) : fixedDir_.get(fixedDirShaders);
-    if (!program) return;
-
-    const GlStateScope state;
-    setState(cloud);
-    gl().activeTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D, texture_->name());
-    disableClientArrays();
-    {
-        VertexArrays arrays(*program);
-        arrays.add("in_pos", 3, cloud.geom.positions);
-        arrays.add("in_rand", 1, cloud.geom.randoms);
-        arrays.add("in_uvcoord", 2, cloud.geom.uvCoords);
-        arrays.add("in_opacity", 1, cloud.geom.opacities);
-        arrays.add("in_shadowCubeData0", 4, cloud.geom.shadowCube0);
-        arrays.add("in_shadowCubeData1", 4, cloud.geom.shadowCube1);
-        program->bind();
-        setVertexUniforms(*program, cloud, shading, eyePoint);
-        setPixelUniforms(*program, shading);
-        const std::vector<GLuint> vertices = verticesBackToFront(cloud.geom, eyePoint - cloud.domeOffset);
-        const auto count = static_cast<GLsizei>(vertices.size());
-        glDrawElements(GL_QUADS, count, GL_UNSIGNED_INT, vertices.data());
-        if (cloud.wireFrame) {
-            setUniform(*program, "wireFrame", 1.0);
-            glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
-            glDrawElements(GL_QUADS, count, GL_UNSIGNED_INT, vertices.data());
-        }
-    }
-    ShaderProgram::unbind();
+void CloudSpriteRenderer::draw(std::span<const CloudToDraw> clouds, const CloudShadingParams& shading,
+                               const Vector3& eyePoint, const std::function<bool()>& mayLag) {
+    if (clouds.empty() || !texture_) return;
+    Batch batch(*this, shading, eyePoint, mayLag);
+    for (const CloudToDraw& cloud : clouds) batch.draw(cloud);
 }
 
 void CloudSpriteRenderer::release() {
@@ -180,6 +272,7 @@ void CloudSpriteRenderer::release() {
     shadowCube_.release();
     texture_.reset();
     textureLoaded_ = false;
+    sorter_.reset();
 }
 
 } // namespace orvo

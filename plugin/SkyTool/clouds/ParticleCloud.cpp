@@ -170,6 +170,7 @@ void ParticleCloud::generate(const CloudShadingParams& shading) {
     auto shapes = GenerateSpriteData();
     if (!shapes) return;
     const CloudSettings s = settings();
+    sprites_ = {};
     geom_ = GenerateSprites(*shapes, s.spriteDensity, s.spriteSize * metre, shading.enableSelfShadow, shading.sunDir,
                             s.enableGroundFade, s.groundFadeStart * metre, s.groundFadeEnd * metre);
     shapes_ = std::move(shapes);
@@ -177,7 +178,7 @@ void ParticleCloud::generate(const CloudShadingParams& shading) {
 }
 
 void ParticleCloud::render(M3dView& view) {
-    if (!isEnabled()) return renderer_.release();
+    if (!isEnabled()) return release();
     auto* params = ParticleCloudShadingParamsLocator::firstLiveInstance();
     if (!params) return;
     const CloudShadingParams shading = params->readParams();
@@ -191,13 +192,14 @@ void ParticleCloud::render(M3dView& view) {
     // The renderer has applied the node's matrix, and the sprites stand in world space.
     const GlMatrixScope worldSpace(toNode);
     const CloudSettings s = settings();
-    renderer_.draw({.settings = s,
-                    .geom = *geom_,
-                    .setCentre = shapes_->boundCentre,
-                    .domeOffset = {},
-                    .depthTest = readBool(node, renderDepthTest),
-                    .wireFrame = readBool(node, renderWireFrame)},
-                   shading, eye);
+    const CloudToDraw cloud{.settings = s,
+                            .geom = *geom_,
+                            .sprites = sprites_,
+                            .setCentre = shapes_->boundCentre,
+                            .domeOffset = {},
+                            .depthTest = readBool(node, renderDepthTest),
+                            .wireFrame = readBool(node, renderWireFrame)};
+    renderer_.draw({&cloud, 1}, shading, eye, [&] { return !view.scheduleRefresh().error(); });
 }
 
 bool ParticleCloud::saveToXml(OutputFile& file, const char* indent, std::vector<unsigned char>& cloudVertices) {

@@ -48,7 +48,10 @@ public:
 
 private:
     friend SwitchedSkyLocator<ParticleCloud>;
-    void release() { renderer_.release(); }
+    void release() {
+        renderer_.release();
+        sprites_ = {};
+    }
     /// One grouped ellipsoid as the scene holds it.
     struct ShapeInput {
         Matrix44 world;
@@ -80,6 +83,7 @@ private:
     std::optional<GenerationInputs> lastInputs_; ///< of the last refresh; nothing before the first
     bool failed_ = false;                        ///< whether the last refresh could not gather the shapes
     CloudSpriteRenderer renderer_;
+    CloudSprites sprites_; ///< of the geometry
 };
 
 } // namespace orvo

@@ -95,7 +95,7 @@ void ParticleCloudDome::refresh() {
     if (auto* shading = ParticleCloudShadingParamsLocator::firstLiveInstance())
         prepareClouds(shading->readParams());
     else
-        clouds_.clear();
+        dropClouds();
 }
 
 void ParticleCloudDome::bringUpToDate() {
@@ -105,7 +105,7 @@ void ParticleCloudDome::bringUpToDate() {
     loadTemplates();
     auto* shadingNode = ParticleCloudShadingParamsLocator::firstLiveInstance();
     if (!shadingNode || templates_ != earlier || !complete_) builtFor_.reset();
-    if (!shadingNode) return clouds_.clear();
+    if (!shadingNode) return dropClouds();
     const CloudShadingParams shading = shadingNode->readParams();
     // A draw lets the light turn without generating the clouds anew, which would take it too long.
     if (shading.enableSelfShadow && shading.sunDir != builtSunDir_) builtFor_.reset();
@@ -145,6 +145,11 @@ void ParticleCloudDome::freeAll() {
 void ParticleCloudDome::forgetClouds() {
     templates_.clear();
     templatesLoaded_ = false;
+    dropClouds();
+}
+
+void ParticleCloudDome::dropClouds() {
+    sprites_.clear();
     clouds_.clear();
     builtFor_.reset();
 }
@@ -214,6 +219,7 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
     };
     DomeBuild dome = build();
     if (dome.failed > 0 && !clouds_.empty()) { // the earlier clouds took the memory
+        sprites_.clear();
         clouds_.clear();
         dome.clouds.clear();
         dome = build();
@@ -222,6 +228,7 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
     if (dome.givenUp)
         return reportPlacedError("ParticleCloudDome:  [%s] keeps its earlier clouds: generating others was given up\n",
                                  name().asUTF8());
+    sprites_.clear(); // they are of the earlier clouds
     clouds_ = std::move(dome.clouds);
     builtSunDir_ = shading.sunDir;
     complete_ = dome.failed == 0;
@@ -240,7 +247,7 @@ void ParticleCloudDome::placeAndGenerate(const CloudShadingParams& shading) {
 void ParticleCloudDome::prepareClouds(const CloudShadingParams& shading) {
     loadTemplates();
     if (templates_.empty())
-        clouds_.clear();
+        dropClouds();
     else if (builtFor_ != readBuildInputs(shading))
         placeAndGenerate(shading);
 }
@@ -256,12 +263,13 @@ void ParticleCloudDome::render(M3dView& view) {
     }
     const GlStateScope state;
     glMultMatrixd(&world.m[0][0]);
-    drawClouds(params, MayaCamera(view), world);
+    drawClouds(params, view, world);
     if (readBool(thisMObject(), renderWireFrame) && showsLocators(view)) drawOutline(params);
 }
 
-void ParticleCloudDome::drawClouds(const DomeParams& params, const MayaCamera& camera, const Matrix44& world) {
+void ParticleCloudDome::drawClouds(const DomeParams& params, M3dView& view, const Matrix44& world) {
     const MObject node = thisMObject();
+    const MayaCamera camera(view);
     auto* shadingNode = ParticleCloudShadingParamsLocator::firstLiveInstance();
     if (!shadingNode || !camera.isValid()) return;
     const CloudShadingParams shading = shadingNode->readParams();
@@ -275,30 +283,37 @@ void ParticleCloudDome::drawClouds(const DomeParams& params, const MayaCamera& c
     const double scale = largestScale(world);
 
     struct VisibleCloud {
-        const DomeCloud* cloud;
+        std::size_t index;
         DomeCloudPose pose;
         double distance; ///< from the camera, in world space
     };
     std::vector<VisibleCloud> visible;
-    for (const DomeCloud& cloud : clouds_) {
+    sprites_.resize(clouds_.size());
+    for (std::size_t i = 0; i < clouds_.size(); ++i) {
+        const DomeCloud& cloud = clouds_[i];
         const std::optional<DomeCloudPose> pose = domeCloudPose(params, cloud.basePosition);
         if (!pose || !(pose->fade > 0)) continue; // beyond the rim
         const Vector3 centre = MatrixTransformPoint(world, pose->position);
-        if (isInView(frustum, centre, cloud.radius * scale)) visible.push_back({&cloud, *pose, length(centre - eye)});
+        if (isInView(frustum, centre, cloud.radius * scale)) visible.push_back({i, *pose, length(centre - eye)});
     }
     std::stable_sort(visible.begin(), visible.end(),
                      [](const VisibleCloud& a, const VisibleCloud& b) { return a.distance > b.distance; });
 
     const bool depthTest = readBool(node, renderDepthTest);
     const Vector3 localEye = MatrixTransformPoint(toLocal, eye);
-    for (const VisibleCloud& v : visible)
-        renderer_.draw({.settings = v.cloud->settings,
-                        .geom = *v.cloud->geom,
-                        .setCentre = v.cloud->basePosition,
-                        .domeOffset = v.pose.position - v.cloud->basePosition,
-                        .opacity = v.pose.fade,
-                        .depthTest = depthTest},
-                       shading, localEye);
+    std::vector<CloudToDraw> drawn;
+    drawn.reserve(visible.size());
+    for (const VisibleCloud& v : visible) {
+        const DomeCloud& cloud = clouds_[v.index];
+        drawn.push_back({.settings = cloud.settings,
+                         .geom = *cloud.geom,
+                         .sprites = sprites_[v.index],
+                         .setCentre = cloud.basePosition,
+                         .domeOffset = v.pose.position - cloud.basePosition,
+                         .opacity = v.pose.fade,
+                         .depthTest = depthTest});
+    }
+    renderer_.draw(drawn, shading, localEye, [&] { return !view.scheduleRefresh().error(); });
 }
 
 bool ParticleCloudDome::saveToXml(OutputFile& file, const char* indent, std::vector<unsigned char>& cloudVertices) {

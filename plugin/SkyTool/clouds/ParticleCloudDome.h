@@ -15,8 +15,6 @@ class MDagPath;
 
 namespace orvo {
 
-class MayaCamera;
-
 /// A square of sky full of particle clouds: copies of the clouds of a library or a folder, scattered so that they keep
 /// clear of one another, bent to a dome, carried along by the wind and faded out towards the rim. What is loaded and
 /// generated stays until the node is refreshed or switched off; the first draw after that loads it again.
@@ -62,12 +60,13 @@ private:
     BuildInputs readBuildInputs(const CloudShadingParams& shading);
     void freeAll();
     void forgetClouds();
+    void dropClouds();
     void loadTemplates();
     void loadFolder(const std::string& folder);
     void placeAndGenerate(const CloudShadingParams& shading);
     /// Loads the templates and places the clouds, unless that is done for the inputs as they are.
     void prepareClouds(const CloudShadingParams& shading);
-    void drawClouds(const DomeParams& params, const MayaCamera& camera, const Matrix44& world);
+    void drawClouds(const DomeParams& params, M3dView& view, const Matrix44& world);
 
     std::vector<CloudTemplate> templates_;
     bool templatesLoaded_ = false; ///< also when there were none to be found
@@ -76,6 +75,7 @@ private:
     Vector3 builtSunDir_;                 ///< towards which the light was marched
     bool complete_ = false;               ///< whether all clouds were generated
     CloudSpriteRenderer renderer_;
+    std::vector<CloudSprites> sprites_; ///< of the clouds, in their order; none before they are drawn
 };
 
 } // namespace orvo
