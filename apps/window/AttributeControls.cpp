@@ -428,8 +428,8 @@ public:
             angles->addWidget(field, 1);
             return field;
         };
-        elevation_ = angle(tr("up"), tr("Degrees above the horizon"));
-        azimuth_ = angle(tr("az"), tr("Degrees clockwise from -Z, seen from above"));
+        elevation_ = angle(AttributeControl::tr("up"), AttributeControl::tr("Degrees above the horizon"));
+        azimuth_ = angle(AttributeControl::tr("az"), AttributeControl::tr("Degrees clockwise from -Z, seen from above"));
         column->addLayout(angles);
         auto* below = new QHBoxLayout;
         QHBoxLayout* const row = std::exchange(row_, below);
@@ -506,7 +506,7 @@ private:
         dialog_ = new QColorDialog(colour(), window());
         dialog_->setOptions(QColorDialog::DontUseNativeDialog);
         dialog_->setAttribute(Qt::WA_DeleteOnClose);
-        dialog_->setWindowTitle(tr("Colour of %1").arg(QString::fromStdString(plug_.path())));
+        dialog_->setWindowTitle(AttributeControl::tr("Colour of %1").arg(QString::fromStdString(plug_.path())));
         const auto numbersOf = [](const QColor& c) {
             const auto round = [](double v) { return std::round(v * 1e4) / 1e4; };
             return std::vector<double>{round(c.redF()), round(c.greenF()), round(c.blueF())};
@@ -601,7 +601,7 @@ class FileControl final : public TextControl {
 public:
     FileControl(Editor& e, PlugView p, const QString& label, const QString& tip, QWidget* parent)
         : TextControl(e, std::move(p), label, tip, parent), picture_(new QLabel), words_(new QLabel),
-          browse_(new QPushButton(tr("Browse"))) {
+          browse_(new QPushButton(AttributeControl::tr("Browse"))) {
         auto* column = new QVBoxLayout(body());
         column->setContentsMargins(0, 0, 0, 0);
         column->setSpacing(4);
@@ -617,7 +617,7 @@ public:
         connect(browse_, &QPushButton::clicked, this, [this] {
             const QString now = fileOnDisk(plug_.text());
             const QString start = now.isEmpty() ? projectRoot() : QFileInfo(now).path();
-            const QString file = QFileDialog::getOpenFileName(window(), tr("Choose a File"), start, {}, nullptr,
+            const QString file = QFileDialog::getOpenFileName(window(), AttributeControl::tr("Choose a File"), start, {}, nullptr,
                                                               QFileDialog::DontUseNativeDialog);
             if (!file.isEmpty()) give(spelled(file));
         });
@@ -637,11 +637,11 @@ protected:
         shownFile_ = file;
         picture_->setVisible(false);
         QString words;
-        if (!named.isEmpty() && file.isEmpty()) words = tr("There is no such file in the project.");
+        if (!named.isEmpty() && file.isEmpty()) words = AttributeControl::tr("There is no such file in the project.");
         if (!file.isEmpty()) {
             const QString below = QDir(projectRoot()).relativeFilePath(file);
             if (!below.startsWith("build/", Qt::CaseInsensitive))
-                words = tr("It lies outside of the project's build folder: the game will not find it.");
+                words = AttributeControl::tr("It lies outside of the project's build folder: the game will not find it.");
             if (QFileInfo(file).isFile() && QFileInfo(file).size() < 32 << 20)
                 if (const auto p = host::viewport::Picture::read(file.toStdString()); p && p->width > 0) {
                     const auto format = p->channels == 4 ? QImage::Format_RGBX8888 : QImage::Format_RGB888;

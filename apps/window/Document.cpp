@@ -17,13 +17,14 @@
 #include <QSysInfo>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <csignal>
 #include <unistd.h>
 
 namespace orvosky::window {
 namespace {
 
-constexpr int copyEveryMs = 20000;
+constexpr int copyEvery = 20; ///< seconds, unless the preferences say otherwise; at most a minute
 constexpr int mostRecent = 10;
 const char* const originKey = "orvoskyEditedFile"; ///< file info of a copy: what it is a copy of
 
@@ -42,7 +43,7 @@ bool lives(qint64 process) { return kill(static_cast<pid_t>(process), 0) == 0 ||
 
 Document::Document(Editor& editor, const WindowStart& start, QWidget* window)
     : editor_(editor), start_(start), window_(window) {
-    copyTimer_.setInterval(copyEveryMs);
+    copyTimer_.setInterval(std::clamp(QSettings().value("copyEverySeconds", copyEvery).toInt(), 1, 60) * 1000);
     connect(&copyTimer_, &QTimer::timeout, this, &Document::keepCopy);
     copyTimer_.start();
     connect(&editor_, &Editor::changed, this, &Document::follow);

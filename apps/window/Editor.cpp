@@ -1,8 +1,12 @@
 #include "Editor.h"
 
 #include "base/Messages.h"
+#include "base/WorkWatch.h"
 #include "commands/Host.h"
 #include "scene/Scene.h"
+
+#include <QApplication>
+#include <QKeyEvent>
 
 #include <fmt/format.h>
 
@@ -15,9 +19,50 @@ using host::scene::UndoQueue;
 
 namespace {
 
+constexpr int firstLookMs = 200, lookEveryMs = 40;
 constexpr std::size_t longestName = 80; ///< of a step of undo
 
-}
+/// While one lives, the application shows itself and hears Esc; all other input is let fall, and timers wait.
+class OnlyEscape : public QObject {
+public:
+    OnlyEscape() { qApp->installEventFilter(this); }
+    bool heard() const { return heard_; }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        switch (event->type()) {
+        case QEvent::KeyPress: heard_ = heard_ || static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape; return true;
+        case QEvent::ShortcutOverride: event->accept(); return true; // else it would be tried as a shortcut
+        case QEvent::Close: event->ignore(); return true;
+        case QEvent::KeyRelease:
+        case QEvent::Shortcut:
+        case QEvent::InputMethod:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+        case QEvent::ContextMenu:
+        case QEvent::DragEnter:
+        case QEvent::DragMove:
+        case QEvent::DragLeave:
+        case QEvent::Drop:
+        case QEvent::TabletMove:
+        case QEvent::TabletPress:
+        case QEvent::TabletRelease:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::Timer: return true;
+        default: return false;
+        }
+    }
+
+private:
+    bool heard_ = false;
+};
+
+} // namespace
 
 std::string quoted(const std::string& text) {
     std::string out = "\"";
@@ -49,13 +94,39 @@ Editor::Editor(QObject* parent) : QObject(parent) {
             host::sendToStandardStreams(severity, text);
         emit message(static_cast<Kind>(severity), QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
     });
+    host::Host::instance().interpreter().stopAsked = [this] { return stopAsked(-1); };
+    host::workWatch() = [this](double part) { return workWatched(part); };
 }
 
-Editor::~Editor() { host::Messages::instance().setSink({}); }
+Editor::~Editor() {
+    host::Host::instance().interpreter().stopAsked = {};
+    host::workWatch() = {};
+    host::Messages::instance().setSink({});
+}
+
+bool Editor::workWatched(double part) {
+    // Work that nobody has looked at for a while has just begun.
+    if (!looked_.isValid() || looked_.elapsed() > 1000) began_.start();
+    if (looked_.isValid() && began_.elapsed() >= firstLookMs && looked_.elapsed() < lookEveryMs) return false;
+    looked_.start();
+    return began_.elapsed() >= firstLookMs && stopAsked(part);
+}
+
+bool Editor::stopAsked(double part) {
+    if (waiting_ || drawing) return false;
+    waiting_ = true;
+    emit takesLong(part);
+    const OnlyEscape input;
+    QCoreApplication::processEvents();
+    waiting_ = false;
+    if (makeCurrent) makeCurrent(); // what was painted has taken it away
+    return input.heard();
+}
 
 Scene& Editor::scene() { return Scene::current(); }
 
 bool Editor::execute(const std::string& mel, const std::string& name) {
+    if (waiting_) return false;
     if (makeCurrent) makeCurrent();
     bool worked = true;
     ++running_;
@@ -73,6 +144,7 @@ bool Editor::execute(const std::string& mel, const std::string& name) {
 }
 
 void Editor::announce() {
+    if (waiting_) return;
     std::vector<const void*> now;
     for (const auto& item : scene().selection()) now.push_back(item.node.get());
     const bool another = now != selected_;
@@ -80,9 +152,11 @@ void Editor::announce() {
     ++changes_;
     if (another) emit selectionChanged();
     emit changed();
+    if (host::Host::instance().interpreter().takeExitCode()) emit quitAsked();
 }
 
 bool Editor::run(const std::string& mel) {
+    if (waiting_) return false;
     if (running_ == 0) takePreviewBack();
     echo(mel);
     bool worked;
@@ -96,6 +170,7 @@ bool Editor::run(const std::string& mel) {
 }
 
 bool Editor::runTyped(const std::string& mel, const std::string& name) {
+    if (waiting_) return false;
     takePreviewBack();
     echo(mel);
     const bool worked = execute(mel, name);
@@ -116,6 +191,7 @@ bool Editor::runAside(const std::string& mel) {
 }
 
 host::mel::Value Editor::ask(const std::string& mel) {
+    if (waiting_) return {};
     const UndoQueue::Suspend quiet(scene().undo);
     try {
         return host::Host::instance().interpreter().execute(mel);
@@ -125,7 +201,7 @@ host::mel::Value Editor::ask(const std::string& mel) {
 }
 
 bool Editor::preview(const std::string& mel) {
-    if (running_ > 0) return false;
+    if (running_ > 0 || waiting_) return false;
     const bool modified = preview_.empty() ? scene().modified : previewModified_;
     takePreviewBack();
     previewModified_ = modified;
@@ -154,7 +230,7 @@ bool Editor::finish(const std::string& mel) {
 }
 
 void Editor::cancelPreview() {
-    if (preview_.empty()) return;
+    if (preview_.empty() || waiting_) return;
     takePreviewBack();
     announce();
 }

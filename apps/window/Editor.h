@@ -3,6 +3,7 @@
 #include "mel/Value.h"
 #include "scene/Undo.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 
@@ -57,10 +58,15 @@ public:
     bool previewing() const { return !preview_.empty(); }
     /// @}
 
+    /// Whether a script has been running for so long that the window shows itself meanwhile. Nothing else runs then.
+    bool waiting() const { return waiting_; }
+
     /// Tells all panels that the scene may be another one now, as after opening a file or a draw that changed nodes.
     void announce();
     /// A number that is another one after each change; never 0.
     unsigned long changes() const { return changes_; }
+    /// Whether a frame is being drawn: what takes long in it cannot be waited for with a window that shows itself.
+    bool drawing = false;
     /// Called before scripts run: nodes that free what they hold in OpenGL need its context.
     std::function<void()> makeCurrent;
 
@@ -68,6 +74,10 @@ signals:
     void echoed(const QString& mel);
     /// What was echoed last did not work.
     void failed();
+    /// What runs takes long: Esc stops it. `part` of it is done, 0 to 1; below 0 where nobody knows.
+    void takesLong(double part);
+    /// A script has called `quit`.
+    void quitAsked();
     void message(orvosky::window::Editor::Kind kind, const QString& text);
     /// Something of the scene has changed: values, nodes, names, selection or time.
     void changed();
@@ -76,10 +86,14 @@ signals:
 private:
     bool execute(const std::string& mel, const std::string& name);
     void takePreviewBack();
+    bool stopAsked(double part);
+    bool workWatched(double part);
 
     std::vector<host::scene::Edit> preview_;
     bool previewModified_ = false;
     int running_ = 0;
+    bool waiting_ = false;
+    QElapsedTimer began_, looked_; ///< at work that takes long
     unsigned long changes_ = 1;
     std::vector<const void*> selected_;
 };

@@ -1,15 +1,18 @@
 #include "MainWindow.h"
 
 #include "AttributePanel.h"
+#include "CloudPanel.h"
 #include "Document.h"
 #include "ExportDialog.h"
 #include "HandleTool.h"
+#include "HeightTool.h"
 #include "HistoryPanel.h"
 #include "InterfaceCommands.h"
 #include "OutlinerPanel.h"
 #include "Picking.h"
 #include "ScriptPanel.h"
 #include "StartPage.h"
+#include "SunPanel.h"
 #include "SunTool.h"
 #include "Theme.h"
 #include "TimeBar.h"
@@ -34,6 +37,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
@@ -43,6 +47,8 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include <cmath>
+
 namespace orvosky::window {
 
 using host::scene::DagNode;
@@ -50,7 +56,7 @@ using host::scene::DagNode;
 MainWindow::MainWindow(const WindowStart& start)
     : start_(start), document_(std::make_unique<Document>(editor_, start, this)), view_(new ViewWidget(editor_)),
       shelf_(new QToolBar(tr("Shelf"))), cameras_(new QComboBox), lookUp_(new QToolButton), cost_(new QLabel),
-      status_(new QLabel), said_(new QLabel), command_(new QLineEdit) {
+      status_(new QLabel), said_(new QLabel), command_(new QLineEdit), progress_(new QProgressBar) {
     setAcceptDrops(true);
     editor_.makeCurrent = [this] { view_->makeContextCurrent(); };
     auto* middle = new QWidget;
@@ -83,8 +89,14 @@ MainWindow::MainWindow(const WindowStart& start)
     scripts_ = new ScriptPanel(editor_);
     QDockWidget* below = dock(tr("Script Editor"), "scriptsDock", scripts_, Qt::BottomDockWidgetArea);
     QDockWidget* past = dock(tr("History"), "historyDock", new HistoryPanel(editor_), Qt::LeftDockWidgetArea);
+    clouds_ = new CloudPanel(editor_);
+    QDockWidget* clouds = dock(tr("Clouds"), "cloudsDock", clouds_, Qt::LeftDockWidgetArea);
+    sunPanel_ = new SunPanel(editor_);
+    QDockWidget* sun = dock(tr("Sun by Place and Time"), "sunDock", sunPanel_, Qt::LeftDockWidgetArea);
     below->hide();
     past->hide();
+    sun->hide();
+    clouds->hide();
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     resize(1360, 820);
@@ -99,14 +111,21 @@ MainWindow::MainWindow(const WindowStart& start)
         undo_->setEnabled(undo.canUndo());
         redo_->setEnabled(undo.canRedo());
         fillCameras();
-        if (host::Host::instance().interpreter().isCallable("orvoskyViewStatus"))
-            status_->setText(QString::fromStdString(editor_.ask("orvoskyViewStatus").toString()));
+        showCounts();
     });
     connect(view_, &ViewWidget::clicked, this, &MainWindow::pick);
     connect(&editor_, &Editor::echoed, this, [this](const QString& mel) {
         command_->setPlaceholderText(mel.size() > 300 ? mel.left(300) + "..." : mel);
     });
     connect(&editor_, &Editor::message, this, &MainWindow::tell);
+    connect(&editor_, &Editor::takesLong, this, [this](double part) {
+        tell(Editor::Kind::Info, tr("Working; Esc stops it."));
+        progress_->setMaximum(part < 0 ? 0 : 1000); // none known: it runs to and fro
+        progress_->setValue(static_cast<int>(std::lround(part * 1000)));
+        progress_->show();
+    });
+    connect(&editor_, &Editor::changed, progress_, &QWidget::hide);
+    connect(&editor_, &Editor::quitAsked, this, &MainWindow::close, Qt::QueuedConnection);
     connect(document_.get(), &Document::titleChanged, this, &MainWindow::showTitle);
     connect(document_.get(), &Document::opened, this, [this] {
         view_->useCamera(nullptr);
@@ -114,6 +133,7 @@ MainWindow::MainWindow(const WindowStart& start)
         showTitle();
     });
     connect(view_, &ViewWidget::drawn, this, [this](double ms, int divisor) {
+        if (divisor == 1) showCounts(); // a frame may have made the sprites
         cost_->setText(divisor > 1 ? tr("1/%1 size while moving    %2 ms").arg(divisor).arg(ms, 0, 'f', 0)
                                    : tr("%1 ms").arg(ms, 0, 'f', ms < 10 ? 1 : 0));
     });
@@ -133,6 +153,7 @@ MainWindow::MainWindow(const WindowStart& start)
 }
 
 MainWindow::~MainWindow() {
+    sunPanel_->disconnect(this); // it is hidden when the view's tools are gone
     // Nodes free what they hold in OpenGL while the view's context is there.
     view_->close([this] { start_.end(); });
     commands_.reset();
@@ -191,7 +212,10 @@ void MainWindow::makeTools() {
     auto handles = std::make_unique<HandleTool>(editor_, *view_);
     sun_ = sun.get();
     handles_ = handles.get();
+    auto heights = std::make_unique<HeightTool>(editor_, *view_);
+    heights_ = heights.get();
     view_->addTool(std::move(sun));
+    view_->addTool(std::move(heights));
     view_->addTool(std::move(handles));
     auto* bar = addToolBar(tr("Tools"));
     bar->setObjectName("tools");
@@ -215,6 +239,8 @@ void MainWindow::makeTools() {
     sunShown->setToolTip(tr("Shows the sun's ring always; it is dragged over the sky whenever the pointer is near"));
     sunShown->setCheckable(true);
     connect(sunShown, &QAction::toggled, this, [this](bool on) { sun_->setShown(on); });
+    connect(sunPanel_, &SunPanel::courseChanged, this,
+            [this](const std::vector<MVector>& course) { sun_->setCourse(course); });
     bar->addSeparator();
     addToolBar(shelf_);
 }
@@ -228,6 +254,11 @@ void MainWindow::pick(QPointF at, Qt::KeyboardModifiers modifiers) {
     DagNode& picked = shape->parent && !shape->parent->isWorld() ? *shape->parent : *shape;
     editor_.run(std::string(modifiers & Qt::ShiftModifier ? "select -tgl " : "select -r ") +
                 quoted(picked.partialPath()) + ";");
+}
+
+void MainWindow::showCounts() {
+    if (host::Host::instance().interpreter().isCallable("orvoskyViewStatus"))
+        status_->setText(QString::fromStdString(editor_.ask("orvoskyViewStatus").toString()));
 }
 
 QAction* MainWindow::act(QMenu& menu, const QString& label, const QKeySequence& key, std::function<void()> work) {
@@ -307,6 +338,7 @@ void MainWindow::makeMenus() {
     act(display, tr("Frame Selection"), QKeySequence("F"), [this] { view_->frame(false); });
     act(display, tr("Frame All"), QKeySequence("A"), [this] { view_->frame(true); });
     act(display, tr("Look Up"), QKeySequence("U"), [this] { view_->lookUp(!view_->looksUp()); });
+    act(display, tr("Type MEL"), QKeySequence("Ctrl+M"), [this] { command_->setFocus(Qt::ShortcutFocusReason); });
     display.addSeparator();
     const auto safe = [&](const QString& label, int width, int height) {
         QAction* action = display.addAction(label);
@@ -405,6 +437,11 @@ void MainWindow::makeLastLine() {
     statusBar()->setSizeGripEnabled(false);
     statusBar()->addWidget(command_, 1);
     statusBar()->addWidget(said_, 1);
+    progress_->setObjectName("progress");
+    progress_->setFixedWidth(140);
+    progress_->setTextVisible(false);
+    statusBar()->addPermanentWidget(progress_);
+    progress_->hide();
 }
 
 void MainWindow::tell(Editor::Kind kind, const QString& text) {

@@ -11,6 +11,7 @@
 class QComboBox;
 class QLabel;
 class QLineEdit;
+class QProgressBar;
 class QStackedWidget;
 class QToolBar;
 class QToolButton;
@@ -18,13 +19,16 @@ class QToolButton;
 namespace orvosky::window {
 
 class AttributePanel;
+class CloudPanel;
 class Document;
 class ExportDialog;
 class HandleTool;
+class HeightTool;
 class InterfaceCommands;
 class OutlinerPanel;
 class ScriptPanel;
 class StartPage;
+class SunPanel;
 class SunTool;
 class TimeBar;
 class ViewWidget;
@@ -47,6 +51,9 @@ public:
     ViewWidget& view() { return *view_; }
     AttributePanel& attributes() { return *attributes_; }
     OutlinerPanel& outliner() { return *outliner_; }
+    CloudPanel& clouds() { return *clouds_; }
+    HeightTool& heights() { return *heights_; }
+    SunPanel& sunPanel() { return *sunPanel_; }
     ScriptPanel& scripts() { return *scripts_; }
     TimeBar& time() { return *time_; }
     /// Opens the export dialog, which checks the sky first.
@@ -72,6 +79,7 @@ private:
     /// Selects what is at a point of the view.
     void pick(QPointF at, Qt::KeyboardModifiers modifiers);
     void fillCameras();
+    void showCounts();
     void showTitle();
     void tell(Editor::Kind kind, const QString& text);
     QAction* act(class QMenu& menu, const QString& label, const QKeySequence& key, std::function<void()> work);
@@ -87,15 +95,19 @@ private:
     OutlinerPanel* outliner_;
     AttributePanel* attributes_;
     ScriptPanel* scripts_;
+    SunPanel* sunPanel_;
+    CloudPanel* clouds_;
     TimeBar* time_;
     QPointer<ExportDialog> export_;
     QPointer<StartPage> startPage_;
     HandleTool* handles_;
+    HeightTool* heights_;
     SunTool* sun_;
     QComboBox* cameras_;
     QToolButton* lookUp_;
     QLabel *cost_, *status_, *said_;
     QLineEdit* command_;
+    QProgressBar* progress_;
     QAction *undo_, *redo_;
 };
 

@@ -1,6 +1,8 @@
 #include "OutlinerModel.h"
 
+#include "AttributeControls.h"
 #include "Editor.h"
+#include "PlugView.h"
 #include "Theme.h"
 
 #include "scene/Scene.h"
@@ -27,6 +29,22 @@ DagNode* firstShape(const DagNode& node) {
 bool holdsPlugin(const DagNode& node, int depth) {
     if (!node.type.plugin.empty()) return true;
     return depth > 0 && std::ranges::any_of(node.children, [&](DagNode* c) { return holdsPlugin(*c, depth - 1); });
+}
+
+/// A file that the node or one of its shapes names and that is not there; empty when there is none such.
+QString missingFile(DagNode& node) {
+    const auto of = [](DagNode& dag) -> QString {
+        for (const host::scene::Attribute* attribute : dag.attributes())
+            if (attribute->usedAsFilename) {
+                const QString named = PlugView(dag.shared_from_this(), *attribute).text();
+                if (!named.isEmpty() && fileOnDisk(named).isEmpty()) return named;
+            }
+        return {};
+    };
+    QString missing = of(node);
+    for (DagNode* child : node.children)
+        if (missing.isEmpty() && child->isShape()) missing = of(*child);
+    return missing;
 }
 
 QIcon iconNamed(const host::scene::NodeType* type) {
@@ -261,10 +279,13 @@ QVariant OutlinerModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole: return QString::fromStdString(dag->name);
-    case Qt::DecorationRole: return iconOf(*dag);
+    case Qt::DecorationRole: return missingFile(*dag).isEmpty() ? iconOf(*dag) : theme::marked(iconOf(*dag));
+    case MissingFile: return missingFile(*dag);
     case Qt::ToolTipRole: {
         const DagNode* shape = dag->isTransform() ? firstShape(*dag) : nullptr;
-        return QString::fromStdString(dag->fullPath() + "\n" + (shape ? shape->type.name : dag->type.name));
+        const QString missing = missingFile(*dag);
+        return QString::fromStdString(dag->fullPath() + "\n" + (shape ? shape->type.name : dag->type.name)) +
+               (missing.isEmpty() ? QString() : tr("\n%1 is missing").arg(missing));
     }
     case Qt::ForegroundRole:
         if (!dag->visible() || dag->templated()) return theme::grey(5);

@@ -18,6 +18,8 @@ class OutlinerModel : public QAbstractItemModel {
     Q_OBJECT
 public:
     enum Column { Name, Shown, Columns };
+    /// The role of the file that a node names and that is not there; empty when there is none such.
+    static constexpr int MissingFile = Qt::UserRole;
 
     explicit OutlinerModel(Editor& editor, QObject* parent = nullptr);
     ~OutlinerModel() override;

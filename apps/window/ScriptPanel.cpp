@@ -7,6 +7,7 @@
 #include "commands/Host.h"
 #include "files/Workspace.h"
 
+#include <QFile>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -19,7 +20,8 @@
 namespace orvosky::window {
 namespace {
 
-constexpr int longestLog = 5000; ///< lines
+constexpr int longestLog = 5000;         ///< lines
+constexpr qint64 longestFile = 10 << 20; ///< bytes
 
 /// What begins a session's script: everything before it is of another scene.
 bool beginsAnew(const QString& mel) {
@@ -30,7 +32,7 @@ bool beginsAnew(const QString& mel) {
 } // namespace
 
 ScriptPanel::ScriptPanel(Editor& editor, QWidget* parent)
-    : QWidget(parent), editor_(editor), log_(new QPlainTextEdit), input_(new QPlainTextEdit) {
+    : QWidget(parent), editor_(editor), log_(new QPlainTextEdit), input_(new ScriptInput(editor)) {
     setObjectName("scripts");
     log_->setReadOnly(true);
     log_->setMaximumBlockCount(longestLog);
@@ -70,14 +72,37 @@ ScriptPanel::ScriptPanel(Editor& editor, QWidget* parent)
         if (!recorded_.isEmpty()) recorded_.removeLast();
     });
     connect(&editor_, &Editor::message, this, &ScriptPanel::hear);
-    // A click on an error of what was typed goes to its line.
-    connect(log_, &QPlainTextEdit::cursorPositionChanged, this, [this] {
-        static const QRegularExpression place(R"(^// Error: file: typed line (\d+))");
-        const auto match = place.match(log_->textCursor().block().text());
-        if (!match.hasMatch()) return;
-        const QTextBlock block = input_->document()->findBlockByNumber(match.captured(1).toInt() - 1);
-        if (block.isValid()) input_->setTextCursor(QTextCursor(block));
-    });
+    // A click on an error goes to its line.
+    connect(log_, &QPlainTextEdit::cursorPositionChanged, this, [this] { goTo(log_->textCursor().block().text()); });
+}
+
+void ScriptPanel::goTo(const QString& logged) {
+    static const QRegularExpression place(R"(^// (?:Error|Warning): file: (.+?) line (\d+))");
+    const auto match = place.match(logged);
+    if (!match.hasMatch()) return;
+    const int line = match.captured(2).toInt();
+    if (match.captured(1) == "typed") {
+        input_->goToLine(line);
+        return;
+    }
+    QFile file(match.captured(1));
+    if (!file.open(QIODevice::ReadOnly)) return;
+    if (!file_) {
+        file_ = new QPlainTextEdit(this);
+        file_->setWindowFlags(Qt::Tool);
+        file_->setAttribute(Qt::WA_DeleteOnClose);
+        file_->setObjectName("scriptFile");
+        file_->setReadOnly(true);
+        file_->setLineWrapMode(QPlainTextEdit::NoWrap);
+        file_->resize(720, 420);
+    }
+    file_->setWindowTitle(file.fileName());
+    file_->setPlainText(QString::fromUtf8(file.read(longestFile)));
+    QTextCursor cursor(file_->document()->findBlockByNumber(line - 1));
+    cursor.select(QTextCursor::LineUnderCursor);
+    file_->setTextCursor(cursor);
+    file_->show();
+    file_->centerCursor();
 }
 
 void ScriptPanel::say(const QString& text, const QColor& colour) {

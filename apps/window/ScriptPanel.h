@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Editor.h"
+#include "ScriptInput.h"
 
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QWidget>
 
 #include <vector>
@@ -19,7 +21,9 @@ public:
     QString script() const { return recorded_.join('\n') + '\n'; }
     /// Runs what is written below, or what is selected of it.
     void runInput();
-    QPlainTextEdit& input() { return *input_; }
+    ScriptInput& input() { return *input_; }
+    /// Shows the place that a line of the log speaks of: in what was typed, or in a file.
+    void goTo(const QString& logged);
 
 private:
     void say(const QString& text, const QColor& colour);
@@ -27,7 +31,9 @@ private:
     void save();
 
     Editor& editor_;
-    QPlainTextEdit *log_, *input_;
+    QPlainTextEdit* log_;
+    ScriptInput* input_;
+    QPointer<QPlainTextEdit> file_; ///< the file that an error was in, beside the window
     QStringList recorded_;
 };
 

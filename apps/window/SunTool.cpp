@@ -25,6 +25,11 @@ void SunTool::setShown(bool shown) {
     view_.update();
 }
 
+void SunTool::setCourse(std::vector<MVector> course) {
+    course_ = std::move(course);
+    view_.update();
+}
+
 std::optional<MVector> SunTool::direction() {
     if (std::exchange(known_, editor_.changes()) != editor_.changes()) {
         plugs_.clear();
@@ -47,6 +52,17 @@ std::optional<QPointF> SunTool::place() {
 }
 
 void SunTool::paint(QPainter& painter) {
+    std::optional<QPointF> before;
+    for (std::size_t i = 0; i < course_.size(); ++i) {
+        const auto at = course_[i].y > 0 ? view_.project(view_.eye() + course_[i] * farAway) : std::nullopt;
+        if (at && before) {
+            painter.setPen(QPen(QColor(0, 0, 0, 90), 3));
+            painter.drawLine(*before, *at);
+            painter.setPen(QPen(QColor(242, 207, 124, 200), 1.2));
+            painter.drawLine(*before, *at);
+        }
+        before = at;
+    }
     if (!shown_ && !near_ && !held_) return;
     const auto at = place();
     if (!at) return;

@@ -21,6 +21,8 @@ public:
 
     /// Shows the ring always, or only near the pointer.
     void setShown(bool shown);
+    /// Shows the sun's way over a day, directions at equal times; none when empty.
+    void setCourse(std::vector<MVector> course);
     void paint(QPainter& painter) override;
     bool hover(QPointF at) override;
     bool press(QPointF at, Qt::KeyboardModifiers modifiers) override;
@@ -36,6 +38,7 @@ private:
     Editor& editor_;
     ViewWidget& view_;
     std::vector<std::string> plugs_;
+    std::vector<MVector> course_;
     unsigned long known_ = 0; ///< the editor's changes when the plugs were asked for
     bool shown_ = false, near_ = false, hot_ = false, held_ = false;
     QPointF grip_; ///< from the ring's middle to the pointer that holds it

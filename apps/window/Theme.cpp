@@ -161,4 +161,22 @@ QIcon icon(const QString& name) {
     return *made.insert(name, result);
 }
 
+QIcon marked(const QIcon& icon) {
+    static auto& made = *new QHash<qint64, QIcon>;
+    if (const auto found = made.constFind(icon.cacheKey()); found != made.cend()) return *found;
+    QIcon result;
+    for (const int side : {16, 24, 32, 48}) {
+        QPixmap pixmap = icon.pixmap(side, side);
+        if (pixmap.isNull()) pixmap = QPixmap(side, side), pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(warning());
+        const double s = pixmap.width() / pixmap.devicePixelRatio();
+        painter.drawPolygon(QPolygonF{QPointF(s * 0.7, s * 0.42), QPointF(s, s), QPointF(s * 0.4, s)});
+        result.addPixmap(pixmap);
+    }
+    return *made.insert(icon.cacheKey(), result);
+}
+
 } // namespace orvosky::window::theme

@@ -27,6 +27,8 @@ void apply(QApplication& application);
 
 /// The icon of that name in the tool root's icons, drawn in the ramp's text colour; empty when there is none.
 QIcon icon(const QString& name);
+/// An icon with a mark that something about it is wrong.
+QIcon marked(const QIcon& icon);
 void setIconFolder(const std::filesystem::path& folder);
 
 } // namespace orvosky::window::theme

@@ -119,7 +119,10 @@ void ViewWidget::drawFrame() {
     const bool modified = Editor::scene().modified;
     std::string error;
     view_->activate();
-    if (!view_->render(&error)) problem_ = QString::fromStdString(error);
+    editor_.drawing = true;
+    const bool whole = view_->render(&error);
+    editor_.drawing = false;
+    if (!whole) problem_ = QString::fromStdString(error);
     // Nodes that bring themselves up to date are no edit of the user's.
     Editor::scene().modified = modified;
     const double ms = static_cast<double>(clock.nsecsElapsed()) / 1e6;
@@ -129,12 +132,13 @@ void ViewWidget::drawFrame() {
     emit drawn(ms, divisor);
     if (Editor::scene().generation() != before)
         QMetaObject::invokeMethod(
-            this, [this] { emit editor_.changed(); }, Qt::QueuedConnection);
+            this, [this] { editor_.announce(); }, Qt::QueuedConnection);
     if (divisor != 1 || wanted_) rest_.start();
 }
 
 void ViewWidget::paintGL() {
-    if (view_ && stale_) drawFrame();
+    // Amid a script the last frame stays.
+    if (view_ && stale_ && !editor_.waiting()) drawFrame();
     const QSize size = pixels();
     if (view_) view_->copyTo(defaultFramebufferObject(), size.width(), size.height());
     QPainter painter(this);
@@ -147,7 +151,8 @@ void ViewWidget::paintGL() {
         outside.addRect(QRectF(QPointF((width() - inner.width()) / 2, (height() - inner.height()) / 2), inner));
         painter.fillPath(outside, QColor(0, 0, 0, 120));
     }
-    for (const auto& tool : tools_) tool->paint(painter);
+    if (!editor_.waiting())
+        for (const auto& tool : tools_) tool->paint(painter);
     if (!problem_.isEmpty()) {
         painter.setPen(theme::text());
         painter.drawText(rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap, problem_);

@@ -1,6 +1,8 @@
 // The subcommand: what it says where no window can be.
 #include "WindowFixture.h"
 
+#include <sstream>
+
 namespace orvosky::window {
 namespace {
 
@@ -25,6 +27,35 @@ TEST_F(Window, SaysInALineWhyItCannotOpen) {
     // In the other subcommands there is no interface to be made.
     EXPECT_EQ(runProgram(folder_, {"run", "-e", "if (`about -batch`) menu -label \"x\" m;"}, &said), 1);
     EXPECT_THAT(said, HasSubstr("menu needs a window"));
+}
+
+// Faults: a file of the module that does not parse, defines another procedure than the one that it is found by, or
+// needs a window to be read; a module that leads elsewhere.
+TEST_F(Window, FilesOfTheModuleAreWhole) {
+    const fs::path module = orvo::test::buildTree("share/orvosky");
+    std::string mel;
+    std::size_t count = 0;
+    for (const auto& file : fs::directory_iterator(orvo::test::sourceTree("plugin/scripts"))) {
+        const std::string name = file.path().stem();
+        ASSERT_TRUE(fs::exists(module / "scripts" / file.path().filename())) << name;
+        mel += "source \"" + file.path().string() + "\";\n";
+        mel += "if (`match \"^Mel procedure found in\" (`whatIs " + name + "`)` == \"\") error \"" + name + "\";\n";
+        ++count;
+    }
+    EXPECT_GT(count, 40u);
+    write(folder_ / "all.mel", mel);
+    std::string said;
+    EXPECT_EQ(runProgram(folder_, {"run", "all.mel"}, &said), 0) << said;
+    // "+ NAME VERSION PATH", then VARIABLE:=PATH; both paths are relative to the file, which lies in the tool root.
+    std::istringstream lines(content(orvo::test::buildTree("plugin/orvosky.mod")));
+    std::string plus, name, version, path, line;
+    lines >> plus >> name >> version >> path >> line;
+    EXPECT_EQ(plus + name, "+orvosky");
+    for (const char* below : {"scripts/orvoskyStartup.mel", "icons/sun.svg", "presets/1_clear_noon.ma"})
+        EXPECT_TRUE(fs::exists(module / path / below)) << below;
+    const std::string variable = "ORVOSKY_TOOL_ROOT:=";
+    ASSERT_TRUE(line.starts_with(variable)) << line;
+    EXPECT_TRUE(fs::exists(module / line.substr(variable.size()) / "ArtTools/Maya/OrvoSkyTool/shaders"));
 }
 
 } // namespace

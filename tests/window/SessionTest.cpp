@@ -84,6 +84,38 @@ TEST_F(Window, TheSessionsScriptDoesTheSameAgain) {
     EXPECT_THAT(errors_.back(), HasSubstr("typed line 2"));
 }
 
+// Faults: words that are not there, or of another kind than what is written, a click on an error that leads nowhere.
+TEST_F(Window, WordsAreCompletedAndErrorsLeadToTheirLine) {
+    open();
+    const auto offered = [&](const QString& text) {
+        return completions(editor(), text, static_cast<int>(text.size()));
+    };
+    EXPECT_THAT(offered("setKeyf"), testing::Contains("setKeyframe"));
+    EXPECT_THAT(offered("orvoskyCreateC"), testing::ElementsAre("orvoskyCreateCloud"));
+    EXPECT_THAT(offered("select -r fogS"), testing::ElementsAre("fogShape"));
+    EXPECT_THAT(offered("createNode orvosky_Part"), testing::Contains("orvosky_ParticleCloudDome"));
+    EXPECT_THAT(offered("getAttr fogShape.fogHeightO"), testing::ElementsAre("fogShape.fogHeightOffset"));
+    EXPECT_THAT(offered("int $a = 1; setKeyframe -inT"), testing::ElementsAre("-inTangentType"));
+    EXPECT_THAT(offered("$fog"), testing::IsEmpty()) << "a variable";
+    auto& scripts = window().scripts();
+    scripts.parentWidget()->show();
+    scripts.input().setFocus();
+    settle();
+    QTest::keyClicks(&scripts.input(), "getAttr fogShape.fogHeightO");
+    QTest::keyClick(&scripts.input(), Qt::Key_Space, Qt::ControlModifier);
+    settle();
+    ASSERT_TRUE(QApplication::activePopupWidget());
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    EXPECT_EQ(scripts.input().toPlainText(), "getAttr fogShape.fogHeightOffset");
+    write(folder_ / "wrong.mel", "int $a = 1;\n$b = noSuchProcedure($a);\n");
+    scripts.input().setPlainText(QString("int $x;\nsource \"%1\";").arg(folder_.c_str() + QString("/wrong.mel")));
+    scripts.runInput();
+    scripts.goTo("// Error: " + QString::fromStdString(errors_.back()));
+    auto* shown = window().findChild<QPlainTextEdit*>("scriptFile");
+    ASSERT_NE(shown, nullptr);
+    EXPECT_EQ(shown->textCursor().selectedText(), "$b = noSuchProcedure($a);");
+}
+
 // Faults: time that is an edit while it is dragged, keys that are not shown or not set, a play that runs out of the
 // range.
 TEST_F(Window, TimeIsDraggedPlayedAndKeyed) {

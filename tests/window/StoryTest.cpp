@@ -1,15 +1,22 @@
 // A first sky, from the start page to the exported files, by hand alone.
 #include "WindowFixture.h"
 
+#include "AttributePage.h"
+#include "AttributePanel.h"
 #include "ExportDialog.h"
+#include "NumberField.h"
 #include "ScriptPanel.h"
 #include "StartPage.h"
 
 #include "commands/Host.h"
 #include "scene/Scene.h"
 
+#include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QMenuBar>
+#include <QProcess>
+#include <QTimer>
 #include <QToolButton>
 
 namespace orvosky::window {
@@ -17,28 +24,36 @@ namespace {
 
 class Story : public Window {
 protected:
+    /// Real input: what xdotool does, while the window works.
+    void hand(const QStringList& words) {
+        QProcess tool;
+        tool.start("xdotool", words);
+        while (tool.state() != QProcess::NotRunning) settle(10);
+        ASSERT_EQ(tool.exitCode(), 0) << words.join(' ').toStdString();
+        settle(100);
+    }
+    static QStringList to(QPoint at) {
+        return {"mousemove", QString::number(at.x()), QString::number(at.y()), "sleep", "0.05"};
+    }
+    void click(const QWidget& widget, QPoint at) { hand(to(widget.mapToGlobal(at)) + QStringList{"click", "1"}); }
+    void key(const QString& key) { hand({"key", key}); }
     void choose(const QString& menu, const QString& item) {
-        for (QAction* top : window().menuBar()->actions())
+        const QMenuBar& bar = *window().menuBar();
+        for (QAction* top : bar.actions())
             if (top->text() == menu)
                 for (QAction* action : top->menu()->actions())
                     if (action->text() == item) {
-                        action->trigger();
-                        settle();
+                        click(bar, bar.actionGeometry(top).center());
+                        click(*top->menu(), top->menu()->actionGeometry(action).center());
                         return;
                     }
         ADD_FAILURE() << "no " << item.toStdString() << " in " << menu.toStdString();
     }
-    void pull(QPoint from, QPoint to) {
-        ViewWidget& view = window().view();
-        const auto move = [&](QPoint at, Qt::MouseButtons buttons) {
-            QMouseEvent event(QEvent::MouseMove, QPointF(at), view.mapToGlobal(QPointF(at)), Qt::NoButton, buttons, {});
-            QApplication::sendEvent(&view, &event);
-        };
-        move(from, Qt::NoButton);
-        QTest::mousePress(&view, Qt::LeftButton, {}, from);
-        for (int i = 1; i <= 4; ++i) move(from + (to - from) * i / 4, Qt::LeftButton);
-        QTest::mouseRelease(&view, Qt::LeftButton, {}, to);
-        settle();
+    void pull(QPoint from, QPoint by) {
+        const QPoint at = window().view().mapToGlobal(from);
+        QStringList words = to(at) + QStringList{"mousedown", "1", "sleep", "0.05"};
+        for (int i = 1; i <= 4; ++i) words += to(at + by * i / 4);
+        hand(words + QStringList{"mouseup", "1"});
     }
     std::vector<double> numbers(const std::string& query) {
         return editor().ask("float $orvoskyTest[] = " + query).toFloatArray();
@@ -55,39 +70,66 @@ protected:
 TEST_F(Story, AFirstSkyByHandIsThatOfItsScript) {
     open("");
     ASSERT_NE(window().startPage(), nullptr);
-    auto* noon = window().startPage()->findChild<QToolButton*>("1_clear_noon");
-    ASSERT_NE(noon, nullptr);
-    QTest::mouseClick(noon, Qt::LeftButton);
-    settle(300);
-    EXPECT_EQ(window().startPage(), nullptr);
+    auto* dusk = window().startPage()->findChild<QToolButton*>("3_dusk");
+    ASSERT_NE(dusk, nullptr);
+    click(*dusk, dusk->rect().center());
+    for (int i = 0; i < 200 && window().startPage(); ++i) settle(50);
+    ASSERT_EQ(window().startPage(), nullptr);
     EXPECT_EQ(window().document().title(), "untitled");
-
+    editor().runAside("setAttr persp.r 12 0 0;"); // the sun in view
+    editor().announce();
     const QPoint sun = sunPlace();
-    const auto before = numbers("`getAttr sky1Shape.sunDir`");
-    pull(sun, sun + QPoint(-80, 50));
-    const auto after = numbers("`getAttr sky1Shape.sunDir`");
-    EXPECT_LT(after[1], before[1]) << "it went down";
-    EXPECT_LT(QLineF(sunPlace(), sun + QPoint(-80, 50)).length(), 3) << "it is where the hand let it go";
+    ASSERT_TRUE(window().view().rect().adjusted(90, 60, -90, -60).contains(sun)) << sun.x() << " " << sun.y();
+    pull(sun, QPoint(-80, -50));
+    EXPECT_LT(QLineF(sunPlace(), sun + QPoint(-80, -50)).length(), 3) << "it is where the hand let it go";
 
     choose("Sky", "Cloud");
     choose("Sky", "Add Sphere");
     choose("Sky", "Add Sphere");
     EXPECT_EQ(number("size(`ls -type orvosky_ParticleCloudSphere`)"), 3);
-    editor().run("undo;");
-    editor().run("undo;");
-    EXPECT_EQ(number("size(`ls -type orvosky_ParticleCloudSphere`)"), 1) << "a menu's entry is a step";
-    editor().run("redo;");
-    EXPECT_EQ(number("size(`ls -type orvosky_ParticleCloudSphere`)"), 2);
-
-    // Scale the sphere by its middle handle.
-    QTest::keyClick(&window(), Qt::Key_R);
+    key("r");
     const auto at = numbers("`xform -q -ws -t`");
     const auto middle = window().view().project(MPoint(at[0], at[1], at[2]));
     ASSERT_TRUE(middle);
-    const double width = numbers("`getAttr cloud1Sphere2.s`")[0];
-    pull(middle->toPoint(), middle->toPoint() + QPoint(60, 0));
-    EXPECT_GT(numbers("`getAttr cloud1Sphere2.s`")[0], width * 1.3);
+    const double width = numbers("`getAttr cloud1Sphere3.s`")[0];
+    pull(middle->toPoint(), QPoint(60, 0));
+    const double wider = numbers("`getAttr cloud1Sphere3.s`")[0];
+    EXPECT_GT(wider, width * 1.3);
+    key("ctrl+z");
+    EXPECT_EQ(numbers("`getAttr cloud1Sphere3.s`")[0], width);
+    key("ctrl+z");
+    EXPECT_EQ(number("size(`ls -type orvosky_ParticleCloudSphere`)"), 2) << "a menu's entry is a step";
+    key("shift+z");
+    EXPECT_EQ(number("size(`ls -type orvosky_ParticleCloudSphere`)"), 3);
+    key("shift+z");
+    EXPECT_EQ(numbers("`getAttr cloud1Sphere3.s`")[0], wider);
 
+    // The wind's time is keyed on its page: at the first frame, and by typing another value at a later one.
+    editor().run("select -r cloudDome1;");
+    settle();
+    AttributeControl* time = window().attributes().page()->control("time");
+    ASSERT_NE(time, nullptr);
+    auto* label = time->findChild<QLabel*>();
+    QTimer::singleShot(300, &window(), [this] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* action : menu->actions())
+            if (action->text() == "Set Key") {
+                const QPoint at = menu->mapToGlobal(menu->actionGeometry(action).center());
+                QProcess::startDetached("xdotool", to(at) + QStringList{"click", "1"});
+            }
+    });
+    emit label->customContextMenuRequested(QPoint(4, 4));
+    settle();
+    EXPECT_EQ(number("keyframe -q -kc cloudDome1Shape.time"), 1);
+    editor().run("currentTime 12;");
+    auto* field = time->findChild<NumberField*>();
+    click(*field, field->rect().center());
+    hand({"key", "ctrl+a", "type", "8"});
+    key("Return");
+    EXPECT_EQ(number("keyframe -q -kc cloudDome1Shape.time"), 2);
+
+    key("ctrl+e");
     ExportDialog& dialog = window().showExport();
     dialog.setTarget(QString::fromStdString((folder_ / "hand.atmos").string()));
     dialog.exportNow();
@@ -130,7 +172,7 @@ TEST_F(Story, HandlesMoveAlongTheirAxis) {
     QTest::keyClick(&window(), Qt::Key_W);
     ViewWidget& view = window().view();
     const QPoint centre = view.project(MPoint(0, 0, -4000))->toPoint();
-    pull(centre + QPoint(50, 0), centre + QPoint(150, 20));
+    pull(centre + QPoint(50, 0), QPoint(100, 20));
     const auto t = numbers("`getAttr box.t`");
     EXPECT_NEAR(t[0], 100 * view.pixelSize(MPoint(0, 0, -4000)), 12);
     EXPECT_EQ(t[1], 0);
