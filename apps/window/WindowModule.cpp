@@ -6,11 +6,13 @@
 #include "base/Messages.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
 #include <QSettings>
 #include <QSurfaceFormat>
+#include <QTranslator>
 
 #include <clocale>
 #include <cstdlib>
@@ -79,6 +81,10 @@ int run(const WindowStart& start) {
         host::showError("The window cannot be opened: it draws with OpenGL 2.1, and " + problem + "." + wayOut);
         return 1;
     }
+    QTranslator texts;
+    const QString folder = QString::fromStdString((start.toolRoot / "texts").string());
+    if (texts.load(QLocale(), "orvosky", "_", folder) || texts.load("orvosky_en", folder))
+        QCoreApplication::installTranslator(&texts);
     theme::setIconFolder(start.toolRoot / "icons");
     theme::apply(application);
     start.begin();
