@@ -40,7 +40,8 @@ class Scattering {
 public:
     Scattering(const CloudShapeSet& set, const ShapeTable& table, double step, const Fade& fade,
                RandomGenerator& random)
-        : set_(set), table_(table), step_(step), fade_(fade), random_(random) {}
+        : set_(set), table_(table), step_(step), fade_(fade), random_(random),
+          rows_(table, {0.0, 0.0, step}, step / 2.0, placementRadius) {}
 
     void run() {
         const double extent = 2.0 * set_.boundRadius, n = std::trunc(extent / step_);
@@ -64,10 +65,8 @@ private:
     void findSpans(double x, double y, int count) {
         const double half = step_ / 2.0, radius = set_.boundRadius;
         const Vector3 corner = set_.boundCentre - Vector3{radius, radius, radius};
-        if (table_.usable() && step_ < 1e70) {
-            const BoxRow row{corner + Vector3{x + half, y + half, half}, {0.0, 0.0, step_}, half, count};
-            return spansOfShapes(table_, row, placementRadius, spans_);
-        }
+        if (table_.usable() && step_ < 1e70)
+            return spansOfShapes(table_, rows_, corner + Vector3{x + half, y + half, half}, count, spans_);
         spans_.clear();
         for (std::uint32_t i = 0; i < set_.spheres.size(); ++i) spans_.push_back({i, 0, count - 1});
     }
@@ -123,6 +122,7 @@ private:
     double step_;
     Fade fade_;
     RandomGenerator& random_;
+    const RowDirection rows_;
     std::vector<ShapeSpan> spans_; ///< of the current row
     ShapeSelection selection_;
 };
@@ -184,10 +184,10 @@ void castShadows(const CloudShapeSet& set, const ShapeTable& table, const LightM
                  const std::vector<Vector3>& positions, ParticleCloudGeom& geom) {
     geom.shadowCube0.resize(positions.size() * 16);
     geom.shadowCube1.resize(positions.size() * 16);
-    std::vector<ShapeSpan> spans;
+    SpriteMarcher marcher(table, march);
     double depths[shadowSamples];
     for (std::size_t i = 0; i < positions.size(); ++i) {
-        if (!table.usable() || !marchSprite(table, march, positions[i], spans, depths))
+        if (!table.usable() || !marcher.depthsAt(positions[i], depths))
             for (int s = 0; s < shadowSamples; ++s) {
                 const auto offset = [&](int bit) { return s & bit ? march.sampleOffset : -march.sampleOffset; };
                 depths[s] =

@@ -8,6 +8,7 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 HWY_BEFORE_NAMESPACE();
@@ -37,9 +38,6 @@ struct Matrices {
     HWY_INLINE HWY_ATTR Values direction(const Values3& p, int c) const {
         return hn::Add(hn::Add(hn::Mul(p.x, m[0][c]), hn::Mul(p.y, m[1][c])), hn::Mul(p.z, m[2][c]));
     }
-    HWY_INLINE HWY_ATTR Values3 directions(const Values3& p) const {
-        return {direction(p, 0), direction(p, 1), direction(p, 2)};
-    }
     HWY_INLINE HWY_ATTR Values3 points(const Values3& p) const {
         return {hn::Add(direction(p, 0), m[3][0]), hn::Add(direction(p, 1), m[3][1]),
                 hn::Add(direction(p, 2), m[3][2])};
@@ -54,11 +52,43 @@ HWY_INLINE HWY_ATTR Values squaredLength(const double* elements, std::size_t str
     return dot(q, q);
 }
 
-HWY_INLINE HWY_ATTR Values smoothStep(Values edge0, Values edge1, Values x) {
+/// A number that many others are divided by.
+class Divisor {
+public:
+    HWY_INLINE HWY_ATTR explicit Divisor(double value)
+        : value_(value), inverse_(1.0 / value), corrects_(std::abs(value) > 1e-70 && std::abs(value) < 1e70) {}
+
+    /// To the bit what a division gives, for what is not beyond the bounds of a shape table. The first correction
+    /// brings the product with the rounded inverse to one of the two numbers around the quotient, the second one to the
+    /// nearer (Markstein, "Computation of elementary functions on the IBM RISC System/6000 processor", 1990).
+    HWY_INLINE HWY_ATTR Values divide(Values dividend) const {
+        const auto value = hn::Set(d, value_);
+        if (HWY_NATIVE_FMA && corrects_) {
+            const auto inverse = hn::Set(d, inverse_);
+            auto q = hn::Mul(dividend, inverse);
+            q = hn::MulAdd(hn::NegMulAdd(q, value, dividend), inverse, q);
+            return hn::MulAdd(hn::NegMulAdd(q, value, dividend), inverse, q);
+        }
+        return hn::Div(dividend, value);
+    }
+
+private:
+    double value_, inverse_;
+    bool corrects_;
+};
+
+HWY_INLINE HWY_ATTR Values smoothStep(const Divisor& width, Values edge0, Values x) {
     const auto zero = hn::Zero(d), one = hn::Set(d, 1.0);
-    auto t = hn::Div(hn::Sub(x, edge0), hn::Sub(edge1, edge0));
+    auto t = width.divide(hn::Sub(x, edge0));
     t = hn::IfThenElse(hn::Lt(t, zero), zero, hn::IfThenElse(hn::Lt(one, t), one, t));
     return hn::Mul(hn::Mul(t, t), hn::Sub(hn::Set(d, 3.0), hn::Mul(hn::Set(d, 2.0), t)));
+}
+
+/// Lane i's truth as bit i.
+HWY_INLINE HWY_ATTR unsigned bitsOf(hn::Mask<decltype(d)> mask) {
+    std::uint8_t bytes[8] = {};
+    hn::StoreMaskBits(d, mask, bytes);
+    return bytes[0];
 }
 
 } // namespace
@@ -67,40 +97,43 @@ HWY_INLINE HWY_ATTR Values smoothStep(Values edge0, Values edge1, Values x) {
 /// box's own reach; the steps for which it does follow from the line's point nearest the origin. The slack in that
 /// radius, which is a thousand times the rounding in unit space, is room for the rounding of these bounds, too: each
 /// end of the line's stretch moves outwards by at least as much as the radius grows.
-HWY_ATTR void spans(const ShapeTable& shapes, const BoxRow& row, double shapeRadius, std::vector<ShapeSpan>& found) {
+HWY_ATTR void spans(const ShapeTable& shapes, const RowDirection& direction, const Vector3& begin, int count,
+                    std::vector<ShapeSpan>& found) {
     found.clear();
-    const Values3 start = spread(row.start), stride = spread(row.stride);
-    const auto halfSide = hn::Set(d, row.halfSide), zero = hn::Zero(d), last = hn::Set(d, row.count - 1.0);
+    const Values3 start = spread(begin);
+    const auto zero = hn::Zero(d), last = hn::Set(d, count - 1.0);
+    const auto load = [&](int component, std::size_t s)
+                          HWY_ATTR { return hn::LoadU(d, direction.component(component) + s); };
     for (std::size_t s = 0; s < shapes.count(); s += lanes) {
         Matrices matrices;
         for (int i = 0; i < 12; ++i) matrices.m[i / 3][i % 3] = hn::LoadU(d, shapes.component(i) + s);
-        const Values3 origin = matrices.points(start), step = matrices.directions(stride);
-        const auto stepLength2 = dot(step, step);
-        const auto inverse = hn::Div(hn::Set(d, 1.0), stepLength2);
+        const Values3 origin = matrices.points(start);
+        const Values3 step{load(RowDirection::step, s), load(RowDirection::step + 1, s),
+                           load(RowDirection::step + 2, s)};
+        const auto inverse = load(RowDirection::inverse, s);
         const auto nearest = hn::Neg(hn::Mul(dot(origin, step), inverse));
         const Values3 gap{hn::Add(origin.x, hn::Mul(nearest, step.x)), hn::Add(origin.y, hn::Mul(nearest, step.y)),
                           hn::Add(origin.z, hn::Mul(nearest, step.z))};
-        const auto radius =
-            hn::Add(hn::Add(hn::Set(d, shapeRadius), hn::LoadU(d, shapes.component(ShapeTable::slack) + s)),
-                    hn::Mul(halfSide, hn::LoadU(d, shapes.component(ShapeTable::reach) + s)));
-        const auto reach2 = hn::Sub(hn::Mul(radius, radius), dot(gap, gap));
+        const auto reach2 = hn::Sub(load(RowDirection::reach2, s), dot(gap, gap));
         const auto half = hn::Sqrt(hn::Mul(hn::Max(reach2, zero), inverse));
         auto from = hn::Max(hn::Ceil(hn::Sub(nearest, half)), zero);
         auto to = hn::Min(hn::Floor(hn::Add(nearest, half)), last);
         // A row that stands still, or nearly so, in unit space has no nearest point to go by.
-        const auto moves = hn::Gt(stepLength2, hn::Set(d, 1e-30));
+        const auto moves = hn::Gt(load(RowDirection::moves, s), zero);
         from = hn::IfThenElse(moves, from, zero);
         to = hn::IfThenElse(moves, to, last);
         const auto misses = hn::And(moves, hn::Lt(reach2, zero));
         const auto hits = hn::AndNot(misses, hn::Le(from, to));
         if (hn::AllFalse(d, hits)) continue;
         HWY_ALIGN double froms[lanes], tos[lanes];
-        hn::Store(hn::IfThenElse(hits, from, hn::Set(d, 1.0)), d, froms);
-        hn::Store(hn::IfThenElse(hits, to, zero), d, tos);
-        for (std::size_t i = 0; i < lanes; ++i)
-            if (froms[i] <= tos[i] && s + i < shapes.count())
+        hn::Store(from, d, froms);
+        hn::Store(to, d, tos);
+        for (unsigned bits = bitsOf(hits); bits != 0; bits &= bits - 1) {
+            const auto i = static_cast<std::size_t>(std::countr_zero(bits));
+            if (s + i < shapes.count())
                 found.push_back(
                     {static_cast<std::uint32_t>(s + i), static_cast<int>(froms[i]), static_cast<int>(tos[i])});
+        }
     }
 }
 
@@ -108,17 +141,18 @@ HWY_ATTR void spans(const ShapeTable& shapes, const BoxRow& row, double shapeRad
 HWY_ATTR CloudSample weigh(const ShapeSelection& shapes, const Vector3& point, double shapeRadius, double cap) {
     const Values3 p = spread(point);
     const auto one = hn::Set(d, 1.0), radius2 = hn::Set(d, shapeRadius * shapeRadius);
+    const Divisor byRadius2(shapeRadius * shapeRadius);
     const double *densities = shapes.component(ShapeTable::density), *opacities = shapes.component(ShapeTable::opacity);
     CloudSample sums;
     for (std::size_t s = 0; s < shapes.count(); s += lanes) {
         const auto length2 = squaredLength(shapes.component(0) + s, shapes.stride(), p);
         const auto inside = hn::Le(length2, radius2);
         if (hn::AllFalse(d, inside)) continue;
-        const auto u = hn::Sub(one, hn::Div(length2, radius2));
+        const auto u = hn::Sub(one, byRadius2.divide(length2));
         HWY_ALIGN double weights[lanes];
-        hn::Store(hn::IfThenElseZero(inside, hn::Min(hn::Mul(u, u), hn::Set(d, cap))), d, weights);
-        // A shape that is not felt, and the filling after the last one, adds nothing: finite numbers times 0.
-        for (std::size_t i = 0; i < lanes; ++i) {
+        hn::Store(hn::Min(hn::Mul(u, u), hn::Set(d, cap)), d, weights);
+        for (unsigned bits = bitsOf(inside); bits != 0; bits &= bits - 1) {
+            const auto i = static_cast<std::size_t>(std::countr_zero(bits));
             sums.coverage += weights[i];
             sums.density += densities[s + i] * weights[i];
             sums.opacity += opacities[s + i] * weights[i];
@@ -128,8 +162,8 @@ HWY_ATTR CloudSample weigh(const ShapeSelection& shapes, const Vector3& point, d
 }
 
 /// Eight marches side by side, shape by shape: a step gets its shapes in their order, as in the plain code.
-HWY_ATTR bool marchOne(const ShapeTable& shapes, const LightMarch& march, const Vector3& centre,
-                       std::vector<ShapeSpan>& found, double (&depths)[shadowSamples]) {
+HWY_ATTR bool marchOne(const ShapeTable& shapes, const LightMarch& march, const RowDirection& row,
+                       const Vector3& centre, std::vector<ShapeSpan>& found, double (&depths)[shadowSamples]) {
     constexpr int maxSteps = 64;
     struct Step {
         double x[shadowSamples], y[shadowSamples], z[shadowSamples], remaining[shadowSamples];
@@ -154,9 +188,10 @@ HWY_ATTR bool marchOne(const ShapeTable& shapes, const LightMarch& march, const 
         const auto c = hn::Sub(dot(o, o), hn::Set(d, radius * radius));
         const auto discriminant = hn::Sub(hn::Mul(b, b), hn::Mul(hn::Mul(hn::Set(d, 4.0), a), c));
         const auto root = hn::Sqrt(discriminant);
-        const auto t0 = hn::Div(hn::Sub(hn::Neg(b), root), hn::Mul(two, a));
+        // The ray enters behind the sample: of the nearer crossing only the sign counts.
+        const auto entered = hn::And(hn::Gt(a, zero), hn::Le(hn::Sub(hn::Neg(b), root), zero));
         const auto t1 = hn::Div(hn::Add(hn::Neg(b), root), hn::Mul(two, a));
-        const auto inside = hn::And(hn::Le(t0, zero), hn::Ge(t1, hn::Set(d, 1e-10)));
+        const auto inside = hn::And(entered, hn::Ge(t1, hn::Set(d, 1e-10)));
         const auto countable = hn::Le(t1, hn::Set(d, march.stepLength * (maxSteps - 2)));
         if (!hn::AllTrue(d, hn::And(inside, countable))) return false;
         hn::Store(t1, d, steps[0].remaining + h);
@@ -164,7 +199,7 @@ HWY_ATTR bool marchOne(const ShapeTable& shapes, const LightMarch& march, const 
     }
     for (double& depth : depths) depth = 0.0;
     const int count = std::min(static_cast<int>(longest / march.stepLength) + 2, maxSteps);
-    spans(shapes, {centre, strideOfAll, std::abs(march.sampleOffset), count}, 1.8, found);
+    spans(shapes, row, centre, count, found);
     int first = count, last = -1;
     for (const ShapeSpan& span : found) {
         first = std::min(first, span.first);
@@ -184,7 +219,8 @@ HWY_ATTR bool marchOne(const ShapeTable& shapes, const LightMarch& march, const 
             hn::Store(hn::Add(hn::Load(d, before.z + h), stride.z), d, step.z + h);
             hn::Store(hn::Sub(hn::Load(d, before.remaining + h), stepLength), d, step.remaining + h);
         }
-    const auto one = hn::Set(d, 1.0), radius2 = hn::Set(d, 1.8 * 1.8), cap = hn::Set(d, 0.6);
+    const auto one = hn::Set(d, 1.0), radius2 = hn::Set(d, marchRadius * marchRadius), cap = hn::Set(d, 0.6);
+    const Divisor byRadius2(marchRadius * marchRadius), byHundred(100.0);
     for (const ShapeSpan& span : found) {
         Matrices matrix;
         for (int i = 0; i < 12; ++i) matrix.m[i / 3][i % 3] = hn::Set(d, shapes.component(i)[span.shape]);
@@ -195,13 +231,17 @@ HWY_ATTR bool marchOne(const ShapeTable& shapes, const LightMarch& march, const 
                 const Values3 p{hn::Load(d, step.x + h), hn::Load(d, step.y + h), hn::Load(d, step.z + h)};
                 const Values3 q = matrix.points(p);
                 const auto length2 = dot(q, q);
-                const auto u = hn::Sub(one, hn::Div(length2, radius2));
-                const auto w = hn::IfThenElseZero(hn::Le(length2, radius2), hn::Min(hn::Mul(u, u), cap));
+                const auto felt = hn::Le(length2, radius2);
+                const auto u = hn::Sub(one, byRadius2.divide(length2));
+                const auto w = hn::IfThenElseZero(felt, hn::Min(hn::Mul(u, u), cap));
                 hn::Store(hn::Add(hn::Load(d, step.coverage + h), w), d, step.coverage + h);
                 hn::Store(hn::Add(hn::Load(d, step.density + h), hn::Mul(density, w)), d, step.density + h);
             }
     }
-    const auto fadeStart = hn::Set(d, march.fadeStart), fadeEnd = hn::Set(d, march.fadeEnd);
+    const auto fadeEnd = hn::Set(d, march.fadeEnd);
+    // From this height on there is no fade: the quotient is 1 or more, as rounding is monotone.
+    const auto fadeless = hn::Set(d, march.fadeStart > march.fadeEnd ? march.fadeStart : HUGE_VAL);
+    const Divisor byFade(march.fadeStart - march.fadeEnd);
     for (std::size_t h = 0; h < shadowSamples; h += lanes) {
         auto depth = zero;
         for (int k = first; k <= last; ++k) {
@@ -213,9 +253,9 @@ HWY_ATTR bool marchOne(const ShapeTable& shapes, const LightMarch& march, const 
             if (hn::AllFalse(d, counts)) continue;
             const auto density = hn::Div(hn::Load(d, step.density + h), coverage);
             coverage = hn::Min(coverage, one);
-            if (march.groundFade) coverage = hn::Mul(coverage, smoothStep(fadeEnd, fadeStart, y));
-            const auto part =
-                hn::Div(hn::Mul(hn::Mul(coverage, density), hn::Min(stepLength, remaining)), hn::Set(d, 100.0));
+            if (march.groundFade && !hn::AllTrue(d, hn::Ge(y, fadeless)))
+                coverage = hn::Mul(coverage, smoothStep(byFade, fadeEnd, y));
+            const auto part = byHundred.divide(hn::Mul(hn::Mul(coverage, density), hn::Min(stepLength, remaining)));
             depth = hn::Add(depth, hn::IfThenElseZero(counts, part));
         }
         hn::StoreU(depth, d, depths + h);
@@ -276,8 +316,30 @@ ShapeTable::ShapeTable(const CloudShapeSet& set)
     }
 }
 
-void spansOfShapes(const ShapeTable& shapes, const BoxRow& row, double shapeRadius, std::vector<ShapeSpan>& found) {
-    HWY_DYNAMIC_DISPATCH(spans)(shapes, row, shapeRadius, found);
+RowDirection::RowDirection(const ShapeTable& shapes, const Vector3& stride, double halfSide, double shapeRadius)
+    : stride_(shapes.stride()), values_(stride_ * components, 0.0) {
+    const auto value = [&](int i, std::size_t s) -> double& {
+        return values_[static_cast<std::size_t>(i) * stride_ + s];
+    };
+    const auto row = [&](int i, std::size_t s) { return shapes.component(ShapeTable::matrix + i)[s]; };
+    for (std::size_t s = 0; s < shapes.count(); ++s) {
+        double length2 = 0.0;
+        for (int c = 0; c < 3; ++c) {
+            const double along = stride.x * row(c, s) + stride.y * row(3 + c, s) + stride.z * row(6 + c, s);
+            value(step + c, s) = along;
+            length2 += along * along;
+        }
+        const double reach =
+            shapeRadius + shapes.component(ShapeTable::slack)[s] + halfSide * shapes.component(ShapeTable::reach)[s];
+        value(inverse, s) = 1.0 / length2;
+        value(reach2, s) = reach * reach;
+        value(moves, s) = length2 > 1e-30 ? 1.0 : 0.0;
+    }
+}
+
+void spansOfShapes(const ShapeTable& shapes, const RowDirection& direction, const Vector3& start, int count,
+                   std::vector<ShapeSpan>& found) {
+    HWY_DYNAMIC_DISPATCH(spans)(shapes, direction, start, count, found);
 }
 
 void ShapeSelection::select(const ShapeTable& shapes, const std::vector<ShapeSpan>& found) {
@@ -298,9 +360,12 @@ CloudSample ShapeSelection::sums(const Vector3& point, double shapeRadius, doubl
     return HWY_DYNAMIC_DISPATCH(weigh)(*this, point, shapeRadius, cap);
 }
 
-bool marchSprite(const ShapeTable& shapes, const LightMarch& march, const Vector3& centre,
-                 std::vector<ShapeSpan>& found, double (&depths)[shadowSamples]) {
-    return HWY_DYNAMIC_DISPATCH(marchOne)(shapes, march, centre, found, depths);
+SpriteMarcher::SpriteMarcher(const ShapeTable& shapes, const LightMarch& march)
+    : shapes_(shapes), march_(march),
+      direction_(shapes, march.lightDirection * march.stepLength, std::abs(march.sampleOffset), marchRadius) {}
+
+bool SpriteMarcher::depthsAt(const Vector3& centre, double (&depths)[shadowSamples]) {
+    return HWY_DYNAMIC_DISPATCH(marchOne)(shapes_, march_, direction_, centre, spans_, depths);
 }
 
 } // namespace orvo

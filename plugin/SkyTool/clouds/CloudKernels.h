@@ -3,7 +3,8 @@
 #include "CloudGeneration.h"
 
 /// The vector code of cloud generation, for the widest unit that the machine has. Every lane does the very operations
-/// of the plain code in their order, without fused multiply-adds: no result differs in any bit.
+/// of the plain code in their order, none of them fused, but for divisions by one number, which are put together of
+/// faster operations that give the same bits: no result differs in any.
 namespace orvo {
 
 /// A cloud's shapes by component, and how far from a line each of them can be felt.
@@ -32,11 +33,22 @@ private:
     bool usable_;
 };
 
-/// The points start + k x stride, k from 0, and all points around each that are no farther off along any axis.
-struct BoxRow {
-    Vector3 start, stride;
-    double halfSide = 0.0;
-    int count = 0;
+/// Rows of boxes of one direction, in the unit spaces of a cloud's shapes: the points start + k x stride, k from 0, and
+/// all points around each that are no farther off along any axis.
+class RowDirection {
+public:
+    /// @param halfSide of a box
+    /// @param shapeRadius of the shapes in unit space
+    RowDirection(const ShapeTable& shapes, const Vector3& stride, double halfSide, double shapeRadius);
+
+    /// Component i of shape s stands at i x stride + s of the table: the stride in unit space; one through its squared
+    /// length; the square of how far off a box's centre may be; 1 where there is a stride to speak of, else 0.
+    const double* component(int i) const { return &values_[static_cast<std::size_t>(i) * stride_]; }
+    static constexpr int step = 0, inverse = 3, reach2 = 4, moves = 5, components = 6;
+
+private:
+    std::size_t stride_;
+    std::vector<double> values_;
 };
 
 /// The boxes of a row in which a shape may be felt.
@@ -46,8 +58,8 @@ struct ShapeSpan {
 };
 
 /// The shapes that may be felt in a row of boxes, in their order: outside the spans none is.
-/// @param shapeRadius of the shapes in unit space
-void spansOfShapes(const ShapeTable& shapes, const BoxRow& row, double shapeRadius, std::vector<ShapeSpan>& spans);
+void spansOfShapes(const ShapeTable& shapes, const RowDirection& direction, const Vector3& start, int count,
+                   std::vector<ShapeSpan>& spans);
 
 /// Some of a cloud's shapes side by side, to be weighed at point after point.
 class ShapeSelection {
@@ -78,12 +90,24 @@ struct LightMarch {
 };
 
 constexpr int shadowSamples = 8;
+constexpr double marchRadius = 1.8; ///< of the shapes in unit space, for the march
 
-/// The optical depths at the eight samples of a sprite, sample s on the positive side of axis i when bit i of s is set.
-/// @param spans scratch space
-/// @return false, with no depths, when a sample needs what only the plain march does: an entry from outside the
-///   cloud's surroundings, or steps beyond counting
-bool marchSprite(const ShapeTable& shapes, const LightMarch& march, const Vector3& centre,
-                 std::vector<ShapeSpan>& spans, double (&depths)[shadowSamples]);
+/// Marches from sprite after sprite of a cloud. What it is made of must outlive it.
+class SpriteMarcher {
+public:
+    SpriteMarcher(const ShapeTable& shapes, const LightMarch& march);
+
+    /// The optical depths at the eight samples of a sprite, sample s on the positive side of axis i when bit i of s is
+    /// set.
+    /// @return false, with no depths, when a sample needs what only the plain march does: an entry from outside the
+    ///   cloud's surroundings, or steps beyond counting
+    bool depthsAt(const Vector3& centre, double (&depths)[shadowSamples]);
+
+private:
+    const ShapeTable& shapes_;
+    const LightMarch& march_;
+    RowDirection direction_;
+    std::vector<ShapeSpan> spans_;
+};
 
 } // namespace orvo

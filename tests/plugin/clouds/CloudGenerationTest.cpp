@@ -141,6 +141,7 @@ TEST(CloudKernels, MatchThePlainDoublesToTheBit) {
         for (std::uint32_t i = 0; i < set.spheres.size(); ++i) spans.push_back({i, 0, 0});
         all.select(table, spans);
         const LightMarch march{set.boundCentre, slanted, set.boundRadius, set.boundRadius / 10.0, fade, 9e3, -9e3, 2e3};
+        SpriteMarcher marcher(table, march);
         onEveryVectorUnit([&] {
             RandomGenerator random(31);
             int lit = 0, inside = 0;
@@ -149,7 +150,7 @@ TEST(CloudKernels, MatchThePlainDoublesToTheBit) {
                 const double x = value(120000), y = value(60000);
                 const Vector3 p{x, y, value(120000)};
                 double depths[shadowSamples];
-                ASSERT_TRUE(marchSprite(table, march, p, spans, depths));
+                ASSERT_TRUE(marcher.depthsAt(p, depths));
                 for (int s = 0; s < shadowSamples; ++s) {
                     const Vector3 corner{s & 1 ? 2e3 : -2e3, s & 2 ? 2e3 : -2e3, s & 4 ? 2e3 : -2e3};
                     ASSERT_EQ(depths[s],
@@ -198,13 +199,10 @@ TEST(CloudKernels, SpansHoldABoxThatJustTouches) {
         const Vector3 stride = along * std::pow(10.0, -between(0, 4)) * (trial % 7 < 4 ? 1.0 : -1.0);
         const int box = static_cast<int>(between(0, 40));
 
-        const auto rowAt = [&](double t) {
-            return BoxRow{centre + along * t - stride * static_cast<double>(box), stride, halfSide, 40};
-        };
+        const auto startAt = [&](double t) { return centre + along * t - stride * static_cast<double>(box); };
         const auto isFelt = [&](double t) {
-            const BoxRow row = rowAt(t);
-            Vector3 p = row.start;
-            for (int i = 0; i < box; ++i) p = p + row.stride;
+            Vector3 p = startAt(t);
+            for (int i = 0; i < box; ++i) p = p + stride;
             const Vector3 q = MatrixTransformPoint(toUnit, p - corner * halfSide);
             return dot(q, q) <= radius * radius;
         };
@@ -216,7 +214,7 @@ TEST(CloudKernels, SpansHoldABoxThatJustTouches) {
         ASSERT_TRUE(table.usable());
         onEveryVectorUnit([&] {
             std::vector<ShapeSpan> spans;
-            spansOfShapes(table, rowAt(felt), radius, spans);
+            spansOfShapes(table, RowDirection(table, stride, halfSide, radius), startAt(felt), 40, spans);
             ASSERT_EQ(spans.size(), 1u) << trial;
             ASSERT_LE(spans[0].first, box) << trial;
             ASSERT_GE(spans[0].last, box) << trial;
