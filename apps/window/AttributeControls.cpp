@@ -429,7 +429,8 @@ public:
             return field;
         };
         elevation_ = angle(AttributeControl::tr("up"), AttributeControl::tr("Degrees above the horizon"));
-        azimuth_ = angle(AttributeControl::tr("az"), AttributeControl::tr("Degrees clockwise from -Z, seen from above"));
+        azimuth_ =
+            angle(AttributeControl::tr("az"), AttributeControl::tr("Degrees clockwise from -Z, seen from above"));
         column->addLayout(angles);
         auto* below = new QHBoxLayout;
         QHBoxLayout* const row = std::exchange(row_, below);
@@ -617,8 +618,8 @@ public:
         connect(browse_, &QPushButton::clicked, this, [this] {
             const QString now = fileOnDisk(plug_.text());
             const QString start = now.isEmpty() ? projectRoot() : QFileInfo(now).path();
-            const QString file = QFileDialog::getOpenFileName(window(), AttributeControl::tr("Choose a File"), start, {}, nullptr,
-                                                              QFileDialog::DontUseNativeDialog);
+            const QString file = QFileDialog::getOpenFileName(window(), AttributeControl::tr("Choose a File"), start,
+                                                              {}, nullptr, QFileDialog::DontUseNativeDialog);
             if (!file.isEmpty()) give(spelled(file));
         });
     }
@@ -641,7 +642,8 @@ protected:
         if (!file.isEmpty()) {
             const QString below = QDir(projectRoot()).relativeFilePath(file);
             if (!below.startsWith("build/", Qt::CaseInsensitive))
-                words = AttributeControl::tr("It lies outside of the project's build folder: the game will not find it.");
+                words =
+                    AttributeControl::tr("It lies outside of the project's build folder: the game will not find it.");
             if (QFileInfo(file).isFile() && QFileInfo(file).size() < 32 << 20)
                 if (const auto p = host::viewport::Picture::read(file.toStdString()); p && p->width > 0) {
                     const auto format = p->channels == 4 ? QImage::Format_RGBX8888 : QImage::Format_RGB888;
