@@ -69,7 +69,7 @@ TEST_F(SceneReaderTest, OpensA2016Scene) {
     EXPECT_THAT(list("group1.names").texts, ElementsAre("a", "-b", ""));
     EXPECT_THAT(list("group1.frames").numbers, ElementsAre(-7, 2147483647));
     EXPECT_THAT(list("group1.pts").numbers, ElementsAre(1, 2, 3, 4, 5, 6));
-    EXPECT_EQ(std::get<MMatrix>(scene.findPlug("group1.mat").value)(3, 1), 8);
+    EXPECT_EQ((*matrixIn(scene.findPlug("group1.mat").value))(3, 1), 8);
     EXPECT_EQ(number("|group2|ball.translateY"), 1);
     EXPECT_EQ(number("|group1|ball.inheritsTransform"), 0);
     EXPECT_EQ(scene.findNode("|group2|ball")->uuid, "44444444-4E2B-8D11-9A0B-7F6D5E4C3B2A");

@@ -32,7 +32,7 @@ std::string contentsOf(Scene& scene) {
                 for (int k = 0; k < n->count; ++k)
                     text += " " + std::to_string(std::bit_cast<std::uint64_t>(n->get(k)));
             if (const auto* s = std::get_if<std::string>(&c.value)) text += " " + *s;
-            if (const auto* m = std::get_if<MMatrix>(&c.value))
+            if (const auto* m = matrixIn(c.value))
                 for (unsigned k = 0; k < 16; ++k) text += " " + std::to_string((*m)(k / 4, k % 4));
             if (const auto* d = std::get_if<DataPtr>(&c.value); d && *d && (*d)->kind() != DataKind::Mesh) {
                 for (const auto& t : static_cast<ArrayData&>(**d).texts) text += " '" + t + "'";

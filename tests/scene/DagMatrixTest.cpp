@@ -33,7 +33,7 @@ protected:
     MMatrix matrix(const std::string& plug) {
         Cell& cell = scene.findPlug(plug);
         evaluate(cell);
-        return std::get<MMatrix>(cell.value);
+        return *matrixIn(cell.value);
     }
     static void expectMaps(const MMatrix& m, const Triple& from, const Triple& to, const char* what = "") {
         const MPoint p = MPoint(from[0], from[1], from[2]) * m;

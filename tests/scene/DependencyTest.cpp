@@ -258,6 +258,39 @@ TEST_F(DependencyTest, ArrayPlugs) {
     EXPECT_EQ(value("to.sum"), 8);
 }
 
+// Faults: an element that became free and is not found again, one that is taken twice.
+TEST_F(DependencyTest, TheNextElementIsTheFirstThatIsFree) {
+    adders("one two to");
+    const auto next = [&] { return scene.nextAvailable(scene.findPlug("to.list")).index; };
+    const auto set = [&](const char* element) {
+        const UndoQueue::Chunk chunk(scene.undo);
+        scene.setNumber(scene.findPlug(element), 5);
+    };
+    const auto remove = [&](const char* element) {
+        const UndoQueue::Chunk chunk(scene.undo);
+        scene.removeElement(scene.findPlug(element), true);
+    };
+    run("connectAttr -na one.sum to.list");
+    run("connectAttr -na two.sum to.list");
+    set("to.list[2]");
+    EXPECT_EQ(next(), 3);
+    run("undo");
+    EXPECT_EQ(next(), 2);
+    run("undo");
+    EXPECT_EQ(next(), 1);
+    run("redo");
+    run("redo");
+    set("to.list[4]");
+    EXPECT_EQ(next(), 3);
+    remove("to.list[0]");
+    EXPECT_EQ(next(), 0);
+    run("connectAttr -na one.sum to.list");
+    set("to.list[3]");
+    EXPECT_EQ(next(), 5);
+    remove("to.list[1]");
+    EXPECT_EQ(next(), 1);
+}
+
 // Faults: a lock that does not keep a connection away, or that is gone after one was refused.
 TEST_F(DependencyTest, ALockOutlivesARefusedConnection) {
     run("spaceLocator -n driver; spaceLocator -n held");

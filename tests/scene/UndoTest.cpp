@@ -15,7 +15,7 @@ std::string text(const Value& value) {
     if (auto* n = std::get_if<Numeric>(&value))
         for (int k = 0; k < n->count; ++k) out << n->get(k) << ' ';
     if (auto* s = std::get_if<std::string>(&value)) out << *s;
-    if (auto* m = std::get_if<MMatrix>(&value))
+    if (auto* m = matrixIn(value))
         for (unsigned k = 0; k < 16; ++k) out << (*m)(k / 4, k % 4) << ' ';
     return out.str();
 }

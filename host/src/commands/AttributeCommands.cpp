@@ -64,11 +64,11 @@ Value heldValue(Cell& cell) {
     if (std::get_if<Numeric>(&cell.value)) return numberValue(cell);
     if (auto* text = std::get_if<std::string>(&cell.value)) return *text;
     FloatArray elements;
-    if (auto* m = std::get_if<MMatrix>(&cell.value)) {
+    if (auto* m = matrixIn(cell.value)) {
         for (unsigned k = 0; k < 16; ++k) elements.push_back((*m)(k / 4, k % 4));
         return elements;
     }
-    if (auto* m = std::get_if<MFloatMatrix>(&cell.value)) {
+    if (auto* m = floatMatrixIn(cell.value)) {
         for (unsigned k = 0; k < 16; ++k) elements.push_back((*m)(k / 4, k % 4));
         return elements;
     }

@@ -127,7 +127,7 @@ FloatArray defaultsOf(const Attribute& a) {
     if (const auto* n = std::get_if<Numeric>(&a.defaultValue))
         for (int k = 0; k < n->count; ++k)
             numbers.push_back(toUi(a.children.empty() ? a : *a.children[static_cast<std::size_t>(k)], n->get(k)));
-    if (const auto* m = std::get_if<MMatrix>(&a.defaultValue))
+    if (const auto* m = matrixIn(a.defaultValue))
         for (unsigned k = 0; k < 16; ++k) numbers.push_back((*m)(k / 4, k % 4));
     return numbers;
 }

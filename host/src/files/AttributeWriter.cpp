@@ -193,13 +193,13 @@ void AttributeWriter::value(Cell& c, const std::string& flags) {
         number(c);
     } else if (const auto* text = std::get_if<std::string>(&c.value)) {
         out_ += " -type \"string\" " + textValue(*text);
-    } else if (const auto* m = std::get_if<MMatrix>(&c.value)) {
+    } else if (const auto* m = matrixIn(c.value)) {
         out_ += " -type \"matrix\"";
         for (unsigned k = 0; k < 16; ++k) {
             lines.gap();
             appendNumber(out_, (*m)(k / 4, k % 4));
         }
-    } else if (const auto* f = std::get_if<MFloatMatrix>(&c.value)) {
+    } else if (const auto* f = floatMatrixIn(c.value)) {
         out_ += " -type \"matrix\"";
         for (unsigned k = 0; k < 16; ++k) {
             lines.gap();

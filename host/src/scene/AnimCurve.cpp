@@ -152,6 +152,7 @@ private:
 
     static void hide(Cell& element) {
         element.written = element.dirty = false;
+        element.noteFreed();
         element.value = element.attribute.defaultValue;
         for (auto& child : element.children)
             if (child) hide(*child);
@@ -175,11 +176,10 @@ CurveBehavior* behaviorOf(Node& curve) { return dynamic_cast<CurveBehavior*>(cur
 class KeyEdit {
 public:
     KeyEdit(Scene& scene, Node& curve) : scene_(scene), curve_(curve), keys_(behaviorOf(curve)->keys) {
-        const auto& timed = keys_.timed();
-        bool numbered = timed.size() == keys_.keys().size();
-        for (std::size_t i = 0; numbered && i < timed.size(); ++i) numbered = timed[i].index == static_cast<int>(i);
-        if (numbered) return;
-        std::vector<CurveKey> after = timed, before = keys_.keys();
+        const auto &timed = keys_.timed(), &keys = keys_.keys();
+        // Their indices ascend from 0 or more, so that the last one tells of all.
+        if (&timed == &keys && (keys.empty() || keys.back().index == static_cast<int>(keys.size()) - 1)) return;
+        std::vector<CurveKey> after = timed, before = keys;
         for (std::size_t i = 0; i < after.size(); ++i) after[i].index = static_cast<int>(i);
         carryOut([after](CurveKeys& keys) { keys.assign(after); }, [before](CurveKeys& keys) { keys.assign(before); });
     }

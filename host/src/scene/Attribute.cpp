@@ -100,8 +100,7 @@ std::optional<ValueKind> kindOf(const Value& value) {
     using Form = ValueKind::Form;
     if (const auto* n = std::get_if<Numeric>(&value)) return ValueKind{Form::Number, DataKind::None, n->type, n->count};
     if (std::holds_alternative<std::string>(value)) return ValueKind{Form::Text};
-    if (std::holds_alternative<MMatrix>(value) || std::holds_alternative<MFloatMatrix>(value))
-        return ValueKind{Form::Matrix};
+    if (matrixIn(value) || floatMatrixIn(value)) return ValueKind{Form::Matrix};
     const auto* data = std::get_if<DataPtr>(&value);
     return data && *data ? std::optional(ValueKind{Form::Data, (*data)->kind()}) : std::nullopt;
 }

@@ -26,7 +26,7 @@ MVector vectorOf(Cell& cell) {
 
 MMatrix matrixOf(Cell& cell) {
     evaluate(cell);
-    const auto* m = std::get_if<MMatrix>(&cell.value);
+    const auto* m = matrixIn(cell.value);
     return m ? *m : MMatrix();
 }
 

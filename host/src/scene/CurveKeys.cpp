@@ -14,6 +14,9 @@ Tangent kind(const CurveKey& key, bool out, const CurveKeys::Shape& shape) {
     return own == 0 ? shape.tangent : static_cast<Tangent>(own);
 }
 
+bool counts(const CurveKey& k) { return (k.given & CurveKey::TimeValue) && !std::isnan(k.time); }
+bool earlier(const CurveKey& a, const CurveKey& b) { return a.time < b.time; }
+
 double chord(const CurveKey& a, const CurveKey& b) {
     // Files may have two keys at one time, which give no slope.
     return b.time > a.time ? (b.value - a.value) / (b.time - a.time) : 0;
@@ -67,10 +70,19 @@ CurveKey& CurveKeys::at(int index) {
     return *keys_.insert(at, key);
 }
 
-void CurveKeys::insert(const CurveKey& key) { at(key.index) = key; }
+void CurveKeys::insert(const CurveKey& key) {
+    const bool known = checked_ && inOrder_;
+    CurveKey& there = at(key.index);
+    there = key;
+    if (!known) return;
+    // Among keys in order only its neighbours can be out of order with it.
+    const auto i = static_cast<std::size_t>(&there - keys_.data());
+    checked_ = counts(key) && (i == 0 || !earlier(key, keys_[i - 1])) &&
+               (i + 1 == keys_.size() || !earlier(keys_[i + 1], key));
+}
 
 void CurveKeys::erase(int index) {
-    checked_ = false;
+    checked_ = checked_ && inOrder_;
     const auto at = place(index);
     if (at != keys_.end() && at->index == index) keys_.erase(at);
 }
@@ -92,8 +104,6 @@ void CurveKeys::assign(std::vector<CurveKey> keys) {
 
 const std::vector<CurveKey>& CurveKeys::timed() const {
     if (!checked_) {
-        const auto counts = [](const CurveKey& k) { return (k.given & CurveKey::TimeValue) && !std::isnan(k.time); };
-        const auto earlier = [](const CurveKey& a, const CurveKey& b) { return a.time < b.time; };
         inOrder_ =
             std::all_of(keys_.begin(), keys_.end(), counts) && std::is_sorted(keys_.begin(), keys_.end(), earlier);
         sorted_ = {};

@@ -57,7 +57,7 @@ MMatrix held(DagNode& n, std::string_view name) {
     Cell* c = a ? n.existingCell(*a) : nullptr;
     if (!c) return MMatrix();
     evaluate(*c);
-    const auto* m = std::get_if<MMatrix>(&c->value);
+    const auto* m = matrixIn(c->value);
     return m ? *m : MMatrix();
 }
 

@@ -71,6 +71,8 @@ void part(Cell& source, Cell& destination) {
     destination.source = nullptr;
     destination.written = true;
     std::erase(source.destinations, &destination);
+    source.noteFreed();
+    destination.noteFreed();
     dirtyDependents(destination);
     tellNodes(source, destination, false);
     if (auto* o = source.node.scene.observer) o->connectionChanged(source, destination, false, false);
@@ -89,6 +91,7 @@ public:
             else if (Numeric* n = cell->numbers(&k))
                 n->set(k, std::get<Numeric>(value).get(k));
             cell->written = written;
+            if (!written) cell->noteFreed();
         }
     }
 
@@ -166,7 +169,12 @@ Cell* Scene::tryPlug(Node& node, std::string_view path, bool create) {
         if (up->array) return nullptr;
     Cell* cell = step(&node.cell(*attribute), segments[0], create);
     for (std::size_t i = 1; cell && i < segments.size(); ++i) {
-        if (cell->isArray()) return nullptr;
+        if (cell->isArray()) {
+            // Of what a node has for each of its places the first one's may be meant without its index.
+            const bool ofPlace = cell->attribute.worldSpace || cell->attribute.longName == "instObjGroups";
+            if (!ofPlace || (!create && !cell->elements.contains(0))) return nullptr;
+            cell = &cell->element(0);
+        }
         const Attribute* part = cell->attribute.child(segments[i].name);
         if (!part) return nullptr;
         cell = step(&cell->child(part->childIndex), segments[i], create);
@@ -234,6 +242,7 @@ void Scene::setNumber(Cell& cell, double value, LimitPolicy policy) {
         const auto set = [k, &cell, &owner, keep = cell.node.shared_from_this()](const Numeric& to, bool written) {
             std::get<Numeric>(owner.value).set(k, to.get(k));
             cell.written = written;
+            if (!written) cell.noteFreed();
             dirtyDependents(cell);
             tellValue(cell);
         };
@@ -296,6 +305,7 @@ void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
                                                                                                bool written) {
         cell.value = to;
         cell.written = written;
+        if (!written) cell.noteFreed();
         setClean(cell);
         dirtyDependents(cell);
         tellValue(cell);
@@ -358,6 +368,7 @@ void Scene::removeElement(Cell& element, bool breakConnections) {
     auto kept = std::make_shared<std::unique_ptr<Cell>>();
     const auto remove = [&array, index, kept, keep = array.node.shared_from_this()] {
         *kept = std::move(array.elements[index]);
+        (*kept)->noteFreed();
         array.elements.erase(index);
         dirtyDependents(array);
         keep->scene.keepDeleted(kept);
@@ -522,16 +533,10 @@ void Scene::disconnect(Cell& source, Cell& destination) {
 }
 
 Cell& Scene::nextAvailable(Cell& array) {
-    int free = 0;
-    for (auto& [index, element] : array.elements) {
-        const bool used = element->source || !element->destinations.empty() || element->written ||
-                          std::any_of(element->children.begin(), element->children.end(),
-                                      [](auto& c) { return c && (c->source || c->written); });
-        if (index == free && used)
-            ++free;
-        else if (index > free)
-            break;
-    }
+    const auto used = [](const Cell& c) { return c.source || !c.destinations.empty() || c.written; };
+    int& free = array.inUse;
+    for (auto at = array.elements.lower_bound(free); at != array.elements.end() && at->first == free; ++at, ++free)
+        if (!anyCell(static_cast<const Cell&>(*at->second), used)) break;
     return array.element(free);
 }
 

@@ -61,8 +61,8 @@ bool Cell::lockedHere() const {
     return node.locked;
 }
 
-const AttributeFlow& Cell::flow() const {
-    if (!flow_ || flow_->version != NodeType::flowVersion) flow_ = &node.type.flow(attribute);
+const AttributeFlow& Cell::lookUpFlow() const {
+    flow_ = &node.type.flow(attribute);
     return *flow_;
 }
 
@@ -93,7 +93,7 @@ void NodeType::affects(const Attribute& input, const Attribute& output) {
     auto& list = affects_[&input];
     if (std::find(list.begin(), list.end(), &output) == list.end()) list.push_back(&output);
     computed_.insert(&output);
-    ++flowVersion;
+    ++AttributeFlow::current;
 }
 
 void NodeType::affects(std::initializer_list<const char*> inputs, std::initializer_list<const char*> outputs) {
@@ -103,7 +103,7 @@ void NodeType::affects(std::initializer_list<const char*> inputs, std::initializ
 
 void NodeType::computed(std::initializer_list<const char*> outputs) {
     for (const char* out : outputs) computed_.insert(find(out));
-    ++flowVersion;
+    ++AttributeFlow::current;
 }
 
 const Attribute* NodeType::find(std::string_view attributeName) const {
@@ -141,15 +141,15 @@ const AttributeFlow& NodeType::flow(const Attribute& attribute) const {
     // What nodes have added is computed by nobody.
     static AttributeFlow none;
     if (attribute.root().dynamic) {
-        none.version = flowVersion;
+        none.version = AttributeFlow::current;
         return none;
     }
     auto& slot = flows_[&attribute];
-    if (slot && slot->version == flowVersion) return *slot;
+    if (slot && slot->version == AttributeFlow::current) return *slot;
     if (!slot) slot = std::make_unique<AttributeFlow>();
     AttributeFlow& flow = *slot;
     flow = {};
-    flow.version = flowVersion;
+    flow.version = AttributeFlow::current;
     flow.computed = isComputed(attribute);
     std::vector<const Attribute*> found;
     for (const Attribute* a = &attribute; a; a = a->parent) affected(*a, found);
@@ -243,20 +243,16 @@ bool Node::renameDynamic(Attribute& attribute, const std::string& longName, cons
 
 Cell& Node::cell(const Attribute& attribute) {
     if (attribute.parent) return cell(*attribute.parent).child(attribute.childIndex);
-    auto& slot = cells_[&attribute];
-    if (!slot) slot = std::make_unique<Cell>(*this, attribute, nullptr, -1);
-    return *slot;
+    auto at = place(attribute);
+    if (at == cells_.end() || at->first != &attribute)
+        at = cells_.emplace(at, &attribute, std::make_unique<Cell>(*this, attribute, nullptr, -1));
+    return *at->second;
 }
 
 Cell& Node::cell(std::string_view attributeName) {
     const Attribute* a = findAttribute(attributeName);
     assert(a);
     return cell(*a);
-}
-
-Cell* Node::existingCell(const Attribute& rootAttribute) const {
-    const auto it = cells_.find(&rootAttribute);
-    return it == cells_.end() ? nullptr : it->second.get();
 }
 
 std::vector<Cell*> Node::cells() const {
@@ -266,18 +262,22 @@ std::vector<Cell*> Node::cells() const {
     return found;
 }
 
-void Node::dropCell(const Attribute& rootAttribute) { cells_.erase(&rootAttribute); }
+void Node::dropCell(const Attribute& rootAttribute) { takeCell(rootAttribute); }
 
 std::unique_ptr<Cell> Node::takeCell(const Attribute& rootAttribute) {
-    const auto it = cells_.find(&rootAttribute);
-    if (it == cells_.end()) return nullptr;
-    auto taken = std::move(it->second);
-    cells_.erase(it);
+    const auto it = place(rootAttribute);
+    if (it == cells_.end() || it->first != &rootAttribute) return nullptr;
+    const auto at = cells_.begin() + (it - cells_.cbegin());
+    auto taken = std::move(at->second);
+    cells_.erase(at);
     return taken;
 }
 
 void Node::putCell(std::unique_ptr<Cell> cell) {
-    if (cell) cells_[&cell->attribute] = std::move(cell);
+    if (!cell) return;
+    takeCell(cell->attribute);
+    const Attribute* attribute = &cell->attribute;
+    cells_.emplace(place(*attribute), attribute, std::move(cell));
 }
 
 bool DagNode::isWorld() const { return this == scene.world(); }
@@ -310,7 +310,7 @@ MMatrix DagNode::localMatrix() {
     if (!a) return MMatrix();
     Cell& c = cell(*a);
     evaluate(c);
-    const auto* m = std::get_if<MMatrix>(&c.value);
+    const auto* m = matrixIn(c.value);
     return m ? *m : MMatrix();
 }
 

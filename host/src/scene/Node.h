@@ -4,6 +4,7 @@
 
 #include <maya/MMatrix.h>
 
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <map>
@@ -29,26 +30,35 @@ struct AttributeFlow {
     bool computed = false;                ///< it, or what it is a part of
     bool movesWorld = false;              ///< a change of it moves a node of the DAG, or what is below
     unsigned long version = 0;
+    static inline unsigned long current = 1; ///< grows when what an attribute affects changes
 };
 
 /// The storage and state of one plug that has been touched: a leaf, a compound, an array or an array's element.
 /// Cells are made on first use and keep their address as long as their node lives.
 struct Cell {
+    // What a wave of dirt and an evaluation look at comes first, side by side.
     Node& node;
     const Attribute& attribute;
     Cell* parent = nullptr; ///< the compound or array it belongs to
-    int index = -1;         ///< logical index of an element
+    Cell* source = nullptr;
+    unsigned long wave = 0; ///< the last wave of dirt that came by
+
+private:
+    mutable const AttributeFlow* flow_ = nullptr;
+    const AttributeFlow& lookUpFlow() const;
+
+public:
+    int index = -1; ///< logical index of an element
     bool dirty = false, computing = false, locked = false;
     bool written = false; ///< set by somebody, so worth saving
     bool waiting = false; ///< for what it is computed from, while a long chain is evaluated
     std::optional<bool> keyable, channelBox;
+    std::vector<Cell*> destinations;
     Value value; ///< of leaves and tuples; a tuple's child keeps none of its own
     std::vector<std::unique_ptr<Cell>> children;
-    std::map<int, std::unique_ptr<Cell>> elements;
-    Cell* source = nullptr;
-    std::vector<Cell*> destinations;
-    std::shared_ptr<void> apiView; ///< what the API needs to hand out references to the value
-    unsigned long wave = 0;        ///< the last wave of dirt that came by
+    std::map<int, std::unique_ptr<Cell>> elements; ///< of an array
+    int inUse = 0;                                 ///< of an array: its elements before this one are all in use
+    std::shared_ptr<void> apiView;                 ///< what the API needs to hand out references to the value
 
     Cell(Node& n, const Attribute& a, Cell* p, int i);
     bool isArray() const { return attribute.array && index < 0; }
@@ -65,10 +75,14 @@ struct Cell {
     std::string name(bool longNames = true) const;
     std::string attributePath(bool longNames = true) const;
     bool lockedHere() const;
-    const AttributeFlow& flow() const;
-
-private:
-    mutable const AttributeFlow* flow_ = nullptr;
+    /// Notes that the elements that it is, or is a part of, may be in use no more.
+    void noteFreed() {
+        for (Cell* c = this; c->parent; c = c->parent)
+            if (c->index >= 0) c->parent->inUse = std::min(c->parent->inUse, c->index);
+    }
+    const AttributeFlow& flow() const {
+        return flow_ && flow_->version == AttributeFlow::current ? *flow_ : lookUpFlow();
+    }
 };
 
 /// Whether `holds` is true of the cell or of one that exists below it: depth first, parts before elements. `holds`
@@ -78,6 +92,7 @@ bool anyCell(CellOrConst& cell, const Holds& holds) {
     if (holds(cell)) return true;
     for (auto& part : cell.children)
         if (part && anyCell(static_cast<CellOrConst&>(*part), holds)) return true;
+    if (!cell.isArray()) return false; // that much is at hand, the elements are further off
     for (auto& [index, element] : cell.elements)
         if (anyCell(static_cast<CellOrConst&>(*element), holds)) return true;
     return false;
@@ -139,8 +154,7 @@ public:
     std::string plugin, classification;
     bool isAbstract = false;
     MakeBehavior makeBehavior;
-    static inline unsigned long flowVersion = 1; ///< grows when what an attribute affects changes
-    mutable int liveNodes = 0;                   ///< nodes that exist, in the scene or in the undo queue
+    mutable int liveNodes = 0; ///< nodes that exist, in the scene or in the undo queue
 
     bool isDag() const { return kind != Kind::Dependency; }
     bool isA(std::string_view typeName) const;
@@ -179,6 +193,19 @@ public:
 
     Scene& scene;
     const NodeType& type;
+    std::unique_ptr<NodeBehavior> behavior;
+
+private:
+    using CellEntry = std::pair<const Attribute*, std::unique_ptr<Cell>>;
+    std::vector<CellEntry> cells_; ///< by the attributes' addresses: the few of a node are found faster than by hash
+    /// Where the attribute's entry is, or is to be put.
+    std::vector<CellEntry>::const_iterator place(const Attribute& rootAttribute) const {
+        return std::lower_bound(
+            cells_.begin(), cells_.end(), &rootAttribute,
+            [](const CellEntry& entry, const Attribute* a) { return std::less<const Attribute*>()(entry.first, a); });
+    }
+
+public:
     std::string name;
     std::string uuid;
     unsigned long serial = 0; ///< grows with every node made
@@ -187,8 +214,7 @@ public:
     bool isDefault = false; ///< made by the host for every scene; it cannot be deleted
     bool locked = false;
     bool referenced = false;
-    bool doNotWrite = false; ///< left out when the scene is saved
-    std::unique_ptr<NodeBehavior> behavior;
+    bool doNotWrite = false;         ///< left out when the scene is saved
     std::shared_ptr<void> apiHandle; ///< what the API's objects of this node share
     /// A node of a kind that nobody knows: its kind's name. Its statements are kept as text.
     std::string unknownType;
@@ -211,7 +237,10 @@ public:
     /// The cell of an attribute that lies below no array, or of a root array.
     Cell& cell(const Attribute& attribute);
     Cell& cell(std::string_view attributeName); ///< the attribute must exist
-    Cell* existingCell(const Attribute& rootAttribute) const;
+    Cell* existingCell(const Attribute& rootAttribute) const {
+        const auto at = place(rootAttribute);
+        return at == cells_.end() || at->first != &rootAttribute ? nullptr : at->second.get();
+    }
     /// Every root cell that exists, in the order of the attributes.
     std::vector<Cell*> cells() const;
     void dropCell(const Attribute& rootAttribute);
@@ -223,7 +252,6 @@ public:
 private:
     std::vector<AttributePtr> dynamic_;
     std::unordered_map<std::string, const Attribute*> dynamicByName_;
-    std::unordered_map<const Attribute*, std::unique_ptr<Cell>> cells_;
 };
 using NodePtr = std::shared_ptr<Node>;
 

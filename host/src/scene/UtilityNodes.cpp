@@ -39,7 +39,7 @@ public:
         Cell* c = node_.existingCell(*attributes_[place]);
         if (!c) return MMatrix();
         evaluate(*c);
-        return std::get<MMatrix>(c->value);
+        return *matrixIn(c->value);
     }
     Value value(std::size_t place) {
         Cell& c = node_.cell(*attributes_[place]);
@@ -277,7 +277,7 @@ void decomposeMatrix(Plugs& p) {
 void multMatrix(Plugs& p) {
     MMatrix product;
     if (auto* elements = p.elements(0))
-        for (auto& [index, element] : *elements) product = product * std::get<MMatrix>(element->value);
+        for (auto& [index, element] : *elements) product = product * *matrixIn(element->value);
     p.give(1, Value(product));
 }
 

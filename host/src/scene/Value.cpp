@@ -104,8 +104,8 @@ bool equal(const Value& a, const Value& b) {
     if (a.index() != b.index()) return false;
     if (auto* n = std::get_if<Numeric>(&a)) return *n == std::get<Numeric>(b);
     if (auto* s = std::get_if<std::string>(&a)) return *s == std::get<std::string>(b);
-    if (auto* m = std::get_if<MMatrix>(&a)) return *m == std::get<MMatrix>(b);
-    if (auto* m = std::get_if<MFloatMatrix>(&a)) return *m == std::get<MFloatMatrix>(b);
+    if (auto* m = matrixIn(a)) return *m == *matrixIn(b);
+    if (auto* m = floatMatrixIn(a)) return *m == *floatMatrixIn(b);
     if (auto* d = std::get_if<DataPtr>(&a)) return *d == std::get<DataPtr>(b);
     return true;
 }

@@ -89,8 +89,38 @@ public:
     int tupleSize() const;
 };
 
+/// A large value that is held elsewhere, so that a Value is no larger than what most plugs hold. It is copied with its
+/// holder, and keeps its address when another one is assigned to it.
+template <class T>
+class Boxed {
+public:
+    Boxed(const T& value) : value_(std::make_unique<T>(value)) {}
+    Boxed(const Boxed& other) : Boxed(*other.value_) {}
+    Boxed& operator=(const Boxed& other) {
+        *value_ = *other.value_;
+        return *this;
+    }
+    T& get() { return *value_; }
+    const T& get() const { return *value_; }
+
+private:
+    std::unique_ptr<T> value_; ///< never null
+};
+
 /// What a leaf attribute (or a numeric tuple as a whole) holds.
-using Value = std::variant<std::monostate, Numeric, std::string, MMatrix, MFloatMatrix, DataPtr>;
+using Value = std::variant<std::monostate, Numeric, std::string, Boxed<MMatrix>, Boxed<MFloatMatrix>, DataPtr>;
+
+/// The matrix that a value holds; null when it holds something else.
+inline MMatrix* matrixIn(Value& v) {
+    auto* box = std::get_if<Boxed<MMatrix>>(&v);
+    return box ? &box->get() : nullptr;
+}
+inline const MMatrix* matrixIn(const Value& v) { return matrixIn(const_cast<Value&>(v)); }
+inline MFloatMatrix* floatMatrixIn(Value& v) {
+    auto* box = std::get_if<Boxed<MFloatMatrix>>(&v);
+    return box ? &box->get() : nullptr;
+}
+inline const MFloatMatrix* floatMatrixIn(const Value& v) { return floatMatrixIn(const_cast<Value&>(v)); }
 
 bool equal(const Value& a, const Value& b);
 

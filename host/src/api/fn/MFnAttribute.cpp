@@ -255,16 +255,16 @@ namespace {
 template <class M>
 MStatus readMatrix(const MObject& o, M& out) {
     const auto a = Access::attribute(o);
-    const auto* m = a ? std::get_if<M>(&a->defaultValue) : nullptr;
-    if (!m) return MStatus::kInvalidParameter;
-    out = *m;
+    const auto* held = a ? std::get_if<scene::Boxed<M>>(&a->defaultValue) : nullptr;
+    if (!held) return MStatus::kInvalidParameter;
+    out = held->get();
     return MStatus::kSuccess;
 }
 
 template <class M>
 MStatus writeMatrix(const MObject& o, const M& in) {
     const auto a = Access::attribute(o);
-    if (!a || !std::holds_alternative<M>(a->defaultValue)) return MStatus::kInvalidParameter;
+    if (!a || !std::holds_alternative<scene::Boxed<M>>(a->defaultValue)) return MStatus::kInvalidParameter;
     a->defaultValue = in;
     return MStatus::kSuccess;
 }

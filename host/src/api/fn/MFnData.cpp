@@ -159,7 +159,7 @@ namespace {
 
 MMatrix* matrixOf(const MObject& o) {
     auto* d = Access::data(o);
-    return d ? std::get_if<MMatrix>(&d->value) : nullptr;
+    return d ? scene::matrixIn(d->value) : nullptr;
 }
 
 std::string* textOf(const MObject& o) {

@@ -138,6 +138,7 @@ MStatus MArrayDataHandle::set(MArrayDataBuilder& builder) {
             forget(*at->second);
             ++at;
         } else {
+            at->second->noteFreed();
             at = cell->elements.erase(at);
         }
     }

@@ -141,7 +141,7 @@ MFnData::Type MDataHandle::type() const {
     if (isNumeric()) return MFnData::kNumeric;
     const auto& v = view_->value();
     if (std::holds_alternative<std::string>(v)) return MFnData::kString;
-    if (std::holds_alternative<MMatrix>(v) || std::holds_alternative<MFloatMatrix>(v)) return MFnData::kMatrix;
+    if (scene::matrixIn(v) || scene::floatMatrixIn(v)) return MFnData::kMatrix;
     if (const auto* d = std::get_if<scene::DataPtr>(&v); d && *d) return api::typeOf((*d)->kind());
     // Nothing is there yet; the attribute says what there will be.
     return view_->cell ? api::typeOf(view_->cell->attribute.dataKind) : MFnData::kInvalid;
@@ -244,12 +244,12 @@ MVector& MDataHandle::asVector() const { return tupleAt<MVector>(view_, NumericT
 MFloatVector& MDataHandle::asFloatVector() const { return tupleAt<MFloatVector>(view_, NumericType::Float, 3); }
 
 MMatrix& MDataHandle::asMatrix() const {
-    auto* m = view_ ? std::get_if<MMatrix>(&view_->value()) : nullptr;
+    auto* m = view_ ? scene::matrixIn(view_->value()) : nullptr;
     return m ? *m : nowhere<MMatrix>();
 }
 
 MFloatMatrix& MDataHandle::asFloatMatrix() const {
-    auto* m = view_ ? std::get_if<MFloatMatrix>(&view_->value()) : nullptr;
+    auto* m = view_ ? scene::floatMatrixIn(view_->value()) : nullptr;
     return m ? *m : nowhere<MFloatMatrix>();
 }
 
@@ -296,10 +296,10 @@ void MDataHandle::set(MInt64 v) {
     if (Numeric* n = view_ ? view_->numbers(&k) : nullptr) n->setInt64(k, v);
 }
 void MDataHandle::set(const MMatrix& v) {
-    if (view_ && std::holds_alternative<MMatrix>(view_->value())) view_->value() = v;
+    if (view_ && scene::matrixIn(view_->value())) view_->value() = v;
 }
 void MDataHandle::set(const MFloatMatrix& v) {
-    if (view_ && std::holds_alternative<MFloatMatrix>(view_->value())) view_->value() = v;
+    if (view_ && scene::floatMatrixIn(view_->value())) view_->value() = v;
 }
 void MDataHandle::set(const MVector& v) { setNumbers(view_, v.x, v.y, v.z); }
 void MDataHandle::set(const MFloatVector& v) { setNumbers(view_, v.x, v.y, v.z); }

@@ -45,8 +45,8 @@ MFn::Type attributeType(const scene::Attribute& a) {
 MFn::Type dataType(const scene::Value& v) {
     if (std::holds_alternative<scene::Numeric>(v)) return MFn::kNumericData;
     if (std::holds_alternative<std::string>(v)) return MFn::kStringData;
-    if (std::holds_alternative<MMatrix>(v)) return MFn::kMatrixData;
-    if (std::holds_alternative<MFloatMatrix>(v)) return MFn::kMatrixFloatData;
+    if (scene::matrixIn(v)) return MFn::kMatrixData;
+    if (scene::floatMatrixIn(v)) return MFn::kMatrixFloatData;
     if (auto* d = std::get_if<scene::DataPtr>(&v); d && *d) {
         switch ((*d)->kind()) {
         case scene::DataKind::Mesh: return MFn::kMeshData;

@@ -1,0 +1,65 @@
+// Edits one by one of what grows: objects into a set, keys onto a plug, each recorded for undoing. Beside them the
+// plain version: as many insertions into a map. The time of one must not grow with their number.
+#include "scene/AnimCurve.h"
+#include "scene/Scene.h"
+#include "scene/Sets.h"
+
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace host::scene;
+
+void MapPlain(benchmark::State& state) {
+    for (auto _ : state) {
+        std::map<int, double> values;
+        for (int i = 0; i < state.range(0); ++i) values.emplace(i, i * 0.5);
+        benchmark::DoNotOptimize(values.size());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(MapPlain)->Arg(1000)->Arg(10000)->Arg(100000);
+
+void IntoSet(benchmark::State& state) {
+    Scene& scene = Scene::current();
+    for (auto _ : state) {
+        state.PauseTiming();
+        scene.reset();
+        std::vector<NodePtr> nodes;
+        for (int i = 0; i < state.range(0); ++i)
+            nodes.push_back(scene.createNode(*scene.findType("transform"), "t" + std::to_string(i + 1)));
+        Node& set = *scene.createNode(*scene.findType("objectSet"), "some");
+        state.ResumeTiming();
+        const UndoQueue::Chunk chunk(scene.undo);
+        for (const NodePtr& node : nodes) addToSet(set, *node);
+        if (membersOf(set).size() != nodes.size()) state.SkipWithError("members are missing");
+    }
+    scene.reset();
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(IntoSet)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+void OntoPlug(benchmark::State& state) {
+    Scene& scene = Scene::current();
+    for (auto _ : state) {
+        state.PauseTiming();
+        scene.reset();
+        Cell& plug = scene.createNode(*scene.findType("transform"), "t")->cell("translate").child(0);
+        state.ResumeTiming();
+        const UndoQueue::Chunk chunk(scene.undo);
+        for (int i = 0; i < state.range(0); ++i) setKey(scene, plug, 250.0 * i, i, Tangent::Linear, Tangent::Linear);
+        if (keysOf(*curveOf(plug)).size() != static_cast<std::size_t>(state.range(0)))
+            state.SkipWithError("keys are missing");
+    }
+    scene.reset();
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(OntoPlug)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
