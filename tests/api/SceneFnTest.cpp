@@ -63,19 +63,63 @@ TEST_F(SceneFn, Sets) {
     EXPECT_TRUE(second.addMember(one));
     EXPECT_TRUE(first.getMembers(found, true));
     EXPECT_THAT(names(found), ElementsAre("a", "a.visibility", "b"));
-    run("polyCube -n box");
-    MSelectionList corner;
-    corner.add("box.vtx[0]");
-    EXPECT_FALSE(first.addMembers(corner));
     EXPECT_TRUE(first.clear());
     EXPECT_TRUE(first.getMembers(found, false));
     EXPECT_THAT(names(found), IsEmpty());
+    run("polyCube -n box");
     MFnSet group;
     group.create(MSelectionList(), MFnSet::kRenderableOnly);
     EXPECT_TRUE(group.addMember(object("box")));
     EXPECT_EQ(run("sets -isMember initialShadingGroup boxShape"), "0") << "a surface is in one group alone";
     EXPECT_TRUE(group.setAnnotation("rough"));
     EXPECT_EQ(group.annotation(), MString("rough"));
+}
+
+// Faults: components that make their whole shape a member, that are lost beside others, or stay in two shading groups.
+TEST_F(SceneFn, SetsOfComponents) {
+    run("polyCube -n box; polyPlane -sx 1 -sy 1 -n floor");
+    const auto item = [](const char* name, MDagPath& path, MObject& component) {
+        MSelectionList list;
+        list.add(name);
+        list.getDagPath(0, path, component);
+        return list;
+    };
+    MDagPath box;
+    MObject some, more, faces;
+    const MSelectionList corners = item("box.vtx[0:2]", box, some);
+    MFnSet set;
+    set.create(corners);
+    MSelectionList found;
+    const auto members = [&] {
+        set.getMembers(found, false);
+        return names(found);
+    };
+    EXPECT_THAT(members(), ElementsAre("box.vtx[0:2]"));
+    item("box.vtx[5]", box, more);
+    EXPECT_FALSE(set.isMember(box, more));
+    EXPECT_FALSE(set.isMember(object("boxShape")));
+    EXPECT_TRUE(set.addMember(box, more));
+    item("box.f[1]", box, faces);
+    EXPECT_TRUE(set.addMember(box, faces));
+    EXPECT_THAT(members(), ElementsAre("box.vtx[0:2]", "box.vtx[5]", "box.f[1]"));
+    EXPECT_TRUE(set.removeMembers(corners));
+    EXPECT_EQ(set.removeMembers(corners), MStatus::kInvalidParameter);
+    EXPECT_THAT(members(), ElementsAre("box.vtx[5]", "box.f[1]"));
+    MDagPath floor = box;
+    MObject none;
+    item("floor", floor, none);
+    EXPECT_EQ(set.addMember(floor, object("box")), MStatus::kInvalidParameter) << "no components";
+    EXPECT_TRUE(set.clear());
+    EXPECT_THAT(members(), IsEmpty());
+    EXPECT_EQ(run("ls -type groupId"), "") << "what served the members goes with them";
+
+    MFnSet red;
+    red.create(MSelectionList(), MFnSet::kRenderableOnly);
+    EXPECT_TRUE(red.addMember(box, faces));
+    EXPECT_EQ(run("sets -q initialShadingGroup"), "floorShape box.f[0] box.f[2:5]");
+    EXPECT_FALSE(red.addMember(box, some)) << "vertices are not rendered";
+    EXPECT_EQ(run("sets -e -fe initialShadingGroup box.f[1]; sets -q " + str(red.name())), "");
+    EXPECT_EQ(run("sets -e -fe " + str(red.name()) + " box; sets -q initialShadingGroup"), "floorShape");
 }
 
 // Faults: keys in the wrong order or unit, one that replaces nothing, tangents that bend the curve otherwise; changes

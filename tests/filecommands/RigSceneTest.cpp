@@ -54,3 +54,26 @@ TEST_F(RigScene, ExpressionsUtilityNodesConstraintsAndDrivenKeysEvaluateAndAreSa
     EXPECT_THAT(read("scenes/again.ma"), testing::HasSubstr("system(\\\"touch /tmp/never\\\");"));
     expectRig();
 }
+
+// Faults: groups of components that are taken for whole shapes, that are lost on the way through a file, or written in
+// a way that is not read.
+TEST_F(RigScene, SetsOfComponentsAreReadChangedAndSaved) {
+    run("file -f -o \"" + orvo::test::testData("scenes/face_sets.ma") + "\"");
+    EXPECT_EQ(warnings, "");
+    EXPECT_THAT(texts("sets -q lambert2SG"), testing::ElementsAre("pPlane1.f[1]"));
+    EXPECT_THAT(texts("sets -q set1"), testing::ElementsAre("pPlane1.vtx[0:1]", "pPlane1.vtx[4]"));
+    run("sets -add set1 pPlane1.vtx[2]; sets -n faces pPlane1.f[0]");
+    run("file -rename " + quoted("scenes/again.ma") + "; file -save; file -f -o " + quoted("scenes/again.ma"));
+    EXPECT_EQ(warnings, "");
+    EXPECT_THAT(texts("sets -q initialShadingGroup"), testing::ElementsAre("pPlane1.f[0]"));
+    EXPECT_THAT(texts("sets -q set1"), testing::ElementsAre("pPlane1.vtx[0:2]", "pPlane1.vtx[4]"));
+    EXPECT_THAT(texts("sets -q faces"), testing::ElementsAre("pPlane1.f[0]"));
+    const std::string saved = read("scenes/again.ma");
+    EXPECT_THAT(saved,
+                testing::HasSubstr("setAttr \".iog[0].og[2].gcl\" -type \"componentList\" 2 \"vtx[0:2]\" \"vtx[4]\""));
+    EXPECT_THAT(saved, testing::HasSubstr("connectAttr \"pPlaneShape1.iog.og[2]\" \"set1.dsm\" -na;"));
+    EXPECT_THAT(saved, testing::HasSubstr("connectAttr \"faces.mwc\" \"pPlaneShape1.iog[0].og[3].gco\";"));
+    run("sets -e -fe initialShadingGroup pPlane1");
+    EXPECT_THAT(texts("sets -q initialShadingGroup"), testing::ElementsAre("pPlaneShape1"));
+    EXPECT_THAT(texts("sets -q lambert2SG"), testing::ElementsAre());
+}

@@ -85,6 +85,17 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"NoSecondShader", "sets -r 1 -em -n sg; sets -add sg box",
                    "Error: 'boxShape' belongs to 'initialShadingGroup' and cannot be in another renderable set, too."},
         ScriptCase{"IsMember", "sets -im initialShadingGroup box", "1"},
+        ScriptCase{"FacesAsMembers",
+                   "sets -n s box.f[0:1]; sets -add s box.f[3] floor.vtx[0] box.tx; sets -rm s box.f[0]; undo; redo;"
+                   "sets -q s",
+                   "box.f[1] box.f[3] floor.vtx[0] box.translateX"},
+        ScriptCase{"FacesAreMembers", "sets -n s box.f[0:3]; sets -im s box.f[1:2]", "1"},
+        ScriptCase{"FacesAreNoMembers", "sets -n s box.f[0:3]; sets -im s box.f[3:4]", "0"},
+        ScriptCase{"SelectsFaces", "sets -n s box.f[0:3]; select s; ls -sl", "box.f[0:3]"},
+        ScriptCase{
+            "FacesSharedOut",
+            "sets -r 1 -em -n sg; sets -e -fe sg box.f[0:2]; sets -e -fe sg box.f[5]; sets -q initialShadingGroup",
+            "floorShape box.f[3:4]"},
         ScriptCase{"IsNoMember", "sets -im initialShadingGroup g", "0"}),
     caseName);
 

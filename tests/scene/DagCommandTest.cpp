@@ -36,6 +36,10 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"DuplicateHasItsOwnMesh", "duplicate box; polyCube -e -w 9 box; polyEvaluate -b box1",
                    "-0.5 0.5 -0.5 0.5 -0.5 0.5"},
         ScriptCase{"DuplicateKeepsTheNumbers", "move 1 2 3 box; duplicate -n copy box; getAttr copy.t", "1 2 3"},
+        ScriptCase{"DuplicateKeepsItsFacesInTheirSets",
+                   "sets -r 1 -em -n sg; sets -e -fe sg box.f[0:2]; duplicate -n copy box; undo; duplicate -n copy box;"
+                   "sets -q sg",
+                   "box.f[0:2] copy.f[0:2]"},
         ScriptCase{"DuplicateKeepsTheShader", "duplicate -n copy box; sets -im initialShadingGroup copy", "1"},
         ScriptCase{"DuplicateFollowsCopiesUpstream", "duplicate -un box; ls -type polyCube", "polyCube1 polyCube2"},
         ScriptCase{"DuplicateWithoutChildren", "parent box home; duplicate -po -n copy home; listRelatives copy", ""},

@@ -52,9 +52,11 @@ public:
         if (made.behavior) made.behavior->copyFrom(source);
         if (meshBehavior(source) && source.cell("inMesh").source && !upstream && !inputs)
             setMesh(theScene(), made, meshOf(source));
-        for (Cell* cell : source.cells())
+        for (Cell* cell : source.cells()) {
+            if (cell->attribute.longName == "instObjGroups") continue; // which sets it is in, it is told below
             if (const Attribute* a = made.findAttribute(cell->attribute.longName)) copyCell(*cell, made.cell(*a));
-        copySets(source, made);
+        }
+        joinSetsOf(source, made);
         return made;
     }
 
@@ -97,19 +99,6 @@ private:
         if (from.keyable && from.keyable != to.keyable) theScene().setKeyable(to, *from.keyable);
         if (from.channelBox && from.channelBox != to.channelBox) theScene().setChannelBox(to, *from.channelBox);
         if (from.locked) theScene().setLocked(to, true);
-    }
-
-    static void copySets(Node& source, Node& made) {
-        const std::function<void(Cell&)> visit = [&](Cell& cell) {
-            for (std::size_t i = 0; i < cell.destinations.size(); ++i) {
-                Node& set = cell.destinations[i]->node;
-                if (set.type.isA("objectSet")) addToSet(set, made);
-            }
-            for (auto& [index, element] : cell.elements) visit(*element);
-        };
-        for (const char* name : {"instObjGroups", "message"})
-            if (const Attribute* a = source.findAttribute(name))
-                if (Cell* cell = source.existingCell(*a)) visit(*cell);
     }
 
     void connectCell(Cell& from, Cell& to) {

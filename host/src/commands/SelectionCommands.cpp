@@ -211,12 +211,11 @@ Value ls(Call& call) {
     return names;
 }
 
-/// The members of a set, as selecting it selects them.
-std::vector<Selected> membersOf(Node& set) {
-    std::vector<Selected> members;
-    for (const char* list : {"dagSetMembers", "dnSetMembers"})
-        for (auto& [index, element] : set.cell(list).elements)
-            if (element->source) members.push_back({transformOf(element->source->node).shared_from_this(), {}});
+/// The members of a set, as selecting it selects them: transforms in place of surfaces.
+std::vector<Selected> selectable(Node& set) {
+    std::vector<Selected> members = membersOf(set);
+    for (Selected& member : members)
+        if (member.isWhole()) member.node = transformOf(*member.node).shared_from_this();
     return members;
 }
 
@@ -245,7 +244,7 @@ Value select(Call& call) {
             if (!expand)
                 given.push_back(item);
             else
-                for (auto& member : membersOf(*item.node)) given.push_back(member);
+                for (auto& member : selectable(*item.node)) given.push_back(member);
         }
     if (names.empty() && args.has("hi")) given = theScene().selection();
     if (args.has("all") || args.has("ado"))

@@ -9,23 +9,18 @@ using namespace scene;
 
 namespace {
 
-std::vector<Node*> allMembers(Node& set) {
-    std::vector<Node*> members;
-    for (Cell* source : memberSources(set)) members.push_back(&source->node);
-    return members;
-}
-
 Node& setNamed(const std::string& name) {
     Node& set = nodeNamed(name);
     if (!set.type.isA("objectSet")) throw Error("'" + name + "' is not a set.");
     return set;
 }
 
-std::vector<Node*> wholeNodes(const StringArray& names) {
+/// Nodes, plugs and components.
+std::vector<Selected> itemsNamed(const StringArray& names) {
+    std::vector<Selected> items;
     for (const auto& name : names)
-        if (name.find('.') != std::string::npos)
-            throw Error("Only whole objects can be members of sets here, not '" + name + "'.");
-    return nodesNamed(names);
+        for (Selected& item : mel::itemsNamed(name)) items.push_back(std::move(item));
+    return merged(items);
 }
 
 Value sets(Call& call) {
@@ -56,55 +51,52 @@ Value sets(Call& call) {
             const auto* text = std::get_if<std::string>(&set.cell("annotation").value);
             return text ? *text : std::string();
         }
-        const auto members = allMembers(set);
-        if (args.has("s")) return static_cast<int>(members.size());
         if (args.has("r")) return isRenderableSet(set);
+        const auto members = membersOf(set);
+        if (args.has("s")) return static_cast<int>(members.size());
         StringArray answer;
-        for (Node* m : members) answer.push_back(nameOf(*m));
+        for (const Selected& m : members)
+            for (std::string& name : namesOf(m)) answer.push_back(std::move(name));
         return answer;
     }
     if (args.has("im")) {
         Node& set = setNamed(args.text("im"));
-        const auto nodes = wholeNodes(names);
-        return !nodes.empty() && std::ranges::all_of(nodes, [&](Node* node) {
-            const auto members = membersFor(set, *node);
-            return !members.empty() &&
-                   std::ranges::all_of(members, [&](Node* m) { return !placesIn(set, *m).empty(); });
-        });
+        const auto items = itemsNamed(names);
+        return !items.empty() && std::ranges::all_of(items, [&](const Selected& item) { return isInSet(set, item); });
     }
     if (args.has("cl")) {
         Node& set = setNamed(args.text("cl"));
-        for (Node* member : allMembers(set)) takeFromSet(set, *member);
+        for (const Selected& member : membersOf(set)) takeFromSet(set, member);
         return nameOf(set);
     }
-    const auto objects = [&] { return names.empty() ? selectedNodes() : wholeNodes(names); };
+    const auto objects = [&] { return names.empty() ? theScene().selection() : itemsNamed(names); };
     for (const char* flag : {"fe", "add", "in"}) {
         if (!args.has(flag)) continue;
         Node& set = setNamed(args.text(flag));
-        for (Node* node : objects()) {
-            if (node == &set) throw Error("A set cannot be a member of itself: " + nameOf(set));
-            if (isRenderableSet(set) && flag != std::string_view("fe"))
-                for (Node* member : membersFor(set, *node))
+        for (const Selected& item : objects()) {
+            if (item.isWhole() && item.node.get() == &set)
+                throw Error("A set cannot be a member of itself: " + nameOf(set));
+            if (isRenderableSet(set) && flag != std::string_view("fe") && item.part.empty())
+                for (Node* member : membersFor(set, *item.node))
                     if (Node* other = otherEngineOf(set, *member))
                         throw Error("'" + nameOf(*member) + "' belongs to '" + nameOf(*other) +
                                     "' and cannot be in another renderable set, too.");
-            addToSet(set, *node);
+            addToSet(set, item);
         }
         return nameOf(set);
     }
     if (args.has("rm")) {
         Node& set = setNamed(args.text("rm"));
-        for (Node* node : objects())
-            for (Node* member : membersFor(set, *node)) takeFromSet(set, *member);
+        for (const Selected& item : objects()) takeFromSet(set, item);
         return nameOf(set);
     }
     if (args.edit()) throw Error("sets -edit was not told what to do.");
-    const std::vector<Node*> members = args.has("em") ? std::vector<Node*>() : objects();
+    const std::vector<Selected> members = args.has("em") ? std::vector<Selected>() : objects();
     const bool renderable = args.boolean("r", false);
     const std::string name = args.text("n", renderable ? "shadingEngine#" : "set#");
     Node& set = *theScene().createNode(*theScene().findType(renderable ? "shadingEngine" : "objectSet"), name);
     if (args.has("t")) theScene().setValue(set.cell("annotation"), args.text("t"));
-    for (Node* node : members) addToSet(set, *node);
+    for (const Selected& item : members) addToSet(set, item);
     return nameOf(set);
 }
 

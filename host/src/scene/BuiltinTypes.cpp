@@ -179,7 +179,7 @@ std::vector<AttributePtr> setAttributes() {
     return {
         unordered(A::message("dagSetMembers", "dsm")),
         unordered(A::message("dnSetMembers", "dnsm")),
-        array(A::data("memberWireframeColor", "mwc", DataKind::IntArray)),
+        A::number("memberWireframeColor", "mwc", N::Short),
         A::text("annotation", "an"),
         A::number("isLayer", "il", N::Bool),
         A::number("verticesOnlySet", "vo", N::Bool),

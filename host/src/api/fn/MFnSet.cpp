@@ -1,6 +1,7 @@
 #include <maya/MFnSet.h>
 
 #include "api/fn/FnSupport.h"
+#include "scene/MeshNode.h"
 #include "scene/Sets.h"
 #include "values/Text.h"
 
@@ -13,48 +14,36 @@ using host::api::fromText;
 using host::api::toText;
 using scene::Cell;
 using scene::Node;
+using scene::Selected;
 
 ORVO_DEFINE_FN(MFnSet, MFn::kSet)
 ORVO_FN_NAME(MFnSet)
 
 namespace {
 
-/// A member: a node, or one of its plugs.
-struct Member {
-    Node* node;
-    Cell* plug; ///< null for the whole node
-    bool operator==(const Member&) const = default;
-};
-
 std::shared_ptr<Node> setOf(const MObject& object) { return object.hasFn(MFn::kSet) ? Access::node(object) : nullptr; }
 
 /// `flatten` replaces sets by what is in them, each once, so that sets in circles end.
-void gather(Node& set, bool flatten, std::vector<Member>& out, std::unordered_set<Node*>& seen) {
+void gather(Node& set, bool flatten, std::vector<Selected>& out, std::unordered_set<Node*>& seen) {
     if (!seen.insert(&set).second) return;
-    for (Cell* source : scene::memberSources(set)) {
-        const bool whole = scene::standsForNode(*source);
-        if (flatten && whole && source->node.type.isA("objectSet"))
-            gather(source->node, true, out, seen);
+    for (Selected& member : scene::membersOf(set)) {
+        if (flatten && member.isWhole() && member.node->type.isA("objectSet"))
+            gather(*member.node, true, out, seen);
         else
-            out.push_back({&source->node, whole ? nullptr : source});
+            out.push_back(std::move(member));
     }
 }
 
-std::vector<Member> membersOf(Node& set, bool flatten = false) {
-    std::vector<Member> members;
+std::vector<Selected> allMembers(Node& set, bool flatten = false) {
+    std::vector<Selected> members;
     std::unordered_set<Node*> seen;
     gather(set, flatten, members, seen);
     return members;
 }
 
-void fill(MSelectionList& list, const std::vector<Member>& members) {
+void fill(MSelectionList& list, const std::vector<Selected>& members) {
     list.clear();
-    for (const Member& m : members) {
-        if (m.plug)
-            list.add(Access::plug(*m.plug));
-        else
-            list.add(Access::object(m.node));
-    }
+    for (const Selected& m : members) Access::append(list, m);
 }
 
 /// The sets of a list, this one first; empty when one is none.
@@ -65,16 +54,45 @@ std::vector<std::shared_ptr<Node>> setsOf(const MObject& first, const MObjectArr
     return sets;
 }
 
-bool holds(Node& set, Node& node) {
-    const auto members = scene::membersFor(set, node);
-    return !members.empty() &&
-           std::all_of(members.begin(), members.end(), [&](Node* m) { return !scene::placesIn(set, *m).empty(); });
+/// The item that a path and its components are; nothing when they do not go together.
+std::optional<Selected> itemOf(const MDagPath& path, const MObject& component) {
+    const auto node = Access::node(path.node());
+    if (!node) return std::nullopt;
+    if (component.isNull()) return Selected{node};
+    const auto* held = Access::component(component);
+    if (!held || !scene::meshBehavior(*node)) return std::nullopt;
+    return Selected{node, {}, held->components()};
 }
 
-Cell* placeOf(Node& set, Cell& plug) {
-    for (Cell* d : plug.destinations)
-        if (&d->node == &set && d->index >= 0) return d;
-    return nullptr;
+std::optional<Selected> itemOf(const MPlug& plug) {
+    std::shared_ptr<Node> keep;
+    const Cell* cell = Access::cell(plug, keep);
+    return cell ? std::optional(Selected{keep, cell->attributePath()}) : std::nullopt;
+}
+
+std::optional<Selected> itemOf(const MObject& object) {
+    const auto node = Access::node(object);
+    return node ? std::optional(Selected{node}) : std::nullopt;
+}
+
+MStatus add(const MObject& object, const std::optional<Selected>& item) {
+    const auto set = setOf(object);
+    if (!set) return MStatus::kFailure;
+    if (!item || (item->isWhole() && item->node == set)) return MStatus::kInvalidParameter;
+    return api::guarded([&] { scene::addToSet(*set, *item); });
+}
+
+MStatus remove(const MObject& object, const std::optional<Selected>& item) {
+    const auto set = setOf(object);
+    if (!set) return MStatus::kFailure;
+    if (!item || !scene::isInSet(*set, *item)) return MStatus::kInvalidParameter;
+    return api::guarded([&] { scene::takeFromSet(*set, *item); });
+}
+
+bool isIn(const MObject& object, const std::optional<Selected>& item, MStatus* status) {
+    const auto set = setOf(object);
+    setStatus(status, !set ? MStatus::kFailure : item ? MStatus::kSuccess : MStatus::kInvalidParameter);
+    return set && item && scene::isInSet(*set, *item);
 }
 
 } // namespace
@@ -101,11 +119,10 @@ MStatus MFnSet::getUnion(const MObject& withSet, MSelectionList& result) {
 MStatus MFnSet::getUnion(const MObjectArray& setList, MSelectionList& result) {
     const auto sets = setsOf(object_, setList);
     if (sets.empty()) return MStatus::kInvalidParameter;
-    std::vector<Member> all;
+    std::vector<Selected> all;
     for (const auto& set : sets)
-        for (const Member& m : membersOf(*set))
-            if (std::find(all.begin(), all.end(), m) == all.end()) all.push_back(m);
-    fill(result, all);
+        for (Selected& m : allMembers(*set)) all.push_back(std::move(m));
+    fill(result, scene::merged(all));
     return MStatus::kSuccess;
 }
 
@@ -116,11 +133,8 @@ MStatus MFnSet::getIntersection(const MObject& withSet, MSelectionList& result) 
 MStatus MFnSet::getIntersection(const MObjectArray& setList, MSelectionList& result) {
     const auto sets = setsOf(object_, setList);
     if (sets.empty()) return MStatus::kInvalidParameter;
-    std::vector<Member> all = membersOf(*sets.front());
-    for (const auto& set : sets) {
-        const auto others = membersOf(*set);
-        std::erase_if(all, [&](const Member& m) { return std::find(others.begin(), others.end(), m) == others.end(); });
-    }
+    std::vector<Selected> all = allMembers(*sets.front());
+    for (const auto& set : sets) all = scene::without(all, scene::without(all, allMembers(*set)));
     fill(result, all);
     return MStatus::kSuccess;
 }
@@ -129,117 +143,51 @@ MStatus MFnSet::clear() {
     const auto set = setOf(object_);
     if (!set) return MStatus::kFailure;
     return api::guarded([&] {
-        for (const char* list : {"dagSetMembers", "dnSetMembers"}) {
-            std::vector<Cell*> elements;
-            for (auto& [index, element] : set->cell(list).elements) elements.push_back(element.get());
-            for (Cell* e : elements)
-                if (e->source) set->scene.disconnect(*e->source, *e);
-        }
+        for (const Selected& member : scene::membersOf(*set)) scene::takeFromSet(*set, member);
     });
 }
 
 MStatus MFnSet::getMembers(MSelectionList& members, bool flatten) const {
     const auto set = setOf(object_);
     if (!set) return MStatus::kFailure;
-    fill(members, membersOf(*set, flatten));
+    fill(members, allMembers(*set, flatten));
     return MStatus::kSuccess;
 }
 
-MStatus MFnSet::addMember(const MObject& obj) {
-    const auto set = setOf(object_), node = Access::node(obj);
-    if (!set) return MStatus::kFailure;
-    if (!node || node == set) return MStatus::kInvalidParameter;
-    return api::guarded([&] { scene::addToSet(*set, *node); });
-}
-
+MStatus MFnSet::addMember(const MObject& obj) { return add(object_, itemOf(obj)); }
 MStatus MFnSet::addMember(const MDagPath& obj, const MObject& component) {
-    return component.isNull() ? addMember(obj.node()) : MStatus(MStatus::kFailure);
+    return add(object_, itemOf(obj, component));
 }
+MStatus MFnSet::addMember(const MPlug& plug) { return add(object_, itemOf(plug)); }
 
-MStatus MFnSet::addMember(const MPlug& plug) {
-    const auto set = setOf(object_);
-    std::shared_ptr<Node> keep;
-    Cell* cell = Access::cell(plug, keep);
-    if (!set) return MStatus::kFailure;
-    if (!cell) return MStatus::kInvalidParameter;
-    return api::guarded([&] { scene::addToSet(*set, *cell); });
-}
-
-namespace {
-
-/// Does something with each item of a list: a node or a plug. Components give kFailure.
-template <class WithNode, class WithPlug>
-MStatus each(const MSelectionList& list, WithNode withNode, WithPlug withPlug) {
-    MStatus status;
-    for (unsigned int i = 0; status && i < list.length(); ++i) {
-        MPlug plug;
-        MObject node, component;
-        MDagPath path;
-        if (list.getPlug(i, plug)) {
-            status = withPlug(plug);
-            continue;
-        }
-        status = list.getDependNode(i, node);
-        if (status && list.getDagPath(i, path, component) && !component.isNull()) status = MStatus::kFailure;
-        if (status) status = withNode(node);
-    }
+MStatus MFnSet::addMembers(const MSelectionList& list) {
+    MStatus status = setOf(object_) ? MStatus::kSuccess : MStatus::kFailure;
+    for (const Selected& item : Access::items(list))
+        if (status) status = add(object_, item);
     return status;
 }
 
-} // namespace
-
-MStatus MFnSet::addMembers(const MSelectionList& list) {
-    return each(
-        list, [&](const MObject& node) { return addMember(node); }, [&](const MPlug& plug) { return addMember(plug); });
-}
-
-MStatus MFnSet::removeMember(const MObject& obj) {
-    const auto set = setOf(object_), node = Access::node(obj);
-    if (!set) return MStatus::kFailure;
-    if (!node || !holds(*set, *node)) return MStatus::kInvalidParameter;
-    return api::guarded([&] {
-        for (Node* member : scene::membersFor(*set, *node)) scene::takeFromSet(*set, *member);
-    });
-}
-
+MStatus MFnSet::removeMember(const MObject& obj) { return remove(object_, itemOf(obj)); }
 MStatus MFnSet::removeMember(const MDagPath& obj, const MObject& component) {
-    return component.isNull() ? removeMember(obj.node()) : MStatus(MStatus::kFailure);
+    return remove(object_, itemOf(obj, component));
 }
-
-MStatus MFnSet::removeMember(const MPlug& plug) {
-    const auto set = setOf(object_);
-    std::shared_ptr<Node> keep;
-    Cell* cell = Access::cell(plug, keep);
-    if (!set) return MStatus::kFailure;
-    Cell* place = cell ? placeOf(*set, *cell) : nullptr;
-    if (!place) return MStatus::kInvalidParameter;
-    return api::guarded([&] { set->scene.disconnect(*cell, *place); });
-}
+MStatus MFnSet::removeMember(const MPlug& plug) { return remove(object_, itemOf(plug)); }
 
 MStatus MFnSet::removeMembers(const MSelectionList& list) {
-    return each(
-        list, [&](const MObject& node) { return removeMember(node); },
-        [&](const MPlug& plug) { return removeMember(plug); });
+    MStatus status = setOf(object_) ? MStatus::kSuccess : MStatus::kFailure;
+    for (const Selected& item : Access::items(list))
+        if (status) status = remove(object_, item);
+    return status;
 }
 
 bool MFnSet::isMember(const MObject& object, MStatus* ReturnStatus) const {
-    const auto set = setOf(object_), node = Access::node(object);
-    setStatus(ReturnStatus, !set ? MStatus::kFailure : node ? MStatus::kSuccess : MStatus::kInvalidParameter);
-    return set && node && holds(*set, *node);
+    return isIn(object_, itemOf(object), ReturnStatus);
 }
-
 bool MFnSet::isMember(const MDagPath& object, const MObject& component, MStatus* ReturnStatus) const {
-    if (component.isNull()) return isMember(object.node(), ReturnStatus);
-    setStatus(ReturnStatus, MStatus::kFailure);
-    return false;
+    return isIn(object_, itemOf(object, component), ReturnStatus);
 }
-
 bool MFnSet::isMember(const MPlug& plug, MStatus* ReturnStatus) const {
-    const auto set = setOf(object_);
-    std::shared_ptr<Node> keep;
-    Cell* cell = Access::cell(plug, keep);
-    setStatus(ReturnStatus, !set ? MStatus::kFailure : cell ? MStatus::kSuccess : MStatus::kInvalidParameter);
-    return set && cell && placeOf(*set, *cell);
+    return isIn(object_, itemOf(plug), ReturnStatus);
 }
 
 bool MFnSet::intersectsWith(const MObject& otherSet, MStatus* ReturnStatus) const {
