@@ -97,6 +97,29 @@ TEST_F(ReferenceTest, WhatChangesSinceIsSavedAsEdits) {
     EXPECT_THAT(failure("parent -w level:prop:cup"), HasSubstr("it belongs to a reference"));
 }
 
+TEST_F(ReferenceTest, MovedPointsAreSavedAsEdits) {
+    run("polyPlane -sx 1 -sy 1 -ch 0 -n floor; move -r 0 2 0 floor.vtx[1]; file -rename " + quoted("scenes/floor.ma") +
+        "; file -save; file -f -new; file -r -ns \"r\" " + quoted("scenes/floor.ma") +
+        "; move -r 0 1 0 r:floor.vtx[0:1]; move -r 0 5 0 r:floor.vtx[2]; undo;");
+    run("setAttr r:floorShape.pnts[3] 0 7 0");
+    EXPECT_THAT(failure("setAttr r:floorShape.vrts[3] 0 7 0"), HasSubstr("belongs to a reference"));
+    EXPECT_THAT(failure("polyUVSet -create -uvSet \"two\" r:floor"),
+                HasSubstr("belongs to a reference, so only its points can be changed"));
+    for (const char* round : {"once", "again"}) {
+        SCOPED_TRACE(round);
+        saveAndOpenAgain();
+        EXPECT_EQ(errors, "");
+        EXPECT_EQ(number("float $p[] = `pointPosition r:floor.vtx[0]`; $p[1]"), 1);
+        EXPECT_EQ(number("float $p[] = `pointPosition r:floor.vtx[1]`; $p[1]"), 3);
+        EXPECT_EQ(number("float $p[] = `pointPosition r:floor.vtx[2]`; $p[1]"), 0);
+        EXPECT_EQ(number("float $p[] = `pointPosition r:floor.vtx[3]`; $p[1]"), 7);
+    }
+    run("move -r 0 -1 0 r:floor.vtx[0]"); // back to where the reference has it
+    saveAndOpenAgain();
+    EXPECT_EQ(number("float $p[] = `pointPosition r:floor.vtx[0]`; $p[1]"), 0);
+    EXPECT_EQ(number("float $p[] = `pointPosition r:floor.vtx[1]`; $p[1]"), 3);
+}
+
 TEST_F(ReferenceTest, CommandsMakeAskAndRemove) {
     EXPECT_EQ(text("file -r -ns \"one\" \"prop.ma\""), path("scenes/prop.ma"));
     EXPECT_THAT(texts("file -r -rnn -ns \"one\" \"level.ma\""),

@@ -2,6 +2,7 @@
 #include "files/SceneStatements.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
+#include "scene/References.h"
 
 #include <algorithm>
 
@@ -57,12 +58,17 @@ private:
 /// Moves points of a mesh that is built already, or sets offsets. A single number is one axis of one point.
 void movePoints(Scene& scene, Node& node, MeshBehavior& b, const MeshPath& p, const std::vector<float>& xyz,
                 bool tweak) {
+    References& references = References::of(scene);
+    if (!tweak && references.keepsStored(node))
+        throw SceneError("The mesh '" + scene.displayName(node) +
+                         "' belongs to a reference: its points are moved by offsets (pnts).");
     std::shared_ptr<const mesh::PolyMesh> own = b.own;
     auto tweaks = b.tweaks;
     std::shared_ptr<mesh::PolyMesh> moved = tweak ? nullptr : std::make_shared<mesh::PolyMesh>(*own);
     const auto set = [&](int vertex, auto change) {
         if (tweak) {
             change(tweaks[vertex]);
+            references.notePoint(node, vertex);
         } else {
             if (vertex >= moved->numVertices())
                 throw SceneError("The mesh has no vertex " + std::to_string(vertex) + ".");

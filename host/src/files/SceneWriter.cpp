@@ -3,12 +3,14 @@
 #include "base/NumberText.h"
 #include "base/TextFile.h"
 #include "files/AttributeWriter.h"
+#include "files/NumberWords.h"
 #include "files/ReferenceEdits.h"
 #include "scene/MeshNode.h"
 #include "scene/References.h"
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <unordered_set>
 
 namespace host::files {
@@ -227,6 +229,28 @@ void Writing::collectEdits(Node& node, Reference& reference) {
         }
     };
     for (Cell* root : node.cells()) forEachCell(*root, visit);
+    const auto* mesh = meshBehavior(node);
+    for (const int vertex : references.movedPoints(node)) {
+        const auto tweak = mesh->tweaks.find(vertex);
+        const mesh::Float3 to = tweak == mesh->tweaks.end() ? mesh::Float3() : tweak->second;
+        std::string arguments = " -type \"float3\"";
+        for (const float x : {to.x, to.y, to.z})
+            appendNumber(arguments += ' ', static_cast<float>(x / units_.factor(AttributeType::Distance)));
+        edits.push_back({reference.name,
+                         ReferenceEdit::SetAttr,
+                         0,
+                         {name, "pnts[" + std::to_string(vertex) + "]", std::move(arguments)},
+                         true});
+    }
+}
+
+/// The vertex that an edit of a value moves; nothing for others.
+std::optional<int> movedVertex(const ReferenceEdit& edit) {
+    std::string_view path = edit.words[1];
+    for (const std::string_view list : {"pnts[", "pt["})
+        if (path.starts_with(list) && path.ends_with("]"))
+            return readInt(path.substr(list.size(), path.size() - list.size() - 1));
+    return std::nullopt;
 }
 
 /// What the scene changes of its references: what its file said, and what has been changed since.
@@ -243,6 +267,9 @@ void Writing::collectEdits() {
             if (e.kind == ReferenceEdit::SetAttr && e.words.size() > 1) {
                 const Cell* cell = scene_.tryPlug(e.words[0] + "." + e.words[1], false);
                 anew = cell && references.isChanged(*cell);
+                const Node* shape = cell ? &cell->node : scene_.findNode(e.words[0]);
+                if (const auto vertex = movedVertex(e); vertex && shape)
+                    anew = references.movedPoints(*shape).contains(*vertex);
             }
             if (!(e.applied && anew)) edits.push_back(e);
         }

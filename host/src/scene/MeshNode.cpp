@@ -3,6 +3,7 @@
 #include "base/Messages.h"
 #include "mesh/Primitives.h"
 #include "scene/Evaluation.h"
+#include "scene/References.h"
 #include "scene/Scene.h"
 
 #include <optional>
@@ -138,22 +139,38 @@ std::shared_ptr<const mesh::PolyMesh> storedMeshOf(Node& shape) {
     return input.source ? meshIn(input) : b->own;
 }
 
+namespace {
+
+bool differInPointsAlone(const mesh::PolyMesh& a, const mesh::PolyMesh& b) {
+    if (a.numVertices() != b.numVertices() || a.numPolygons() != b.numPolygons()) return false;
+    mesh::PolyMesh moved = a;
+    moved.setPoints(b.points());
+    return moved == b;
+}
+
+} // namespace
+
 void setMesh(Scene& scene, Node& shape, std::shared_ptr<const mesh::PolyMesh> mesh) {
     auto* b = meshBehavior(shape);
     if (!b) throw SceneError("'" + scene.displayName(shape) + "' is not a mesh.");
     b->settle();
     auto own = b->own;
     auto tweaks = b->tweaks;
-    Cell& input = shape.cell("inMesh");
-    if (input.source) {
-        auto base = meshIn(input);
-        if (!base || !mesh || base->numVertices() != mesh->numVertices() || base->numPolygons() != mesh->numPolygons())
-            throw SceneError("The mesh '" + scene.displayName(shape) +
-                             "' has construction history, so only its points can be changed.");
+    const bool fed = shape.cell("inMesh").source;
+    References& references = References::of(scene);
+    if (fed || references.keepsStored(shape)) {
+        const auto base = storedMeshOf(shape);
+        if (!base || !mesh || !differInPointsAlone(*base, *mesh))
+            throw SceneError("The mesh '" + scene.displayName(shape) + "' " +
+                             (fed ? "has construction history" : "belongs to a reference") +
+                             ", so only its points can be changed.");
+        for (const auto& [vertex, tweak] : tweaks) references.notePoint(shape, vertex);
         tweaks.clear();
         for (int i = 0; i < mesh->numVertices(); ++i) {
             const auto a = base->point(i), p = mesh->point(i);
-            if (!(a == p)) tweaks[i] = {p.x - a.x, p.y - a.y, p.z - a.z};
+            if (a == p) continue;
+            tweaks[i] = {p.x - a.x, p.y - a.y, p.z - a.z};
+            references.notePoint(shape, i);
         }
     } else {
         own = std::move(mesh);
@@ -205,7 +222,7 @@ void setPoints(Node& shape, const std::vector<PointState>& states) {
             b.tweaks[s.vertex] = *s.tweak;
         else
             b.tweaks.erase(s.vertex);
-        if (!fed) writable(b.own).setPoint(s.vertex, s.stored);
+        if (!fed && !(b.own->point(s.vertex) == s.stored)) writable(b.own).setPoint(s.vertex, s.stored);
         if (shared || !shown) {
             exact &= !s.tweak;
             continue;
@@ -226,7 +243,8 @@ void setPoints(Node& shape, const std::vector<PointState>& states) {
 void movePoints(Scene& scene, Node& shape, const std::vector<PointMove>& moves) {
     MeshBehavior* b = meshBehavior(shape);
     if (!b) throw SceneError("'" + scene.displayName(shape) + "' is not a mesh.");
-    const bool fed = shape.cell("inMesh").source;
+    References& references = References::of(scene);
+    const bool keeps = shape.cell("inMesh").source || references.keepsStored(shape);
     auto base = storedMeshOf(shape);
     if (!base) throw SceneError("The mesh '" + scene.displayName(shape) + "' is empty.");
     std::vector<PointState> before, after;
@@ -240,8 +258,9 @@ void movePoints(Scene& scene, Node& shape, const std::vector<PointMove>& moves) 
         const auto tweak = b->tweaks.find(move.vertex);
         before.push_back({move.vertex, was, tweak == b->tweaks.end() ? std::nullopt : std::optional(tweak->second)});
         const mesh::Float3 d{move.to.x - was.x, move.to.y - was.y, move.to.z - was.z};
-        after.push_back(fed ? PointState{move.vertex, was, d == mesh::Float3() ? std::nullopt : std::optional(d)}
-                            : PointState{move.vertex, move.to, std::nullopt});
+        references.notePoint(shape, move.vertex);
+        after.push_back(keeps ? PointState{move.vertex, was, d == mesh::Float3() ? std::nullopt : std::optional(d)}
+                              : PointState{move.vertex, move.to, std::nullopt});
     }
     base.reset();
     const auto set = [keep = shape.shared_from_this()](const auto& states) { setPoints(*keep, states); };

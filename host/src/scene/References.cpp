@@ -70,6 +70,7 @@ void References::remove(Reference& reference) {
         if (const NodePtr node = kept.lock()) {
             node->referenced = false;
             byNode_.erase(node.get());
+            points_.erase(node.get());
         }
     if (named(reference.name) == &reference) byName_.erase(reference.name);
     if (prefixed(reference.prefix) == &reference) byPrefix_.erase(reference.prefix);
@@ -83,6 +84,7 @@ void References::clear() {
     byNode_.clear();
     changed_.clear();
     added_.clear();
+    points_.clear();
     connections_.clear();
     declared_.clear();
     current.clear();
@@ -103,6 +105,16 @@ void References::noteBroken(const Cell& source, const Cell& destination) {
     if (reference)
         reference->top->edits.push_back(
             {reference->name, ReferenceEdit::Disconnect, 0, {source.name(), destination.name(), ""}, true});
+}
+
+void References::notePoint(const Node& shape, int vertex) {
+    if (keepsStored(shape)) points_[&shape].insert(vertex);
+}
+
+const std::set<int>& References::movedPoints(const Node& shape) const {
+    static const std::set<int> none;
+    const auto it = shape.referenced ? points_.find(&shape) : points_.end();
+    return it == points_.end() ? none : it->second;
 }
 
 void References::requireOwn(const Node& node, const char* what) const {

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -67,9 +68,15 @@ public:
     private:
         References& references_;
     };
+    bool isReading() const { return quiet_ > 0; }
     void noteValue(Cell& cell);
     void noteAttribute(const Attribute& added);
     void noteBroken(const Cell& source, const Cell& destination);
+    void notePoint(const Node& shape, int vertex);
+    /// Whether what the node stores is another file's: what changes is kept beside it, as for a mesh that others make.
+    bool keepsStored(const Node& node) const { return node.referenced && quiet_ == 0; }
+    /// The vertices of a referenced mesh that have been moved.
+    const std::set<int>& movedPoints(const Node& shape) const;
     /// Throws SceneError for a referenced node, unless quiet: its name and place are the other file's.
     void requireOwn(const Node& node, const char* what) const;
     bool isChanged(const Cell& cell) const { return changed_.contains(&cell); }
@@ -98,6 +105,7 @@ private:
     std::unordered_map<const Node*, Reference*> byNode_;
     std::unordered_set<const Cell*> changed_;
     std::unordered_set<const Attribute*> added_;
+    std::unordered_map<const Node*, std::set<int>> points_;
     std::unordered_map<const Cell*, const Cell*> connections_; ///< destinations and sources that references made
     std::unordered_set<std::string> declared_;
 };
