@@ -130,7 +130,7 @@ TEST_F(DependencyNodeFnTest, GetConnections) {
     EXPECT_TRUE(fn.getConnections(found));
     std::set<std::string> names;
     for (unsigned i = 0; i < found.length(); ++i) names.insert(str(found[i].name()));
-    EXPECT_EQ(names, (std::set<std::string>{"a.translate.translateX", "a.list[3]", "a.scale"}));
+    EXPECT_EQ(names, (std::set<std::string>{"a.translateX", "a.list[3]", "a.scale"}));
 }
 
 // Fault: a default or locked node that can be deleted, values of a locked one that change.

@@ -222,6 +222,12 @@ TEST_F(TutorialPlugins, CommandThatLooksOverTheScene) {
     EXPECT_EQ(run("sceneReport sets;").toString(), "posts: a b");
     EXPECT_EQ(run("getAttr a.ty;").toFloat(), 2.5);
     EXPECT_NE(failure("sceneReport save \"/no/such/folder/report.ma\";"), "");
+    run("file -f -new; group -em -n cup; file -rename \"" + testing::TempDir() +
+        "/cup.ma\"; file -save; file -f -new; file -rename \"" + testing::TempDir() + "/level.ma\";");
+    EXPECT_EQ(run("sceneReport refer \"" + testing::TempDir() + "/cup.ma\";").toStringArray(),
+              (StringArray{"asset:cup", "cup.ma"}));
+    EXPECT_EQ(run("ls \"asset*\" \"asset:*\";").toStringArray(), StringArray{});
+    EXPECT_NE(failure("sceneReport refer \"/no/such/nothing.ma\";"), "");
     EXPECT_EQ(run("sceneReport types;").toStringArray(), (StringArray{"directionalLight", "1", "", "0", "1"}));
 }
 

@@ -4,6 +4,7 @@
 //   sceneReport upstream NODE;    the nodes that a node depends on
 //   sceneReport curve PLUG;       keys a plug with a ramp from 0 to 10 over one second
 //   sceneReport save FILE;        saves the scene, and opens it again
+//   sceneReport refer FILE;       refers to a file, tells what it brings, and takes the reference away again
 //   sceneReport types;            what it finds of the node type "directionalLight"
 #include <maya/MAnimControl.h>
 #include <maya/MComputation.h>
@@ -33,6 +34,7 @@ public:
         if (what == "upstream") return upstream(name);
         if (what == "curve") return curve(name);
         if (what == "save") return save(name);
+        if (what == "refer") return refer(name);
         if (what == "types") return types();
         displayError("sceneReport: there is no report \"" + what + "\"");
         return MS::kInvalidParameter;
@@ -115,6 +117,32 @@ private:
         status = MFileIO::open(file.resolvedFullName(), NULL, true);
         setResult(file.resolvedName());
         return status;
+    }
+
+    MStatus refer(const MString& name) {
+        MStatus status = MFileIO::reference(name, false, false, "asset");
+        if (!status) return status;
+        MStringArray files, nodes;
+        MFileIO::getReferences(files);
+        for (unsigned i = 0; i < files.length(); i++) {
+            MFileIO::getReferenceNodes(files[i], nodes);
+            for (unsigned k = 0; k < nodes.length(); k++) {
+                MSelectionList list;
+                MObject node;
+                list.add(nodes[k]);
+                list.getDependNode(0, node);
+                if (MFnDependencyNode(node).isFromReferencedFile()) appendToResult(nodes[k]);
+            }
+        }
+        MObject node;
+        MSelectionList list;
+        list.add("assetRN");
+        list.getDependNode(0, node);
+        MFileObject file;
+        file.setRawFullName(MFileIO::getReferenceFileByNode(node, &status));
+        if (!status) return status;
+        appendToResult(file.rawName());
+        return MFileIO::removeReference(files[0], MFileIO::kForceDeleteNamespaceContent);
     }
 
     MStatus types() {

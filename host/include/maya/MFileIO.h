@@ -1,5 +1,7 @@
 #pragma once
 
+#include <maya/MObject.h>
+#include <maya/MSelectionList.h>
 #include <maya/MStatus.h>
 #include <maya/MString.h>
 #include <maya/MStringArray.h>
@@ -9,6 +11,12 @@
 class OPENMAYA_EXPORT MFileIO {
 public:
     enum ReferenceMode { kLoadDefault, kLoadAllReferences, kLoadNoReferences };
+    enum NamespaceMergeMethod {
+        kRemoveNamespaceIfEmpty,
+        kMergeNamespaceWithRootNamespace,
+        kMergeNamespaceWithParentNamespace,
+        kForceDeleteNamespaceContent
+    };
     MFileIO();
     MFileIO(const MString& fileName);
     virtual ~MFileIO();
@@ -25,12 +33,28 @@ public:
     static MStatus importFile(const MString& fileName, const char* type = NULL, bool preserveReferences = false,
                               const char* nameSpace = NULL, bool ignoreVersion = false);
     static MStatus exportAll(const MString& fileName, const char* type = NULL, bool preserveReferences = false);
+    /// The files that the scene itself refers to: as it names them, or where they were found.
+    static MStatus getReferences(MStringArray& references, bool wantUnresolvedNames = false);
+    /// What a referenced file has brought, without what its own references have.
+    static MStatus getReferenceNodes(const MString& fileName, MStringArray& nodes);
+    static MStatus getReferenceNodes(const MString& fileName, MSelectionList& list);
+    /// The node that stands for a reference tells its file; for others the text is empty and the status kFailure.
+    static MString getReferenceFileByNode(MObject& referenceNode, MStatus* returnStatus = NULL);
+    /// Makes a reference, which is read at once: kFailure for one that is to wait. Locking is no concern here: nodes of
+    /// a reference can be changed, but not renamed, moved or deleted.
+    static MStatus reference(const MString& fileName, bool deferReference = false, bool lockReference = false,
+                             const MString& nameSpace = "");
+    /// Removes a reference with what it brought; what else is in its namespace goes as the method says.
+    static MStatus removeReference(const MString& fileName,
+                                   NamespaceMergeMethod namespaceMergeMethod = kRemoveNamespaceIfEmpty);
     /// The files that the scene consists of, itself first.
     static MStatus getFiles(MStringArray& files, bool wantUnresolvedNames = false, bool wantReferencesOnly = false);
     static bool isReadingFile();
     static bool isWritingFile();
     static bool isOpeningFile();
     static bool isNewingFile();
+    static bool isReferencingFile();
+    static bool isSavingReference(); ///< never: a reference's own file is not written
     static bool mustRenameToSave(MStatus* ReturnStatus = NULL);
     static MStatus setMustRenameToSave(bool mustRename);
     static MString mustRenameToSaveMsg(MStatus* ReturnStatus = NULL);

@@ -91,7 +91,11 @@ Value queryFile(const ParsedArguments& a) {
     if (a.has("shn")) return std::filesystem::path(scene.fileName).filename().string();
     if (a.has("mf")) return scene.modified;
     if (a.has("exn") || a.has("loc")) return scene.fileName.empty() ? untitled : scene.fileName;
-    if (a.has("l")) return StringArray{scene.fileName.empty() ? untitled : scene.fileName};
+    if (a.has("l")) {
+        StringArray files = referencedFiles();
+        files.insert(files.begin(), scene.fileName.empty() ? untitled : scene.fileName);
+        return files;
+    }
     if (a.has("typ")) return StringArray{"mayaAscii"};
     if (a.has("r")) return referencedFiles();
     if (a.has("rfn") || a.has("ns")) {

@@ -258,8 +258,9 @@ MPxNode* MFnDependencyNode::userNode(MStatus* ReturnStatus) const {
 }
 
 bool MFnDependencyNode::isFromReferencedFile(MStatus* ReturnStatus) const {
-    setStatus(ReturnStatus, MStatus::kSuccess);
-    return false;
+    const auto n = Access::node(object_);
+    setStatus(ReturnStatus, n ? MStatus::kSuccess : MStatus::kFailure);
+    return n && n->referenced;
 }
 
 bool MFnDependencyNode::isShared(MStatus* ReturnStatus) const {

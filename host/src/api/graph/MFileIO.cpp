@@ -1,10 +1,11 @@
 #include <maya/MFileIO.h>
 
 #include "api/graph/FileOperation.h"
+#include "api/graph/Handle.h"
 #include "base/Messages.h"
 #include "mel/Interpreter.h"
 #include "mel/Services.h"
-#include "scene/Scene.h"
+#include "scene/Namespaces.h"
 #include "values/StatusOut.h"
 #include "values/Text.h"
 
@@ -46,6 +47,16 @@ MStatus withFile(const char* flag, const MString& name, const char* type, const 
     if (nameSpace && *nameSpace) arguments.insert(arguments.end(), {mel::Value("-namespace"), mel::Value(nameSpace)});
     arguments.emplace_back(toText(name));
     return file(std::move(arguments));
+}
+
+scene::References& references() { return scene::References::of(scene::Scene::current()); }
+
+/// The reference to a file, by the name that the scene has for it or by its place; null for none.
+scene::Reference* referenceTo(const MString& file) {
+    const std::string name = toText(file);
+    for (const auto& r : references().all())
+        if (r->file == name || r->path == name) return r.get();
+    return nullptr;
 }
 
 MString lastFile(Action action, MStatus* status) {
@@ -110,14 +121,73 @@ MStatus MFileIO::exportAll(const MString& fileName, const char* type, bool) {
     return withFile("-exportAll", fileName, type);
 }
 
-MStatus MFileIO::getFiles(MStringArray& files, bool, bool wantReferencesOnly) {
+MStatus MFileIO::getReferences(MStringArray& files, bool wantUnresolvedNames) {
     files.clear();
-    mel::Value names;
-    const MStatus status = file({"-query", "-list"}, &names);
-    if (!status) return status;
-    bool first = true;
-    for (const auto& name : names.toStringArray())
-        if (!std::exchange(first, false) || !wantReferencesOnly) files.append(fromText(name));
+    for (const auto& r : references().all())
+        if (!r->nested)
+            files.append(fromText(wantUnresolvedNames || r->path.empty() ? r->file : r->path.generic_string()));
+    return MStatus::kSuccess;
+}
+
+MStatus MFileIO::getReferenceNodes(const MString& fileName, MSelectionList& list) {
+    list.clear();
+    const scene::Reference* r = referenceTo(fileName);
+    if (!r) return MStatus::kInvalidParameter;
+    for (const auto& kept : r->contents)
+        if (const scene::NodePtr node = kept.lock(); node && node->inScene) list.add(api::Access::object(node.get()));
+    return MStatus::kSuccess;
+}
+
+MStatus MFileIO::getReferenceNodes(const MString& fileName, MStringArray& nodes) {
+    MSelectionList list;
+    const MStatus status = getReferenceNodes(fileName, list);
+    list.getSelectionStrings(nodes);
+    return status;
+}
+
+MString MFileIO::getReferenceFileByNode(MObject& referenceNode, MStatus* returnStatus) {
+    const auto node = api::Access::node(referenceNode);
+    const scene::Reference* r = node ? references().named(node->name) : nullptr;
+    setStatus(returnStatus, r ? MStatus::kSuccess : MStatus::kFailure);
+    return r ? fromText(r->path.empty() ? r->file : r->path.generic_string()) : MString();
+}
+
+MStatus MFileIO::reference(const MString& fileName, bool deferReference, bool, const MString& nameSpace) {
+    if (deferReference) return MStatus::kFailure;
+    return withFile("-reference", fileName, nullptr, nameSpace.asChar());
+}
+
+MStatus MFileIO::removeReference(const MString& fileName, NamespaceMergeMethod namespaceMergeMethod) {
+    const scene::Reference* r = referenceTo(fileName);
+    if (!r) return MStatus::kInvalidParameter;
+    const std::string space = r->nameSpace;
+    const MStatus status = file({"-removeReference", "-referenceNode", r->name});
+    auto& scene = scene::Scene::current();
+    if (!status || space.empty() || !references().exists(space)) return status;
+    using scene::NamespaceContents;
+    const scene::UndoQueue::Suspend quiet(scene.undo);
+    const MStatus removed = api::guarded([&] {
+        switch (namespaceMergeMethod) {
+        case kRemoveNamespaceIfEmpty:
+            if (nodesInNamespace(scene, space, true).empty())
+                scene::removeNamespace(scene, space, NamespaceContents::MustBeNone);
+            break;
+        case kMergeNamespaceWithRootNamespace: scene::removeNamespace(scene, space, NamespaceContents::ToRoot); break;
+        case kMergeNamespaceWithParentNamespace:
+            scene::removeNamespace(scene, space, NamespaceContents::ToParent);
+            break;
+        case kForceDeleteNamespaceContent: scene::removeNamespace(scene, space, NamespaceContents::Delete); break;
+        }
+    });
+    return removed;
+}
+
+MStatus MFileIO::getFiles(MStringArray& files, bool wantUnresolvedNames, bool wantReferencesOnly) {
+    MStringArray others;
+    const MStatus status = getReferences(others, wantUnresolvedNames);
+    files.clear();
+    if (!wantReferencesOnly) files.append(currentFile());
+    for (unsigned int i = 0; i < others.length(); ++i) files.append(others[i]);
     return status;
 }
 
@@ -125,6 +195,8 @@ bool MFileIO::isReadingFile() { return FileOperation::going(Action::Open) || Fil
 bool MFileIO::isWritingFile() { return FileOperation::going(Action::Save) || FileOperation::going(Action::Export); }
 bool MFileIO::isOpeningFile() { return FileOperation::going(Action::Open); }
 bool MFileIO::isNewingFile() { return FileOperation::going(Action::New); }
+bool MFileIO::isReferencingFile() { return references().isReading(); }
+bool MFileIO::isSavingReference() { return false; }
 bool MFileIO::isImportingFile() { return FileOperation::going(Action::Import); }
 
 bool MFileIO::mustRenameToSave(MStatus* ReturnStatus) {

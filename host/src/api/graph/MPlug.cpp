@@ -138,7 +138,7 @@ MObject MPlug::node(MStatus* ReturnStatus) const {
 }
 
 MString MPlug::name(MStatus* ReturnStatus) const {
-    return partialName(true, true, true, false, true, true, ReturnStatus);
+    return partialName(true, true, true, false, false, true, ReturnStatus);
 }
 
 MString MPlug::partialName(bool includeNodeName, bool, bool, bool, bool useFullAttributePath, bool useLongNames,
@@ -437,8 +437,9 @@ bool MPlug::isNull(MStatus* ReturnStatus) const {
 MString MPlug::info(MStatus* ReturnStatus) const { return name(ReturnStatus); }
 
 bool MPlug::isFromReferencedFile(MStatus* ReturnStatus) const {
-    setStatus(ReturnStatus, MStatus::kSuccess);
-    return false;
+    const auto n = Access::node(node_);
+    setStatus(ReturnStatus, n ? MStatus::kSuccess : MStatus::kFailure);
+    return n && n->referenced;
 }
 
 bool MPlug::isDynamic(MStatus* ReturnStatus) const {
