@@ -74,6 +74,9 @@ static const PrintCase kNumbers[] = {
     {"print (mag(<<2,3,6>>) + \" \" + unit(<<0,3,4>>) + \" \" + dot(<<1,2,3>>, <<1,1,1>>));", "7 0 0.6 0.8 6"},
     {"print (cross(<<0,1,0>>, <<0,0,1>>) + \" \" + angle(<<1,0,0>>, <<0,2,0>>));", "1 0 0 1.570796327"},
     {"vector $r = rot(<<1,0,0>>, <<0,0,1>>, deg_to_rad(90)); print (round($r.x) + \" \" + round($r.y));", "0 1"},
+    // The reference implementation gives 0.13691995878400012 there.
+    {"print (noise(3.14, 42, 7) + \" \" + noise(<<3.14, 42 - 256, 7>>) + \" \" + noise(3, 7) + \" \" + noise(1e300));",
+     "0.1369199588 0.1369199588 0 0"},
     {"seed 5; $a = rand(1); seed 5; $b = rand(1); $c = rand(3, 4); print (($a == $b) + ($c >= 3 && $c < 4) + ($a != "
      "$c));",
      "3"},

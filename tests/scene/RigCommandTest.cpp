@@ -94,6 +94,14 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"UvSetRenamed", "polyPlane -n p -ch 0; polyUVSet -rn -uvs map1 -nuv base p; polyUVSet -q -cuv p",
                    "base"},
         ScriptCase{"UvSetUndone", "polyPlane -n p -ch 0; polyUVSet -cr -uvs a p; undo; polyUVSet -q -auv p", "map1"},
+        ScriptCase{"UvSetDeleted",
+                   "polyPlane -n p -ch 0; polyUVSet -cp -uvs map1 -nuv two p; polyUVSet -cr -uvs three p;"
+                   "polyUVSet -cuv -uvs three p; polyUVSet -d -uvs two p; string $a[] = `polyUVSet -q -auv p`;"
+                   "string $c[] = `polyUVSet -q -cuv p`; polyUVSet -d p; stringArrayToString($a, \" \") + \"/\" +"
+                   "$c[0] + \"/\" + stringArrayToString(`polyUVSet -q -auv p`, \" \")",
+                   "map1 three/three/map1"},
+        ScriptCase{"UvSetFirstStays", "polyPlane -n p -ch 0; polyUVSet -d -uvs map1 p",
+                   "Error: The first UV set, 'map1', cannot be deleted."},
         ScriptCase{"UvSetMissing", "polyPlane -n p -ch 0; polyUVSet -cuv -uvs none p",
                    "Error: The UV set 'none' cannot be found."}),
     caseName);

@@ -210,8 +210,12 @@ Value polyUVSet(Call& call) {
         return set;
     };
     std::string answer = args.text(args.has("nuv") ? "nuv" : "uvs");
-    if (args.has("d")) throw Error("polyUVSet: sets of UVs cannot be deleted here.");
-    if (args.has("cr")) {
+    if (args.has("d")) {
+        const int set = args.has("uvs") ? setNamed(args.text("uvs")) : changed->currentUvSet();
+        answer = changed->uvSet(set).name;
+        if (set == 0) throw Error("The first UV set, '" + answer + "', cannot be deleted.");
+        changed->removeUvSet(set);
+    } else if (args.has("cr")) {
         if (answer.empty()) answer = "uvSet" + std::to_string(changed->numUvSets());
         added(answer);
     } else if (args.has("rn")) {

@@ -1,4 +1,5 @@
 #include "mel/Execution.h"
+#include "mel/Noise.h"
 
 #include <algorithm>
 #include <cmath>
@@ -211,6 +212,21 @@ Value sphereRandom(Arguments& a) {
     return Vector{radii.x * r * ring * std::cos(phi), radii.y * r * ring * std::sin(phi), radii.z * r * z};
 }
 
+/// Of one to three numbers, or of a vector.
+Value noiseAt(Arguments& a) {
+    a.expect(1, 3);
+    if (const auto v = a[0].get<Vector>(); v && a.count() == 1) return noise(v->x, v->y, v->z);
+    return noise(a.number(0), a.count() > 1 ? a.number(1) : 0, a.count() > 2 ? a.number(2) : 0);
+}
+
+/// Of a vector: noise of its own in each direction.
+Value vectorNoise(Arguments& a) {
+    a.expect(1);
+    const Vector v = a[0].toVector();
+    constexpr double apart = 19.19; // not on the same lattice
+    return Vector{noise(v.x, v.y, v.z), noise(v.y + apart, v.z, v.x), noise(v.z, v.x, v.y + apart)};
+}
+
 template <Type To>
 Value convert(Arguments& a) {
     a.expect(1);
@@ -265,6 +281,8 @@ void addMathFunctions(Interpreter::Impl& impl) {
                                                                              {"unit", unit},
                                                                              {"angle", angle},
                                                                              {"rot", rotated},
+                                                                             {"noise", noiseAt},
+                                                                             {"dnoise", vectorNoise},
                                                                              {"rand", rand},
                                                                              {"seed", seed},
                                                                              {"gauss", gauss},

@@ -380,6 +380,11 @@ bool PolyMesh::renameUvSet(int set, std::string name) {
     return true;
 }
 
+void PolyMesh::removeUvSet(int set) {
+    uvSets_.erase(uvSets_.begin() + set);
+    if (currentUvSet_ >= set) currentUvSet_ = currentUvSet_ == set ? 0 : currentUvSet_ - 1;
+}
+
 bool PolyMesh::setUvs(int set, std::vector<float> u, std::vector<float> v, std::string* error) {
     if (error) error->clear();
     UvSet& s = uvSets_[set];

@@ -234,6 +234,8 @@ public:
     int addUvSet(std::string name);
     /// Renames a set; false when the name is empty or another set's.
     bool renameUvSet(int set, std::string name);
+    /// Removes a set, which must not be the only one; the first one is current where it was.
+    void removeUvSet(int set);
     /// Sets the coordinates of a set. Fails when the lengths differ or an assigned id would be out of range.
     bool setUvs(int set, std::vector<float> u, std::vector<float> v, std::string* error = nullptr);
     /// Assigns ids to the corners of all faces: `counts` has an entry a face, either 0 (its corners get none) or its

@@ -78,26 +78,6 @@ void copySet(const UvSet& from, PolyMesh& to, int set) {
     if (!source.ids.empty()) to.assignUvs(set, faceSizes(to), source.ids);
 }
 
-/// The same mesh without one of its UV sets, which is not the first.
-PolyMesh without(const PolyMesh& m, int dropped) {
-    std::vector<int> faceEdges;
-    faceEdges.reserve(static_cast<std::size_t>(m.numFaceVertices()));
-    for (int face = 0; face < m.numPolygons(); ++face) {
-        const auto edges = m.faceEdges(face);
-        faceEdges.insert(faceEdges.end(), edges.begin(), edges.end());
-    }
-    PolyMesh rest = PolyMesh::fromEdges({m.points().begin(), m.points().end()}, {m.edges().begin(), m.edges().end()},
-                                        faceSizes(m), std::move(faceEdges));
-    rest.assignNormals({m.explicitNormals().begin(), m.explicitNormals().end()});
-    rest.renameUvSet(0, m.uvSet(0).name);
-    copySet(m.uvSet(0), rest, 0);
-    for (int set = 1; set < m.numUvSets(); ++set)
-        if (set != dropped) copySet(m.uvSet(set), rest, rest.addUvSet(m.uvSet(set).name));
-    const int current = m.currentUvSet();
-    rest.setCurrentUvSet(current == dropped ? 0 : current - (current > dropped));
-    return rest;
-}
-
 } // namespace
 
 int MFnMesh::numUVSets(MStatus* ReturnStatus) const {
@@ -176,7 +156,7 @@ MStatus MFnMesh::deleteUVSet(const MString& setName, MDGModifier*, MSelectionLis
         const int set = findNamed(m, setName);
         if (set < 0) return MStatus::kInvalidParameter;
         if (set == 0) return MStatus::kFailure;
-        m = without(m, set);
+        m.removeUvSet(set);
         return MStatus::kSuccess;
     });
 }
