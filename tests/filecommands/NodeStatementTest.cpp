@@ -42,6 +42,31 @@ TEST_F(NodeStatementTest, CreateNode) {
     EXPECT_EQ(texts("ls;"), nodes);
 }
 
+// Faults: a flag that is read and not listed, or listed and not read; what is wrong with one not said as elsewhere.
+TEST_F(NodeStatementTest, FlagsAreListedByTheTableThatReadsThem) {
+    run("createNode transform -n a;");
+    for (const auto& [command, flag] : {std::pair("setAttr", "-cb -channelBox VALUE\n"),
+                                        {"setAttr", "-c -clamp\n"},
+                                        {"createNode", "-ss -skipSelect\n"},
+                                        {"addAttr", "-smx -softMaxValue VALUE\n"},
+                                        {"addAttr", "-ex -exists\n"},
+                                        {"pluginInfo", "-ls -listPlugins\n"}})
+        EXPECT_THAT(text(std::string("help ") + command), HasSubstr(flag));
+    run("setAttr -chan on a.rx; setAttr -keya off -lo on a.ry; addAttr -longN haze -softMin 1 a;");
+    EXPECT_TRUE(
+        holds("`getAttr -cb a.rx` && !`getAttr -k a.ry` && `getAttr -l a.ry` && `attributeQuery -ex -n a haze`"));
+    const std::pair<const char*, const char*> wrong[] = {
+        {"setAttr -nonsense a.tx 1", "Invalid flag: '-nonsense'"},
+        {"setAttr -ca", "Flag '-ca' must be passed a value"}, // though -capacityHint begins so, too
+        {"createNode transform -n", "Flag '-n' must be passed a value"},
+        {"createNode transform -s -x", "Invalid flag: '-x'"},
+        {"addAttr -ln b -has 1 a", "Invalid flag: '-has'"}, // of several
+        {"addAttr -ln", "Flag '-ln' must be passed a value"},
+        {"move -nonsense 1 a", "Invalid flag: '-nonsense'"},
+        {"xform -t 1 2", "Flag '-t' must be passed 3 values"}};
+    for (const auto& [script, fault] : wrong) EXPECT_THAT(failure(script), HasSubstr(fault)) << script;
+}
+
 // Faults: values in another order or count, flags mistaken for values, variables of a type that is not taken apart.
 TEST_F(NodeStatementTest, SetAttrNumbers) {
     run("createNode transform -n a;");

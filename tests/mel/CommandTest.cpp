@@ -127,6 +127,14 @@ TEST(Help, ListsTheFlags) {
     EXPECT_EQ(mel.run("print `help silent`;"), "Synopsis: silent\n");
     EXPECT_EQ(mel.run("print `help -list \"tell*\"`;"), "telling\n");
     EXPECT_EQ(runs, 0);
+    // The language's own, too.
+    EXPECT_EQ(mel.run("print `help timerX`;"), "Synopsis: timerX [flags]\nFlags:\n  -st -startTime VALUE\n");
+    EXPECT_EQ(mel.run("print `help sin`;"), "Synopsis: sin\n");
+    mel.run("print `help warning`; print `help quit`; print `help format`; print `help sysFile`;");
+    for (const char* part :
+         {"-sl -showLineNumber VALUE\n", "-ec -exitCode VALUE\n", "-s -stringArg VALUE\n", "-ren -rename VALUE\n"})
+        EXPECT_NE(mel.printed.find(part), std::string::npos) << part;
+    EXPECT_EQ(mel.interpreter.exitCode(), std::nullopt);
 }
 
 // Faults: a script without end that runs on, though it catches what stops it.

@@ -2,6 +2,7 @@
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
 #include "files/SceneStatements.h"
+#include "files/StatementFlags.h"
 
 #include <algorithm>
 #include <functional>
@@ -199,36 +200,11 @@ void editAttribute(Cell& cell, const ParsedArguments& args) {
 } // namespace
 
 Value editOrQueryAddedAttribute(Call& call) {
-    const ParsedArguments args(call,
-                               {{"ex", "exists"},
-                                {"ln", "longName", 1},
-                                {"sn", "shortName", 1},
-                                {"nn", "niceName", 1},
-                                {"at", "attributeType", 1},
-                                {"dt", "dataType", 1},
-                                {"en", "enumName", 1},
-                                {"dv", "defaultValue", 1},
-                                {"min", "minValue", 1},
-                                {"max", "maxValue", 1},
-                                {"smn", "softMinValue", 1},
-                                {"smx", "softMaxValue", 1},
-                                {"hnv", "hasMinValue", 1},
-                                {"hxv", "hasMaxValue", 1},
-                                {"hsn", "hasSoftMinValue", 1},
-                                {"hsx", "hasSoftMaxValue", 1},
-                                {"k", "keyable", 1},
-                                {"h", "hidden", 1},
-                                {"m", "multi"},
-                                {"im", "indexMatters", 1},
-                                {"ci", "cachedInternally", 1},
-                                {"p", "parent", 1},
-                                {"nc", "numberOfChildren", 1},
-                                {"uac", "usedAsColor"},
-                                {"uaf", "usedAsFilename"},
-                                {"r", "readable", 1},
-                                {"w", "writable", 1},
-                                {"s", "storable", 1}},
-                               true);
+    // What addAttr takes when it adds, and one that only asks.
+    std::vector<FlagSpec> flags{{"ex", "exists"}};
+    for (const files::StatementFlag& flag : files::addAttrFlags)
+        flags.push_back({flag.shortName, flag.longName, flag.values});
+    const ParsedArguments args(call, flags, true);
     const StringArray names = args.names();
     if (names.empty()) throw Error("addAttr: no attribute is named.");
     if (args.query()) {

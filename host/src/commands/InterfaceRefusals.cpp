@@ -5,11 +5,14 @@
 namespace host::mel {
 
 void setBatch(Interpreter& interpreter, bool batch) {
-    interpreter.registerCommand("about", [batch](Call& call) -> Value {
-        const ParsedArguments args(call, {{"b", "batch"}}, true);
-        if (!args.has("b")) throw Error("about was not told what to answer.");
-        return batch;
-    });
+    interpreter.registerCommand(
+        "about",
+        [batch](Call& call) -> Value {
+            const ParsedArguments args(call, {{"b", "batch"}}, true);
+            if (!args.has("b")) throw Error("about was not told what to answer.");
+            return batch;
+        },
+        true);
 }
 
 void registerInterfaceRefusals(Interpreter& interpreter) {

@@ -4,6 +4,7 @@
 #include "commands/Commands.h"
 #include "files/NumberWords.h"
 #include "files/SceneStatements.h"
+#include "files/StatementFlags.h"
 
 namespace host::mel {
 
@@ -57,7 +58,16 @@ files::StatementContext context() {
     return c;
 }
 
+/// Tells whoever asks for the flags of a statement those that it is read by.
+void tellFlags(const Call& call, std::span<const files::StatementFlag> flags) {
+    if (!call.asksForFlags) return;
+    FlagList list;
+    for (const auto& flag : flags) list.flags.push_back({flag.shortName, flag.longName, flag.values});
+    throw list;
+}
+
 Value createNode(Call& call) {
+    tellFlags(call, files::createNodeFlags);
     files::Statement s;
     toStatement(call, s);
     const files::CreateRequest request(s);
@@ -71,6 +81,7 @@ Value createNode(Call& call) {
 }
 
 Value setAttr(Call& call) {
+    tellFlags(call, files::setAttrFlags);
     files::Statement s;
     toStatement(call, s);
     files::setAttrStatement(context(), s);
@@ -78,6 +89,7 @@ Value setAttr(Call& call) {
 }
 
 Value addAttr(Call& call) {
+    if (call.asksForFlags) return editOrQueryAddedAttribute(call);
     for (const Value& v : call.arguments)
         if (const auto* word = v.get<std::string>())
             for (const char* flag : {"-q", "-query", "-e", "-edit"})
@@ -96,9 +108,9 @@ Value addAttr(Call& call) {
 } // namespace
 
 void registerNodeStatementCommands(Interpreter& interpreter) {
-    registerSceneCommand(interpreter, "createNode", createNode, Flags::None);
-    registerSceneCommand(interpreter, "setAttr", setAttr, Flags::None);
-    registerSceneCommand(interpreter, "addAttr", addAttr, Flags::None);
+    registerSceneCommand(interpreter, "createNode", createNode);
+    registerSceneCommand(interpreter, "setAttr", setAttr);
+    registerSceneCommand(interpreter, "addAttr", addAttr);
 }
 
 } // namespace host::mel

@@ -106,10 +106,10 @@ Value optionVar(Call& call) {
 } // namespace
 
 void registerPluginCommands(Interpreter& interpreter) {
-    interpreter.registerCommand("loadPlugin", loadPlugin);
-    interpreter.registerCommand("unloadPlugin", unloadPlugin);
-    interpreter.registerCommand("pluginInfo", pluginInfo);
-    interpreter.registerCommand("optionVar", optionVar);
+    interpreter.registerCommand("loadPlugin", loadPlugin, true);
+    interpreter.registerCommand("unloadPlugin", unloadPlugin, true);
+    interpreter.registerCommand("pluginInfo", pluginInfo, true);
+    interpreter.registerCommand("optionVar", optionVar, true);
 }
 
 } // namespace host::mel

@@ -1,5 +1,6 @@
 #include "files/NumberWords.h"
 #include "files/SceneStatements.h"
+#include "files/StatementFlags.h"
 
 #include <algorithm>
 #include <optional>
@@ -72,63 +73,14 @@ std::optional<Kind> kindOf(std::string_view name, bool isData) {
 class Definition {
 public:
     explicit Definition(const Statement& s) {
-        static const std::map<std::string_view, std::string_view> longNames{
-            {"longName", "ln"},
-            {"shortName", "sn"},
-            {"niceName", "nn"},
-            {"attributeType", "at"},
-            {"dataType", "dt"},
-            {"enumName", "en"},
-            {"defaultValue", "dv"},
-            {"minValue", "min"},
-            {"maxValue", "max"},
-            {"softMinValue", "smn"},
-            {"softMaxValue", "smx"},
-            {"hasMinValue", "hnv"},
-            {"hasMaxValue", "hxv"},
-            {"hasSoftMinValue", "hsn"},
-            {"hasSoftMaxValue", "hsx"},
-            {"keyable", "k"},
-            {"hidden", "h"},
-            {"multi", "m"},
-            {"indexMatters", "im"},
-            {"cachedInternally", "ci"},
-            {"parent", "p"},
-            {"numberOfChildren", "nc"},
-            {"usedAsColor", "uac"},
-            {"usedAsFilename", "uaf"},
-            {"usedAsProxy", "uap"},
-            {"readable", "r"},
-            {"writable", "w"},
-            {"storable", "s"},
-            {"binaryTag", "bt"},
-            {"category", "ct"},
-            {"internalSet", "is"},
-            {"disconnectBehaviour", "dcb"},
-            {"proxy", "pxy"},
-            {"channelBox", "cb"},
-            {"affectsWorldspace", "aws"},
-            {"affectsAppearance", "aap"},
-        };
-        for (std::size_t i = 0; i < s.words.size(); ++i) {
-            const Word& word = s.words[i];
-            if (!word.isFlag()) {
-                objects.push_back(word.text);
+        for (FlagReader words(addAttrFlags, s.words); !words.atEnd();) {
+            if (!words.peek().isFlag()) {
+                objects.push_back(words.next().text);
                 continue;
             }
-            std::string_view flag = word.text.substr(1);
-            if (const auto it = longNames.find(flag); it != longNames.end()) flag = it->second;
-            const bool known =
-                std::any_of(longNames.begin(), longNames.end(), [&](auto& e) { return e.second == flag; });
-            // A later release may have it.
-            if (!known) throw UnknownHere("addAttr: invalid flag '" + std::string(word.text) + "'.");
-            if (flag == "m" || flag == "uac" || flag == "uaf" || flag == "uap") {
-                values_[flag] = "1";
-                continue;
-            }
-            if (++i == s.words.size())
-                throw SceneError("addAttr: flag '" + std::string(word.text) + "' needs a value.");
-            values_[flag] = s.words[i].text;
+            // A later release may have others.
+            const StatementFlag& flag = words.flag<UnknownHere>();
+            values_[flag.shortName] = flag.values > 0 ? words.next().text : "1";
         }
     }
 

@@ -1,6 +1,7 @@
 #include "files/SceneStatements.h"
 
 #include "files/NumberWords.h"
+#include "files/StatementFlags.h"
 
 #include <algorithm>
 #include <cctype>
@@ -28,28 +29,17 @@ Node& StatementContext::plugNode(std::string_view plug, std::string_view& attrib
 }
 
 CreateRequest::CreateRequest(const Statement& s) {
-    for (std::size_t i = 0; i < s.words.size(); ++i) {
-        const Word& word = s.words[i];
-        if (!word.isFlag()) {
+    for (FlagReader words(createNodeFlags, s.words); !words.atEnd();) {
+        if (!words.peek().isFlag()) {
             if (!type.empty()) throw SceneError("createNode: too many words.");
-            type = word.text;
+            type = words.next().text;
             continue;
         }
-        const auto value = [&]() -> std::string_view {
-            if (++i == s.words.size())
-                throw SceneError("createNode: flag '" + std::string(word.text) + "' needs a value.");
-            return s.words[i].text;
-        };
-        if (word.text == "-n" || word.text == "-name")
-            name = value();
-        else if (word.text == "-p" || word.text == "-parent")
-            parent = value();
-        else if (word.text == "-s" || word.text == "-shared")
-            shared = true;
-        else if (word.text == "-ss" || word.text == "-skipSelect")
-            skipSelect = true;
-        else
-            throw SceneError("createNode: invalid flag '" + std::string(word.text) + "'.");
+        const std::string_view flag = words.flag<SceneError>().shortName;
+        if (flag == "n") name = words.next().text;
+        if (flag == "p") parent = words.next().text;
+        if (flag == "s") shared = true;
+        if (flag == "ss") skipSelect = true;
     }
     if (type.empty()) throw SceneError("createNode: the type of the node is missing.");
     const auto isLetterOfNames = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == ':'; };

@@ -1,5 +1,6 @@
 #include "files/NumberWords.h"
 #include "files/SceneStatements.h"
+#include "files/StatementFlags.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
 
@@ -70,12 +71,12 @@ std::size_t fixedLength(std::string_view type) {
 Request::Request(std::span<const Word> words) {
     std::size_t first = 0, count = 0;
     bool typed = false;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const Word& word = words[i];
+    for (FlagReader reader(setAttrFlags, words); !reader.atEnd();) {
         // Behind the plug and the type everything is data, such as a text that begins with a dash.
-        const std::size_t wanted = fixedLength(type);
+        const std::size_t i = reader.place(), wanted = fixedLength(type);
         const bool data = !plug.empty() && typed && (wanted == 0 || count < wanted);
-        if (data || !word.isFlag()) {
+        if (data || !reader.peek().isFlag()) {
+            const Word& word = reader.next();
             if (plug.empty()) {
                 plug = word.text;
                 continue;
@@ -85,36 +86,31 @@ Request::Request(std::span<const Word> words) {
             ++count;
             continue;
         }
-        const auto value = [&]() -> std::string_view {
-            if (++i == words.size()) throw SceneError("setAttr: flag " + inQuotes(word.text) + " needs a value.");
-            return words[i].text;
-        };
+        const std::string_view f = reader.flag<SceneError>().shortName;
         const auto truth = [&] {
-            const std::string_view v = value();
+            const std::string_view v = reader.next().text;
             const auto flag = parseBool(v);
             if (!flag)
-                throw SceneError("setAttr: flag " + inQuotes(word.text) + " needs on or off, not " + inQuotes(v) + ".");
+                throw SceneError("setAttr: flag " + inQuotes(words[i].text) + " needs on or off, not " + inQuotes(v) +
+                                 ".");
             return *flag;
         };
-        const std::string_view f = word.text;
-        if (f == "-type" || f == "-typ") {
-            type = value();
+        if (f == "typ") {
+            type = reader.next().text;
             typed = true;
-        } else if (f == "-k" || f == "-keyable") {
+        } else if (f == "k") {
             keyable = truth();
-        } else if (f == "-l" || f == "-lock") {
+        } else if (f == "l") {
             lock = truth();
-        } else if (f == "-cb" || f == "-channelBox") {
+        } else if (f == "cb") {
             channelBox = truth();
-        } else if (f == "-ca" || f == "-caching") {
+        } else if (f == "ca") {
             truth();
-        } else if (f == "-c" || f == "-clamp") {
+        } else if (f == "c") {
             clamp = true;
-        } else if (f == "-s" || f == "-size" || f == "-ch" || f == "-capacityHint") {
+        } else if (f == "s" || f == "ch") {
             // Only hints: what is there decides.
-            value();
-        } else if (f != "-av" && f != "-alteredValue") {
-            throw SceneError("setAttr: invalid flag " + inQuotes(f) + ".");
+            reader.next();
         }
     }
     if (plug.empty()) throw SceneError("setAttr: the name of the attribute is missing.");

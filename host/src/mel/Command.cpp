@@ -17,7 +17,7 @@ std::optional<std::string_view> flagName(const Value& argument) {
 
 class FlagTable {
 public:
-    FlagTable(std::initializer_list<FlagSpec> flags, bool queryAndEdit) : flags_(flags) {
+    FlagTable(std::span<const FlagSpec> flags, bool queryAndEdit) : flags_(flags.begin(), flags.end()) {
         if (queryAndEdit) flags_.insert(flags_.end(), {kQuery, kEdit});
     }
 
@@ -34,11 +34,7 @@ public:
         return found;
     }
 
-    FlagList list() const {
-        FlagList all;
-        for (const FlagSpec& flag : flags_) all.flags.push_back({flag.shortName, flag.longName, flag.values});
-        return all;
-    }
+    FlagList list() const { return flagList(flags_); }
 
 private:
     std::vector<FlagSpec> flags_;
@@ -64,7 +60,13 @@ std::string Error::described() const {
     return out + what();
 }
 
-ParsedArguments::ParsedArguments(const Call& call, std::initializer_list<FlagSpec> flags, bool queryAndEdit) {
+FlagList flagList(std::span<const FlagSpec> flags) {
+    FlagList all;
+    for (const FlagSpec& flag : flags) all.flags.push_back({flag.shortName, flag.longName, flag.values});
+    return all;
+}
+
+ParsedArguments::ParsedArguments(const Call& call, std::span<const FlagSpec> flags, bool queryAndEdit) {
     const FlagTable table(flags, queryAndEdit);
     if (call.asksForFlags) throw table.list();
     const std::vector<Value>& arguments = call.arguments;

@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <map>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -59,6 +60,8 @@ struct FlagList {
     std::vector<Flag> flags;
 };
 
+FlagList flagList(std::span<const FlagSpec> flags);
+
 /// The arguments of a call, taken apart by a command's flags.
 ///
 /// Flags may stand before, between and behind the objects, may be abbreviated to any unambiguous prefix of their
@@ -69,7 +72,9 @@ struct FlagList {
 /// values are missing.
 class ParsedArguments {
 public:
-    ParsedArguments(const Call& call, std::initializer_list<FlagSpec> flags, bool queryAndEdit = false);
+    ParsedArguments(const Call& call, std::initializer_list<FlagSpec> flags, bool queryAndEdit = false)
+        : ParsedArguments(call, std::span<const FlagSpec>(flags.begin(), flags.size()), queryAndEdit) {}
+    ParsedArguments(const Call& call, std::span<const FlagSpec> flags, bool queryAndEdit);
 
     bool has(std::string_view shortName) const;
     bool query() const { return has("q"); }

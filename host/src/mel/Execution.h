@@ -20,6 +20,7 @@ struct Arguments {
     Interpreter& interpreter;
     const std::string& name;
     std::vector<Value*> values;
+    bool asksForFlags = false; ///< as a Call's
 
     std::size_t count() const { return values.size(); }
     const Value& operator[](std::size_t i) const { return *values[i]; }
@@ -83,7 +84,8 @@ struct Interpreter::Impl {
     std::optional<int> exitCode;   ///< since a script called `quit`
 
     Variable& global(const std::string& name);
-    void addLanguageFunction(const char* name, LanguageFunction function);
+    /// One that `tellsFlags` makes its ParsedArguments before it does anything.
+    void addLanguageFunction(const char* name, LanguageFunction function, bool tellsFlags = false);
 
     Value runText(std::string_view text, const std::string& file);
     Procedure* findProcedure(std::string_view name, const FileScope* from) const;

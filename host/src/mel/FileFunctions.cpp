@@ -337,17 +337,16 @@ void addFileFunctions(Interpreter::Impl& impl) {
                                                                              {"feof", endReached},
                                                                              {"fflush", flush},
                                                                              {"frewind", rewind},
-                                                                             {"filetest", fileTest},
                                                                              {"basename", baseName},
                                                                              {"basenameEx", baseNameWithoutExtension},
                                                                              {"dirname", directoryName},
                                                                              {"fileExtension", fileExtension},
                                                                              {"toNativePath", nativePath},
-                                                                             {"fromNativePath", scriptPathName},
-                                                                             {"sysFile", systemFile},
-                                                                             {"getFileList", fileList},
-                                                                             {"internalVar", internalVariable}};
+                                                                             {"fromNativePath", scriptPathName}};
+    static constexpr std::pair<const char*, LanguageFunction> withFlags[] = {
+        {"filetest", fileTest}, {"sysFile", systemFile}, {"getFileList", fileList}, {"internalVar", internalVariable}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction(name, function);
+    for (const auto& [name, function] : withFlags) impl.addLanguageFunction(name, function, true);
 }
 
 } // namespace host::mel

@@ -80,8 +80,8 @@ Variable& Interpreter::Impl::global(const std::string& name) {
     return *cell;
 }
 
-void Interpreter::Impl::addLanguageFunction(const char* name, LanguageFunction function) {
-    commands[name] = std::make_shared<Command>(Command{{}, function});
+void Interpreter::Impl::addLanguageFunction(const char* name, LanguageFunction function, bool tellsFlags) {
+    commands[name] = std::make_shared<Command>(Command{{}, function, tellsFlags});
 }
 
 Value Interpreter::Impl::runText(std::string_view text, const std::string& file) {

@@ -13,16 +13,22 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The arguments' texts in a row: error, warning and trace take one text, but scripts forget parentheses.
+constexpr FlagSpec kMessageFlags[] = {{"sl", "showLineNumber", 1}, {"n", "noContext"}};
+
+/// The arguments' texts in a row: error, warning and trace take one text, but scripts forget parentheses. A text may
+/// begin with a dash: only their own flags are any.
 std::string message(Arguments& a) {
+    if (a.asksForFlags) throw flagList(kMessageFlags);
     std::string out;
     for (std::size_t i = 0; i < a.count(); ++i) {
-        auto text = a[i].get<std::string>();
-        if (text && (*text == "-showLineNumber" || *text == "-sl" || *text == "-noContext" || *text == "-n")) {
-            if (text->starts_with("-s") && i + 1 < a.count()) ++i;
-            continue;
-        }
-        out += (out.empty() ? "" : " ") + a.text(i);
+        const auto* text = a[i].get<std::string>();
+        const auto flag = std::ranges::find_if(kMessageFlags, [&](const FlagSpec& f) {
+            return text && (*text == std::string("-") + f.shortName || *text == std::string("-") + f.longName);
+        });
+        if (flag == std::end(kMessageFlags))
+            out += (out.empty() ? "" : " ") + a.text(i);
+        else
+            i += static_cast<std::size_t>(flag->values);
     }
     return out;
 }
@@ -112,7 +118,11 @@ Value help(Arguments& a) {
     if (!command->tellsFlags) return text + "\n";
     try {
         Call call{a.interpreter, names.front(), {}, true};
-        command->function(call);
+        Arguments arguments{a.interpreter, call.name, {}, true};
+        if (command->language)
+            command->language(arguments);
+        else
+            command->function(call);
     } catch (const FlagList& list) {
         if (!list.flags.empty()) text += " [flags]\nFlags:\n";
         for (const auto& flag : list.flags) {
@@ -275,7 +285,7 @@ void Arguments::expect(std::size_t least, std::size_t most) const {
 }
 
 Call Arguments::asCall() const {
-    Call call{interpreter, name, {}};
+    Call call{interpreter, name, {}, asksForFlags};
     call.arguments.reserve(values.size());
     for (const Value* v : values) call.arguments.push_back(*v);
     return call;
@@ -288,15 +298,20 @@ int melSize(const Value& v) {
 
 void addLanguageBasics(Interpreter::Impl& impl) {
     static constexpr std::pair<const char*, LanguageFunction> functions[] = {
-        {"print", print},     {"warning", warning},   {"error", error},
-        {"trace", trace},     {"eval", eval},         {"source", source},
-        {"exists", exists},   {"whatIs", whatIs},     {"evalEcho", evalEcho},
-        {"getenv", getenv},   {"putenv", putenv},     {"size", size},
-        {"timerX", timerX},   {"date", date},         {"about", about},
-        {"catch", caught},    {"catchQuiet", caught}, {"evalDeferred", evalDeferred},
-        {"quit", quit},       {"help", help},         {"system", noPrograms},
-        {"exec", noPrograms}, {"popen", noPrograms}};
+        {"print", print},       {"eval", eval},         {"source", source},   {"exists", exists},   {"whatIs", whatIs},
+        {"evalEcho", evalEcho}, {"getenv", getenv},     {"putenv", putenv},   {"size", size},       {"catch", caught},
+        {"catchQuiet", caught}, {"system", noPrograms}, {"exec", noPrograms}, {"popen", noPrograms}};
+    static constexpr std::pair<const char*, LanguageFunction> withFlags[] = {{"warning", warning},
+                                                                             {"error", error},
+                                                                             {"trace", trace},
+                                                                             {"timerX", timerX},
+                                                                             {"date", date},
+                                                                             {"about", about},
+                                                                             {"evalDeferred", evalDeferred},
+                                                                             {"quit", quit},
+                                                                             {"help", help}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction(name, function);
+    for (const auto& [name, function] : withFlags) impl.addLanguageFunction(name, function, true);
 }
 
 void registerLanguageCommands(Interpreter& interpreter) {

@@ -261,12 +261,12 @@ void addStringFunctions(Interpreter::Impl& impl) {
                                                                              {"tokenize", tokenize},
                                                                              {"tokenizeList", tokenizeList},
                                                                              {"stringToStringArray", stringToArray},
-                                                                             {"format", format},
                                                                              {"encodeString", encode},
                                                                              {"stringRemovePrefix", removePrefix},
                                                                              {"stringAddPrefix", addPrefix},
                                                                              {"interToUI", interfaceName}};
     for (const auto& [name, function] : functions) impl.addLanguageFunction(name, function);
+    impl.addLanguageFunction("format", format, true);
 }
 
 } // namespace host::mel
