@@ -2,6 +2,7 @@
 #include "commands/Commands.h"
 #include "mel/Command.h"
 #include "mel/Interpreter.h"
+#include "scene/Evaluation.h"
 #include "scene/Scene.h"
 
 #include <cstdint>
@@ -30,6 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const mel::Error& e) {
         if (*e.what() == '\0') std::abort();
     }
+    // Whatever expressions and connections it has made are evaluated, endless ones among them.
+    for (const auto& [serial, node] : scene.nodes())
+        for (scene::Cell* cell : node->cells()) scene::evaluate(*cell);
     while (scene.undo.undo()) {}
     return 0;
 }

@@ -1,6 +1,9 @@
 #include "base/Messages.h"
+#include "commands/Commands.h"
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
+#include "kit/TemporaryFolder.h"
+#include "mel/Interpreter.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
 
@@ -10,7 +13,8 @@
 #include <string_view>
 
 /// Scenes of any bytes: refused with a message, or opened, looked at and saved as a scene that opens and is saved again
-/// with as many nodes.
+/// with as many nodes. They may refer to "prop.ma", and to "set.ma", which refers to that one and to itself; their
+/// expressions run.
 namespace {
 
 using namespace host;
@@ -27,10 +31,29 @@ void look(scene::Scene& scene) {
     }
 }
 
+/// The project that the scenes are in.
+const std::filesystem::path& project() {
+    static const orvo::test::TemporaryFolder folder;
+    static const bool filled = [] {
+        const std::string head = "//Maya ASCII 2011 scene\nrequires maya \"2011\";\n";
+        folder.write("prop.ma", head + "createNode transform -n \"cup\";\n\tsetAttr \".ty\" 2;\n"
+                                       "createNode multiplyDivide -n \"twice\";\n\tsetAttr \".i2x\" 2;\n"
+                                       "connectAttr \"cup.tx\" \"twice.i1x\";\nconnectAttr \"twice.ox\" \"cup.tz\";\n");
+        folder.write("set.ma", head + "file -r -ns \"p\" -dr 1 -rfn \"pRN\" \"prop.ma\";\n"
+                                      "file -r -ns \"self\" -dr 1 -rfn \"selfRN\" \"set.ma\";\n"
+                                      "createNode transform -n \"table\";\ncreateNode reference -n \"pRN\";\n");
+        return true;
+    }();
+    (void)filled;
+    return folder.path();
+}
+
 /// Whether it opened.
 bool open(scene::Scene& scene, std::string_view text) {
     try {
-        files::SceneReader(scene, {}).readText(text, "fuzz.ma");
+        files::SceneReader::Options options;
+        options.project = project();
+        files::SceneReader(scene, options).readText(text, "fuzz.ma");
         return true;
     } catch (const files::FileError& e) {
         require(*e.what() != '\0');
@@ -51,6 +74,8 @@ std::size_t nodes(const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool quiet = [] {
         Messages::instance().setSink([](Severity, std::string_view text) { require(!text.empty()); });
+        static mel::Interpreter interpreter;
+        mel::registerExpressionCommands(interpreter);
         return true;
     }();
     require(quiet);
