@@ -29,7 +29,7 @@ TEXT
 
 stages=(format rooms warnings clang asan tsan tidy fuzz package windows)
 # Rooms where a fault of memory is likely, and whose tests do not take long.
-quick_tests=(base_tests mel_tests files_tests scene_tests)
+quick_tests=(base_tests mel_tests files_tests scene_tests command_tests)
 quick_fuzz=(fuzz_scene fuzz_workspace fuzz_mel_parse fuzz_mel_run fuzz_inspect)
 
 sources() { git ls-files -z '*.cpp' '*.h'; }

@@ -1,4 +1,4 @@
-#include "SceneFixture.h"
+#include "kit/SceneFixture.h"
 
 namespace {
 struct NameTest : SceneFixture, testing::WithParamInterface<ScriptCase> {};
