@@ -121,7 +121,8 @@ TEST_F(Window, AKilledProcessLosesLessThanAMinute) {
         return process;
     };
     const auto type = [&](const std::string& keys) {
-        const std::string command = "xdotool search --sync --onlyvisible --name 'Orvo sky' windowfocus --sync; " + keys;
+        const std::string command =
+            "timeout 60 xdotool search --sync --onlyvisible --name 'Orvo sky' windowfocus; " + keys;
         return std::system(command.c_str());
     };
     const auto until = [&](const std::function<bool()>& done) {
@@ -142,7 +143,7 @@ TEST_F(Window, AKilledProcessLosesLessThanAMinute) {
     waitpid(process, nullptr, 0);
     EXPECT_THAT(content(folder_ / "scenes/sky.ma"), testing::Not(HasSubstr("77")));
     process = start();
-    ASSERT_EQ(std::system("xdotool search --sync --onlyvisible --name 'Unsaved Work' windowfocus --sync; sleep 1; "
+    ASSERT_EQ(std::system("timeout 60 xdotool search --sync --onlyvisible --name 'Unsaved Work' windowfocus; sleep 1; "
                           "xdotool key Return"),
               0);
     ASSERT_EQ(type("sleep 2; xdotool key ctrl+s"), 0);
