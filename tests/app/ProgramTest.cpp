@@ -337,7 +337,7 @@ TEST_F(Program, WarnsOfWhatNoReaderCanUse) {
         HasSubstr(
             "Warning: flat.cubeMapTexture names a file that OpenGL cannot take, since it is no DDS cube map in DXT1, "
             "DXT3 or DXT5; a checkerboard is shown in its place: build\\skies\\plain.dds\n"),
-        HasSubstr("Warning: skyShape.zenithColour.zenithColourG is not a finite number\n"),
+        HasSubstr("Warning: skyShape.zenithColourG is not a finite number\n"),
         HasSubstr("Warning: setShape.cloudBackBufferRes is 9, which is none of its values\n"));
     Outcome o = run({"export", "proj/named.ma", "proj/a.atmos", "--project", "proj"});
     EXPECT_EQ(o.status, 0) << o.error;

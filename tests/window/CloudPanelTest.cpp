@@ -96,8 +96,9 @@ TEST_F(Clouds, DomesTakeLibraries) {
     fs::create_directories(folder_ / "build/clouds");
     fs::copy(orvo::test::sourceTree("examples/project/build/clouds/cumulus.xml"), folder_ / "build/clouds");
     open();
-    editor().run("orvoskyCloudShading; orvoskyCreate orvosky_ParticleCloudDome \"dome\"; "
-                 "setAttr dome1Shape.domeOuterRadius 1500;");
+    editor().run("orvoskyCloudShading; createNode transform -n dome1 -p `orvoskySkyRoot`; "
+                 "createNode orvosky_ParticleCloudDome -n dome1Shape -p dome1; "
+                 "setAttr dome1Shape.domeOuterRadius 1500; select -r dome1;");
     auto& list = *panel().findChild<QListWidget*>();
     EXPECT_EQ(list.count(), 6) << "the one library of the project";
     panel().useInDome();
