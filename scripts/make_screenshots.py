@@ -144,10 +144,12 @@ def main() -> None:
             program.wait()
 
             shutil.rmtree(project / "autosave", ignore_errors=True)
-            preset = TREE / "build/release/share/orvosky/presets/5_towering_cumulus.ma"
+            presets = TREE / "build/release/share/orvosky/presets"
+            preset = presets / "5_towering_cumulus.ma"
+            (project / "build/orvosky").mkdir(parents=True, exist_ok=True)
+            shutil.copy(presets / "files/cloud_sprite.dds", project / "build/orvosky")
             program = desktop.start("--project", str(project), "edit", str(preset))
-            desktop.type_mel("orvoskyPresetFile cloud_sprite.dds; orvosky_ParticleCloud_RefreshTextureCommand towerSprites; "
-                             "setAttr towerSpritesShape.renderWireFrame 0; select -r towerSphere22;")
+            desktop.type_mel("setAttr towerSpritesShape.renderWireFrame 0; select -r towerSphere22;")
             desktop.click(640, 30)
             desktop.do("key", "w")
             time.sleep(1)
