@@ -67,7 +67,7 @@ check_quick() {
   export UBSAN_OPTIONS=print_stacktrace=1 LSAN_OPTIONS=suppressions=$PWD/tests/support/lsan.supp:print_suppressions=0:use_tls=0
   export ASAN_OPTIONS=detect_leaks=1:suppressions=$PWD/tests/support/asan.supp
   # Program by program: a process for every test would take longer than the tests.
-  printf '%s\n' "${quick_tests[@]}" | xargs -P "$(nproc)" -I {} build/asan/bin/{} --gtest_brief=1
+  printf '%s\n' "${quick_tests[@]}" | xargs -P "$(nproc)" -I {} env build/asan/bin/{} --gtest_brief=1
   ctest --preset asan -j "$(nproc)" -R "^fuzz\\.($(IFS='|'; echo "${quick_fuzz[*]}"))\$"
 }
 
