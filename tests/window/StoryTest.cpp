@@ -110,7 +110,7 @@ TEST_F(Story, AFirstSkyByHandIsThatOfItsScript) {
     AttributeControl* time = window().attributes().page()->control("time");
     ASSERT_NE(time, nullptr);
     auto* label = time->findChild<QLabel*>();
-    QTimer::singleShot(300, &window(), [this] {
+    QTimer::singleShot(300, &window(), [] {
         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
         ASSERT_NE(menu, nullptr);
         for (QAction* action : menu->actions())
