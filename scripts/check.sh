@@ -92,10 +92,10 @@ check_fuzz() {
     corpus=$(sed -n "s/^orvo_fuzz[a-z_]*($(basename "$target") \([a-z]*\) .*/\1/p" tests/fuzz/CMakeLists.txt)
     echo "-- $(basename "$target"), $seconds s"
     mkdir -p "build/fuzz/corpus/$corpus"
-    local more=()
+    local leaks=1
     # OpenImageIO as it comes loses the text of an error now and then.
-    [ "$(basename "$target")" != fuzz_image ] || more=(-detect_leaks=0)
-    "$target" "${more[@]}" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=4096 -print_final_stats=1 \
+    [ "$(basename "$target")" != fuzz_image ] || leaks=0
+    ASAN_OPTIONS=detect_leaks=$leaks "$target" -detect_leaks=$leaks -max_total_time="$seconds" -timeout=25 -rss_limit_mb=4096 -print_final_stats=1 \
       -artifact_prefix="build/fuzz/found/$(basename "$target")-" "build/fuzz/corpus/$corpus" "tests/fuzz/corpus/$corpus"
   done
 }
