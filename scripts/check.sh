@@ -76,9 +76,10 @@ check_tsan() { scripts/test.sh tsan; }
 
 check_tidy() {
   scripts/setup.sh clang-tidy
-  configured release
+  # Without precompiled headers: those of g++ are nothing to clang-tidy.
+  cmake --preset release -B build/tidy -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
   find plugin -name '*.cpp' -not -name WindowsPath.cpp -print0 | xargs -0 -n 1 -P "$(nproc)" \
-    clang-tidy --quiet --warnings-as-errors='*' -p build/release
+    clang-tidy --quiet --warnings-as-errors='*' -p build/tidy
 }
 
 check_fuzz() {
