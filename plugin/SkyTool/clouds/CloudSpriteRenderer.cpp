@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <vector>
 
 namespace orvo {
@@ -20,13 +21,13 @@ const SkyShaderTexts shadowCubeShaders{"ParticleCloud", "ParticleCloudSpriteShad
 /// A soft round puff, for clouds without a texture.
 bool uploadPuff(TextureHandle& texture, const std::string&) {
     constexpr int size = 64;
-    std::vector<unsigned char> pixels(size * size * 4, 255);
+    std::vector<unsigned char> pixels(std::size_t{size} * size * 4, 255);
     for (int y = 0; y < size; ++y)
         for (int x = 0; x < size; ++x) {
             const double u = (x + 0.5) / size * 2.0 - 1.0, v = (y + 0.5) / size * 2.0 - 1.0;
             const double inside = std::max(0.0, 1.0 - (u * u + v * v));
             pixels[static_cast<std::size_t>(y * size + x) * 4 + 3] =
-                static_cast<unsigned char>(inside * inside * 255.0 + 0.5);
+                static_cast<unsigned char>(std::lround(inside * inside * 255.0));
         }
     return uploadTexture2DRgba(texture, size, size, pixels.data(), {.mipmaps = true});
 }
@@ -217,6 +218,7 @@ private:
         std::size_t offset = 0;
         for (std::size_t i = 0; i < std::size(attributes); ++i) {
             const std::vector<float>& values = cloud.geom.*attributes[i].values;
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): with a buffer bound, OpenGL takes an offset as an address
             const void* from = buffered ? reinterpret_cast<const void*>(offset) : values.data();
             offset += values.size() * sizeof(float);
             if (locations_[i] != -1)

@@ -59,7 +59,7 @@ bool loadSprite(TextureHandle& texture, const std::string& path) {
 }
 
 std::unique_ptr<TextureHandle> whiteTexture() {
-    const std::vector<unsigned char> white(4 * 4 * 4, 255);
+    const std::vector<unsigned char> white(64, 255);
     auto texture = std::make_unique<TextureHandle>();
     if (!uploadTexture2DRgba(*texture, 4, 4, white.data(), {.repeatS = kRepeat, .repeatT = kRepeat})) texture.reset();
     return texture;
