@@ -50,16 +50,34 @@ def billow(x, y):
     return 1 - abs(2 * value(x, y) - 1)
 
 
-def write_tga(path, width, height, pixel):
-    """A 32-bit TGA whose first row is the top one; pixel(column, row) answers red, green, blue, alpha from 0 to 1."""
+def texels(width, height, pixel):
+    """Rows from the top, four bytes a pixel: blue, green, red, alpha. pixel(column, row) answers red, green, blue, alpha
+    from 0 to 1."""
     data = bytearray()
     for row in range(height):
         for column in range(width):
             red, green, blue, alpha = (round(255 * min(1.0, max(0.0, c))) for c in pixel(column, row))
             data += bytes((blue, green, red, alpha))
+    return data
+
+
+def write_tga(path, width, height, pixel):
+    """A 32-bit TGA whose first row is the top one."""
     with open(path, "wb") as file:
         file.write(struct.pack("<BBBHHBHHHHBB", 0, 0, 2, 0, 0, 0, 0, 0, width, height, 32, 0x28))
-        file.write(data)
+        file.write(texels(width, height, pixel))
+
+
+def write_dds(path, width, height, pixel):
+    """An uncompressed 32-bit DDS without mipmaps."""
+    size_pitch_and_format = 0x100F
+    rgb_with_alpha = 0x41
+    with open(path, "wb") as file:
+        file.write(b"DDS ")
+        file.write(struct.pack("<7I44x", 124, size_pitch_and_format, height, width, 4 * width, 0, 0))
+        file.write(struct.pack("<8I", 32, rgb_with_alpha, 0, 32, 0xFF0000, 0xFF00, 0xFF, 0xFF000000))
+        file.write(struct.pack("<5I", 0x1000, 0, 0, 0, 0))
+        file.write(texels(width, height, pixel))
 
 
 def cloud_sprite(column, row, size=128):
@@ -164,8 +182,9 @@ def main():
             write_tga(path, width, height, pixel)
             return path
 
-        run("nvcompress", "-alpha", "-bc3", tga("sprite", 128, 128, cloud_sprite),
-            os.path.join(build, "clouds", "cloud_sprite.dds"))
+        # Not compressed: thousands of sprites lie over each other, and what 4 x 4 blocks do to a soft edge adds up.
+        # Software OpenGL also decodes a compressed texture anew at every fetch, half of its work on a sky of clouds.
+        write_dds(os.path.join(build, "clouds", "cloud_sprite.dds"), 128, 128, cloud_sprite)
         run("nvcompress", "-alpha", "-bc3", tga("wisps", 256, 256, wisps), os.path.join(build, "clouds", "wisps.dds"))
         run("convert", tga("gradient", 64, 256, gradient), os.path.join(build, "skies", "times_of_day.png"))
         faces = [tga("face%d" % i, 256, 256, aurora_face(look, 256)) for i, look in enumerate(FACES.values())]

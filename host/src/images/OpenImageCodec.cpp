@@ -185,9 +185,9 @@ public:
             if (pixels.floats && fitsHalf(pixels)) spec.set_format(OIIO::TypeDesc::HALF);
             spec.attribute("DateTime", ""); // else the time of writing, and the same picture has other bytes each time
         }
-        if (format == "png") { // a third of the default's time, for a tenth more bytes
+        if (format == "png") { // skies: fewer bytes than any level below 6, in a seventh of its time
             spec.attribute("png:compressionLevel", 4);
-            spec.attribute("compression", "filtered");
+            spec.attribute("compression", "rle");
         }
         if (!output->set_ioproxy(&memory) || !output->open(path, spec)) return reasonOf(output->geterror());
         const auto pixelStep = static_cast<OIIO::stride_t>(pixels.channels * (pixels.floats ? sizeof(float) : 1));
