@@ -61,6 +61,8 @@ INSTANTIATE_TEST_SUITE_P(
                                "Error: Node 'polyCube1' already has an attribute named 'width'."},
                     ScriptCase{"AliasOfOne", "aliasAttr wide polyCube1.w; aliasAttr -q polyCube1.w", "wide"},
                     ScriptCase{"AliasUsed", "aliasAttr wide polyCube1.w; getAttr polyCube1.wide", "1"},
+                    ScriptCase{"AttributeThere", "attributeExists w polyCube1", "1"},
+                    ScriptCase{"NodeNotThere", "attributeExists w nosuch", "0"},
                     ScriptCase{"AliasUndone", "aliasAttr wide polyCube1.w; undo; objExists polyCube1.wide", "0"},
                     ScriptCase{"AliasRemoved",
                                "aliasAttr wide polyCube1.w; aliasAttr -rm polyCube1.wide; aliasAttr -q polyCube1", ""}),

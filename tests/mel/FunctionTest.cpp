@@ -74,6 +74,12 @@ static const PrintCase kNumbers[] = {
     {"print (mag(<<2,3,6>>) + \" \" + unit(<<0,3,4>>) + \" \" + dot(<<1,2,3>>, <<1,1,1>>));", "7 0 0.6 0.8 6"},
     {"print (cross(<<0,1,0>>, <<0,0,1>>) + \" \" + angle(<<1,0,0>>, <<0,2,0>>));", "1 0 0 1.570796327"},
     {"vector $r = rot(<<1,0,0>>, <<0,0,1>>, deg_to_rad(90)); print (round($r.x) + \" \" + round($r.y));", "0 1"},
+    // Python's colorsys gives these.
+    {"print (hsv_to_rgb(<<0.9, 0.25, 0.8>>) + \" \" + hsv_to_rgb(<<-1.4, 1, 1>>) + \" \" + hsv_to_rgb(<<1, 1, 0.5>>));",
+     "0.8 0.6 0.72 0 0.4 1 0.5 0 0"},
+    {"print (rgb_to_hsv(<<0.8, 0.6, 0.72>>) + \" \" + rgb_to_hsv(<<0.2, 0.4, 0.8>>) + \" \" + rgb_to_hsv(<<3, 3, "
+     "3>>));",
+     "0.9 0.25 0.8 0.6111111111 0.75 0.8 0 0 3"},
     // The reference implementation gives 0.13691995878400012 there.
     {"print (noise(3.14, 42, 7) + \" \" + noise(<<3.14, 42 - 256, 7>>) + \" \" + noise(3, 7) + \" \" + noise(1e300));",
      "0.1369199588 0.1369199588 0 0"},

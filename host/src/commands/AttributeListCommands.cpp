@@ -288,11 +288,21 @@ Value attributeQuery(Call& call) {
     return answer(*found, args);
 }
 
+/// attributeExists(attribute, node): 0 also when there is no such node.
+Value attributeExists(Call& call) {
+    const ParsedArguments args(call, {});
+    const StringArray names = args.names();
+    if (names.size() != 2) throw Error("attributeExists needs an attribute and a node.");
+    const Node* node = theScene().findNode(names[1]);
+    return node && node->findAttribute(names[0]);
+}
+
 } // namespace
 
 void registerAttributeListCommands(Interpreter& interpreter) {
     registerSceneCommand(interpreter, "listAttr", listAttr);
     registerSceneCommand(interpreter, "attributeQuery", attributeQuery);
+    registerSceneCommand(interpreter, "attributeExists", attributeExists);
 }
 
 } // namespace host::mel

@@ -170,6 +170,30 @@ Value rotated(Arguments& a) {
                   p.z * cosine + c.z * sine + k.z * along};
 }
 
+/// hsv_to_rgb(<<hue, saturation, value>>), each from 0 to 1: Smith 1978, "Color gamut transform pairs". A hue goes
+/// round.
+Value fromHueSaturationValue(Arguments& a) {
+    a.expect(1);
+    const Vector hsv = a[0].toVector();
+    const auto channel = [&hsv](double turn) {
+        const double sixth = std::fmod(turn + 6 * (hsv.x - std::floor(hsv.x)), 6.0);
+        return hsv.z - hsv.z * hsv.y * std::clamp(std::min(sixth, 4 - sixth), 0.0, 1.0);
+    };
+    return Vector{channel(5), channel(3), channel(1)};
+}
+
+/// The way back; a grey has the hue 0.
+Value toHueSaturationValue(Arguments& a) {
+    a.expect(1);
+    const Vector c = a[0].toVector();
+    const double most = std::max({c.x, c.y, c.z}), spread = most - std::min({c.x, c.y, c.z});
+    if (spread == 0 || most == 0) return Vector{0, 0, most};
+    const double sixth = most == c.x   ? (c.y - c.z) / spread
+                         : most == c.y ? 2 + (c.z - c.x) / spread
+                                       : 4 + (c.x - c.y) / spread;
+    return Vector{(sixth < 0 ? sixth + 6 : sixth) / 6, spread / most, most};
+}
+
 /// Uniform in [0, 1), the same on every machine: the library's distributions are not.
 double uniform(Arguments& a) {
     auto& random = a.interpreter.impl().random;
@@ -281,6 +305,8 @@ void addMathFunctions(Interpreter::Impl& impl) {
                                                                              {"unit", unit},
                                                                              {"angle", angle},
                                                                              {"rot", rotated},
+                                                                             {"hsv_to_rgb", fromHueSaturationValue},
+                                                                             {"rgb_to_hsv", toHueSaturationValue},
                                                                              {"noise", noiseAt},
                                                                              {"dnoise", vectorNoise},
                                                                              {"rand", rand},
