@@ -33,9 +33,13 @@ fetch_sources() {
   [ -f "$unpacked" ] && [ "$(cat "$unpacked")" = "${libraries[*]}" ] && return 0
   rm -rf "$out/sources"
   mkdir -p "$lists/partial"
-  cat /etc/apt/sources.list.d/*.sources 2>/dev/null | sed 's/^Types:.*/Types: deb-src/' >"$entries"
-  [ -s "$entries" ] || entries="$out/sources/debian.list"
-  cat /etc/apt/sources.list 2>/dev/null | sed -n 's/^deb /deb-src /p' >"$out/sources/debian.list"
+  local given=(/etc/apt/sources.list.d/*.sources)
+  if [ -e "${given[0]}" ]; then # an empty line after each: they are read as one file
+    sed -s -e 's/^Types:.*/Types: deb-src/' -e '$G' "${given[@]}" >"$entries"
+  else
+    entries="$out/sources/debian.list"
+    sed -n 's/^deb /deb-src /p' /etc/apt/sources.list >"$entries"
+  fi
   local apt=(apt-get -qq -o "Dir::Etc::SourceList=$entries" -o Dir::Etc::SourceParts=- -o "Dir::State::Lists=$lists"
              -o APT::Sandbox::User=root)
   (
