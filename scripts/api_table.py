@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
-"""Says, class by class, what of the API's documented members the host declares.
+"""Says, class by class, what of the API's documented members the host declares, and why the others are left out.
 
 Usage: scripts/api_table.py [--check]
 
 Writes the table into docs/host.md; with --check it only tells whether the table there is current, and fails when it is
-not, or when a header declares a member that is not documented. The documented members are listed in docs/api-names.txt:
+not, when a header declares a member that is not documented, or when one is left out without a reason in
+docs/api-left-out.txt. The documented members are listed in docs/api-names.txt:
 their names with the number of their overloads, without constructors, type() and className(), those of base classes with
 the base alone.
 """
 import collections
+import fnmatch
 import pathlib
 import re
 import sys
@@ -97,36 +99,74 @@ def declared(known):
     return classes
 
 
+class Reasons:
+    """What docs/api-left-out.txt says; those that are asked for get numbers in that order."""
+
+    def __init__(self):
+        self.texts, self.used = [], set()
+        self.patterns = []  # (pattern, place of its reason)
+        for line in (ROOT / "docs/api-left-out.txt").read_text().splitlines():
+            if line.startswith("#") or not line.strip():
+                continue
+            if not line.startswith(" "):
+                self.texts.append(line)
+                continue
+            self.patterns += [(p, len(self.texts) - 1) for p in line.split()]
+
+    def place(self, name, member):
+        """The place of the first reason that fits; None when there is none."""
+        for pattern, place in self.patterns:
+            wanted, _, part = pattern.partition("::")
+            # Brackets of operators are no sets of characters.
+            if fnmatch.fnmatchcase(name, wanted) and fnmatch.fnmatchcase(member, (part or "*").replace("[", "[[]")):
+                self.used.add(pattern)
+                return place
+        return None
+
+    def unused(self):
+        return [pattern for pattern, _ in self.patterns if pattern not in self.used]
+
+
 def table():
-    rows, extra = [], []
+    rows, extra, reasons = [], [], Reasons()
     wanted_classes = documented()
     there_classes = declared(wanted_classes)
     for name, wanted in sorted(wanted_classes.items()):
         there = there_classes.get(name)
         if there is None:
-            rows.append(f"| `{name}` | none | {sum(wanted.values())} | the class |")
+            place = reasons.place(name, "")
+            if place is None:
+                extra.append(f"{name} is left out without a reason")
+            rows.append(f"| `{name}` | none | {sum(wanted.values())} | the class ({0 if place is None else place + 1}) |")
             continue
         missing = [m for m in sorted(wanted) if there[m] < wanted[m]]
         have = sum(min(there[m], n) for m, n in wanted.items())
-        extra += [f"{name}::{m}" for m in sorted(there)
+        extra += [f"{name}::{m} is declared but not documented (or more overloads of it are)" for m in sorted(there)
                   if there[m] > wanted.get(m, 0) and f"{name}::{m}" not in BEYOND]
-        words = " ".join(f"`{m}`" + (f" ({there[m]} of {wanted[m]})" if there[m] else "") for m in missing)
+        groups = collections.defaultdict(list)
+        for m in missing:
+            place = reasons.place(name, m)
+            if place is None:
+                extra.append(f"{name}::{m} is left out without a reason")
+            groups[-1 if place is None else place].append(f"`{m}`" + (f" {there[m]} of {wanted[m]}" if there[m] else ""))
+        words = "; ".join(f"{' '.join(groups[place])} ({place + 1})" for place in sorted(groups))
         rows.append(f"| `{name}` | {have} | {sum(wanted.values())} | {words or 'nothing'} |")
     head = ["| class | there | documented | not there |", "|---|---|---|---|"]
-    return "\n".join(head + rows), extra
+    numbered = [f"{place}. {text}" for place, text in enumerate(reasons.texts, 1)]
+    return "\n".join(numbered + [""] + head + rows), extra, reasons.unused()
 
 
 def main():
     text = DOCUMENT.read_text()
-    made, extra = table()
+    made, extra, unused = table()
     begin, end = text.index(BEGIN) + len(BEGIN), text.index(END)
     current = text[:begin] + "\n\n" + made + "\n\n" + text[end:]
     if "--check" not in sys.argv[1:]:
         DOCUMENT.write_text(current)
-        print("\n".join(extra))
+        print("\n".join(extra + [f"docs/api-left-out.txt: nothing that is left out fits {pattern}" for pattern in unused]))
         return 0
     for member in extra:
-        print(f"{member} is declared but not documented (or more overloads of it are)")
+        print(member)
     if current != text:
         print("The table in docs/host.md is out of date: run scripts/api_table.py.")
     return 1 if extra or current != text else 0
