@@ -1,5 +1,6 @@
-// Edits one by one of what grows: objects into a set, keys onto a plug, each recorded for undoing. Beside them the
-// plain version: as many insertions into a map. The time of one must not grow with their number.
+// Edits one by one of what grows: objects into a set, keys onto a plug, connections of one source broken in the order
+// in which they were made, each recorded for undoing. Beside them the plain version: as many insertions into a map. The
+// time of one must not grow with their number.
 #include "scene/AnimCurve.h"
 #include "scene/Scene.h"
 #include "scene/Sets.h"
@@ -42,6 +43,28 @@ void IntoSet(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(IntoSet)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+void OffSource(benchmark::State& state) {
+    Scene& scene = Scene::current();
+    for (auto _ : state) {
+        state.PauseTiming();
+        scene.reset();
+        const NodeType& type = *scene.findType("addDoubleLinear");
+        Cell& source = scene.createNode(type, "from")->cell("output");
+        std::vector<Cell*> fed;
+        for (int i = 0; i < state.range(0); ++i) {
+            fed.push_back(&scene.createNode(type, "a" + std::to_string(i + 1))->cell("input1"));
+            scene.connect(source, *fed.back());
+        }
+        state.ResumeTiming();
+        const UndoQueue::Chunk chunk(scene.undo);
+        for (Cell* to : fed) scene.disconnect(source, *to);
+        if (!source.destinations.empty()) state.SkipWithError("connections are left");
+    }
+    scene.reset();
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(OffSource)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 void OntoPlug(benchmark::State& state) {
     Scene& scene = Scene::current();

@@ -258,6 +258,26 @@ TEST_F(DependencyTest, ArrayPlugs) {
     EXPECT_EQ(value("to.sum"), 8);
 }
 
+// Faults: a connection that comes back in another place, or beside one that went away meanwhile without a record.
+TEST_F(DependencyTest, ConnectionsComeBackInTheirPlace) {
+    adders("from one two three");
+    for (const char* to : {"one", "two", "three"}) run(std::string("connectAttr from.sum ") + to + ".a");
+    const auto fed = [&] { return run("listConnections -s 0 from.sum"); };
+    run("disconnectAttr from.sum two.a");
+    EXPECT_EQ(fed(), "one three");
+    run("undo");
+    EXPECT_EQ(fed(), "one two three");
+    run("disconnectAttr from.sum one.a");
+    {
+        const UndoQueue::Suspend quiet(scene.undo);
+        scene.disconnect(scene.findPlug("from.sum"), scene.findPlug("two.a"));
+    }
+    run("undo");
+    EXPECT_EQ(fed(), "three one");
+    run("delete three");
+    EXPECT_EQ(fed(), "one");
+}
+
 // Faults: an element that became free and is not found again, one that is taken twice.
 TEST_F(DependencyTest, TheNextElementIsTheFirstThatIsFree) {
     adders("one two to");

@@ -54,14 +54,10 @@ void tellAttribute(Node& node, const Attribute& attribute, Observer::AttributeEv
     if (Observer* o = node.scene.observer) o->attributeChanged(node, attribute, what);
 }
 
-constexpr std::size_t lastPlace = static_cast<std::size_t>(-1);
-
-/// Connects; `place` is the destination's among those of the source.
-void join(Cell& source, Cell& destination, std::size_t place = lastPlace) {
+/// Connects; the destination comes before another one of the source's, or behind all.
+void join(Cell& source, Cell& destination, Cell* before = nullptr) {
     destination.source = &source;
-    auto& list = source.destinations;
-    list.push_back(&destination);
-    if (place < list.size()) std::rotate(list.begin() + static_cast<std::ptrdiff_t>(place), list.end() - 1, list.end());
+    source.destinations.insert(destination, before);
     dirtyWithDependents(destination);
     tellNodes(source, destination, true);
     if (auto* o = source.node.scene.observer) o->connectionChanged(source, destination, true, false);
@@ -70,7 +66,7 @@ void join(Cell& source, Cell& destination, std::size_t place = lastPlace) {
 void part(Cell& source, Cell& destination) {
     destination.source = nullptr;
     destination.written = true;
-    std::erase(source.destinations, &destination);
+    source.destinations.remove(destination);
     source.noteFreed();
     destination.noteFreed();
     dirtyDependents(destination);
@@ -99,7 +95,7 @@ private:
     void take(Cell& whole) {
         forEachCell(whole, [&](Cell& cell) {
             const Numeric* n = cell.isTupleChild() ? cell.numbers() : nullptr;
-            parts_.emplace_back(&cell, n ? Value(*n) : cell.value, cell.written);
+            parts_.emplace_back(&cell, n ? Value(*n) : cell.value, bool{cell.written});
         });
     }
     std::vector<std::tuple<Cell*, Value, bool>> parts_;
@@ -210,7 +206,7 @@ void Scene::requireSettable(const Cell& cell) const {
             throw SceneError("The attribute '" + cell.name() + "' is locked or connected and cannot be modified.");
     if (cell.attribute.type == AttributeType::Tuple)
         for (const auto& child : cell.children)
-            if (child && (child->source || child->locked))
+            if (child && (fed(*child) || child->locked))
                 throw SceneError("The attribute '" + cell.name() +
                                  "' contains a locked or connected child and cannot be modified.");
     if (!cell.attribute.writable) throw SceneError("The attribute '" + cell.name() + "' cannot be written.");
@@ -512,12 +508,11 @@ void Scene::disconnect(Cell& source, Cell& destination) {
     evaluate(destination);
     const NodePtr a = source.node.shared_from_this(), b = destination.node.shared_from_this();
     const Held before(destination);
-    const auto place = static_cast<std::size_t>(
-        std::find(source.destinations.begin(), source.destinations.end(), &destination) - source.destinations.begin());
     if (observer) {
         observer->connectionChanged(source, destination, false, true);
         if (destination.source != &source) return;
     }
+    Cell* const next = destination.nextFed;
     part(source, destination);
     const Held after(destination);
     record(
@@ -528,7 +523,8 @@ void Scene::disconnect(Cell& source, Cell& destination) {
         },
         [=, &source, &destination] {
             (void)a, (void)b, before.restore();
-            join(source, destination, place);
+            // What has been changed without being recorded may have taken the next one away.
+            join(source, destination, source.destinations.contains(next) ? next : nullptr);
         });
 }
 

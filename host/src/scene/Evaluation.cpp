@@ -70,7 +70,7 @@ private:
             Cell* root = node.existingCell(a->root());
             if (root) markAttribute(*root, *a);
         }
-        if (node.behavior) {
+        if (node.type.tellsDependents && node.behavior) {
             std::vector<Cell*> more;
             node.behavior->dependents(cell, more);
             for (Cell* c : more) mark(*c);
@@ -208,31 +208,36 @@ void assign(Cell& destination, Cell& source) {
 
 namespace {
 
+/// Whether a cell only passes on what flows into it, and has not done so yet.
+bool passesOn(const Cell& cell) { return cell.source && cell.dirty && !cell.computing && !cell.attribute.internal; }
+
+/// Takes over what its source has. Whoever computes that may have broken the connection.
+void takeOver(Cell& cell) {
+    if (cell.source) assign(cell, *cell.source);
+    setClean(cell);
+}
+
 /// Brings a connected cell up to date. A chain of connections is walked down and back without recursion, so that its
 /// length costs no stack.
 void followSources(Cell& cell) {
+    if (!passesOn(*cell.source)) {
+        evaluate(*cell.source);
+        takeOver(cell);
+        return;
+    }
     struct Chain {
         std::vector<Cell*> cells;
         ~Chain() {
             for (std::size_t i = 1; i < cells.size(); ++i) cells[i]->computing = false;
         }
     } chain{{&cell}};
-    while (true) {
-        Cell* next = chain.cells.back()->source;
-        if (!next->source || !next->dirty || next->computing || next->attribute.internal) break;
-        next->computing = true;
-        chain.cells.push_back(next);
+    while (passesOn(*chain.cells.back()->source)) {
+        chain.cells.push_back(chain.cells.back()->source);
+        chain.cells.back()->computing = true;
     }
     evaluate(*chain.cells.back()->source);
-    for (auto it = chain.cells.rbegin(); it != chain.cells.rend(); ++it) {
-        assign(**it, *(*it)->source);
-        setDirtyBelow(**it, false);
-    }
+    for (auto it = chain.cells.rbegin(); it != chain.cells.rend(); ++it) takeOver(**it);
 }
-
-} // namespace
-
-namespace {
 
 void tellEvaluated(Cell& cell) {
     if (Observer* o = cell.node.scene.observer) o->evaluated(cell);
@@ -241,6 +246,9 @@ void tellEvaluated(Cell& cell) {
 /// Evaluations within evaluations up to here ask for their sources as they need them; beyond, what a cell is computed
 /// from is brought up to date before it, so that a chain of any length takes no more of the stack.
 constexpr int aheadDepth = 32;
+/// What is then computed finds its sources up to date, behind a few steps: the attribute, its elements, their parts.
+constexpr int readyDepth = 5;
+int aheadFrom = aheadDepth;
 
 void evaluateHere(Cell& cell) {
     struct Guard {
@@ -278,49 +286,55 @@ void evaluateHere(Cell& cell) {
         for (auto& [index, c] : cell.elements) evaluate(*c);
         return;
     }
-    for (std::size_t i = 0; i < cell.attribute.children.size(); ++i) {
-        const Attribute& part = *cell.attribute.children[i];
+    const bool partComputed = cell.flow().partComputed;
+    for (std::size_t i = 0; i < (partComputed ? cell.attribute.children.size() : cell.children.size()); ++i) {
         const bool exists = i < cell.children.size() && cell.children[i];
-        if (exists || cell.node.isComputed(part)) evaluate(cell.child(static_cast<int>(i)));
+        if (exists || (partComputed && cell.node.isComputed(*cell.attribute.children[i])))
+            evaluate(cell.child(static_cast<int>(i)));
     }
 }
 
-/// Calls visit(c) for what the evaluation of a cell will read and that is not up to date.
+/// Calls visit(c) for what flows into a cell that is not up to date, or into its parts, and is not up to date either:
+/// what stands at the other ends of connections, and what is computed.
 template <class Visit>
-void eachUpstream(Cell& cell, Visit visit) {
-    const auto look = [&](Cell* c) {
-        if (c && c->dirty) visit(*c);
-    };
+void eachFeeding(Cell& cell, const Visit& visit) {
+    if (!cell.dirty) return;
     if (cell.source) {
         Cell* end = cell.source;
-        while (end->source && end->dirty && !end->computing && !end->attribute.internal) end = end->source;
-        look(end);
-        return;
+        while (passesOn(*end)) end = end->source;
+        if (end->dirty) visit(*end);
+    } else if (cell.flow().computed) {
+        visit(cell);
+    } else {
+        for (auto& child : cell.children)
+            if (child) eachFeeding(*child, visit);
+        if (!cell.isArray()) return; // that much is at hand, the elements are further off
+        for (auto& [index, element] : cell.elements) eachFeeding(*element, visit);
     }
-    for (Cell* up = cell.parent; up; up = up->parent)
-        if (up->source) {
-            look(up);
-            return;
-        }
-    if (cell.flow().computed) {
-        for (const Attribute* input : cell.flow().inputs) look(cell.node.existingCell(input->root()));
-        if (cell.node.behavior) {
-            std::vector<Cell*> more;
-            cell.node.behavior->upstream(cell, more);
-            for (Cell* c : more) look(c);
-        }
-        return;
-    }
-    for (auto& child : cell.children) look(child.get());
-    for (auto& [index, element] : cell.elements) look(element.get());
+}
+
+/// The same for what the evaluation of a cell will read.
+template <class Visit>
+void eachUpstream(Cell& cell, const Visit& visit) {
+    for (Cell* up = cell.source ? nullptr : cell.parent; up; up = up->parent)
+        if (up->source) return eachFeeding(*up, visit);
+    if (cell.source || !cell.flow().computed) return eachFeeding(cell, visit);
+    for (const Attribute* input : cell.flow().inputs)
+        if (Cell* c = cell.node.existingCell(input->root())) eachFeeding(*c, visit);
+    if (!cell.node.behavior) return;
+    std::vector<Cell*> more;
+    cell.node.behavior->upstream(cell, more);
+    for (Cell* c : more) eachFeeding(*c, visit);
 }
 
 /// Evaluates a cell after everything that it is computed from, by a list of work in place of recursion.
 void evaluateAhead(Cell& cell) {
     struct Work {
         std::vector<Cell*> cells; ///< a waiting one is ready when it is the last again
+        int from = aheadFrom;
         ~Work() {
             for (Cell* c : cells) c->waiting = false;
+            aheadFrom = from;
         }
     } work{{&cell}};
     bool first = true; // whatever waits for the cell elsewhere
@@ -337,7 +351,9 @@ void evaluateAhead(Cell& cell) {
             // some of what its type says that it might read.
             bool blocked = false;
             if (c != &cell && (c->source || !c->flow().computed)) eachUpstream(*c, [&](Cell&) { blocked = true; });
+            aheadFrom = c->node.scene.evaluationDepth + readyDepth;
             if (!blocked) evaluateHere(*c);
+            aheadFrom = work.from;
         } else {
             c->waiting = true;
             const auto end = static_cast<std::ptrdiff_t>(work.cells.size());
@@ -352,7 +368,7 @@ void evaluateAhead(Cell& cell) {
 } // namespace
 
 void evaluate(Cell& cell) {
-    if (cell.node.behavior && cell.attribute.internal && cell.node.behavior->getInternal(cell)) return;
+    if (cell.attribute.internal && cell.node.behavior && cell.node.behavior->getInternal(cell)) return;
     if (!cell.dirty) return;
     if (cell.computing) {
         reportCycle(cell);
@@ -364,7 +380,7 @@ void evaluate(Cell& cell) {
             showWarning("Too many nodes depend on one another above '" + cell.name() + "': it is not evaluated.");
         return;
     }
-    if (cell.node.scene.evaluationDepth < aheadDepth)
+    if (cell.node.scene.evaluationDepth < aheadFrom)
         evaluateHere(cell);
     else
         evaluateAhead(cell);

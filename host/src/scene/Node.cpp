@@ -1,5 +1,6 @@
 #include "scene/Node.h"
 
+#include "scene/CellBlocks.h"
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
 
@@ -7,6 +8,62 @@
 #include <cassert>
 
 namespace host::scene {
+
+void Destinations::insert(Cell& cell, Cell* before) {
+    cell.nextFed = before;
+    cell.previousFed = before ? before->previousFed : last_;
+    (cell.previousFed ? cell.previousFed->nextFed : first_) = &cell;
+    (before ? before->previousFed : last_) = &cell;
+}
+
+void Destinations::remove(Cell& cell) {
+    (cell.previousFed ? cell.previousFed->nextFed : first_) = cell.nextFed;
+    (cell.nextFed ? cell.nextFed->previousFed : last_) = cell.previousFed;
+    cell.nextFed = cell.previousFed = nullptr;
+}
+
+bool Destinations::contains(const Cell* cell) const {
+    // From both ends: what is looked for stands at one of them more often than not.
+    for (const Cell *up = first_, *down = last_; up && down; up = up->nextFed, down = down->previousFed) {
+        if (up == cell || down == cell) return true;
+        if (up == down || up->nextFed == down) return false;
+    }
+    return false;
+}
+
+// The address sanitizer tells of cells that are used when they are gone only where each has memory of its own.
+#if defined(__SANITIZE_ADDRESS__)
+#define ORVO_CELL_BLOCKS 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ORVO_CELL_BLOCKS 0
+#endif
+#endif
+#ifndef ORVO_CELL_BLOCKS
+#define ORVO_CELL_BLOCKS 1
+#endif
+
+#if ORVO_CELL_BLOCKS
+namespace {
+
+CellBlocks& cellBlocks() {
+    // Never destroyed: nodes end with the process.
+    static CellBlocks& blocks = *new CellBlocks(sizeof(Cell), alignof(Cell));
+    return blocks;
+}
+
+} // namespace
+
+void* Cell::operator new(std::size_t, std::align_val_t) { return cellBlocks().take(); }
+void Cell::operator delete(void* cell, std::size_t, std::align_val_t) { cellBlocks().give(cell); }
+#else
+void* Cell::operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
+void Cell::operator delete(void* cell, std::size_t size, std::align_val_t alignment) {
+    ::operator delete(cell, size, alignment);
+}
+#endif
+
+static_assert(sizeof(Cell) == 192, "three lines of the cache");
 
 Cell::Cell(Node& n, const Attribute& a, Cell* p, int i) : node(n), attribute(a), parent(p), index(i) {
     if (!isArray() && !isTupleChild()) value = a.defaultValue;
@@ -160,6 +217,7 @@ const AttributeFlow& NodeType::flow(const Attribute& attribute) const {
     const std::function<void(const Attribute&)> below = [&](const Attribute& a) {
         for (const auto& child : a.children) {
             affected(*child, found);
+            flow.partComputed = flow.partComputed || isComputed(*child);
             below(*child);
         }
     };

@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -28,15 +30,96 @@ struct AttributeFlow {
     std::vector<const Attribute*> affected;
     std::vector<const Attribute*> inputs; ///< what it, or what it is a part of, is computed from
     bool computed = false;                ///< it, or what it is a part of
+    bool partComputed = false;            ///< something that is a part of it
     bool movesWorld = false;              ///< a change of it moves a node of the DAG, or what is below
     unsigned long version = 0;
     static inline unsigned long current = 1; ///< grows when what an attribute affects changes
 };
 
+struct Cell;
+
+/// The cells that a cell feeds, in the order in which they were connected. The links lie in the cells themselves, so
+/// that a connection is made and broken in constant time, and a cell that feeds a single one needs no list beside it.
+class Destinations {
+public:
+    class Iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = Cell*;
+        using difference_type = std::ptrdiff_t;
+        using pointer = Cell* const*;
+        using reference = Cell*;
+        Iterator() = default;
+        explicit Iterator(Cell* at) : at_(at) {}
+        Cell* operator*() const { return at_; }
+        Iterator& operator++();
+        Iterator operator++(int) {
+            const Iterator here = *this;
+            ++*this;
+            return here;
+        }
+        bool operator==(const Iterator&) const = default;
+
+    private:
+        Cell* at_ = nullptr;
+    };
+    bool empty() const { return !first_; }
+    Cell* front() const { return first_; }
+    Cell* back() const { return last_; }
+    Iterator begin() const { return Iterator(first_); }
+    Iterator end() const { return {}; }
+    /// Puts in a cell that nothing feeds, before one of the list; behind all others for null.
+    void insert(Cell& cell, Cell* before = nullptr);
+    void remove(Cell& cell);
+    bool contains(const Cell* cell) const;
+    /// Forgets the cells, whose links are no matter any more.
+    void clear() { first_ = last_ = nullptr; }
+
+private:
+    Cell *first_ = nullptr, *last_ = nullptr;
+};
+
+/// The elements of an array that exist, in the order of their indices.
+class Elements {
+public:
+    using Map = std::map<int, std::unique_ptr<Cell>>;
+    using iterator = Map::iterator;
+    using const_iterator = Map::const_iterator;
+    Elements() = default;
+    iterator begin() { return map().begin(); }
+    iterator end() { return map().end(); }
+    const_iterator begin() const { return map().begin(); }
+    const_iterator end() const { return map().end(); }
+    auto rbegin() { return map().rbegin(); }
+    auto rbegin() const { return map().rbegin(); }
+    bool empty() const { return !map_ || map_->empty(); }
+    std::size_t size() const { return map().size(); }
+    bool contains(int index) const { return map_ && map_->contains(index); }
+    iterator find(int index) { return map().find(index); }
+    const_iterator find(int index) const { return map().find(index); }
+    iterator lower_bound(int index) { return map().lower_bound(index); }
+    std::unique_ptr<Cell>& at(int index) { return map().at(index); }
+    std::unique_ptr<Cell>& operator[](int index) {
+        if (!map_) map_ = std::make_unique<Map>();
+        return (*map_)[index];
+    }
+    void erase(int index) { map().erase(index); }
+    iterator erase(iterator at) { return map().erase(at); }
+
+private:
+    /// Nobody adds to the one that stands for none.
+    Map& map() const {
+        static Map none;
+        return map_ ? *map_ : none;
+    }
+    std::unique_ptr<Map> map_; ///< made with the first: most cells are no arrays
+};
+
 /// The storage and state of one plug that has been touched: a leaf, a compound, an array or an array's element.
 /// Cells are made on first use and keep their address as long as their node lives.
-struct Cell {
-    // What a wave of dirt and an evaluation look at comes first, side by side.
+struct alignas(64) Cell {
+    // By what is looked at together, a line of the processor's cache each: what a wave of dirt and an evaluation ask of
+    // every cell, the cells beside and below it, and what it holds.
     Node& node;
     const Attribute& attribute;
     Cell* parent = nullptr; ///< the compound or array it belongs to
@@ -49,18 +132,25 @@ private:
 
 public:
     int index = -1; ///< logical index of an element
-    bool dirty = false, computing = false, locked = false;
-    bool written = false; ///< set by somebody, so worth saving
+    int inUse = 0;  ///< of an array: its elements before this one are all in use
+    bool dirty = false, computing = false;
     bool waiting = false; ///< for what it is computed from, while a long chain is evaluated
+    bool locked : 1 = false;
+    bool written : 1 = false; ///< set by somebody, so worth saving
     std::optional<bool> keyable, channelBox;
-    std::vector<Cell*> destinations;
-    Value value; ///< of leaves and tuples; a tuple's child keeps none of its own
+
+    Destinations destinations;
+    Cell *nextFed = nullptr, *previousFed = nullptr; ///< among the destinations of its source
     std::vector<std::unique_ptr<Cell>> children;
-    std::map<int, std::unique_ptr<Cell>> elements; ///< of an array
-    int inUse = 0;                                 ///< of an array: its elements before this one are all in use
-    std::shared_ptr<void> apiView;                 ///< what the API needs to hand out references to the value
+    Elements elements; ///< of an array
+
+    Value value;                   ///< of leaves and tuples; a tuple's child keeps none of its own
+    std::shared_ptr<void> apiView; ///< what the API needs to hand out references to the value
 
     Cell(Node& n, const Attribute& a, Cell* p, int i);
+    /// Cells lie side by side in large blocks of their own.
+    static void* operator new(std::size_t size, std::align_val_t alignment);
+    static void operator delete(void* cell, std::size_t size, std::align_val_t alignment);
     bool isArray() const { return attribute.array && index < 0; }
     bool isTupleChild() const {
         return index < 0 && parent && !parent->isArray() && parent->attribute.type == AttributeType::Tuple;
@@ -84,6 +174,11 @@ public:
         return flow_ && flow_->version == AttributeFlow::current ? *flow_ : lookUpFlow();
     }
 };
+
+inline Destinations::Iterator& Destinations::Iterator::operator++() {
+    at_ = at_->nextFed;
+    return *this;
+}
 
 /// Whether `holds` is true of the cell or of one that exists below it: depth first, parts before elements. `holds`
 /// makes and removes no cells there.
@@ -112,7 +207,7 @@ public:
     /// @return false when it does not know the attribute
     virtual bool compute(Cell&) { return false; }
     virtual void postConstructor() {}
-    /// Adds cells that become dirty with the given one.
+    /// Adds cells that become dirty with the given one. Asked of types that say so (NodeType::tellsDependents).
     virtual void dependents(Cell&, std::vector<Cell*>&) {}
     /// Adds cells that the computation of the given one reads and that no attribute's list of what it affects tells of.
     virtual void upstream(Cell&, std::vector<Cell*>&) {}
@@ -154,7 +249,8 @@ public:
     std::string plugin, classification;
     bool isAbstract = false;
     MakeBehavior makeBehavior;
-    mutable int liveNodes = 0; ///< nodes that exist, in the scene or in the undo queue
+    bool tellsDependents = false; ///< whether its nodes' behaviours have a say in what becomes dirty
+    mutable int liveNodes = 0;    ///< nodes that exist, in the scene or in the undo queue
 
     bool isDag() const { return kind != Kind::Dependency; }
     bool isA(std::string_view typeName) const;

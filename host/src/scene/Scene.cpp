@@ -628,7 +628,7 @@ void Scene::reset() {
         std::vector<NodePtr> all;
         for (auto& [serial, n] : nodes_) all.push_back(n);
         const std::function<void(Cell&)> forget = [&](Cell& c) {
-            c.source = nullptr;
+            c.source = c.nextFed = c.previousFed = nullptr;
             c.destinations.clear();
             for (auto& child : c.children)
                 if (child) forget(*child);

@@ -27,7 +27,7 @@ bool standsForNode(const Cell& source) {
 }
 
 /// A shape's groups of components, each of which is in one set.
-std::map<int, std::unique_ptr<Cell>>& groupsOf(Node& shape) { return wholeOf(shape).child(0).elements; }
+Elements& groupsOf(Node& shape) { return wholeOf(shape).child(0).elements; }
 
 bool isGroup(const Cell& cell) { return cell.index >= 0 && cell.attribute.longName == "objectGroups"; }
 
@@ -93,7 +93,7 @@ void setComponents(Cell& group, const Components& wanted) {
         scene.setValue(group.child(0), DataPtr(list));
         return;
     }
-    const std::vector<Cell*> destinations = group.destinations;
+    const std::vector<Cell*> destinations(group.destinations.begin(), group.destinations.end());
     for (Cell* place : destinations)
         if (isMemberList(place->attribute)) dissolve(group, *place);
 }

@@ -47,7 +47,7 @@ public:
         return c.value;
     }
     /// The elements of an array in their order, up to date; null when it has none.
-    std::map<int, std::unique_ptr<Cell>>* elements(std::size_t place) {
+    Elements* elements(std::size_t place) {
         Cell* c = node_.existingCell(*attributes_[place]);
         if (!c || c->elements.empty()) return nullptr;
         evaluate(*c);
@@ -59,14 +59,24 @@ public:
         c.value = std::move(value);
         setClean(c);
     }
-    void give(std::size_t place, double x) { give(place, Numeric(attributes_[place]->numeric, 1, x)); }
-    void give(std::size_t place, const Three& v) {
-        give(place, Numeric(attributes_[place]->numeric, 3, v[0], v[1], v[2]));
+    void give(std::size_t place, double x) { giveNumbers(place, std::array{x}); }
+    void give(std::size_t place, const Three& v) { giveNumbers(place, v); }
+
+    static Three threeOf(const Numeric& n) {
+        if (n.count == 3 && n.type == N::Float) return {n.f[0], n.f[1], n.f[2]};
+        return {n.get(0), n.get(1), n.count > 2 ? n.get(2) : 0};
     }
 
-    static Three threeOf(const Numeric& n) { return {n.get(0), n.get(1), n.count > 2 ? n.get(2) : 0}; }
-
 private:
+    /// Into the numbers that the cell has, as a value of its own kind.
+    template <std::size_t Count>
+    void giveNumbers(std::size_t place, const std::array<double, Count>& v) {
+        Cell& c = node_.cell(*attributes_[place]);
+        auto& numbers = std::get<Numeric>(c.value);
+        for (std::size_t k = 0; k < Count; ++k) numbers.set(static_cast<int>(k), v[k]);
+        setClean(c);
+    }
+
     Node& node_;
     std::span<const Attribute* const> attributes_;
 };

@@ -44,25 +44,7 @@ Numeric::Numeric(NumericType t, int n, double x, double y, double z, double w)
     for (int k = 0; k < n; ++k) set(k, values[k]);
 }
 
-double Numeric::get(int k) const {
-    switch (type) {
-    case NumericType::None: return 0;
-    case NumericType::Bool: return b[k] ? 1 : 0;
-    case NumericType::Char: return c[k];
-    case NumericType::Byte: return u[k];
-    case NumericType::Short: return s[k];
-    case NumericType::Int: return i[k];
-    case NumericType::Int64: return static_cast<double>(l[k]);
-    case NumericType::Float: return f[k];
-    case NumericType::Double: return d[k];
-    }
-    return 0;
-}
-
-void Numeric::set(int k, double value) {
-    // A double beyond float's range becomes infinity, as the hardware conversion does it.
-    store(*this, k, value);
-}
+void Numeric::setWhole(int k, double value) { store(*this, k, value); }
 
 std::int64_t Numeric::getInt64(int k) const { return type == NumericType::Int64 ? l[k] : held<std::int64_t>(get(k)); }
 

@@ -36,15 +36,38 @@ struct Numeric {
     Numeric() = default;
     Numeric(NumericType t, int n, double x = 0, double y = 0, double z = 0, double w = 0);
 
-    double get(int component = 0) const;
+    double get(int component = 0) const {
+        switch (type) {
+        case NumericType::None: return 0;
+        case NumericType::Bool: return b[component] ? 1 : 0;
+        case NumericType::Char: return c[component];
+        case NumericType::Byte: return u[component];
+        case NumericType::Short: return s[component];
+        case NumericType::Int: return i[component];
+        case NumericType::Int64: return static_cast<double>(l[component]);
+        case NumericType::Float: return f[component];
+        case NumericType::Double: return d[component];
+        }
+        return 0;
+    }
     /// Converts to the stored type: fractions are cut off for the integer types, and values beyond their range
-    /// are held at its ends (never undefined).
-    void set(int component, double value);
+    /// are held at its ends (never undefined). A double beyond float's range becomes infinity.
+    void set(int component, double value) {
+        if (type == NumericType::Float)
+            f[component] = static_cast<float>(value);
+        else if (type == NumericType::Double)
+            d[component] = value;
+        else
+            setWhole(component, value);
+    }
     std::int64_t getInt64(int component = 0) const;
     void setInt64(int component, std::int64_t value);
     /// The address of one component.
     void* address(int component = 0);
     bool operator==(const Numeric& other) const;
+
+private:
+    void setWhole(int component, double value);
 };
 
 enum class DataKind : std::uint8_t {

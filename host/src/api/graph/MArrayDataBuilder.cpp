@@ -99,9 +99,11 @@ MArrayDataHandle MArrayDataBuilder::addElementArray(unsigned int index, MStatus*
 
 MStatus MArrayDataBuilder::removeElement(unsigned int index) {
     if (!elements_) return MStatus::kFailure;
-    if (index > static_cast<unsigned int>(scene::Scene::maxArrayIndex)) return MStatus::kInvalidParameter;
-    return elements_->array.elements.erase(static_cast<int>(index)) > 0 ? MStatus::kSuccess
-                                                                        : MStatus::kInvalidParameter;
+    const bool known = index <= static_cast<unsigned int>(scene::Scene::maxArrayIndex) &&
+                       elements_->array.elements.contains(static_cast<int>(index));
+    if (!known) return MStatus::kInvalidParameter;
+    elements_->array.elements.erase(static_cast<int>(index));
+    return MStatus::kSuccess;
 }
 
 unsigned int MArrayDataBuilder::elementCount(MStatus* ReturnStatus) const {

@@ -91,7 +91,7 @@ struct MItDependencyGraph::Walk {
     }
 
     std::vector<Cell*> otherEnds(Cell& cell) const {
-        if (direction == kDownstream) return cell.destinations;
+        if (direction == kDownstream) return {cell.destinations.begin(), cell.destinations.end()};
         return cell.source ? std::vector<Cell*>{cell.source} : std::vector<Cell*>();
     }
 

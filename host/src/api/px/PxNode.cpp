@@ -171,6 +171,7 @@ MStatus registerPluginType(Plugin& plugin, const std::string& name, unsigned id,
     made->id = id;
     made->plugin = plugin.name;
     made->classification = classification;
+    made->tellsDependents = true;
     made->makeBehavior = [create, name](scene::Node& node) -> std::unique_ptr<scene::NodeBehavior> {
         std::unique_ptr<MPxNode> user;
         shielded(node, "the creator", [&] {
