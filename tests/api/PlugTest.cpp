@@ -321,6 +321,14 @@ TEST_F(PlugTest, LocksAndFreedomToChange) {
     EXPECT_EQ(x.isFreeToChange(), MPlug::kNotFreeToChange);
     EXPECT_EQ(x.isFreeToChange(false), MPlug::kFreeToChange);
     EXPECT_TRUE(t.setLocked(false));
+    run("setKeyframe -at tx -t 1 -v 2 n");
+    EXPECT_EQ(x.isFreeToChange(), MPlug::kFreeToChange) << "beside keys a value may be set";
+    EXPECT_EQ(t.isFreeToChange(), MPlug::kFreeToChange);
+    EXPECT_TRUE(x.setValue(7.0));
+    EXPECT_EQ(x.asDouble(), 7);
+    run("currentTime 4");
+    EXPECT_EQ(x.asDouble(), 2) << "until the curve gives another one";
+    run("cutKey n");
     make("transform", "a");
     run("connectAttr a.t n.t");
     EXPECT_EQ(x.isFreeToChange(), MPlug::kNotFreeToChange);

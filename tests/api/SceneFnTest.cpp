@@ -149,8 +149,11 @@ TEST_F(SceneFn, AnimationCurves) {
     EXPECT_FALSE(fn.find(MTime(47, MTime::kFilm), index));
     EXPECT_EQ(fn.findClosest(MTime(30, MTime::kFilm)), 1u);
     EXPECT_EQ(fn.setTime(0, MTime(2, MTime::kSeconds)), MStatus::kFailure);
-    EXPECT_TRUE(fn.setTime(1, MTime(-1, MTime::kSeconds)));
-    EXPECT_EQ(fn.value(0), 8) << "it is the first now";
+    EXPECT_EQ(fn.setTime(1, MTime(-1, MTime::kSeconds)), MStatus::kFailure) << "it would be the first";
+    EXPECT_TRUE(fn.setTime(1, MTime(1, MTime::kSeconds)));
+    EXPECT_EQ(fn.evaluate(MTime(0.5, MTime::kSeconds)), 4);
+    EXPECT_TRUE(fn.remove(1));
+    EXPECT_EQ(fn.addKey(MTime(-1, MTime::kSeconds), 8, MFnAnimCurve::kTangentLinear, MFnAnimCurve::kTangentLinear), 0u);
     // With level tangents a cubic is at half its height in the middle, and an eighth of the way from there at 1/4 it is
     // at 5/32.
     EXPECT_TRUE(fn.setOutTangentType(0, MFnAnimCurve::kTangentFlat));
@@ -176,6 +179,23 @@ TEST_F(SceneFn, AnimationCurves) {
     }
     EXPECT_TRUE(driven.addKeys(&times, &values));
     EXPECT_EQ(driven.numKeys(), 3u);
+    // At 0, 1 and 2 are 0, 1 and 4. Given from the back, and one of them twice: the last one counts.
+    const double given[][2] = {{5, 25}, {1.5, 7}, {-2, 9}, {1, 6}, {1.5, 8}};
+    times.clear();
+    values.clear();
+    for (const auto& [time, value] : given) {
+        times.append(MTime(time, MTime::kFilm));
+        values.append(value);
+    }
+    run("undoInfo -openChunk");
+    EXPECT_TRUE(driven.addKeys(&times, &values, MFnAnimCurve::kTangentFlat, MFnAnimCurve::kTangentFlat, true));
+    run("undoInfo -closeChunk");
+    EXPECT_EQ(run("keyframe -q -tc -vc a.tx"), "-2 9 0 0 1 6 1.5 8 2 4 5 25");
+    EXPECT_EQ(driven.inTangentType(4), MFnAnimCurve::kTangentClamped) << "the tangents of a key go with it";
+    run("undo");
+    EXPECT_EQ(run("keyframe -q -tc -vc a.tx"), "0 0 1 1 2 4");
+    EXPECT_TRUE(driven.addKeys(&times, &values));
+    EXPECT_EQ(run("keyframe -q -tc -vc a.tx"), "-2 9 1 6 1.5 8 5 25");
     values.append(1);
     EXPECT_EQ(driven.addKeys(&times, &values), MStatus::kInvalidParameter);
     EXPECT_FALSE(driven.isStatic());

@@ -153,6 +153,8 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"FirstKey", "setKeyframe -at sx -v 3 -t 4 box", ""},
         ScriptCase{"KeyBetween", "setKeyframe -at tx -v 3 -t 4 floor", ""},
         ScriptCase{"CutKey", "cutKey -t \"5:\" floor.tx", ""}, ScriptCase{"CutAllKeys", "cutKey floor", ""},
+        ScriptCase{"ValueBesideKeys", "move -x 77 floor", ""},
+        ScriptCase{"RemoveMultiInstance", "removeMultiInstance -b true some.dagSetMembers[0]", ""},
         ScriptCase{"KeyTangent", "keyTangent -ott step floor.tx", ""}, ScriptCase{"PolySphere", "polySphere -r 2", ""},
         ScriptCase{"PolyPlaneBare", "polyPlane -ch 0", ""}, ScriptCase{"PolyEdit", "polyCube -e -w 5 box", ""},
         ScriptCase{"NewSet", "sets home", ""}, ScriptCase{"ForceElement", "sets -e -fe initialParticleSE box", ""},

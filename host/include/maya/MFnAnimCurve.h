@@ -98,7 +98,7 @@ public:
     double value(unsigned int index, MStatus* ReturnStatus = NULL) const;
     double unitlessInput(unsigned int index, MStatus* ReturnStatus = NULL) const;
     MStatus setValue(unsigned int index, double value, MAnimCurveChange* change = NULL);
-    /// kFailure when another key is there; the key is numbered anew.
+    /// kFailure when the key would come to another one's place, or beyond it: keys keep their order.
     MStatus setTime(unsigned int index, const MTime& time, MAnimCurveChange* change = NULL);
     MStatus setUnitlessInput(unsigned int index, double unitlessInput, MAnimCurveChange* change = NULL);
     bool isTimeInput(MStatus* ReturnStatus = NULL) const;

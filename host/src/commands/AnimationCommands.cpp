@@ -221,7 +221,7 @@ Node* drivenCurve(Cell& plug, const Cell& driver) {
 Node& newDrivenCurve(Cell& plug, Cell& driver) {
     Scene& scene = theScene();
     const bool beside = plug.source && (isDriven(plug.source->node) || plug.source->node.type.name == "blendWeighted");
-    if (!beside) scene.requireSettable(plug);
+    if (!beside) scene.requireFree(plug);
     const char* kind = plug.attribute.type == AttributeType::Angle      ? "animCurveUA"
                        : plug.attribute.type == AttributeType::Distance ? "animCurveUL"
                        : plug.attribute.type == AttributeType::Time     ? "animCurveUT"

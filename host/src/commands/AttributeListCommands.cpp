@@ -2,6 +2,7 @@
 #include "commands/AttributeText.h"
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
+#include "scene/AnimCurve.h"
 
 #include <algorithm>
 #include <cctype>
@@ -54,7 +55,6 @@ bool isScalar(const Attribute& a) { return a.isNumber() || a.type == AttributeTy
 
 bool listed(Node& node, const Attribute& a, const ParsedArguments& args) {
     Cell* cell = plainCell(node, a);
-    const bool source = cell && cell->source;
     if (args.has("k") && !(cell ? cell->keyable.value_or(a.keyable) : a.keyable)) return false;
     if (args.has("cb") && !(cell ? cell->channelBox.value_or(a.channelBox) : a.channelBox)) return false;
     if (args.has("l") && !lockedAt(node, a)) return false;
@@ -67,7 +67,8 @@ bool listed(Node& node, const Attribute& a, const ParsedArguments& args) {
     if (args.has("s") && (!isScalar(a) || a.array)) return false;
     if (args.has("a") && a.type != AttributeType::Data && !a.array) return false;
     if (args.has("m") && !a.array) return false;
-    if (args.has("se") && (!a.writable || source || lockedAt(node, a))) return false;
+    const bool driven = cell && cell->source && !curveOf(*cell);
+    if (args.has("se") && (!a.writable || driven || lockedAt(node, a))) return false;
     if (args.has("ud") && !a.root().dynamic) return false;
     if (args.has("v") && a.hidden) return false;
     if (args.has("lf") && a.isCompound()) return false;

@@ -232,7 +232,7 @@ Value constrain(Call& call, const Kind& kind) {
     const MMatrix before = held->worldMatrix();
     const bool isNew = !constraint;
     if (isNew) {
-        for (const auto& [from, to] : kind.toHeld) scene.requireSettable(held->cell(to));
+        for (const auto& [from, to] : kind.toHeld) scene.requireFree(held->cell(to));
         constraint =
             scene.createNode(*scene.findType(kind.type), args.text("n", held->name + "_" + command + "#"), held)->dag();
         if (constraint->findAttribute("restTranslate"))

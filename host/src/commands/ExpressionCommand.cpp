@@ -181,7 +181,7 @@ Value expression(Call& call) {
         const AttributeProgram program(bound.text); // what cannot be read is not made
         if (program.readsItself())
             throw Error("The expression cannot be made: " + program.obstacle() + " of attributes.");
-        for (Cell* output : bound.outputs) theScene().requireSettable(*output);
+        for (Cell* output : bound.outputs) theScene().requireFree(*output);
         give(*node, bound);
     }
     if (args.has("an")) theScene().setNumber(node->cell("animated"), args.integer("an", 1));

@@ -179,12 +179,16 @@ public:
         const auto &timed = keys_.timed(), &keys = keys_.keys();
         // Their indices ascend from 0 or more, so that the last one tells of all.
         if (&timed == &keys && (keys.empty() || keys.back().index == static_cast<int>(keys.size()) - 1)) return;
-        std::vector<CurveKey> after = timed, before = keys;
-        for (std::size_t i = 0; i < after.size(); ++i) after[i].index = static_cast<int>(i);
-        carryOut([after](CurveKeys& keys) { keys.assign(after); }, [before](CurveKeys& keys) { keys.assign(before); });
+        assign(timed);
     }
 
     const std::vector<CurveKey>& keys() const { return keys_.keys(); }
+    /// Puts others in the place of all; they are in the order of their times.
+    void assign(std::vector<CurveKey> after) {
+        for (std::size_t i = 0; i < after.size(); ++i) after[i].index = static_cast<int>(i);
+        carryOut([after](CurveKeys& keys) { keys.assign(after); },
+                 [before = keys_.keys()](CurveKeys& keys) { keys.assign(before); });
+    }
     void replace(const CurveKey& key) {
         const CurveKey before = *keys_.find(key.index);
         carryOut([key](CurveKeys& keys) { keys.insert(key); }, [before](CurveKeys& keys) { keys.insert(before); });
@@ -281,7 +285,7 @@ bool setCurveNumber(CurveKey& key, CurveKey::List list, double value) {
 
 CurveKeys::Shape curveShape(Node& curve) { return behaviorOf(curve)->shape(); }
 
-Node* curveOf(Cell& plug) {
+Node* curveOf(const Cell& plug) {
     return plug.source && plug.source->node.type.isA("animCurve") ? &plug.source->node : nullptr;
 }
 
@@ -301,21 +305,52 @@ const char* curveTypeFor(const Attribute& attribute) {
     }
 }
 
-int addKey(Scene& scene, Node& curve, const CurveKey& key) {
+namespace {
+
+/// A key that is to be put in: one that has what every key has.
+CurveKey whole(CurveKey key) {
     if (std::isnan(key.time)) throw SceneError("The time of a key must be a number.");
+    key.given = static_cast<std::uint16_t>(key.given | CurveKey::TimeValue | CurveKey::InType | CurveKey::OutType);
+    return key;
+}
+
+bool isEarlier(const CurveKey& a, const CurveKey& b) { return a.time < b.time; }
+
+} // namespace
+
+int addKey(Scene& scene, Node& curve, const CurveKey& key) {
+    CurveKey placed = whole(key);
     KeyEdit edit(scene, curve);
     const auto& keys = edit.keys();
-    const auto place =
-        std::lower_bound(keys.begin(), keys.end(), key.time, [](const CurveKey& k, double t) { return k.time < t; });
-    CurveKey placed = key;
+    const auto place = std::lower_bound(keys.begin(), keys.end(), key, isEarlier);
     placed.index = static_cast<int>(place - keys.begin());
-    placed.given =
-        static_cast<std::uint16_t>(placed.given | CurveKey::TimeValue | CurveKey::InType | CurveKey::OutType);
     if (place != keys.end() && place->time == key.time)
         edit.replace(placed);
     else
         edit.add(placed);
     return placed.index;
+}
+
+void addKeys(Scene& scene, Node& curve, std::vector<CurveKey> keys, bool keepOthers) {
+    if (keys.empty()) return;
+    for (CurveKey& key : keys) key = whole(key);
+    std::stable_sort(keys.begin(), keys.end(), isEarlier);
+    KeyEdit edit(scene, curve);
+    std::vector<CurveKey> after;
+    after.reserve(edit.keys().size() + keys.size());
+    const auto add = [&](const CurveKey& key) {
+        if (!after.empty() && after.back().time == key.time)
+            after.back() = key;
+        else
+            after.push_back(key);
+    };
+    auto next = keys.begin();
+    for (const CurveKey& there : edit.keys()) {
+        for (; next != keys.end() && isEarlier(*next, there); ++next) add(*next);
+        if (keepOthers || isEarlier(there, keys.front()) || isEarlier(keys.back(), there)) after.push_back(there);
+    }
+    for (; next != keys.end(); ++next) add(*next);
+    edit.assign(std::move(after));
 }
 
 void changeKey(Scene& scene, Node& curve, int place, const CurveKey& key) {

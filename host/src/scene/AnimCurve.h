@@ -47,7 +47,10 @@ void setCurveKey(Scene& scene, Node& curve, double at, double value, Tangent in,
 /// @{
 /// Puts in a key; one at the same time is replaced. @return its place
 int addKey(Scene& scene, Node& curve, const CurveKey& key);
-/// Replaces the key at a place by one of the same time.
+/// Puts in many at once, as addKey would one after another. Without `keepOthers` the keys between the first and the
+/// last of them go.
+void addKeys(Scene& scene, Node& curve, std::vector<CurveKey> keys, bool keepOthers);
+/// Replaces the key at a place by one that belongs there, too.
 void changeKey(Scene& scene, Node& curve, int place, const CurveKey& key);
 void removeKey(Scene& scene, Node& curve, int place);
 /// @}
@@ -56,7 +59,7 @@ void removeKey(Scene& scene, Node& curve, int place);
 const char* curveTypeFor(const Attribute& attribute);
 
 /// The curve that drives the plug; null when there is none.
-Node* curveOf(Cell& plug);
+Node* curveOf(const Cell& plug);
 
 /// The curve's keys as (time, value), in order of time.
 std::vector<std::pair<double, double>> keysOf(Node& curve);

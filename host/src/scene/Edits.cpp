@@ -1,4 +1,5 @@
 #include "base/NumberText.h"
+#include "scene/AnimCurve.h"
 #include "scene/Evaluation.h"
 #include "scene/References.h"
 #include "scene/Scene.h"
@@ -101,6 +102,12 @@ private:
     std::vector<std::tuple<Cell*, Value, bool>> parts_;
 };
 
+/// Before a value is set beside keys: what the curve gives now, so that this can be taken back.
+void bringKeyed(Cell& cell) {
+    const auto keyed = [](const Cell& c) { return c.source != nullptr; };
+    if (anyCell(static_cast<const Cell&>(cell), keyed)) evaluate(cell);
+}
+
 Cell& ownerOfNumbers(Cell& cell) { return cell.isTupleChild() ? *cell.parent : cell; }
 
 struct PathSegment {
@@ -198,12 +205,15 @@ Cell& Scene::findPlug(std::string_view text) {
                      std::string(text));
 }
 
-void Scene::requireSettable(const Cell& cell) const {
-    if (cell.lockedHere())
-        throw SceneError("The attribute '" + cell.name() + "' is locked or connected and cannot be modified.");
-    for (const Cell* c = &cell; c; c = c->parent)
-        if (c->source)
-            throw SceneError("The attribute '" + cell.name() + "' is locked or connected and cannot be modified.");
+namespace {
+
+/// Throws unless the cell is open to be written: not locked, and none that matters here is fed by what `feeds` says.
+template <class Feeds>
+void requireOpen(const Cell& cell, const Feeds& feeds) {
+    const auto fed = [&](const Cell& c) { return c.source && feeds(c); };
+    bool held = cell.lockedHere();
+    for (const Cell* c = &cell; c && !held; c = c->parent) held = fed(*c);
+    if (held) throw SceneError("The attribute '" + cell.name() + "' is locked or connected and cannot be modified.");
     if (cell.attribute.type == AttributeType::Tuple)
         for (const auto& child : cell.children)
             if (child && (fed(*child) || child->locked))
@@ -212,9 +222,20 @@ void Scene::requireSettable(const Cell& cell) const {
     if (!cell.attribute.writable) throw SceneError("The attribute '" + cell.name() + "' cannot be written.");
 }
 
+} // namespace
+
+void Scene::requireSettable(const Cell& cell) const {
+    requireOpen(cell, [](const Cell& c) { return !curveOf(c); });
+}
+
+void Scene::requireFree(const Cell& cell) const {
+    requireOpen(cell, [](const Cell&) { return true; });
+}
+
 void Scene::setNumber(Cell& cell, double value, LimitPolicy policy) {
     requireSettable(cell);
-    noteChange(cell);
+    bringKeyed(cell);
+    if (!cell.source) noteChange(cell); // what is set beside keys passes, and no file has it
     int k = 0;
     Numeric* numbers = cell.numbers(&k);
     if (!numbers || cell.isArray() || cell.attribute.type == AttributeType::Tuple)
@@ -238,6 +259,7 @@ void Scene::setNumber(Cell& cell, double value, LimitPolicy policy) {
         const auto set = [k, &cell, &owner, keep = cell.node.shared_from_this()](const Numeric& to, bool written) {
             std::get<Numeric>(owner.value).set(k, to.get(k));
             cell.written = written;
+            cell.dirty = false;
             if (!written) cell.noteFreed();
             dirtyDependents(cell);
             tellValue(cell);
@@ -262,6 +284,7 @@ void Scene::setInt64(Cell& cell, std::int64_t value) {
 
 void Scene::setValue(Cell& cell, Value value, LimitPolicy policy) {
     requireSettable(cell);
+    bringKeyed(cell);
     noteChange(cell);
     if (cell.isArray()) throw SceneError("The attribute '" + cell.name() + "' is an array; set its elements.");
     if (auto* n = std::get_if<Numeric>(&value)) {

@@ -119,8 +119,11 @@ public:
     void setInt64(Cell& cell, std::int64_t value);
     /// Sets a whole value; its kind must be the cell's (a Numeric may be of another type and converts).
     void setValue(Cell& cell, Value value, LimitPolicy limits = LimitPolicy::Refuse);
-    /// Throws SceneError when the cell is locked or fed by a connection.
+    /// Throws SceneError when the cell is locked or fed by anything but an animation curve: a value set beside keys
+    /// holds until the curve gives another one.
     void requireSettable(const Cell& cell) const;
+    /// The same, and when a curve feeds it: for what wants to feed it itself.
+    void requireFree(const Cell& cell) const;
     void setLocked(Cell& cell, bool locked);
     void setKeyable(Cell& cell, bool keyable);
     void setChannelBox(Cell& cell, bool shown);

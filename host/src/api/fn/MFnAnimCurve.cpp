@@ -141,18 +141,16 @@ MStatus valueAt(const MObject& object, bool timed, double at, double& value) {
     return MStatus::kSuccess;
 }
 
-/// Puts a key at another place in time.
+/// Puts a key at another place in time, between the keys beside it: it keeps its index.
 MStatus moveKey(const MObject& object, unsigned int index, bool timed, double to, const MAnimCurveChange* change) {
     const Target curve(object);
     const CurveKey* key = curve.key(index);
     if (!key || change || overTime(*curve.node) != timed || std::isnan(to)) return curve.status(false);
-    if (const auto there = keyAt(curve, to)) return *there == index ? MStatus::kSuccess : MStatus::kFailure;
+    const CurveKey *before = index > 0 ? curve.key(index - 1) : nullptr, *after = curve.key(index + 1);
+    if ((before && to <= before->time + sameTime) || (after && to >= after->time - sameTime)) return MStatus::kFailure;
     CurveKey moved = *key;
     moved.time = to;
-    return api::guarded([&] {
-        scene::removeKey(curve.node->scene, *curve.node, static_cast<int>(index));
-        scene::addKey(curve.node->scene, *curve.node, moved);
-    });
+    return api::guarded([&] { scene::changeKey(curve.node->scene, *curve.node, static_cast<int>(index), moved); });
 }
 
 /// The vector of a key's tangent.
@@ -375,20 +373,17 @@ MStatus MFnAnimCurve::addKeys(MTimeArray* timeArray, MDoubleArray* valueArray, T
                               bool keepExistingKeys, MAnimCurveChange* change) {
     const Target curve(object_);
     if (!curve) return MStatus::kFailure;
-    if (!timeArray || !valueArray || timeArray->length() != valueArray->length() || !overTime(*curve.node) || change ||
-        !stored(in, true) || !stored(out, false))
+    if (!timeArray || !valueArray || timeArray->length() != valueArray->length() || !overTime(*curve.node) ||
+        givesTime(*curve.node) || change || !stored(in, true) || !stored(out, false))
         return MStatus::kInvalidParameter;
-    if (timeArray->length() == 0) return MStatus::kSuccess;
-    if (!keepExistingKeys) {
-        const auto [first, last] = std::minmax_element(timeArray->begin(), timeArray->end());
-        for (unsigned int i = numKeys(); i-- > 0;)
-            if (const double t = curve.key(i)->time; t >= ticks(*first) && t <= ticks(*last))
-                if (const MStatus status = remove(i); !status) return status;
+    std::vector<CurveKey> keys(timeArray->length());
+    for (unsigned int i = 0; i < timeArray->length(); ++i) {
+        keys[i].time = ticks((*timeArray)[i]);
+        keys[i].value = (*valueArray)[i];
+        keys[i].in = *stored(in, true);
+        keys[i].out = *stored(out, false);
     }
-    MStatus status;
-    for (unsigned int i = 0; status && i < timeArray->length(); ++i)
-        status = addKeyframe((*timeArray)[i], (*valueArray)[i], in, out);
-    return status;
+    return api::guarded([&] { scene::addKeys(curve.node->scene, *curve.node, std::move(keys), keepExistingKeys); });
 }
 
 bool MFnAnimCurve::find(const MTime& t, unsigned int& i, MStatus* s) const {

@@ -2,6 +2,7 @@
 
 #include "api/graph/Handle.h"
 #include "base/Units.h"
+#include "scene/AnimCurve.h"
 #include "scene/Evaluation.h"
 #include "values/StatusOut.h"
 
@@ -452,11 +453,13 @@ MPlug::FreeToChangeState MPlug::isFreeToChange(bool checkParents, bool checkChil
     const Target t(*this);
     setStatus(ReturnStatus, t ? MStatus::kSuccess : MStatus::kFailure);
     if (!t) return kNotFreeToChange;
+    // As for Scene::requireSettable: keys leave a value free.
+    const auto held = [](const Cell& c) { return c.locked || (c.source && !scene::curveOf(c)); };
     for (const Cell* c = t.cell; c; c = checkParents ? c->parent : nullptr)
-        if (c->locked || c->source) return kNotFreeToChange;
+        if (held(*c)) return kNotFreeToChange;
     if (checkChildren)
         for (const auto& c : t->children)
-            if (c && (c->locked || c->source)) return kChildrenNotFreeToChange;
+            if (c && held(*c)) return kChildrenNotFreeToChange;
     return kFreeToChange;
 }
 
