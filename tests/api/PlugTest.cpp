@@ -48,13 +48,14 @@ struct PlugTest : GraphFixture {
     MObject node, list;
 };
 
-// Fault: a name that leaves out an index or a part, so that it names another plug, or short names among long ones.
+// Fault: a name that leaves out an index or an element, so that it names another plug, that has compounds which nobody
+// needs to tell the plug, or short names among long ones.
 TEST_F(PlugTest, NamesLeadBackToThePlug) {
     const MPlug value = plug("n.list[7].inner.value");
-    EXPECT_EQ(value.name(), "n.list[7].inner.value");
+    EXPECT_EQ(value.name(), "n.list[7].value");
     EXPECT_EQ(value.partialName(false, false, false, false, true), "l[7].in.va");
-    // Within an array the way from the array on is needed to tell the plug.
-    EXPECT_EQ(value.partialName(true), "n.l[7].in.va");
+    EXPECT_EQ(value.partialName(true), "n.l[7].va");
+    EXPECT_EQ(run("connectAttr n.tx n.list[7].inner.value; listConnections -s 0 -p 1 n.tx"), "n.list[7].value");
     EXPECT_EQ(plug("n.list[7].flag").partialName(), "l[7].fl");
     EXPECT_EQ(plug("n.translateX").partialName(), "tx");
     EXPECT_EQ(plug("n.translateX").name(), "n.translateX");
@@ -93,7 +94,7 @@ TEST_F(PlugTest, ElementsParentsAndChildren) {
     EXPECT_EQ(element.array(), array);
     EXPECT_EQ(element.numChildren(), 2u);
     const MPlug value = element.child(0).child(0);
-    EXPECT_EQ(value.name(), "n.list[4].inner.value");
+    EXPECT_EQ(value.name(), "n.list[4].value");
     EXPECT_TRUE(value.isChild());
     EXPECT_EQ(value.parent().parent(), element);
     EXPECT_EQ(value.parent().parent().logicalIndex(), 4u);

@@ -54,6 +54,19 @@ Value aliasAttr(Call& call) {
     return {};
 }
 
+/// Takes elements out of arrays; connected ones with -break alone.
+Value removeMultiInstance(Call& call) {
+    const ParsedArguments args(call, {{"b", "break", 1}});
+    const StringArray names = args.names();
+    if (names.empty()) throw Error("removeMultiInstance: no element is named.");
+    for (const std::string& name : names) {
+        Cell* element = findPlug(name, false);
+        if (!element) throw Error("No object matches name: " + name);
+        theScene().removeElement(*element, args.boolean("b", false));
+    }
+    return {};
+}
+
 /// Attributes that have one of some properties, or all of them with -logicalAnd.
 Value attributeInfo(Call& call) {
     const ParsedArguments args(call, {{"all", "allAttributes"},
@@ -218,6 +231,7 @@ Value editOrQueryAddedAttribute(Call& call) {
 void registerAttributeEditCommands(Interpreter& interpreter) {
     registerSceneCommand(interpreter, "aliasAttr", aliasAttr);
     registerSceneCommand(interpreter, "attributeInfo", attributeInfo);
+    registerSceneCommand(interpreter, "removeMultiInstance", removeMultiInstance);
 }
 
 } // namespace host::mel

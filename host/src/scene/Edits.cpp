@@ -153,6 +153,20 @@ Cell* step(Cell* array, const PathSegment& s, bool create) {
     return &array->element(s.index);
 }
 
+/// The part of that name: of the attribute, or of a plain compound within it; null when there is none.
+const Attribute* partNamed(const Attribute& whole, std::string_view name) {
+    if (const Attribute* part = whole.child(name)) return part;
+    for (const auto& part : whole.children)
+        if (part->isCompound() && !part->array)
+            if (const Attribute* found = partNamed(*part, name)) return found;
+    return nullptr;
+}
+
+Cell& partOf(Cell& cell, const Attribute& part) {
+    Cell& whole = part.parent == &cell.attribute ? cell : partOf(cell, *part.parent);
+    return whole.child(part.childIndex);
+}
+
 } // namespace
 
 Cell* Scene::tryPlug(Node& node, std::string_view path, bool create) {
@@ -178,9 +192,9 @@ Cell* Scene::tryPlug(Node& node, std::string_view path, bool create) {
             if (!ofPlace || (!create && !cell->elements.contains(0))) return nullptr;
             cell = &cell->element(0);
         }
-        const Attribute* part = cell->attribute.child(segments[i].name);
+        const Attribute* part = partNamed(cell->attribute, segments[i].name);
         if (!part) return nullptr;
-        cell = step(&cell->child(part->childIndex), segments[i], create);
+        cell = step(&partOf(*cell, *part), segments[i], create);
     }
     return cell;
 }

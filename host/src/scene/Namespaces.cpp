@@ -126,6 +126,7 @@ std::vector<std::string> namespacesIn(Scene& scene, const std::string& name, boo
 
 std::vector<Node*> nodesInNamespace(Scene& scene, const std::string& name, bool below) {
     std::vector<Node*> found;
+    if (!name.empty() && !references(scene).occupied(name)) return found;
     for (const auto& [serial, node] : scene.nodes()) {
         const std::string_view own = namespaceOf(node->name);
         if (own == name || (below && isWithin(own, name))) found.push_back(node.get());

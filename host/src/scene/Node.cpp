@@ -101,9 +101,9 @@ double Cell::number() {
 std::string Cell::attributePath(bool longNames) const {
     const std::string own = longNames ? attribute.longName : attribute.shortName;
     if (index >= 0) return parent->attributePath(longNames) + "[" + std::to_string(index) + "]";
-    // A part of a plain compound goes by its own name; within an array's element it needs the element's.
+    // A part of a plain compound goes by its own name; within an array's element it needs the element's, and no more.
     for (const Cell* up = parent; up; up = up->parent)
-        if (up->index >= 0) return parent->attributePath(longNames) + "." + own;
+        if (up->index >= 0) return up->attributePath(longNames) + "." + own;
     return own;
 }
 

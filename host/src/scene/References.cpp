@@ -137,16 +137,30 @@ std::vector<std::string> References::namespaces() const {
     const auto add = [&](std::string_view name) {
         for (; !name.empty() && found.emplace(name).second; name = namespaceOf(name)) {}
     };
-    for (const auto& [serial, node] : scene_.nodes()) add(namespaceOf(node->name));
+    for (const auto& [name, count] : scene_.occupiedNamespaces()) add(name);
     for (const std::string& name : declared_) add(name);
     return {found.begin(), found.end()};
 }
 
-bool References::exists(std::string_view name) const {
-    if (name.empty()) return true;
-    const auto all = namespaces();
-    return std::find(all.begin(), all.end(), name) != all.end();
+namespace {
+
+const std::string& nameIn(const std::string& entry) { return entry; }
+const std::string& nameIn(const std::pair<const std::string, std::size_t>& entry) { return entry.first; }
+
+/// Whether a table in alphabetic order has the namespace, or one below it.
+template <class Table>
+bool has(const Table& table, std::string_view name) {
+    if (table.contains(name)) return true;
+    const std::string below = std::string(name) + ":";
+    const auto at = table.lower_bound(below);
+    return at != table.end() && nameIn(*at).starts_with(below);
 }
+
+} // namespace
+
+bool References::occupied(std::string_view name) const { return has(scene_.occupiedNamespaces(), name); }
+
+bool References::exists(std::string_view name) const { return name.empty() || occupied(name) || has(declared_, name); }
 
 void References::declare(const std::string& name) { declared_.insert(name); }
 

@@ -92,6 +92,8 @@ public:
     /// Those that were made or that nodes are in, with all above them, in alphabetic order.
     std::vector<std::string> namespaces() const;
     bool exists(std::string_view name) const;
+    /// Whether a node is in the namespace, or in one below it.
+    bool occupied(std::string_view name) const;
     void declare(const std::string& name);
     void forget(const std::string& name);
     /// @}
@@ -107,7 +109,7 @@ private:
     std::unordered_set<const Attribute*> added_;
     std::unordered_map<const Node*, std::set<int>> points_;
     std::unordered_map<const Cell*, const Cell*> connections_; ///< destinations and sources that references made
-    std::unordered_set<std::string> declared_;
+    std::set<std::string, std::less<>> declared_;
 };
 
 /// The namespace of a name, without the colon at its end: "a:b" for "a:b:c".

@@ -165,6 +165,10 @@ void Scene::index(Node& node) {
     auto& list = byName_[node.name];
     node.nameSlot = list.size();
     list.push_back(&node);
+    const std::string_view space = namespaceOf(node.name);
+    if (space.empty()) return;
+    const auto at = byNamespace_.find(space);
+    ++(at == byNamespace_.end() ? byNamespace_[std::string(space)] : at->second);
 }
 
 void Scene::unindex(Node& node) {
@@ -175,6 +179,8 @@ void Scene::unindex(Node& node) {
     list[node.nameSlot] = list.back();
     list[node.nameSlot]->nameSlot = node.nameSlot;
     list.pop_back();
+    const auto space = byNamespace_.find(namespaceOf(node.name));
+    if (space != byNamespace_.end() && --space->second == 0) byNamespace_.erase(space);
     if (list.empty()) byName_.erase(it);
 }
 
@@ -638,6 +644,7 @@ void Scene::reset() {
             for (Cell* c : n->cells()) forget(*c);
         nodes_.clear();
         byName_.clear();
+        byNamespace_.clear();
         byPlace_.clear();
         for (auto& n : all) {
             n->inScene = false;

@@ -98,6 +98,8 @@ public:
     const std::map<unsigned long, NodePtr>& nodes() const { return nodes_; }
     /// Every DAG node below (and without) the given one, depth first, parents before children.
     std::vector<DagNode*> descendants(DagNode& node) const;
+    /// The namespaces that nodes are in themselves, and how many, in alphabetic order.
+    const std::map<std::string, std::size_t, std::less<>>& occupiedNamespaces() const { return byNamespace_; }
     bool isUniquePath(std::string_view path, const DagNode& node) const;
     /// The node of that name right below another; null when there is none.
     DagNode* childNamed(const DagNode& parent, std::string_view name) const;
@@ -217,6 +219,7 @@ private:
     void eachAtPath(const std::vector<std::string_view>& parts, Visit visit) const;
 
     std::unordered_map<std::string, std::vector<Node*>> byName_; ///< a name has either DAG nodes or one other node
+    std::map<std::string, std::size_t, std::less<>> byNamespace_;
     std::unordered_multimap<Place, DagNode*, PlaceHash> byPlace_;
     mutable std::unordered_map<std::string, int> numberHints_;
     NodePtr worldOwner_;

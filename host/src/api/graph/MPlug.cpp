@@ -151,21 +151,16 @@ MString MPlug::partialName(bool includeNodeName, bool, bool, bool, bool useFullA
         return MString();
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
-    const auto withinArray = [](const scene::Attribute* x) {
-        for (x = x->parent; x; x = x->parent)
-            if (x->array) return true;
-        return false;
-    };
     std::string path;
     for (const scene::Attribute* x = a.get(); x; x = x->parent) {
+        // Beyond its own name a plug needs only the elements that it is in; the compounds between on request.
+        if (x != a.get() && !x->array && !useFullAttributePath) continue;
         std::string part = useLongNames ? x->longName : x->shortName;
         if (x->array) {
             const int i = Access::index(*this, *x);
             if (i >= 0 || x != a.get()) part += "[" + std::to_string(i) + "]";
         }
         path = path.empty() ? part : part + "." + path;
-        // Up to the outermost array the path is needed to tell the plug; beyond it only on request.
-        if (!useFullAttributePath && !withinArray(x)) break;
     }
     if (includeNodeName) path = n->scene.displayName(*n) + "." + path;
     return MString(path.c_str());
