@@ -196,3 +196,50 @@ TEST_F(MeshIterators, ChangesShowAtOnce) {
 }
 
 } // namespace
+
+// Faults: weights of another triangle's corners, a point outside that is answered, places that are not in the space.
+TEST_F(MeshIterators, PointsAndUvsOfPolygonsLeadToEachOther) {
+    MItMeshPolygon p(path);
+    MFloatArray u, v;
+    for (const float x : {0.0F, 0.5F, 0.5F, 0.0F}) u.append(x);
+    for (const float y : {0.0F, 0.0F, 0.25F, 0.25F}) v.append(y);
+    ASSERT_TRUE(p.setUVs(u, v));
+    run("move -y 3 " + str(MFnDagNode(group).name()));
+    const auto is = [](const auto& t, double x, double y, double z) {
+        return std::abs(t.x - x) < 1e-6 && std::abs(t.y - y) < 1e-6 && std::abs(t.z - z) < 1e-6;
+    };
+    for (const auto& [at, x, z] : {std::tuple{MPoint(0.25, 7, -0.5), 0.125F, 0.125F},
+                                   {MPoint(0.75, 2, -0.2), 0.375F, 0.05F},
+                                   {MPoint(9, 3, 9), 0.5F, 0.0F}}) {
+        float2 uv{};
+        MPoint there = at;
+        EXPECT_TRUE(p.getUVAtPoint(there, uv, MSpace::kWorld));
+        EXPECT_NEAR(uv[0], x, 1e-6);
+        EXPECT_NEAR(uv[1], z, 1e-6);
+    }
+    float2 inside{0.125F, 0.125F}, beside{0.6F, 0.1F};
+    MPoint point;
+    EXPECT_TRUE(p.getPointAtUV(point, inside));
+    EXPECT_TRUE(is(point, 0.25, 0, -0.5));
+    EXPECT_TRUE(p.getPointAtUV(point, inside, MSpace::kWorld));
+    EXPECT_TRUE(is(point, 0.25, 3, -0.5));
+    EXPECT_EQ(p.getPointAtUV(point, beside), MStatus::kFailure);
+    EXPECT_TRUE(p.getPointAtUV(point, beside, MSpace::kObject, NULL, 0.11F));
+    EXPECT_TRUE(is(point, 1, 0, -0.4));
+    MVector normal, uTangent, vTangent;
+    EXPECT_TRUE(p.getAxisAtUV(normal, uTangent, vTangent, inside));
+    EXPECT_TRUE(is(normal, 0, 1, 0) && is(uTangent, 1, 0, 0) && is(vTangent, 0, 0, -1));
+    const MString missing("none");
+    EXPECT_EQ(p.getPointAtUV(point, inside, MSpace::kObject, &missing), MStatus::kInvalidParameter);
+    p.next();
+    EXPECT_EQ(p.getUVAtPoint(point, inside), MStatus::kFailure) << "this one has no UVs";
+    EXPECT_TRUE(p.isStarlike());
+    // From the middle of an L's corners, which lies outside of it, its inner sides turn away.
+    MFloatPointArray corners;
+    for (const auto& [x, y] : {std::pair{0, 0}, {4, 0}, {4, 1}, {1, 1}, {1, 4}, {0, 4}})
+        corners.append(MFloatPoint(static_cast<float>(x), static_cast<float>(y), 0));
+    const int count[] = {6}, all[] = {0, 1, 2, 3, 4, 5};
+    MFnMesh fn;
+    fn.create(6, 1, corners, MIntArray(count, 1), MIntArray(all, 6));
+    EXPECT_FALSE(MItMeshPolygon(fn.object()).isStarlike());
+}

@@ -268,6 +268,34 @@ TEST_F(SceneFn, WalksOverTheGraph) {
     EXPECT_TRUE(none.isDone());
 }
 
+// Faults: a walk that stays within connections where what is below moves along, that comes to plugs which stay where
+// they are, or that leaves connections when it is not to.
+TEST_F(SceneFn, WalksOverWhatMovesInTheWorld) {
+    run("group -em -n high; group -em -n low -p high; createNode decomposeMatrix -n apart; createNode transform -n "
+        "lead;"
+        "connectAttr low.worldMatrix[0] apart.inputMatrix;"
+        "connectAttr lead.tx high.tx");
+    MObject high = object("high"), low = object("low");
+    MPlug moves = plug("high.ty"), shown = plug("low.worldMatrix[0]"), still = plug("high.v");
+    const auto walk = [&](MItDependencyGraph& it, bool over) {
+        EXPECT_FALSE(it.isTraversingOverWorldSpaceDependents());
+        EXPECT_TRUE(it.setTraversalOverWorldSpaceDependents(over));
+        std::vector<std::string> seen;
+        for (; !it.isDone(); it.next())
+            seen.push_back(it.atNodeLevel() ? str(MFnDependencyNode(it.currentItem()).name())
+                                            : str(it.thisPlug().name()));
+        return seen;
+    };
+    MItDependencyGraph one(high), two(high), three(low, MFn::kInvalid, MItDependencyGraph::kUpstream);
+    EXPECT_THAT(walk(one, false), ElementsAre("high"));
+    EXPECT_THAT(walk(two, true), ElementsAre("high", "low", "apart"));
+    EXPECT_THAT(walk(three, true), ElementsAre("low", "high", "lead"));
+    MItDependencyGraph four(moves), five(still), six(shown, MFn::kInvalid, MItDependencyGraph::kUpstream);
+    EXPECT_THAT(walk(four, true), ElementsAre("high.translateY", "low.worldMatrix[0]", "apart.inputMatrix"));
+    EXPECT_THAT(walk(five, true), ElementsAre("high.visibility"));
+    EXPECT_THAT(walk(six, true), ElementsAre("low.worldMatrix[0]", "high.translateX", "lead.translateX"));
+}
+
 // Faults: a light that shines by its own axes, a create() that answers the wrong node.
 TEST_F(SceneFn, Lights) {
     MFnDirectionalLight sun;

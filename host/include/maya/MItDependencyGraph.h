@@ -48,6 +48,10 @@ public:
     MStatus toggleTraversal();
     bool atNodeLevel(MStatus* ReturnStatus = NULL);
     Level currentLevel(MStatus* ReturnStatus = NULL);
+    /// Whether the walk also leads from nodes to those below them in the DAG (above, upstream), and from plugs that
+    /// move a node to what of it, and of what is below, is shown in the world. Not at first; setting it starts anew.
+    MStatus setTraversalOverWorldSpaceDependents(bool val);
+    bool isTraversingOverWorldSpaceDependents(MStatus* ReturnStatus = NULL);
     MStatus toggleLevel();
     MStatus next();
     bool isDone(MStatus* ReturnStatus = NULL);

@@ -50,6 +50,16 @@ public:
     MStatus getUV(int vertexId, float2& uvPoint, const MString* uvSet = NULL) const;
     MStatus setUVs(MFloatArray& uArray, MFloatArray& vArray, const MString* uvSet = NULL);
     MStatus getUVs(MFloatArray& uArray, MFloatArray& vArray, const MString* uvSet = NULL) const;
+    /// Between the polygon's triangles and their UVs. kFailure where a corner has no UV, or no triangle the UV within
+    /// the tolerance, a distance among UVs; the first of several that have it counts.
+    MStatus getPointAtUV(MPoint& pt, float2& uvPoint, MSpace::Space space = MSpace::kObject,
+                         const MString* uvSet = NULL, float tolerance = 0.0);
+    /// The triangle's normal, and the ways in which u and v grow along it, of unit length.
+    MStatus getAxisAtUV(MVector& normal, MVector& uTangent, MVector& vTangent, float2& uvPoint,
+                        MSpace::Space space = MSpace::kObject, const MString* uvSet = NULL, float tolerance = 0.0);
+    /// At the polygon's point that is nearest to the given one.
+    MStatus getUVAtPoint(MPoint& pt, float2& uvPoint, MSpace::Space space = MSpace::kObject,
+                         const MString* uvSet = NULL);
     MStatus getUVIndex(int vertex, int& index, const MString* uvSet = NULL);
     MStatus getUVIndex(int vertex, int& index, float& u, float& v, const MString* uvSet = NULL);
     MStatus getUVSetNames(MStringArray& setNames) const;
@@ -80,9 +90,16 @@ public:
     bool zeroUVArea(MStatus* ReturnStatus = NULL);
     bool zeroUVArea(const MString& uvSet, MStatus* ReturnStatus = NULL);
     bool isConvex(MStatus* ReturnStatus = NULL);
+    /// Whether all of it can be seen from its center().
+    bool isStarlike(MStatus* ReturnStatus = NULL);
     /// Whether another polygon has the same vertices.
     bool isLamina(MStatus* ReturnStatus = NULL);
     bool isHoled(MStatus* ReturnStatus = NULL);
     bool isPlanar(MStatus* ReturnStatus = NULL);
     static const char* className();
+
+private:
+    /// The triangle that has a UV: its corners in the space, their UVs, and their weights there.
+    MStatus atUV(const float2& uvPoint, MSpace::Space space, const MString* uvSet, double tolerance,
+                 MPoint (&corners)[3], float (&uv)[3][2], double (&weights)[3]) const;
 };

@@ -2,8 +2,11 @@
 
 #include "api/fn/MeshUvs.h"
 #include "api/fn/NormalSpace.h"
+#include "mesh/TriangleTests.h"
 
+#include <array>
 #include <cmath>
+#include <limits>
 
 using namespace host;
 using api::among;
@@ -76,6 +79,51 @@ std::optional<double> doubleUvArea(const mesh::PolyMesh& mesh, int set, int face
     }
     return area;
 }
+
+/// A triangle of a face: which corners of the face its own are, and where they lie among the UVs (z is 0).
+struct UvTriangle {
+    std::array<int, 3> corners;
+    std::array<Imath::V3d, 3> uv;
+};
+
+/// The triangles of a face; none when a corner has no UV.
+std::vector<UvTriangle> uvTriangles(const mesh::PolyMesh& mesh, int set, int face) {
+    std::vector<UvTriangle> all;
+    for (const mesh::PolyMesh::Triangle& triangle : mesh.faceTriangles(face)) {
+        UvTriangle& t = all.emplace_back();
+        for (std::size_t k = 0; k < 3; ++k) {
+            t.corners[k] = triangle[k] - mesh.faceStart(face);
+            float u = 0, v = 0;
+            if (!mesh.uvAt(set, face, t.corners[k], u, v)) return {};
+            t.uv[k] = Imath::V3d(u, v, 0);
+        }
+    }
+    return all;
+}
+
+/// Where a point is nearest to some triangles: which one, how far off, and the weights of its corners there.
+struct Nearest {
+    std::size_t triangle = 0;
+    double distance = std::numeric_limits<double>::infinity();
+    std::array<double, 3> weights{};
+
+    /// @param corner the place of a corner of the triangle: (triangle, 0 to 2)
+    template <class Corner>
+    Nearest(const Imath::V3d& to, std::size_t count, const Corner& corner) {
+        for (std::size_t t = 0; t < count; ++t) {
+            const Imath::V3d a = corner(t, 0), b = corner(t, 1), c = corner(t, 2),
+                             there = mesh::nearestOnTriangle(to, a, b, c);
+            const double off = (there - to).length();
+            if (!(off < distance)) continue;
+            triangle = t;
+            distance = off;
+            mesh::weightsAt(there, a, b, c, weights.data());
+        }
+    }
+};
+
+/// How far a UV may lie from a polygon that has it, for what single precision leaves out.
+constexpr double uvSlack = 1e-6;
 
 } // namespace
 
@@ -269,6 +317,77 @@ MStatus MItMeshPolygon::getUVIndex(int vertex, int& index, float& u, float& v, c
     return api::uvOf(*mesh_, uvSet, index_, vertex, &index, &u, &v);
 }
 
+MStatus MItMeshPolygon::atUV(const float2& uvPoint, MSpace::Space space, const MString* uvSet, double tolerance,
+                             MPoint (&corners)[3], float (&uv)[3][2], double (&weights)[3]) const {
+    if (!there()) return MStatus::kFailure;
+    const int set = api::uvSetNamed(*mesh_, uvSet);
+    if (set < 0) return MStatus::kInvalidParameter;
+    const auto triangles = uvTriangles(*mesh_, set, index_);
+    const Nearest nearest(Imath::V3d(uvPoint[0], uvPoint[1], 0), triangles.size(),
+                          [&](std::size_t t, std::size_t k) { return triangles[t].uv[k]; });
+    if (triangles.empty() || !(nearest.distance <= std::max(tolerance, uvSlack))) return MStatus::kFailure;
+    MStatus status;
+    for (std::size_t k = 0; status && k < 3; ++k) {
+        const UvTriangle& t = triangles[nearest.triangle];
+        status = place(mesh_->faceVertices(index_)[static_cast<std::size_t>(t.corners[k])], space, corners[k]);
+        uv[k][0] = static_cast<float>(t.uv[k].x);
+        uv[k][1] = static_cast<float>(t.uv[k].y);
+        weights[k] = nearest.weights[k];
+    }
+    return status;
+}
+
+MStatus MItMeshPolygon::getPointAtUV(MPoint& pt, float2& uvPoint, MSpace::Space space, const MString* uvSet,
+                                     float tolerance) {
+    MPoint corners[3];
+    float uv[3][2];
+    double weights[3];
+    const MStatus status = atUV(uvPoint, space, uvSet, tolerance, corners, uv, weights);
+    if (!status) return status;
+    MVector sum;
+    for (int k = 0; k < 3; ++k) sum += MVector(corners[k]) * weights[k];
+    pt = MPoint(sum);
+    return status;
+}
+
+MStatus MItMeshPolygon::getAxisAtUV(MVector& normal, MVector& uTangent, MVector& vTangent, float2& uvPoint,
+                                    MSpace::Space space, const MString* uvSet, float tolerance) {
+    MPoint corners[3];
+    float uv[3][2];
+    double weights[3];
+    const MStatus status = atUV(uvPoint, space, uvSet, tolerance, corners, uv, weights);
+    if (!status) return status;
+    const MVector first = corners[1] - corners[0], second = corners[2] - corners[0];
+    const double u1 = uv[1][0] - uv[0][0], v1 = uv[1][1] - uv[0][1], u2 = uv[2][0] - uv[0][0], v2 = uv[2][1] - uv[0][1],
+                 twice = u1 * v2 - u2 * v1;
+    if (twice == 0) return MStatus::kFailure;
+    uTangent = ((first * v2 - second * v1) / twice).normal();
+    vTangent = ((second * u1 - first * u2) / twice).normal();
+    normal = (first ^ second).normal();
+    return status;
+}
+
+MStatus MItMeshPolygon::getUVAtPoint(MPoint& pt, float2& uvPoint, MSpace::Space space, const MString* uvSet) {
+    if (!there()) return MStatus::kFailure;
+    const int set = api::uvSetNamed(*mesh_, uvSet);
+    if (set < 0) return MStatus::kInvalidParameter;
+    MPointArray points;
+    MStatus status;
+    getPoints(points, space, &status);
+    if (!status) return status;
+    const auto triangles = uvTriangles(*mesh_, set, index_);
+    if (triangles.empty()) return MStatus::kFailure;
+    const Nearest nearest(Imath::V3d(pt.x, pt.y, pt.z), triangles.size(), [&](std::size_t t, std::size_t k) {
+        const MPoint& p = points[static_cast<unsigned int>(triangles[t].corners[k])];
+        return Imath::V3d(p.x, p.y, p.z);
+    });
+    Imath::V3d uv(0);
+    for (std::size_t k = 0; k < 3; ++k) uv += triangles[nearest.triangle].uv[k] * nearest.weights[k];
+    uvPoint[0] = static_cast<float>(uv.x);
+    uvPoint[1] = static_cast<float>(uv.y);
+    return status;
+}
+
 MStatus MItMeshPolygon::getUVSetNames(MStringArray& setNames) const {
     if (!there()) return MStatus::kFailure;
     setNames.clear();
@@ -422,6 +541,20 @@ bool MItMeshPolygon::isConvex(MStatus* ReturnStatus) {
     const unsigned int n = p.length();
     for (unsigned int i = 0; i < n; ++i)
         if (((p[(i + 1) % n] - p[i]) ^ (p[(i + 2) % n] - p[(i + 1) % n])) * normal < 0) return false;
+    return true;
+}
+
+bool MItMeshPolygon::isStarlike(MStatus* ReturnStatus) {
+    MPointArray p;
+    MStatus status;
+    getPoints(p, MSpace::kObject, &status);
+    if (ReturnStatus) *ReturnStatus = status;
+    if (!status) return false;
+    const MVector normal = vectorOf(mesh_->newellNormal(index_));
+    const MPoint middle = center();
+    const unsigned int n = p.length();
+    for (unsigned int i = 0; i < n; ++i)
+        if (((p[(i + 1) % n] - p[i]) ^ (middle - p[i])) * normal < 0) return false;
     return true;
 }
 

@@ -10,6 +10,7 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace host::api {
 namespace {
@@ -41,6 +42,7 @@ MCallbackId Callbacks::add(Topic topic, const scene::Node* node, const void* fun
     all_.emplace(entry->id, entry);
     places_[{topic, node}].push_back(entry);
     ++counts_[static_cast<std::size_t>(topic)];
+    if (topic == Topic::WorldMatrix) ++watchedMatrices_[node];
     watch();
     return entry->id;
 }
@@ -52,6 +54,7 @@ bool Callbacks::remove(MCallbackId id) {
     all_.erase(at);
     entry->removed = true;
     --counts_[static_cast<std::size_t>(entry->topic)];
+    if (entry->topic == Topic::WorldMatrix && --watchedMatrices_[entry->node] == 0) watchedMatrices_.erase(entry->node);
     const auto place = places_.find({entry->topic, entry->node});
     std::erase(place->second, entry);
     if (place->second.empty()) places_.erase(place);
@@ -280,8 +283,9 @@ void Callbacks::elementRemoved(scene::Cell& array, int index) {
 }
 
 void Callbacks::connectionChanged(scene::Cell& source, scene::Cell& destination, bool made, bool before) {
-    const auto keepSource = held(source.node), keepDestination = held(destination.node);
     const Topic topic = before ? Topic::PreConnection : Topic::Connection;
+    if (counts(topic) == 0 && (before || counts(Topic::AttributeChanged) == 0)) return;
+    const auto keepSource = held(source.node), keepDestination = held(destination.node);
     ConnectionRecord record{Access::plug(source), Access::plug(destination), made};
     if (!before) {
         const int message = (made ? MNodeMessage::kConnectionMade : MNodeMessage::kConnectionBroken) |
@@ -296,22 +300,18 @@ void Callbacks::connectionChanged(scene::Cell& source, scene::Cell& destination,
 
 void Callbacks::dirtied(const std::vector<scene::Cell*>& cells) {
     // The cells may go while they are told of.
-    std::vector<NodeRecord> plugs, nodes;
-    std::vector<std::pair<scene::NodePtr, bool>> keep;
-    const scene::Node* last = nullptr;
+    std::vector<NodeRecord> plugs;
+    std::vector<scene::NodePtr> nodes;
+    std::unordered_set<const scene::Node*> listed;
     for (scene::Cell* cell : cells) {
         if (places_.contains({Topic::DirtyPlug, &cell->node}))
             plugs.push_back({Access::object(&cell->node), {}, Access::plug(*cell)});
-        if (&cell->node != last && places_.contains({Topic::Dirty, &cell->node})) {
-            last = &cell->node;
-            const auto node = held(cell->node);
-            if (std::none_of(keep.begin(), keep.end(), [&](const auto& k) { return k.first == node; }))
-                keep.emplace_back(node, true);
-        }
+        if (!places_.contains({Topic::Dirty, &cell->node}) || !listed.insert(&cell->node).second) continue;
+        if (auto node = held(cell->node)) nodes.push_back(std::move(node));
     }
     for (NodeRecord& record : plugs)
         if (const auto node = Access::node(record.node)) fire(Topic::DirtyPlug, node.get(), &record);
-    for (const auto& [node, told] : keep) {
+    for (const auto& node : nodes) {
         NodeRecord record{Access::object(node.get()), {}, {}};
         fire(Topic::Dirty, node.get(), &record);
     }
@@ -320,10 +320,10 @@ void Callbacks::dirtied(const std::vector<scene::Cell*>& cells) {
 void Callbacks::worldMoved(scene::DagNode& moved) {
     if (counts(Topic::WorldMatrix) == 0) return;
     std::vector<scene::NodePtr> nodes;
-    for (const auto& [place, entries] : places_) {
-        if (place.topic != Topic::WorldMatrix) continue;
-        auto* node = const_cast<scene::Node*>(place.node)->dag();
-        if (node == &moved || node->isBelow(moved)) nodes.push_back(held(*node));
+    for (const auto& [watched, count] : watchedMatrices_) {
+        auto* node = const_cast<scene::Node*>(watched)->dag();
+        if (!node || (node != &moved && !node->isBelow(moved))) continue;
+        if (auto keep = held(*node)) nodes.push_back(std::move(keep));
     }
     std::sort(nodes.begin(), nodes.end(), [](const auto& a, const auto& b) { return a->serial < b->serial; });
     for (const auto& node : nodes) {

@@ -127,6 +127,7 @@ private:
     std::map<MCallbackId, EntryPtr> all_;
     std::unordered_map<Place, std::vector<EntryPtr>, PlaceHash> places_;
     std::array<int, static_cast<std::size_t>(Topic::Count)> counts_{};
+    std::unordered_map<const scene::Node*, int> watchedMatrices_; ///< nodes with callbacks of WorldMatrix, and how many
     std::vector<MCallbackId> running_;
     MCallbackId last_ = 0;
 };

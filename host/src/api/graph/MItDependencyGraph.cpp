@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <deque>
 #include <set>
+#include <unordered_set>
 
 using namespace host;
 using host::api::Access;
@@ -33,7 +34,7 @@ struct MItDependencyGraph::Walk {
     Direction direction = kDownstream;
     Traversal traversal = kDepthFirst;
     Level level = kNodeLevel;
-    bool pruneOnFilter = false, pruned = false;
+    bool pruneOnFilter = false, pruned = false, overWorldSpace = false;
 
     std::vector<Item> items; ///< all that were reached, in order
     std::deque<int> open;    ///< the current one is the last when depth first, else the first
@@ -106,6 +107,18 @@ struct MItDependencyGraph::Walk {
         for (Cell* c : parts)
             for (Cell* other : otherEnds(*c))
                 if (nodes.insert(&other->node).second) reach(*other, c, at, found);
+        scene::DagNode* const dag = overWorldSpace && !root ? node.dag() : nullptr;
+        if (!dag) return;
+        const std::vector<scene::DagNode*> beside =
+            direction == kDownstream ? dag->children : std::vector<scene::DagNode*>{dag->parent};
+        for (scene::DagNode* other : beside)
+            if (other && !other->isWorld() && nodes.insert(other).second) reach(*other, at, found);
+    }
+
+    /// A node to which no connection leads.
+    void reach(Node& node, int from, std::vector<int>& found) {
+        found.push_back(static_cast<int>(items.size()));
+        items.push_back({Access::object(&node), MPlug(), MPlug(), from});
     }
 
     void reach(Cell& cell, Cell* previous, int from, std::vector<int>& found) {
@@ -114,13 +127,43 @@ struct MItDependencyGraph::Walk {
             {Access::object(&cell.node), Access::plug(cell), previous ? Access::plug(*previous) : MPlug(), from});
     }
 
-    /// Whether one cell of a node depends on another by what the node's type says.
-    static bool depends(const Cell& output, const Cell& input) {
-        std::vector<const scene::Attribute*> affected;
-        for (const scene::Attribute* a = &input.attribute; a; a = a->parent) input.node.type.affected(*a, affected);
-        for (const scene::Attribute* a = &output.attribute; a; a = a->parent)
-            if (std::find(affected.begin(), affected.end(), a) != affected.end()) return true;
-        return false;
+    /// Calls visit(c) for the connected cells of the node whose attributes are among those, or are parts of them.
+    template <class Visit>
+    void eachConnected(Node& node, const std::vector<const scene::Attribute*>& wanted, const Visit& visit) {
+        if (wanted.empty()) return;
+        const std::unordered_set<const scene::Attribute*> all(wanted.begin(), wanted.end());
+        std::unordered_set<const scene::Attribute*> roots;
+        for (const scene::Attribute* a : wanted) roots.insert(&a->root());
+        for (Cell* root : node.cells()) {
+            if (!roots.contains(&root->attribute)) continue;
+            scene::forEachCell(*root, [&](Cell& cell) {
+                if (direction == kDownstream ? cell.destinations.empty() : !cell.source) return;
+                for (const scene::Attribute* a = &cell.attribute; a; a = a->parent)
+                    if (all.contains(a)) return visit(cell);
+            });
+        }
+    }
+
+    /// What of the node and of those below it is shown in the world and leads further; upstream, what moves the node or
+    /// one above it.
+    void overWorld(Cell& here, int at, std::vector<int>& found) {
+        scene::DagNode* const dag = here.node.dag();
+        const auto inWorld = [](const Cell& c) { return c.attribute.root().worldSpace; };
+        if (!dag || !(direction == kDownstream ? here.flow().movesWorld : inWorld(here))) return;
+        const auto look = [&](scene::DagNode& node) {
+            for (Cell* root : node.cells())
+                scene::forEachCell(*root, [&](Cell& c) {
+                    const bool leads = direction == kDownstream ? inWorld(c) && !c.destinations.empty()
+                                                                : c.flow().movesWorld && c.source;
+                    if (leads && cells.insert(&c).second) reach(c, &here, at, found);
+                });
+        };
+        if (direction == kUpstream) {
+            for (scene::DagNode* n = dag; n; n = n->parent) look(*n);
+            return;
+        }
+        look(*dag);
+        for (scene::DagNode* below : dag->scene.descendants(*dag)) look(*below);
     }
 
     void connectedPlugs(Node& node, int at, std::vector<int>& found) {
@@ -141,13 +184,10 @@ struct MItDependencyGraph::Walk {
         if (plug.isNull()) return;
         // Through the node: to those of its connected plugs that depend on this one, or that it depends on.
         Cell& here = *Access::cell(plug, keep);
-        std::vector<Cell*> parts;
-        for (Cell* c : node.cells()) listParts(*c, parts);
-        for (Cell* c : parts) {
-            if (c == &here || otherEnds(*c).empty()) continue;
-            const bool leads = direction == kDownstream ? depends(*c, here) : depends(here, *c);
-            if (leads && cells.insert(c).second) reach(*c, &here, at, found);
-        }
+        eachConnected(node, direction == kDownstream ? here.flow().affected : here.flow().inputs, [&](Cell& c) {
+            if (&c != &here && cells.insert(&c).second) reach(c, &here, at, found);
+        });
+        if (overWorldSpace) overWorld(here, at, found);
     }
 
     template <class Take>
@@ -249,6 +289,13 @@ MStatus MItDependencyGraph::toggleTraversal() {
 
 bool MItDependencyGraph::atNodeLevel(MStatus* s) { return ok(walk_->level == kNodeLevel, s); }
 MItDependencyGraph::Level MItDependencyGraph::currentLevel(MStatus* s) { return ok(walk_->level, s); }
+
+MStatus MItDependencyGraph::setTraversalOverWorldSpaceDependents(bool val) {
+    walk_->overWorldSpace = val;
+    return reset();
+}
+
+bool MItDependencyGraph::isTraversingOverWorldSpaceDependents(MStatus* s) { return ok(walk_->overWorldSpace, s); }
 
 MStatus MItDependencyGraph::toggleLevel() {
     walk_->level = walk_->level == kNodeLevel ? kPlugLevel : kNodeLevel;
