@@ -172,7 +172,7 @@ TEST_F(FileCommandTest, WrongUseIsAnError) {
          {Case{"file -open;", "name of one file"}, Case{"file -i \"a\" \"b\";", "name of one file"},
           Case{"file -rename \"\";", "name of one file"}, Case{"file -save -type \"mayaBinary\";", "mayaBinary"},
           Case{"file -ea \"x.mb\";", "Maya ASCII"}, Case{"file -reference \"a.ma\";", "no reference to"},
-          Case{"file -es \"a.ma\";", "selection"}, Case{"file -nosuch;", "Invalid flag"},
+          Case{"file -es \"a.mb\";", "Maya ASCII"}, Case{"file -nosuch;", "Invalid flag"},
           Case{"file;", "nothing to do"}, Case{"file -q;", "queried"}, Case{"file -q -exists;", "name of a file"},
           Case{"file -namespace;", "must be passed a value"}}) {
         EXPECT_THAT(failure(script), HasSubstr(message)) << script;

@@ -141,6 +141,82 @@ TEST_F(ReferenceTest, CommandsMakeAskAndRemove) {
     EXPECT_THAT(texts("ls -type reference"), ElementsAre());
 }
 
+// Faults: edits, connections or children that are lost while a reference is not loaded, or come back twice; nodes of
+// the scene that go with it; a reference that cannot be read any more and is gone.
+TEST_F(ReferenceTest, SingleReferencesAreUnloadedAndLoaded) {
+    open("set.ma");
+    run("file -r -ns \"other\" \"prop.ma\"; setAttr level:prop:cup.ty 8; connectAttr level:table.ry wind.rx;"
+        "connectAttr other:cup.tx level:table.rz; sets -n some level:table wind");
+    const auto whole = [&] {
+        EXPECT_EQ(number("getAttr level:prop:cup.ty"), 8);
+        EXPECT_EQ(number("getAttr level:prop:cup.tx"), 3) << "an edit of the file that was opened";
+        EXPECT_EQ(text("getAttr level:table.note"), "oak");
+        EXPECT_THAT(texts("listRelatives -c level:table"), ElementsAre("level:prop:cup", "lamp"));
+        EXPECT_THAT(texts("listConnections -p 1 -s 1 -d 0 wind.rx"), ElementsAre("level:table.rotateY"));
+        EXPECT_THAT(texts("listConnections -p 1 -s 1 -d 0 level:table.rz"), ElementsAre("other:cup.translateX"));
+        EXPECT_THAT(texts("listConnections -p 1 -s 1 -d 0 level:ground.tx"), ElementsAre("wind.translateX"));
+        EXPECT_THAT(texts("sets -q some"), testing::UnorderedElementsAre("level:table", "wind"));
+        EXPECT_THAT(texts("ls \"*fosterParent*\""), ElementsAre());
+        EXPECT_EQ(errors, "");
+    };
+    const auto without = [&] {
+        EXPECT_THAT(texts("ls \"level:*\" \"level:prop:*\""), ElementsAre());
+        EXPECT_FALSE(holds("referenceQuery -il levelRN"));
+        EXPECT_TRUE(holds("referenceQuery -il otherRN"));
+        EXPECT_EQ(number("getAttr lamp.ty"), 2);
+        EXPECT_EQ(errors, "");
+    };
+    whole();
+    EXPECT_EQ(text("file -unloadReference levelRN"), "/show/references/level.ma");
+    without();
+    run("file -unloadReference levelRN"); // there is nothing left to do
+    saveAndOpenAgain();
+    without();
+    EXPECT_EQ(text("file -loadReference levelRN"), path("scenes/level.ma"));
+    whole();
+    run("setAttr level:prop:cup.tz 5; file -loadReference levelRN");
+    EXPECT_EQ(number("getAttr level:prop:cup.tz"), 5) << "read anew";
+    whole();
+    saveAndOpenAgain();
+    whole();
+    std::filesystem::rename(project / "scenes/level.ma", project / "scenes/moved.ma");
+    EXPECT_THAT(failure("file -loadReference levelRN"), HasSubstr("could not be loaded"));
+    without();
+    run("file -loadReference levelRN \"moved.ma\"");
+    whole();
+    EXPECT_THAT(texts("file -q -r"), testing::Contains(path("scenes/moved.ma")));
+    EXPECT_THAT(failure("file -unloadReference level:propRN"), HasSubstr("belongs to the reference 'levelRN'"));
+    EXPECT_THAT(failure("file -loadReference wind"), HasSubstr("belongs to no reference"));
+    run("file -rr -rfn levelRN; file -rename " + quoted("scenes/again.ma") + "; file -save;");
+    EXPECT_THAT(read("scenes/again.ma"), Not(HasSubstr("level")));
+}
+
+// Faults: what the selection needs is missing, what it does not need is there; a reference that goes or stays wrongly.
+TEST_F(ReferenceTest, TheSelectionIsExportedWithWhatItNeeds) {
+    open("set.ma");
+    run("polyCube -n box; polySphere -n ball; group -n pair box; sets -e -fe initialShadingGroup ball;"
+        "shadingNode -asShader lambert -n paint; sets -renderable true -noSurfaceShader true -empty -n paintSG;"
+        "connectAttr paint.outColor paintSG.surfaceShader; sets -e -fe paintSG box ball; spaceLocator -n driver;"
+        "connectAttr driver.tx box.ty; setAttr driver.tx 3; select box; file -es " +
+        quoted("scenes/part.ma"));
+    open("part.ma");
+    EXPECT_EQ(errors, "");
+    EXPECT_THAT(texts("ls -type transform -type shadingEngine -type lambert -type reference"),
+                testing::IsSupersetOf({"pair", "box", "driver", "paint", "paintSG"}));
+    for (const char* other : {"ball", "wind", "lamp", "levelRN", "level:table"})
+        EXPECT_FALSE(holds(std::string("objExists \"") + other + "\"")) << other;
+    EXPECT_EQ(text("ls -l box"), "|pair|box");
+    EXPECT_EQ(number("getAttr box.ty"), 3);
+    EXPECT_THAT(texts("polyEvaluate -f box"), ElementsAre("6"));
+    EXPECT_THAT(texts("sets -q paintSG"), ElementsAre("boxShape"));
+    open("set.ma");
+    run("setAttr level:prop:cup.ty 8; select level:prop:cup; file -es " + quoted("scenes/part.ma"));
+    open("part.ma");
+    EXPECT_EQ(number("getAttr level:prop:cup.ty"), 8);
+    EXPECT_FALSE(holds("objExists goneRN"));
+    EXPECT_THAT(failure("select -cl; file -es " + quoted("scenes/part.ma")), HasSubstr("Nothing is selected"));
+}
+
 TEST_F(ReferenceTest, FilesThatIncludeThemselvesOrLieElsewhereAreKept) {
     refer("a.ma", {"b.ma"});
     refer("b.ma", {"a.ma", "prop.ma"});

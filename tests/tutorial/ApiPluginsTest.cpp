@@ -225,7 +225,7 @@ TEST_F(TutorialPlugins, CommandThatLooksOverTheScene) {
     run("file -f -new; group -em -n cup; file -rename \"" + testing::TempDir() +
         "/cup.ma\"; file -save; file -f -new; file -rename \"" + testing::TempDir() + "/level.ma\";");
     EXPECT_EQ(run("sceneReport refer \"" + testing::TempDir() + "/cup.ma\";").toStringArray(),
-              (StringArray{"asset:cup", "cup.ma"}));
+              (StringArray{"asset:cup", "cup.ma", "0", "cup.ma1"}));
     EXPECT_EQ(run("ls \"asset*\" \"asset:*\";").toStringArray(), StringArray{});
     EXPECT_NE(failure("sceneReport refer \"/no/such/nothing.ma\";"), "");
     EXPECT_EQ(run("sceneReport types;").toStringArray(), (StringArray{"directionalLight", "1", "", "0", "1"}));

@@ -142,6 +142,14 @@ private:
         file.setRawFullName(MFileIO::getReferenceFileByNode(node, &status));
         if (!status) return status;
         appendToResult(file.rawName());
+        MFileIO::unloadReferenceByNode(node, &status);
+        if (!status) return status;
+        MFileIO::getReferenceNodes(files[0], nodes);
+        appendToResult(MString() + nodes.length());
+        file.setRawFullName(MFileIO::loadReferenceByNode(node, &status));
+        if (!status) return status;
+        MFileIO::getReferenceNodes(files[0], nodes);
+        appendToResult(file.rawName() + nodes.length());
         return MFileIO::removeReference(files[0], MFileIO::kForceDeleteNamespaceContent);
     }
 

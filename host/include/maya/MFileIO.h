@@ -33,6 +33,8 @@ public:
     static MStatus importFile(const MString& fileName, const char* type = NULL, bool preserveReferences = false,
                               const char* nameSpace = NULL, bool ignoreVersion = false);
     static MStatus exportAll(const MString& fileName, const char* type = NULL, bool preserveReferences = false);
+    /// The selected nodes with what is below and above them, what they are computed from, and their shading.
+    static MStatus exportSelected(const MString& fileName, const char* type = NULL, bool preserveReferences = false);
     /// The files that the scene itself refers to: as it names them, or where they were found.
     static MStatus getReferences(MStringArray& references, bool wantUnresolvedNames = false);
     /// What a referenced file has brought, without what its own references have.
@@ -49,6 +51,14 @@ public:
                                    NamespaceMergeMethod namespaceMergeMethod = kRemoveNamespaceIfEmpty);
     /// The files that the scene consists of, itself first.
     static MStatus getFiles(MStringArray& files, bool wantUnresolvedNames = false, bool wantReferencesOnly = false);
+    /// Read the file of a reference, anew when it has been read, or give up what it brought; what the scene changes of
+    /// it is kept. They answer the file. References within others are loaded with these alone.
+    static MString loadReference(const MString& referenceFileName, MStatus* returnStatus = NULL);
+    static MString loadReferenceByNode(const MString& referenceNodeName, MStatus* returnStatus = NULL);
+    static MString loadReferenceByNode(MObject& referenceNode, MStatus* returnStatus = NULL);
+    static MString unloadReference(const MString& referenceFileName, MStatus* returnStatus = NULL);
+    static MString unloadReferenceByNode(const MString& referenceNodeName, MStatus* returnStatus = NULL);
+    static MString unloadReferenceByNode(MObject& referenceNode, MStatus* returnStatus = NULL);
     static bool isReadingFile();
     static bool isWritingFile();
     static bool isOpeningFile();

@@ -1,3 +1,4 @@
+#include "api/graph/Callbacks.h"
 #include "api/graph/FileOperation.h"
 #include "api/plugins/PluginManager.h"
 #include "commands/CommandSupport.h"
@@ -11,8 +12,11 @@
 #include "files/Workspace.h"
 #include "scene/References.h"
 
+#include <maya/MSceneMessage.h>
+
 #include <algorithm>
 #include <set>
+#include <unordered_set>
 
 namespace host::mel {
 
@@ -55,9 +59,10 @@ files::SceneReader::Result readScene(const std::string& path, files::SceneReader
     return files::SceneReader(theScene(), std::move(options)).read(path);
 }
 
-void writeScene(const std::string& path) {
+void writeScene(const std::string& path, const std::unordered_set<const Node*>* only = nullptr) {
     if (lowerExtension(path) == ".mb") throw Error(path + ": scenes can only be written as Maya ASCII (.ma).");
     files::SceneWriter::Options options;
+    options.only = only;
     for (const auto& plugin : Host::instance().plugins().loaded())
         if (!plugin->nodeTypes.empty()) options.plugins.emplace_back(plugin->name, plugin->version);
     files::SceneWriter(theScene(), std::move(options)).write(path);
@@ -153,6 +158,71 @@ Value referFile(const ParsedArguments& a, const std::string& name) {
     return made;
 }
 
+/// Reads the file of a reference, anew when it has been read; or gives up what it brought, until it is loaded.
+Value loadReference(const ParsedArguments& a, bool load) {
+    using Scenes = MSceneMessage;
+    const std::string asked = a.text(load ? "lr" : "ur");
+    const StringArray files = a.names();
+    if (files.size() > (load ? 1u : 0u)) throw Error("file: one reference is loaded from one file.");
+    const std::string node = queryReference(asked, true);
+    auto& callbacks = api::Callbacks::shared();
+    if (load && !callbacks.allowed(Scenes::kBeforeLoadReferenceCheck))
+        throw Error("file: a callback does not allow that '" + node + "' is loaded.");
+    callbacks.tell(load ? Scenes::kBeforeLoadReference : Scenes::kBeforeUnloadReference);
+    const std::string statements = withoutReference(node, load, files.empty() ? "" : workspace().findScene(files[0]));
+    files::SceneReader::Options options;
+    options.loadPlugin = loadPlugin;
+    options.project = workspace().root();
+    files::SceneReader(theScene(), std::move(options)).referAgain(statements);
+    std::vector<Node*> empty;
+    for (Node* foster : theScene().findNodes(node + "fosterParent*"))
+        if (foster->unknownType == "fosterParent" && foster->dag()->children.empty()) empty.push_back(foster);
+    const UndoQueue::Suspend quiet(theScene().undo);
+    theScene().deleteNodes(empty);
+    const Reference* made = References::of(theScene()).named(node);
+    if (!made || made->loaded != load) throw Error("file: the reference '" + node + "' could not be loaded.");
+    callbacks.tell(load ? Scenes::kAfterLoadReference : Scenes::kAfterUnloadReference);
+    return made->path.empty() ? made->file : made->path.generic_string();
+}
+
+/// What goes along with the selected nodes: what is below and above them, what they are computed from, and their
+/// shading.
+std::unordered_set<const Node*> withSelection() {
+    std::unordered_set<const Node*> chosen;
+    std::vector<Node*> open;
+    const auto add = [&](Node& node) {
+        if (node.isDefault || !chosen.insert(&node).second) return;
+        open.push_back(&node);
+        DagNode* const dag = node.dag();
+        for (DagNode* up = dag ? dag->parent : nullptr; up && !up->isWorld(); up = up->parent) {
+            if (!chosen.insert(up).second) break;
+            open.push_back(up);
+        }
+    };
+    for (Node* node : selectedNodes()) {
+        add(*node);
+        if (DagNode* dag = node->dag())
+            for (DagNode* below : theScene().descendants(*dag)) add(*below);
+    }
+    if (chosen.empty()) throw Error("Nothing is selected that could be exported.");
+    while (!open.empty()) {
+        Node& node = *open.back();
+        open.pop_back();
+        const bool shades = node.type.isA("shadingEngine");
+        for (Cell* root : node.cells()) {
+            // What else has the same shading stays behind.
+            if (shades && root->attribute.named("dagSetMembers")) continue;
+            forEachCell(*root, [&](Cell& cell) {
+                if (cell.source) add(cell.source->node);
+                for (Cell* to : cell.destinations)
+                    if (to->node.type.isA("shadingEngine") && to->attribute.root().named("dagSetMembers"))
+                        add(to->node);
+            });
+        }
+    }
+    return chosen;
+}
+
 using api::FileOperation;
 using Action = FileOperation::Action;
 
@@ -167,6 +237,8 @@ Value file(Call& call) {
                              {"es", "exportSelected"},
                              {"r", "reference"},
                              {"rr", "removeReference"},
+                             {"lr", "loadReference", 1},
+                             {"ur", "unloadReference", 1},
                              {"rfn", "referenceNode", 1},
                              {"f", "force"},
                              {"typ", "type", 1},
@@ -193,9 +265,8 @@ Value file(Call& call) {
                             true);
     Scene& scene = theScene();
     if (a.query()) return queryFile(a);
-    if (a.has("es")) throw Error("file: exporting the selection is not supported; use -exportAll.");
     const std::string type = a.text("typ");
-    const bool writes = a.has("s") || a.has("rn") || a.has("ea");
+    const bool writes = a.has("s") || a.has("rn") || a.has("ea") || a.has("es");
     if (!type.empty() && writes && type != "mayaAscii")
         throw Error("file: the type '" + type + "' is not supported; only mayaAscii is.");
     const auto name = [&]() -> std::string {
@@ -224,6 +295,7 @@ Value file(Call& call) {
         removeReference(a.has("rfn") ? a.text("rfn") : name());
         return {};
     }
+    if (a.has("lr") || a.has("ur")) return loadReference(a, a.has("lr"));
     if (a.has("r")) return referFile(a, name());
     if (a.has("i")) {
         std::string path = workspace().findScene(name());
@@ -236,10 +308,11 @@ Value file(Call& call) {
         scene.fileName = placeOf(name());
         return scene.fileName;
     }
-    if (a.has("ea")) {
+    if (a.has("ea") || a.has("es")) {
         std::string path = placeOf(name());
+        const auto chosen = a.has("es") ? withSelection() : std::unordered_set<const Node*>();
         FileOperation operation(Action::Export, path);
-        writeScene(path);
+        writeScene(path, a.has("es") ? &chosen : nullptr);
         operation.done();
         return path;
     }

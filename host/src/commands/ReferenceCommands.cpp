@@ -2,6 +2,7 @@
 
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
+#include "files/SceneWriter.h"
 
 #include "scene/Namespaces.h"
 
@@ -182,12 +183,17 @@ NewReference namesForReference(const std::string& file, const std::string& wante
     return {space, space + "RN"};
 }
 
-void removeReference(const std::string& name) {
+namespace {
+
+/// Its own node stays for one that is to come back.
+void takeOut(const std::string& name, bool nodeStays) {
     References& all = references();
     Reference& top = referenceNamed(name);
     if (top.nested) throw Error("'" + name + "' belongs to the reference '" + top.top->name + "'.");
     // Its nodes go with it, and what the scene says of it.
-    const std::string node = top.name, quotedName = "\"" + node + "\"";
+    const std::string node = top.name;
+    std::erase_if(theScene().keptStatements,
+                  [&](const std::string& s) { return s.starts_with("file ") && all.isFileOf(s, top); });
     std::vector<Node*> going;
     std::vector<Reference*> within;
     for (const auto& r : all.all())
@@ -204,12 +210,57 @@ void removeReference(const std::string& name) {
     all.remove(top);
     for (const NodePtr& n : keep)
         if (n->inScene) theScene().deleteNodes({n.get()});
-    if (Node* own = theScene().findNode(node); own && own->type.name == "reference") theScene().deleteNodes({own});
-    std::erase_if(theScene().keptStatements, [&](const std::string& s) {
-        return s.starts_with("file ") && s.find("-rfn " + quotedName) != s.npos;
-    });
+    if (Node* own = nodeStays ? nullptr : theScene().findNode(node); own && own->type.name == "reference")
+        theScene().deleteNodes({own});
     theScene().undo.clear();
     theScene().modified = true;
+}
+
+/// Puts what the scene has below the nodes of a reference below one that stands for these: it comes back with them.
+void fosterChildren(Reference& top) {
+    Scene& scene = theScene();
+    DagNode* foster = nullptr;
+    for (const auto& r : references().all()) {
+        if (r->top != &top) continue;
+        for (const NodePtr& node : nodesOf(*r)) {
+            DagNode* const parent = node->dag();
+            if (!parent || parent->isWorld()) continue;
+            const std::vector<DagNode*> children = parent->children;
+            for (DagNode* child : children) {
+                if (child->referenced) continue;
+                const std::string place = parent->fullPath();
+                if (!foster)
+                    foster = scene
+                                 .createUnknown("fosterParent", top.name + "fosterParent1", nullptr,
+                                                NodeType::Kind::Transform)
+                                 ->dag();
+                scene.reparent(*child, foster);
+                top.edits.push_back({r->name, ReferenceEdit::Parent, 0, {child->fullPath(), place, "-s -r "}, false});
+            }
+        }
+    }
+}
+
+} // namespace
+
+void removeReference(const std::string& name) { takeOut(name, false); }
+
+std::string withoutReference(const std::string& name, bool load, const std::string& otherFile) {
+    Reference& top = referenceNamed(name);
+    if (top.nested) throw Error("'" + name + "' belongs to the reference '" + top.top->name + "'.");
+    const UndoQueue::Suspend quiet(theScene().undo);
+    // A file may have left it out.
+    if (!theScene().findNode(top.name)) theScene().createNode(*theScene().findType("reference"), top.name);
+    Node* const node = theScene().findNode(top.name);
+    if (node->type.name != "reference") throw Error("'" + top.name + "' is no reference node.");
+    fosterChildren(top);
+    std::string statements = files::SceneWriter(theScene()).reference(top, load, otherFile);
+    node->keptStatements.clear();
+    const auto ofNode = [&](const std::weak_ptr<Node>& side) { return side.lock().get() == node; };
+    std::erase_if(theScene().keptConnections,
+                  [&](const KeptConnection& kept) { return ofNode(kept.sourceNode) || ofNode(kept.destinationNode); });
+    takeOut(top.name, true);
+    return statements;
 }
 
 void registerReferenceCommands(Interpreter& interpreter) {

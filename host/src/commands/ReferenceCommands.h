@@ -20,6 +20,9 @@ struct NewReference {
 NewReference namesForReference(const std::string& file, const std::string& wanted);
 /// Takes a reference of the scene's own out of it, with all that it brought. This cannot be undone.
 void removeReference(const std::string& name);
+/// The same for one that is to come back: answers the statements that bring it, which say whether its file is to be
+/// read, and may name another one. What the scene has below its nodes waits for them.
+std::string withoutReference(const std::string& name, bool load, const std::string& otherFile);
 /// @}
 
 } // namespace host::mel

@@ -851,10 +851,13 @@ SceneReader::Result SceneReader::refer(const std::string& file, const std::strin
                                        const std::string& referenceNode) {
     const std::string flags = " -ns " + quotedText(nameSpace) + " -rfn " + quotedText(referenceNode) +
                               " -typ \"mayaAscii\" " + quotedText(file) + ";\n";
+    return referAgain("file -rdi 1" + flags + "file -r -dr 1" + flags + "createNode reference -n " +
+                      quotedText(referenceNode) + ";\n");
+}
+
+SceneReader::Result SceneReader::referAgain(const std::string& statements) {
     options_.import = true;
-    return readText("file -rdi 1" + flags + "file -r -dr 1" + flags + "createNode reference -n " +
-                        quotedText(referenceNode) + ";\n",
-                    scene_.fileName.empty() ? "file" : scene_.fileName, scene_.fileName);
+    return readText(statements, scene_.fileName.empty() ? "file" : scene_.fileName, scene_.fileName);
 }
 
 SceneReader::Result SceneReader::readText(std::string_view text, const std::string& name,

@@ -48,6 +48,9 @@ public:
     /// options.
     Result refer(const std::string& file, const std::string& nameSpace, const std::string& referenceNode);
 
+    /// Reads what SceneWriter::reference() wrote of a reference that has been taken out of the scene meanwhile.
+    Result referAgain(const std::string& statements);
+
 private:
     Result readText(std::string_view text, const std::string& name, const std::filesystem::path& scene);
 

@@ -27,14 +27,22 @@ public:
     Writing(Scene& scene, const SceneWriter::Options& options) : scene_(scene), options_(options) {}
 
     std::string run(const std::string& name);
+    std::string reference(const Reference& reference, bool load, const std::string& otherFile);
 
 private:
+    /// Whether a node of the scene's own is left out although it could be saved.
+    bool isLeftOut(const Node& node) const {
+        return options_.only && !node.isDefault && !options_.only->contains(&node);
+    }
+    bool isWanted(const Reference& reference) const { return !wanted_ || wanted_->contains(reference.top); }
+    bool isFileOfUnwanted(const std::string& keptStatement) const;
+    void chooseReferences();
+    void keptConnection(const KeptConnection& kept);
     void header(const std::string& name);
     void create(Node& node);
     void contents(Node& node);
     void connections(Node& node);
     void connection(Cell& source, Cell& destination);
-    void keptConnections();
     void keptInstances();
     void collectEdits();
     void collectEdits(Node& node, Reference& reference);
@@ -52,7 +60,9 @@ private:
     /// Of the scene's own references, by their nodes' names: what the scene changes of them.
     std::map<std::string, std::vector<ReferenceEdit>> edits_;
     std::map<std::string, int> placeholders_; ///< how many each of them has used
-    std::string throughPlaceholders_;         ///< the statements that connect them
+    /// The scene's own references that are written; nothing for all.
+    std::optional<std::unordered_set<const Reference*>> wanted_;
+    std::string throughPlaceholders_; ///< the statements that connect them
     std::string out_;
 };
 
@@ -91,7 +101,7 @@ void Writing::header(const std::string& name) {
         release.begin(), release.end(), [](unsigned char c) { return c < 32; }, ' ');
     out_ += "//Maya ASCII " + release + " scene\n//Name: " + safe + "\n//Codeset: UTF-8\n";
     for (const std::string& kept : scene_.keptStatements)
-        if (kept.starts_with("file ")) out_ += kept + "\n";
+        if (kept.starts_with("file ") && !isFileOfUnwanted(kept)) out_ += kept + "\n";
     out_ += requirement + "\n";
     for (const auto& [plugin, version] : options_.plugins)
         out_ += "requires " + quotedText(plugin) + " " + quotedText(version) + ";\n";
@@ -100,6 +110,21 @@ void Writing::header(const std::string& name) {
     out_ += longName(units_);
     for (const auto& [key, value] : scene_.fileInfo)
         out_ += "fileInfo " + quotedText(key) + " " + quotedText(value) + ";\n";
+}
+
+/// Whether the statement names a file that none of the references which are written refer to.
+bool Writing::isFileOfUnwanted(const std::string& keptStatement) const {
+    return wanted_ && std::none_of(wanted_->begin(), wanted_->end(), [&](const Reference* reference) {
+               return References::of(scene_).isFileOf(keptStatement, *reference);
+           });
+}
+
+/// Which references go with the nodes that are to be written.
+void Writing::chooseReferences() {
+    if (!options_.only) return;
+    wanted_.emplace();
+    for (const Node* node : *options_.only)
+        if (const Reference* reference = References::of(scene_).of(*node)) wanted_->insert(reference->top);
 }
 
 void Writing::create(Node& node) {
@@ -165,6 +190,11 @@ void Writing::collectConnection(Cell& cell) {
         !references.isOwnConnection(cell)) {
         Cell& source = *cell.source;
         const Reference *from = references.of(source.node), *to = references.of(cell.node);
+        // What another reference brings is called by its name where that one is not written.
+        const bool leftOut = (from && !isWanted(*from)) || (to && !isWanted(*to));
+        if (leftOut && options_.only) return;
+        if (from && !isWanted(*from)) from = nullptr;
+        if (to && !isWanted(*to)) to = nullptr;
         if (from || to) {
             std::string first, second, names[2];
             if (from) first = placeholderOf(*from, names[0]);
@@ -257,7 +287,7 @@ std::optional<int> movedVertex(const ReferenceEdit& edit) {
 void Writing::collectEdits() {
     const References& references = References::of(scene_);
     for (const auto& reference : references.all()) {
-        if (reference->top != reference.get() || !reference->loaded) continue;
+        if (reference->top != reference.get() || !reference->loaded || !isWanted(*reference)) continue;
         std::vector<ReferenceEdit>& edits = edits_[reference->name];
         int& used = placeholders_[reference->name];
         for (const ReferenceEdit& e : reference->edits) {
@@ -283,7 +313,7 @@ void Writing::collectEdits() {
     }
     for (const auto& reference : references.all())
         for (const auto& kept : reference->contents)
-            if (const NodePtr node = kept.lock(); node && node->inScene) {
+            if (const NodePtr node = kept.lock(); node && node->inScene && isWanted(*reference)) {
                 collectEdits(*node, *reference);
                 for (Cell* root : node->cells()) forEachCell(*root, [&](Cell& cell) { collectConnection(cell); });
             }
@@ -311,49 +341,91 @@ void Writing::keptInstances() {
     }
 }
 
-void Writing::keptConnections() {
+void Writing::keptConnection(const KeptConnection& kept) {
     const auto neverSet = [](const std::weak_ptr<Node>& node) {
         const std::weak_ptr<Node> none;
         return !node.owner_before(none) && !none.owner_before(node);
     };
-    for (const KeptConnection& kept : scene_.keptConnections) {
-        const auto side = [&](const std::weak_ptr<Node>& owner, const std::weak_ptr<Node>& place,
-                              const std::string& text, std::string& name) {
-            if (neverSet(owner)) {
-                name = text;
-                return true;
-            }
-            const auto node = owner.lock();
-            if (!node || !node->inScene || omitted_.contains(node.get())) return false; // went with its node
-            const auto parent = place.lock();
-            if (!neverSet(place) && (!parent || !parent->inScene || omitted_.contains(parent.get()))) return false;
-            name = (parent ? parent->dag()->fullPath() + "|" + node->name : nameInFile(*node)) + "." + text;
+    const auto side = [&](const std::weak_ptr<Node>& owner, const std::weak_ptr<Node>& place, const std::string& text,
+                          std::string& name) {
+        if (neverSet(owner)) {
+            name = text;
             return true;
-        };
-        std::string source, destination;
-        if (!side(kept.sourceNode, kept.sourceParent, kept.sourceText, source)) continue;
-        if (!side(kept.destinationNode, kept.destinationParent, kept.destinationText, destination)) continue;
-        out_ += "connectAttr " + quotedText(source) + " " + quotedText(destination);
-        if (!kept.flags.empty()) out_ += " " + kept.flags;
-        out_ += ";\n";
+        }
+        const auto node = owner.lock();
+        if (!node || !node->inScene || omitted_.contains(node.get())) return false; // went with its node
+        const auto parent = place.lock();
+        if (!neverSet(place) && (!parent || !parent->inScene || omitted_.contains(parent.get()))) return false;
+        name = (parent ? parent->dag()->fullPath() + "|" + node->name : nameInFile(*node)) + "." + text;
+        return true;
+    };
+    std::string source, destination;
+    if (!side(kept.sourceNode, kept.sourceParent, kept.sourceText, source)) return;
+    if (!side(kept.destinationNode, kept.destinationParent, kept.destinationText, destination)) return;
+    out_ += "connectAttr " + quotedText(source) + " " + quotedText(destination);
+    if (!kept.flags.empty()) out_ += " " + kept.flags;
+    out_ += ";\n";
+}
+
+/// With the file's statements another one in the place of the last word, and whether it is to be read.
+std::string fileStatement(std::string statement, bool load, const std::string& otherFile) {
+    const bool opens = statement.find(" -r ") != statement.npos || statement.find(" -reference ") != statement.npos;
+    if (!opens)
+        for (const std::string_view flag : {" -dr ", " -deferReference "})
+            if (const auto at = statement.find(flag); at != statement.npos)
+                statement.erase(at, statement.find(' ', at + flag.size()) - at);
+    if (!opens && !load) statement.insert(statement.find(" -rfn "), " -dr 1");
+    if (!otherFile.empty())
+        if (const auto at = statement.rfind(" \""); at != statement.npos)
+            statement.replace(at + 1, statement.rfind('"') - at, quotedText(otherFile));
+    return statement + "\n";
+}
+
+std::string Writing::reference(const Reference& reference, bool load, const std::string& otherFile) {
+    wanted_.emplace().insert(&reference);
+    Node& node = *scene_.findNode(reference.name);
+    if (reference.loaded) {
+        collectEdits();
+        for (const auto& [serial, own] : scene_.nodes())
+            if (!own->referenced)
+                for (Cell* root : own->cells()) forEachCell(*root, [&](Cell& cell) { collectConnection(cell); });
+        for (const auto& other : References::of(scene_).all())
+            if (!isWanted(*other))
+                for (const auto& kept : other->contents)
+                    if (const NodePtr own = kept.lock(); own && own->inScene)
+                        for (Cell* root : own->cells())
+                            forEachCell(*root, [&](Cell& cell) { collectConnection(cell); });
     }
+    for (const std::string& kept : scene_.keptStatements)
+        if (kept.starts_with("file ") && References::of(scene_).isFileOf(kept, reference)) {
+            const bool own = kept.find(" -rfn " + quotedText(reference.name)) != kept.npos;
+            out_ += own ? fileStatement(kept, load, otherFile) : kept + "\n";
+        }
+    out_ += "createNode reference -s -n " + quotedText(node.name) + ";\n"; // it stays where it is
+    contents(node);
+    out_ += throughPlaceholders_;
+    for (const KeptConnection& kept : scene_.keptConnections)
+        if (kept.sourceNode.lock().get() == &node || kept.destinationNode.lock().get() == &node) keptConnection(kept);
+    return std::move(out_);
 }
 
 std::string Writing::run(const std::string& name) {
+    chooseReferences();
     header(name);
     for (const KeptInstance& kept : scene_.keptInstances)
         if (const auto node = kept.node.lock(); node && node->inScene) instanced_.insert(node.get());
     std::vector<Node*> order, selected;
     for (DagNode* dag : scene_.descendants(*scene_.world())) {
         if (dag->referenced) continue; // its own file has it
-        if (dag->doNotWrite || omitted_.contains(dag->parent))
+        if (dag->doNotWrite || omitted_.contains(dag->parent) || isLeftOut(*dag))
             omitted_.insert(dag);
         else
             order.push_back(dag);
     }
     for (const auto& [serial, node] : scene_.nodes()) {
         if (node->dag() || node->referenced) continue;
-        if (node->doNotWrite) {
+        const Reference* reference = options_.only ? References::of(scene_).named(node->name) : nullptr;
+        if (node->doNotWrite || (reference ? !isWanted(*reference) : isLeftOut(*node))) {
             omitted_.insert(node.get());
             continue;
         }
@@ -382,9 +454,9 @@ std::string Writing::run(const std::string& name) {
     keptInstances();
     for (Node* node : order) connections(*node);
     out_ += throughPlaceholders_;
-    keptConnections();
+    for (const KeptConnection& kept : scene_.keptConnections) keptConnection(kept);
     for (const std::string& kept : scene_.keptStatements)
-        if (!kept.starts_with("file ")) out_ += kept + "\n";
+        if (!kept.starts_with("file ") && !options_.only) out_ += kept + "\n";
     out_ += "// End of file\n";
     return std::move(out_);
 }
@@ -392,6 +464,10 @@ std::string Writing::run(const std::string& name) {
 } // namespace
 
 std::string SceneWriter::text(const std::string& name) { return Writing(scene_, options_).run(name); }
+
+std::string SceneWriter::reference(const Reference& reference, bool load, const std::string& otherFile) {
+    return Writing(scene_, options_).reference(reference, load, otherFile);
+}
 
 void SceneWriter::write(const std::filesystem::path& file) { writeTextFile(file, text(file.filename().string())); }
 

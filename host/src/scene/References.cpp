@@ -26,6 +26,15 @@ Reference* References::prefixed(const std::string& prefix) const {
     return it == byPrefix_.end() ? nullptr : it->second;
 }
 
+bool References::isFileOf(const std::string& statement, const Reference& top) const {
+    return std::any_of(all_.begin(), all_.end(), [&](const auto& r) {
+        if (r->top != &top) return false;
+        const std::string name = " \"" + r->name + "\"";
+        return statement.find(" -rfn" + name) != statement.npos ||
+               statement.find(" -referenceNode" + name) != statement.npos;
+    });
+}
+
 Reference& References::enter(std::shared_ptr<Reference> reference) {
     byName_.emplace(reference->name, reference.get());
     byPrefix_.emplace(reference->prefix, reference.get());

@@ -49,6 +49,8 @@ public:
     Reference* prefixed(const std::string& prefix) const;
     /// The reference that brought the node; null for the scene's own.
     Reference* of(const Node& node) const;
+    /// Whether a statement `file` that the scene keeps names the file of the reference, or of one within it.
+    bool isFileOf(const std::string& statement, const Reference& top) const;
     Reference& enter(std::shared_ptr<Reference> reference);
     /// Marks nodes as brought by the reference, unless they are by one within it.
     void bring(Reference& reference, const std::vector<NodePtr>& nodes);

@@ -121,6 +121,10 @@ MStatus MFileIO::exportAll(const MString& fileName, const char* type, bool) {
     return withFile("-exportAll", fileName, type);
 }
 
+MStatus MFileIO::exportSelected(const MString& fileName, const char* type, bool) {
+    return withFile("-exportSelected", fileName, type);
+}
+
 MStatus MFileIO::getReferences(MStringArray& files, bool wantUnresolvedNames) {
     files.clear();
     for (const auto& r : references().all())
@@ -180,6 +184,43 @@ MStatus MFileIO::removeReference(const MString& fileName, NamespaceMergeMethod n
         }
     });
     return removed;
+}
+
+namespace {
+
+/// Loads or unloads the reference that has the node; without one there is none.
+MString load(const char* flag, const std::string& node, MStatus* status) {
+    mel::Value name;
+    const MStatus done = references().named(node) ? file({flag, node}, &name) : MStatus::kInvalidParameter;
+    setStatus(status, done.statusCode());
+    return done ? fromText(name.toString()) : MString();
+}
+
+std::string nodeOf(const scene::Reference* reference) { return reference ? reference->name : std::string(); }
+std::string nodeOf(const MObject& object) {
+    const auto node = api::Access::node(object);
+    return node ? node->name : std::string();
+}
+
+} // namespace
+
+MString MFileIO::loadReference(const MString& referenceFileName, MStatus* s) {
+    return load("-loadReference", nodeOf(referenceTo(referenceFileName)), s);
+}
+MString MFileIO::loadReferenceByNode(const MString& referenceNodeName, MStatus* s) {
+    return load("-loadReference", toText(referenceNodeName), s);
+}
+MString MFileIO::loadReferenceByNode(MObject& referenceNode, MStatus* s) {
+    return load("-loadReference", nodeOf(referenceNode), s);
+}
+MString MFileIO::unloadReference(const MString& referenceFileName, MStatus* s) {
+    return load("-unloadReference", nodeOf(referenceTo(referenceFileName)), s);
+}
+MString MFileIO::unloadReferenceByNode(const MString& referenceNodeName, MStatus* s) {
+    return load("-unloadReference", toText(referenceNodeName), s);
+}
+MString MFileIO::unloadReferenceByNode(MObject& referenceNode, MStatus* s) {
+    return load("-unloadReference", nodeOf(referenceNode), s);
 }
 
 MStatus MFileIO::getFiles(MStringArray& files, bool wantUnresolvedNames, bool wantReferencesOnly) {
