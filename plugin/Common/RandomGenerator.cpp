@@ -1,5 +1,7 @@
 #include "RandomGenerator.h"
 
+#include <algorithm>
+
 namespace orvo {
 namespace {
 
@@ -36,8 +38,15 @@ void RandomGenerator::regenerate() {
     for (; i < wordCount - middle; ++i) words_[i] = twisted(words_[i], words_[i + 1], words_[i + middle]);
     for (; i < wordCount - 1; ++i) words_[i] = twisted(words_[i], words_[i + 1], words_[i + middle - wordCount]);
     words_[i] = twisted(words_[i], words_[0], words_[middle - 1]);
-    for (i = 0; i < wordCount; ++i) tempered_[i] = tempered(words_[i]);
+    for (i = 0; i < wordCount; ++i) tempered_[maxAhead + i] = tempered(words_[i]);
     index_ = 0;
+}
+
+void RandomGenerator::regenerateBehind() {
+    const std::int32_t left = wordCount - index_;
+    std::copy_n(tempered_.end() - left, left, tempered_.begin() + maxAhead - left);
+    regenerate();
+    index_ = -left;
 }
 
 void RandomGenerator::skip(std::uint64_t count) {

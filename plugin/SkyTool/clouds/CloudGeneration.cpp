@@ -28,44 +28,38 @@ bool finish(CloudSample& sum) {
     return true;
 }
 
-struct Fade {
-    bool on = false;
-    double start = 0.0, end = 0.0;
-};
-
-constexpr double placementRadius = 1.2, placementCap = 0.3;
-
 /// The kept candidates of a cloud's jittered grid.
 class Scattering {
 public:
-    Scattering(const CloudShapeSet& set, const ShapeTable& table, double step, const Fade& fade,
-               RandomGenerator& random)
-        : set_(set), table_(table), step_(step), fade_(fade), random_(random),
-          rows_(table, {0.0, 0.0, step}, step / 2.0, placementRadius) {}
+    Scattering(const CloudShapeSet& set, const ShapeTable& table, const Scatter& scatter, RandomGenerator& random)
+        : set_(set), table_(table), candidates_(table, scatter), scatter_(scatter), random_(random),
+          rows_(table, {0.0, 0.0, scatter.step}, scatter.step / 2.0, placementRadius) {}
 
     void run() {
-        const double extent = 2.0 * set_.boundRadius, n = std::trunc(extent / step_);
+        const double step = scatter_.step, extent = 2.0 * set_.boundRadius, n = std::trunc(extent / step);
         // A step beyond all numbers would leave one candidate, beyond all numbers too.
-        if (!(n * n * n <= 1000000.0) || !std::isfinite(step_)) return;
-        std::vector<double> grid;
+        if (!(n * n * n <= 1000000.0) || !std::isfinite(step)) return;
         double at = 0.0;
         while (at < extent) {
-            grid.push_back(at);
-            at += step_;
+            grid_.push_back(at);
+            at += step;
         }
-        for (const double x : grid)
-            for (const double y : grid)
-                if (!scatterRow(x, y, grid)) return;
+        const std::size_t count = grid_.size();
+        grid_.resize(count + rowPadding);
+        kept.positions.reserve(maxSprites);
+        kept.opacities.reserve(maxSprites);
+        for (std::size_t i = 0; i < count && !kept.full(); ++i)
+            for (std::size_t j = 0; j < count && !kept.full(); ++j)
+                scatterRow(grid_[i], grid_[j], static_cast<int>(count));
     }
 
-    std::vector<Vector3> positions;
-    std::vector<float> opacities;
+    KeptSprites kept;
 
 private:
     void findSpans(double x, double y, int count) {
-        const double half = step_ / 2.0, radius = set_.boundRadius;
+        const double half = scatter_.step / 2.0, radius = set_.boundRadius;
         const Vector3 corner = set_.boundCentre - Vector3{radius, radius, radius};
-        if (table_.usable() && step_ < 1e70)
+        if (table_.usable() && scatter_.step < 1e70)
             return spansOfShapes(table_, rows_, corner + Vector3{x + half, y + half, half}, count, spans_);
         spans_.clear();
         for (std::uint32_t i = 0; i < set_.spheres.size(); ++i) spans_.push_back({i, 0, count - 1});
@@ -83,48 +77,45 @@ private:
         return sums;
     }
 
-    /// Boxes where no shape is felt are passed over, but for their draws. @return false once the cloud is full
-    bool scatterRow(double x, double y, const std::vector<double>& grid) {
-        const int count = static_cast<int>(grid.size());
+    /// Draws the candidate of box k, and keeps it or not.
+    void tryCandidate(const CandidateRow& row, int k) {
+        const double r1 = random_.RandomFloat(), r2 = random_.RandomFloat(), r3 = random_.RandomFloat();
+        const double radius = set_.boundRadius, step = scatter_.step;
+        const Vector3 jittered{row.x + r1 * step, row.y + r2 * step, row.z[k] + r3 * step};
+        const Vector3 p = jittered - Vector3{radius, radius, radius} + set_.boundCentre;
+        const Vector3 out = p - set_.boundCentre;
+        if (!(dot(out, out) < radius * radius) || (scatter_.groundFade && p.y < scatter_.fadeEnd)) return;
+        CloudSample sample = sumsAt(p, k);
+        if (!finish(sample) || !(1.0 - sample.coverage < random_.RandomFloat() * sample.density)) return;
+        kept.positions.push_back(p);
+        kept.opacities.push_back(static_cast<float>(sample.opacity));
+    }
+
+    /// Boxes where no shape is felt are passed over, but for their draws.
+    void scatterRow(double x, double y, int count) {
         findSpans(x, y, count);
         int first = count, last = -1;
         for (const ShapeSpan& span : spans_) {
             first = std::min(first, span.first);
             last = std::max(last, span.last);
         }
-        if (last < 0) {
-            skipBoxes(count);
-            return true;
-        }
-        // Of many shapes in a row few are felt in one box.
-        const bool fewShapes = table_.usable() && spans_.size() <= 32;
-        if (fewShapes) selection_.select(table_, spans_);
         skipBoxes(first);
-        for (int k = first; k <= last; ++k) {
-            const double r1 = random_.RandomFloat(), r2 = random_.RandomFloat(), r3 = random_.RandomFloat();
-            const double radius = set_.boundRadius;
-            const Vector3 jittered{x + r1 * step_, y + r2 * step_, grid[static_cast<std::size_t>(k)] + r3 * step_};
-            const Vector3 p = jittered - Vector3{radius, radius, radius} + set_.boundCentre;
-            const Vector3 out = p - set_.boundCentre;
-            if (!(dot(out, out) < radius * radius) || (fade_.on && p.y < fade_.end)) continue;
-            CloudSample sample = fewShapes ? selection_.sums(p, placementRadius, placementCap) : sumsAt(p, k);
-            if (!finish(sample) || !(1.0 - sample.coverage < random_.RandomFloat() * sample.density)) continue;
-            positions.push_back(p);
-            opacities.push_back(static_cast<float>(sample.opacity));
-            if (positions.size() == maxSprites) return false;
+        const CandidateRow row{x, y, grid_.data(), last};
+        for (int k = first; k <= last && !kept.full(); ++k) {
+            if (table_.usable()) k = keepCandidates(candidates_, scatter_, spans_, row, k, random_, kept);
+            if (k <= last && !kept.full()) tryCandidate(row, k);
         }
-        skipBoxes(count - 1 - last);
-        return true;
+        if (!kept.full() && last >= 0) skipBoxes(count - 1 - last);
     }
 
     const CloudShapeSet& set_;
     const ShapeTable& table_;
-    double step_;
-    Fade fade_;
+    const CandidateTable candidates_;
+    const Scatter scatter_;
     RandomGenerator& random_;
     const RowDirection rows_;
+    std::vector<double> grid_;     ///< along each axis
     std::vector<ShapeSpan> spans_; ///< of the current row
-    ShapeSelection selection_;
 };
 
 } // namespace
@@ -185,20 +176,19 @@ void castShadows(const CloudShapeSet& set, const ShapeTable& table, const LightM
     geom.shadowCube0.resize(positions.size() * 16);
     geom.shadowCube1.resize(positions.size() * 16);
     SpriteMarcher marcher(table, march);
-    double depths[shadowSamples];
+    float depths[shadowSamples];
     for (std::size_t i = 0; i < positions.size(); ++i) {
-        if (!table.usable() || !marcher.depthsAt(positions[i], depths))
+        if (!table.usable() || !marcher.floatsAt(positions[i], depths))
             for (int s = 0; s < shadowSamples; ++s) {
                 const auto offset = [&](int bit) { return s & bit ? march.sampleOffset : -march.sampleOffset; };
-                depths[s] =
-                    MarchLight(set, positions[i] + Vector3{offset(1), offset(2), offset(4)}, march.lightDirection,
-                               march.stepLength, march.groundFade, march.fadeStart, march.fadeEnd);
+                depths[s] = static_cast<float>(MarchLight(set, positions[i] + Vector3{offset(1), offset(2), offset(4)},
+                                                          march.lightDirection, march.stepLength, march.groundFade,
+                                                          march.fadeStart, march.fadeEnd));
             }
-        for (std::size_t corner = 4 * i; corner < 4 * i + 4; ++corner)
-            for (std::size_t s = 0; s < 4; ++s) {
-                geom.shadowCube0[corner * 4 + s] = static_cast<float>(depths[s]);
-                geom.shadowCube1[corner * 4 + s] = static_cast<float>(depths[s + 4]);
-            }
+        for (std::size_t corner = 4 * i; corner < 4 * i + 4; ++corner) {
+            std::copy_n(depths, 4, &geom.shadowCube0[corner * 4]);
+            std::copy_n(depths + 4, 4, &geom.shadowCube1[corner * 4]);
+        }
     }
 }
 
@@ -209,11 +199,13 @@ std::unique_ptr<ParticleCloudGeom> GenerateSprites(const CloudShapeSet& set, dou
                                                    const Vector3& lightDirection, bool groundFade,
                                                    double groundFadeStartOffset, double groundFadeEndOffset) {
     const double step = 1000.0 / std::pow(particleDensity, 0.3333333333333333) * 100.0;
-    const Fade fade{groundFade, groundFadeStartOffset + set.boundCentre.y, groundFadeEndOffset + set.boundCentre.y};
+    const double fadeStart = groundFadeStartOffset + set.boundCentre.y,
+                 fadeEnd = groundFadeEndOffset + set.boundCentre.y;
     const ShapeTable table(set);
     RandomGenerator random(set.seed);
-    Scattering kept(set, table, step, fade, random);
-    kept.run();
+    Scattering scattering(set, table, {set.boundCentre, set.boundRadius, step, groundFade, fadeEnd}, random);
+    scattering.run();
+    const KeptSprites& kept = scattering.kept;
 
     auto geom = std::make_unique<ParticleCloudGeom>();
     const auto count = kept.positions.size();
@@ -238,7 +230,7 @@ std::unique_ptr<ParticleCloudGeom> GenerateSprites(const CloudShapeSet& set, dou
     }
     if (withShadowData) {
         const LightMarch march{set.boundCentre, lightDirection, set.boundRadius, set.boundRadius / 10.0,
-                               fade.on,         fade.start,     fade.end,        particleSize * 0.5 * 0.5};
+                               groundFade,      fadeStart,      fadeEnd,         particleSize * 0.5 * 0.5};
         castShadows(set, table, march, kept.positions, *geom);
     }
     return geom;

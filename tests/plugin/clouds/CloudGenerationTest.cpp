@@ -99,6 +99,10 @@ std::vector<Case> cases() {
         all.push_back({"a density beyond bounds", randomCloud(6, 20), 3e4});
         all.back().cloud.set.spheres[2].density = bad;
     }
+    all.push_back({"densities below 0", randomCloud(20, 23)});
+    for (std::size_t i = 0; i < 20; i += 4) all.back().cloud.set.spheres[i].density *= -1.0;
+    all.push_back({"a shape without end", randomCloud(20, 24)});
+    for (auto& row : all.back().cloud.set.spheres[3].transform.m) row[0] = row[1] = row[2] = 0.0;
     all.push_back({"shapes that reach beyond the bounds", randomCloud(20, 22)});
     all.back().cloud.set.boundRadius *= 0.5;
     all.push_back({"far from the origin", randomCloud(20, 21)});
@@ -130,46 +134,155 @@ TEST(GenerateSprites, MatchesThePlainLoopsToTheBitOnEveryVectorUnit) {
     EXPECT_GT(sprites, 50000) << "the clouds hold too little to tell";
 }
 
-// Catches fused operations and other orders in the last bits of the doubles, which the arrays' floats would hide.
+// Catches fused operations and other orders in the last bits of the doubles, which the arrays' floats would hide, and
+// estimates that are farther off than they say: each bound, and the floats that follow from it, for clouds at places
+// where rounding hardly counts, where it does, and where it is too much.
 TEST(CloudKernels, MatchThePlainDoublesToTheBit) {
-    for (const bool fade : {false, true}) {
-        const CloudShapeSet set = randomCloud(20, 30).set;
-        const ShapeTable table(set);
-        ASSERT_TRUE(table.usable());
-        ShapeSelection all;
-        std::vector<ShapeSpan> spans;
-        for (std::uint32_t i = 0; i < set.spheres.size(); ++i) spans.push_back({i, 0, 0});
-        all.select(table, spans);
-        const LightMarch march{set.boundCentre, slanted, set.boundRadius, set.boundRadius / 10.0, fade, 9e3, -9e3, 2e3};
-        SpriteMarcher marcher(table, march);
-        onEveryVectorUnit([&] {
+    for (const double away : {0.0, 2e6, 3e7, 1e9, 1e15})
+        for (const bool fade : {false, true}) {
+            SCOPED_TRACE(testing::Message() << away << (fade ? ", fade" : ""));
+            CloudShapeSet set = randomCloud(away > 1e7 ? 2 : 20, 30).set;
+            if (away == 2e6) set.spheres[3].density = -1e6;
+            if (away == 3e7) set.boundRadius *= 0.5; // rays end within shapes
+            for (CloudShapeSphere& sphere : set.spheres)
+                sphere.transform = MatrixMultiply(translationMatrix({-away, 0, away}), sphere.transform);
+            set.boundCentre = set.boundCentre + Vector3{away, 0, -away};
+            const ShapeTable table(set);
+            ASSERT_TRUE(table.usable());
+            const LightMarch march{
+                set.boundCentre, slanted, set.boundRadius, set.boundRadius / 10.0, fade, 9e3, -9e3, 2e3};
             RandomGenerator random(31);
-            int lit = 0, inside = 0;
-            for (int i = 0; i < 500; ++i) {
+            std::vector<Vector3> centres;
+            std::vector<double> expected;
+            for (int i = 0; i < 3000; ++i) {
                 const auto value = [&](double size) { return (random.RandomDouble53() - 0.5) * size; };
-                const double x = value(120000), y = value(60000);
-                const Vector3 p{x, y, value(120000)};
-                double depths[shadowSamples];
-                ASSERT_TRUE(marcher.depthsAt(p, depths));
+                const double x = value(1.7 * set.boundRadius), y = value(set.boundRadius);
+                centres.push_back(set.boundCentre + Vector3{x, y, value(1.7 * set.boundRadius)});
                 for (int s = 0; s < shadowSamples; ++s) {
                     const Vector3 corner{s & 1 ? 2e3 : -2e3, s & 2 ? 2e3 : -2e3, s & 4 ? 2e3 : -2e3};
-                    ASSERT_EQ(depths[s],
-                              plain::MarchLight(set, p + corner, slanted, march.stepLength, fade, 9e3, -9e3));
-                    lit += depths[s] > 0.0;
+                    expected.push_back(
+                        plain::MarchLight(set, centres.back() + corner, slanted, march.stepLength, fade, 9e3, -9e3));
                 }
-                const CloudSample sums = all.sums(p, 1.2, 0.3);
-                const auto sample = plain::EvaluateShapes(set, p, 1.2, false, 0, 0, false);
-                ASSERT_EQ(sample.has_value(), sums.coverage >= 1e-10);
-                if (!sample) continue;
-                ASSERT_EQ(sample->coverage, std::min(sums.coverage, 1.0));
-                ASSERT_EQ(sample->density, sums.density / sums.coverage);
-                ASSERT_EQ(sample->opacity, sums.opacity / sums.coverage);
-                ++inside;
             }
-            EXPECT_GT(lit, 1000);
-            EXPECT_GT(inside, 100);
-        });
-    }
+            onEveryVectorUnit([&] {
+                SpriteMarcher marcher(table, march);
+                int lit = 0, estimated = 0;
+                for (std::size_t i = 0; i < centres.size(); ++i) {
+                    double depths[shadowSamples], estimates[shadowSamples], bounds[shadowSamples];
+                    float floats[shadowSamples];
+                    ASSERT_TRUE(marcher.depthsAt(centres[i], depths));
+                    ASSERT_TRUE(marcher.floatsAt(centres[i], floats));
+                    const bool told = marcher.estimatesAt(centres[i], estimates, bounds);
+                    estimated += told;
+                    for (int s = 0; s < shadowSamples; ++s) {
+                        const double depth = expected[i * shadowSamples + static_cast<std::size_t>(s)];
+                        ASSERT_EQ(depths[s], depth);
+                        ASSERT_EQ(floats[s], static_cast<float>(depth));
+                        lit += depth != 0.0;
+                        if (told) {
+                            ASSERT_LE(std::abs(estimates[s] - depth), bounds[s]);
+                        }
+                    }
+                }
+                EXPECT_GT(lit, 1000);
+                EXPECT_GE(estimated, away < 1e9 ? 1000 : 0);
+            });
+        }
+}
+
+// Catches estimates that take a decision, or a float, for sure when it is not. A number of a cloud is moved until the
+// plain cloud changes between two neighbours of all doubles: there some candidate is felt or kept, or some opacity or
+// depth is rounded, by the last bit.
+TEST(GenerateSprites, DecidesAsThePlainLoopsWhereTheLastBitDoes) {
+    struct Moved {
+        const char* name;
+        double least, most;
+        double& (*number)(CloudShapeSphere&);
+        bool edge = false; ///< whether all that changes is how many candidates feel the first shape, which keeps none
+    };
+    const auto height = [](CloudShapeSphere& s) -> double& { return s.transform.m[1][1]; };
+    const Moved all[] = {{"size", 1e-4, 1.001e-4, height},
+                         {"size of a shape of no density", 1.8e-4, 2e-4, height, true},
+                         {"density", 0.8, 0.8001, [](CloudShapeSphere& s) -> double& { return s.density; }},
+                         {"a great opacity", -1e6, -9.999e5, [](CloudShapeSphere& s) -> double& { return s.opacity; }},
+                         {"opacity", 0.5, 0.5001, [](CloudShapeSphere& s) -> double& { return s.opacity; }}};
+    for (const Moved& moved : all)
+        for (std::uint32_t seed = 1; seed <= 40; ++seed) {
+            SCOPED_TRACE(testing::Message() << moved.name << ' ' << seed);
+            const bool shadow = seed % 2 && !moved.edge;
+            const double density = moved.edge ? 3e5 : 1e5;
+            CloudShapeSet set = puff(0.9);
+            set.spheres.push_back(set.spheres[0]);
+            set.spheres[1].transform = MatrixMultiply(translationMatrix({3000, 2000, 0}), set.spheres[0].transform);
+            if (moved.edge) {
+                for (CloudShapeSphere& sphere : set.spheres)
+                    for (int i = 0; i < 3; ++i) sphere.transform.m[i][i] = 2e-4;
+                set.spheres[0].transform.m[3][0] = 0.9; // 4,500 down the axis along which rows follow each other
+                set.spheres[0].density = 0.0;
+                set.spheres[1].transform.m[3][0] = -0.9;
+            }
+            const Vector3 away{seed > 20 ? 1e7 : 0.0, 0, 0}; // where rounding counts for more
+            for (CloudShapeSphere& sphere : set.spheres)
+                sphere.transform = MatrixMultiply(translationMatrix(away * -1.0), sphere.transform);
+            set.boundCentre = away;
+            set.seed = seed;
+            const auto at = [&](double value) -> const CloudShapeSet& {
+                moved.number(set.spheres[0]) = value;
+                return set;
+            };
+            const auto plainAt = [&](double value) {
+                return plain::GenerateSprites(at(value), density, 1000.0, shadow, slanted, false, 0.0, 0.0);
+            };
+            const auto same = [](const ParticleCloudGeom& a, const ParticleCloudGeom& b) {
+                return a.positions == b.positions && a.randoms == b.randoms && a.opacities == b.opacities &&
+                       a.shadowCube0 == b.shadowCube0 && a.shadowCube1 == b.shadowCube1;
+            };
+            double low = moved.least, high = moved.most;
+            const ParticleCloudGeom ofLow = plainAt(low);
+            ASSERT_GT(ofLow.numSprites, 0);
+            if (same(ofLow, plainAt(high))) continue; // no decision between them
+            for (double middle; middle = (low + high) / 2, low < middle && middle < high;)
+                (same(ofLow, plainAt(middle)) ? low : high) = middle;
+            const ParticleCloudGeom ofHigh = plainAt(high);
+            onEveryVectorUnit([&] {
+                expectSame(*GenerateSprites(at(low), density, 1000.0, shadow, slanted, false, 0.0, 0.0), ofLow);
+                expectSame(*GenerateSprites(at(high), density, 1000.0, shadow, slanted, false, 0.0, 0.0), ofHigh);
+            });
+        }
+}
+
+// Catches a march that adds what the plain one leaves out as too thin, or the other way round: a ray passes through one
+// shape, and then touches another, which has a coverage a little below 1e-10 there, or above it. The first one's
+// density is where the depth's float turns.
+TEST(CloudKernels, LeaveOutTheThinnestEdgesAsThePlainLoopsDo) {
+    for (const double weight : {0.5e-10, 0.99e-10, 1.01e-10, 1.9e-10, 3e-10})
+        for (const double least : {0.3, 0.4, 0.5, 0.6}) {
+            SCOPED_TRACE(testing::Message() << weight << ' ' << least);
+            CloudShapeSet set = puff();
+            set.boundRadius = 20000.0;
+            const double radius = 5000.0 / (marchRadius * std::sqrt(1.0 - std::sqrt(weight)));
+            Matrix44 world{{{radius, 0, 0, 0}, {0, radius, 0, 0}, {0, 0, radius, 0}, {5000, 20000, 0, 1}}};
+            set.spheres.push_back({MatrixInverse(world, 1e-10), 1.0, 1.0});
+            const auto plainAt = [&](double density) {
+                set.spheres[0].density = density;
+                return static_cast<float>(plain::MarchLight(set, {}, {0, 1, 0}, 2000.0, false, 0, 0));
+            };
+            double low = least, high = least * 1.001;
+            const float ofLow = plainAt(low), ofHigh = plainAt(high);
+            ASSERT_LT(ofLow, ofHigh);
+            for (double middle; middle = (low + high) / 2, low < middle && middle < high;)
+                (plainAt(middle) == ofLow ? low : high) = middle;
+            for (const double density : {low, high}) {
+                const float expected = plainAt(density);
+                const ShapeTable table(set);
+                const LightMarch march{set.boundCentre, {0, 1, 0}, set.boundRadius, 2000.0, false, 0, 0, 0.0};
+                onEveryVectorUnit([&] {
+                    float depths[shadowSamples];
+                    ASSERT_TRUE(SpriteMarcher(table, march).floatsAt({}, depths));
+                    for (const float depth : depths) ASSERT_EQ(depth, expected);
+                });
+            }
+        }
 }
 
 // Catches bounds without room for rounding, or without the box around a point: shapes and rows are laid so that a box

@@ -23,14 +23,24 @@ TEST(RandomGenerator, IsMT19937) {
     EXPECT_EQ(&RandomGenerator::shared(), &RandomGenerator::shared());
 }
 
-TEST(RandomGenerator, SkipsAsManyAsItWouldGive) {
+TEST(RandomGenerator, SkipsAndShowsWhatItWouldGive) {
     for (const unsigned before : {0u, 1u, 623u, 624u})
         for (const unsigned count : {0u, 1u, 2u, 623u, 624u, 625u, 1247u, 1248u, 5000u}) {
             RandomGenerator drawn(9), skipped(9);
             for (unsigned i = 0; i < before; ++i) drawn.RandomUInt32(), skipped.RandomUInt32();
             for (unsigned i = 0; i < count; ++i) drawn.RandomUInt32();
             skipped.skip(count);
-            EXPECT_EQ(skipped.RandomUInt32(), drawn.RandomUInt32()) << before << " drawn, " << count << " skipped";
+            SCOPED_TRACE(testing::Message() << before << " drawn, " << count << " skipped");
+            EXPECT_EQ(skipped.RandomUInt32(), drawn.RandomUInt32());
+            // Those ahead, too, some of them beyond the end of a block, whether taken or skipped afterwards.
+            for (const unsigned taken : {20u, 0u, 32u}) {
+                const std::uint32_t* ahead = skipped.ahead<32>();
+                RandomGenerator other = drawn;
+                for (int i = 0; i < 32; ++i) ASSERT_EQ(ahead[i], other.RandomUInt32()) << i << " ahead";
+                for (unsigned i = 0; i < taken; ++i) ASSERT_EQ(skipped.RandomUInt32(), drawn.RandomUInt32());
+                skipped.skip(600);
+                for (int i = 0; i < 600; ++i) drawn.RandomUInt32();
+            }
         }
 }
 
