@@ -143,12 +143,14 @@ std::unique_ptr<CloudShapeSet> ParticleCloud::GenerateSpriteData() {
 
 ParticleCloud::GenerationInputs ParticleCloud::inputsOf(const CloudShadingParams& shading) const {
     const CloudSettings s = settings();
+    // Without ground fade its height counts for nothing, nor does the light without shadow data: a sun that is dragged
+    // then leaves the sprites as they are.
     return {.density = s.spriteDensity,
             .size = s.spriteSize,
             .groundFade = s.enableGroundFade,
-            .groundFadeEnd = s.groundFadeEnd,
+            .groundFadeEnd = s.enableGroundFade ? s.groundFadeEnd : 0.0,
             .shadow = shading.enableSelfShadow,
-            .lightDirection = shading.sunDir,
+            .lightDirection = shading.enableSelfShadow ? shading.sunDir : Vector3{},
             .shapes = gatherShapes(true).value_or(std::vector<ShapeInput>()),
             .name = name().asUTF8()};
 }

@@ -330,6 +330,13 @@ TEST_F(ParticleCloudScene, FollowsTheSceneWhileAutoUpdateIsOn) {
         exported();
         EXPECT_FALSE(contents(folder_ / "sky.cdata") == still) << change;
     }
+    // Faults: sprites generated anew for what they do not follow from.
+    must("setAttr shadingShape.enableSelfShadow 0; setAttr puff.enableGroundFade 0;");
+    drawOnce();
+    must("setAttr shadingShape.sunDir 0 0 1; setAttr puff.groundFadeEnd -50;");
+    log_.clear();
+    exported();
+    EXPECT_THAT(log_.all(), testing::Not(testing::Contains(HasSubstr("is out of date"))));
     must("setAttr puff.autoUpdate 0; rename puff other;");
     const std::string renamed = contents(folder_ / "sky.cdata");
     ASSERT_TRUE(refresh("other"));
