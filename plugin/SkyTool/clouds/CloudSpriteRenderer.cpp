@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
+#include <functional>
 #include <vector>
 
 namespace orvo {
@@ -17,6 +19,9 @@ const SkyShaderTexts fixedDirShaders{"ParticleCloud", "ParticleCloudSpriteFixedD
                                      "sprite fixed dir shader"};
 const SkyShaderTexts shadowCubeShaders{"ParticleCloud", "ParticleCloudSpriteShadowCube.vert", fragmentFile, true,
                                        "sprite shadow cube shader"};
+
+/// What a draw may spend on taking and uploading orders when another one will follow.
+constexpr std::chrono::microseconds orderBudget{2000};
 
 /// A soft round puff, for clouds without a texture.
 bool uploadPuff(TextureHandle& texture, const std::string&) {
@@ -113,10 +118,8 @@ void setUniform(const ShaderProgram& program, std::int32_t location, const Vecto
 /// The drawing of some clouds: from cloud to cloud only what differs is set.
 class CloudSpriteRenderer::Batch {
 public:
-    Batch(CloudSpriteRenderer& renderer, const CloudShadingParams& shading, const Vector3& eyePoint,
-          const std::function<bool()>& mayLag)
-        : renderer_(renderer), shading_(shading), eyePoint_(eyePoint), mayLag_(mayLag),
-          context_(GlShareMark::ofCurrentContext()) {
+    Batch(CloudSpriteRenderer& renderer, const CloudShadingParams& shading, const Vector3& eyePoint)
+        : renderer_(renderer), shading_(shading), eyePoint_(eyePoint), context_(GlShareMark::ofCurrentContext()) {
         if (context_) context_->sweep();
         setState();
         gl().activeTexture(GL_TEXTURE0);
@@ -129,6 +132,41 @@ public:
     }
     Batch(const Batch&) = delete;
     Batch& operator=(const Batch&) = delete;
+
+    /// Brings the orders of the clouds' sprites up to date, as far as they have to be and time allows.
+    /// @param clouds the nearest comes last
+    void bringOrdersUpToDate(std::span<const CloudToDraw> clouds, const std::function<bool()>& mayLag) {
+        std::vector<const CloudToDraw*> late;
+        for (auto cloud = clouds.rbegin(); cloud != clouds.rend(); ++cloud) {
+            if (cloud->geom.numSprites <= 0) continue;
+            std::optional<SpriteOrder>& order = cloud->sprites.order_;
+            if (!order) order.emplace(cloud->geom);
+            if (!order->exists())
+                order->sortFor(eyeFor(*cloud));
+            else if (!order->isRightFor(eyeFor(*cloud)))
+                late.push_back(&*cloud);
+        }
+        if (late.empty()) return;
+        if (!mayLag || !mayLag()) {
+            for (const CloudToDraw* cloud : late) cloud->sprites.order_->sortFor(eyeFor(*cloud));
+            return;
+        }
+        // Who has waited longest comes first, so that everybody comes to it; then the nearest.
+        std::ranges::stable_sort(late, std::greater(),
+                                 [](const CloudToDraw* cloud) { return cloud->sprites.lateDraws_; });
+        if (!renderer_.sorter_) renderer_.sorter_ = SpriteSorter::shared();
+        for (const CloudToDraw* cloud : late) {
+            cloud->sprites.order_->follow(eyeFor(*cloud), *renderer_.sorter_);
+            ++cloud->sprites.lateDraws_;
+        }
+        const auto end = std::chrono::steady_clock::now() + orderBudget;
+        for (const CloudToDraw* cloud : late) {
+            if (!cloud->sprites.order_->catchUp()) continue;
+            cloud->sprites.lateDraws_ = 0;
+            fillBuffers(*cloud);
+            if (std::chrono::steady_clock::now() >= end) break;
+        }
+    }
 
     void draw(const CloudToDraw& cloud) {
         if (cloud.geom.numSprites <= 0) return;
@@ -149,12 +187,8 @@ public:
         setUniform(*program, offsetLocation_, cloud.domeOffset);
         program->setUniformF(opacityLocation_, static_cast<float>(cloud.opacity));
 
-        if (!cloud.sprites.order_) cloud.sprites.order_.emplace(cloud.geom);
-        SpriteOrder& order = *cloud.sprites.order_;
-        order.update(
-            eyePoint_ - cloud.domeOffset, [this] { return mayLag(); }, renderer_.sorter_);
         const void* elements = bindVertices(cloud);
-        const auto count = static_cast<GLsizei>(order.vertices().size());
+        const auto count = static_cast<GLsizei>(cloud.sprites.order_->vertices().size());
         glDrawElements(GL_QUADS, count, GL_UNSIGNED_SHORT, elements);
         if (!cloud.wireFrame) return;
         program->setUniformF("wireFrame", 1.0f);
@@ -187,10 +221,8 @@ private:
             if (location != -1) gl().disableVertexAttribArray(static_cast<GLuint>(location));
     }
 
-    bool mayLag() {
-        if (!lagAnswer_) lagAnswer_ = mayLag_ && mayLag_();
-        return *lagAnswer_;
-    }
+    /// Where the eye is for a cloud that is not moved away from its place.
+    Vector3 eyeFor(const CloudToDraw& cloud) const { return eyePoint_ - cloud.domeOffset; }
 
     /// Brings the cloud's buffers up to date. @return false when it is to be drawn without them
     bool fillBuffers(const CloudToDraw& cloud) {
@@ -234,8 +266,6 @@ private:
     CloudSpriteRenderer& renderer_;
     const CloudShadingParams& shading_;
     const Vector3 eyePoint_;
-    const std::function<bool()>& mayLag_;
-    std::optional<bool> lagAnswer_;
     const std::shared_ptr<const GlShareMark> context_;
     ShaderProgram* program_ = nullptr;
     std::array<GLint, std::size(attributes)> locations_{};
@@ -265,7 +295,8 @@ void CloudSpriteRenderer::reloadTexture() {
 void CloudSpriteRenderer::draw(std::span<const CloudToDraw> clouds, const CloudShadingParams& shading,
                                const Vector3& eyePoint, const std::function<bool()>& mayLag) {
     if (clouds.empty() || !texture_) return;
-    Batch batch(*this, shading, eyePoint, mayLag);
+    Batch batch(*this, shading, eyePoint);
+    batch.bringOrdersUpToDate(clouds, mayLag);
     for (const CloudToDraw& cloud : clouds) batch.draw(cloud);
 }
 

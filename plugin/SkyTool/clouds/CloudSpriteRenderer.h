@@ -27,6 +27,7 @@ private:
     std::optional<SpriteOrder> order_; ///< nothing before the first draw
     GlBuffer vertices_, elements_;
     unsigned elementsRevision_ = 0;              ///< of the order that the elements have
+    unsigned lateDraws_ = 0;                     ///< since the order became another one
     std::shared_ptr<const GlShareMark> refused_; ///< the context that had no buffers for them
 };
 
@@ -52,8 +53,10 @@ public:
     /// Draws clouds one after the other in the space of the current matrix, the sprites of each back to front. GL state
     /// is as before afterwards. After a successful prepare() only.
     /// @param eyePoint the camera's position in that space
-    /// @param mayLag asked, once at most, when sprites could be drawn in the order of a moment ago: whether there will
-    ///   be another draw that makes up for it. Empty: no
+    /// @param mayLag asked, once at most, when sprites could be drawn in the order for an earlier eye: whether there
+    /// will
+    ///   be another draw that makes up for it. Then a draw spends little time on orders; they are right a few draws
+    ///   after the eye has come to rest. Empty: no
     void draw(std::span<const CloudToDraw> clouds, const CloudShadingParams& shading, const Vector3& eyePoint,
               const std::function<bool()>& mayLag = {});
     /// Lets the texture be loaded again at the next prepare().

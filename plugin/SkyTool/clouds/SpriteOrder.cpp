@@ -9,9 +9,9 @@
 namespace orvo {
 namespace {
 
-/// Parts of its distance by which an eye may move before sorting begins, and beyond which it has jumped: sprites that
-/// change places within the first differ in their distance by less than a thousandth of their size.
-constexpr double nearMove = 0.001, farMove = 0.1;
+/// The part of its distance by which an eye may move before sorting begins: sprites that change places within it differ
+/// in their distance by less than a thousandth of their size.
+constexpr double nearMove = 0.001;
 
 struct Keyed {
     double distance2;
@@ -164,26 +164,28 @@ void SpriteSorter::work(const std::stop_token& stop) {
     }
 }
 
-void SpriteOrder::update(const Vector3& eye, const std::function<bool()>& mayLag,
-                         std::shared_ptr<SpriteSorter>& sorter) {
-    const bool stays = lastEye_ == eye;
-    lastEye_ = eye;
+void SpriteOrder::sortFor(const Vector3& eye) {
     if (sortedFor_ == eye) return;
-    if (pending_ && pending_->eye() == eye && (stays || pending_->isDone())) {
-        use(pending_->take(), eye);
-        return;
-    }
-    if (stays || !sortedFor_ || !(movedTo(eye) < farMove) || !mayLag()) {
-        sortedFor_.reset(); // nothing is sorted while memory may run out
-        SpriteVertices vertices = std::move(vertices_);
-        sortBackToFront(*centres_, eye, vertices);
-        use(std::move(vertices), eye);
-        return;
-    }
-    if (pending_ && pending_->isDone()) use(pending_->take(), pending_->eye());
-    if (pending_ || movedTo(eye) < nearMove) return;
-    if (!sorter) sorter = SpriteSorter::shared();
-    pending_ = sorter->begin(centres_, eye);
+    if (pending_ && pending_->eye() == eye) return use(pending_->take(), eye);
+    sortedFor_.reset(); // nothing is sorted while memory may run out
+    SpriteVertices vertices = std::move(vertices_);
+    sortBackToFront(*centres_, eye, vertices);
+    use(std::move(vertices), eye);
+}
+
+void SpriteOrder::follow(const Vector3& eye, SpriteSorter& sorter) {
+    stays_ = lastEye_ == eye;
+    lastEye_ = eye;
+    if (!pending_ && (stays_ || !(movedTo(eye) < nearMove))) pending_ = sorter.begin(centres_, eye);
+}
+
+bool SpriteOrder::catchUp() {
+    const unsigned before = revision_;
+    if (stays_)
+        sortFor(*lastEye_);
+    else if (pending_ && pending_->isDone())
+        use(pending_->take(), pending_->eye());
+    return revision_ != before;
 }
 
 void SpriteOrder::use(SpriteVertices vertices, const Vector3& eye) {

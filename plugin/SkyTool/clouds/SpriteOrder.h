@@ -6,7 +6,6 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -80,18 +79,23 @@ private:
 
 /// Keeps the order of one cloud's sprites right for an eye that moves.
 ///
-/// While the eye moves a little from draw to draw, the order may be the one for where it was a moment ago: sprites of
-/// nearly one distance then change places some frames late, and the drawing thread never sorts. An eye that stays, or
-/// that jumps, gets the exact order in the same draw.
+/// A draw that another one will follow need not sort: another thread does, and meanwhile the order is the one for where
+/// the eye was. Sprites of nearly one distance then change places some draws late, and after a jump all of them.
 class SpriteOrder {
 public:
     explicit SpriteOrder(const ParticleCloudGeom& geom) : centres_(std::make_shared<SpriteCentres>(geom)) {}
 
-    /// Brings the order up to date for a draw.
-    /// @param mayLag asked when the order could be a late one: whether there will be another draw, from the same eye if
-    ///   it stays, that can make up for it
-    /// @param sorter made when it is needed
-    void update(const Vector3& eye, const std::function<bool()>& mayLag, std::shared_ptr<SpriteSorter>& sorter);
+    /// Whether there is an order, right or not.
+    bool exists() const { return sortedFor_.has_value(); }
+    bool isRightFor(const Vector3& eye) const { return sortedFor_ == eye; }
+    /// Makes it right for the eye, at once.
+    void sortFor(const Vector3& eye);
+    /// Lets the order that exists follow the eye: another thread begins to sort when that has moved enough to matter.
+    void follow(const Vector3& eye, SpriteSorter& sorter);
+    /// Takes what has been sorted since; for an eye that was the same at the last two calls of follow(), it sorts
+    /// here what is not there yet, so that the order becomes right.
+    /// @return whether the order has changed
+    bool catchUp();
 
     const SpriteVertices& vertices() const { return vertices_; }
     /// Another number after each change of the vertices.
@@ -105,6 +109,7 @@ private:
     std::shared_ptr<const SpriteCentres> centres_;
     std::shared_ptr<SpriteSort> pending_;
     std::optional<Vector3> lastEye_, sortedFor_;
+    bool stays_ = false; ///< whether the eye was the same at the last two calls of follow()
     SpriteVertices vertices_;
     unsigned revision_ = 0;
 };

@@ -120,7 +120,7 @@ protected:
     CloudSprites sprites_[4];
 };
 
-const Vector3 front{0, 0, 160000}, aside{20000, 3000, 150000};
+const Vector3 front{0, 0, 160000}, aside{20000, 3000, 150000}, closer{-30000, 0, 90000};
 
 } // namespace
 
@@ -135,10 +135,26 @@ TEST_F(CloudDraw, LooksLikeThePlainDrawing) {
     std::swap(geoms_[0], geoms_[1]);
     for (CloudSprites& sprites : sprites_) sprites = {};
     expectAlike(drawn(aside), plain(aside));
+}
+
+// Faults: an order that is never right for an eye that has come to rest, or that asks for draws without end; sorting at
+// once where another draw follows; a late order where none does.
+TEST_F(CloudDraw, OrdersAreRightWhenTheEyeRests) {
     drawn(front);
-    const Vector3 near = front + Vector3{30, 0, 0};
-    drawn(near, [] { return true; });
-    expectAlike(drawn(near, [] { return true; }), plain(near));
+    for (const Vector3& eye : {front + Vector3{30, 0, 0}, closer}) {
+        int asked = 0, draws = 1;
+        const auto follows = [&] { return ++asked, true; };
+        drawn(eye, follows);
+        EXPECT_EQ(asked, 1);
+        std::vector<unsigned char> last;
+        for (int before = 0; before != asked && draws < 20; ++draws) {
+            before = asked;
+            last = drawn(eye, follows);
+        }
+        EXPECT_LT(draws, 20);
+        expectAlike(last, plain(eye));
+        expectAlike(drawn(aside, [] { return false; }), plain(aside));
+    }
 }
 
 // Faults: a picture that lacks clouds, or a crash, where the driver has no buffer objects.

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <numeric>
+#include <thread>
 
 using namespace orvo;
 
@@ -70,57 +72,64 @@ TEST(SpriteOrder, IsThatOfAStableSort) {
     EXPECT_EQ(vertices, (SpriteVertices{4, 5, 6, 7, 12, 13, 14, 15, 8, 9, 10, 11, 0, 1, 2, 3}));
 }
 
-// Faults: an order that stays late when the eye stays, jumps, or when no other draw will follow; one that is never
-// brought up to date on a long way; a thread that reads what is gone, when orders are given up in the middle of it.
+// Faults: an order that stays late when the eye stays, or when it is wanted at once; sorting on the drawing thread
+// after a jump; one that is never brought up to date on a long way; a thread that reads what is gone, when orders are
+// given up in the middle of it.
 TEST(SpriteOrder, FollowsAnEyeThatMoves) {
-    std::shared_ptr<SpriteSorter> sorter;
+    const auto sorter = SpriteSorter::shared();
     const ParticleCloudGeom geoms[] = {fullCloud(52), fullCloud(53), fullCloud(54)};
-    for (const double stride : {30.0, 3000.0}) {
+    for (const double stride : {30.0, 3000.0, 300000.0}) {
         std::vector<SpriteOrder> orders(geoms, geoms + 3);
-        Vector3 eye;
-        for (int frame = 0; frame < 150; ++frame) {
+        Vector3 eye = eyeAt(0, stride);
+        for (SpriteOrder& order : orders) order.sortFor(eye);
+        int changes = 0;
+        for (int frame = 1; frame < 150; ++frame) {
             eye = eyeAt(frame, stride);
             for (SpriteOrder& order : orders) {
-                order.update(
-                    eye, [] { return true; }, sorter);
+                order.follow(eye, *sorter);
+                changes += order.catchUp();
                 ASSERT_EQ(order.vertices().size(), std::size_t{maxSprites} * 4);
             }
-            if (frame == 100) orders[1] = SpriteOrder(geoms[1]);
+            if (frame == 100) {
+                orders[1] = SpriteOrder(geoms[1]);
+                orders[1].sortFor(eye);
+            }
+            if (frame % 10 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(5)); // as others draw
         }
-        EXPECT_NE(sorter, nullptr) << "there was something to sort on the way";
+        EXPECT_GT(changes, 0) << "there was something to sort on the way";
         for (std::size_t i = 0; i < 3; ++i) {
-            const unsigned late = orders[i].revision();
-            orders[i].update(
-                eye, [] { return true; }, sorter);
+            orders[i].follow(eye, *sorter);
+            orders[i].catchUp();
             EXPECT_EQ(orders[i].vertices(), expected(geoms[i], eye)) << "the eye stays";
-            EXPECT_GE(orders[i].revision(), late);
             const Vector3 near = eye + Vector3{50, 0, 0}, far = eye + Vector3{400000, 0, 0};
-            orders[i].update(
-                near, [] { return false; }, sorter);
+            orders[i].sortFor(near);
             EXPECT_EQ(orders[i].vertices(), expected(geoms[i], near)) << "no draw will follow";
-            orders[i].update(
-                far, [] { return true; }, sorter);
-            EXPECT_EQ(orders[i].vertices(), expected(geoms[i], far)) << "a jump";
+            const unsigned revision = orders[i].revision();
+            orders[i].follow(far, *sorter);
+            EXPECT_EQ(orders[i].revision(), revision) << "a jump: the order is the last one's";
+            orders[i].follow(far, *sorter);
+            EXPECT_TRUE(orders[i].catchUp());
+            EXPECT_EQ(orders[i].vertices(), expected(geoms[i], far)) << "it stays there";
+            EXPECT_FALSE(orders[i].catchUp());
         }
     }
 }
 
-// Faults: sorting on the drawing thread while the eye goes on in small steps, or a revision without a change.
+// Faults: sorting while the eye goes on in small steps, or a revision without a change.
 TEST(SpriteOrder, SortsNothingForASmallStep) {
     const ParticleCloudGeom geom = fullCloud(55);
+    const auto sorter = SpriteSorter::shared();
     SpriteOrder order(geom);
-    std::shared_ptr<SpriteSorter> sorter;
-    int asked = 0;
-    const auto mayLag = [&] { return ++asked, true; };
-    order.update(eyeAt(0, 0), mayLag, sorter);
-    EXPECT_EQ(asked, 0) << "a first order is exact";
+    EXPECT_FALSE(order.exists());
+    order.sortFor(eyeAt(0, 0));
     const SpriteVertices first = order.vertices();
     const unsigned revision = order.revision();
-    order.update(eyeAt(0, 0), mayLag, sorter);
+    order.sortFor(eyeAt(0, 0));
     EXPECT_EQ(order.revision(), revision);
-    order.update(eyeAt(1, 10), mayLag, sorter);
-    EXPECT_EQ(asked, 1);
-    EXPECT_EQ(order.revision(), revision);
+    // Ten centimetres at a distance of some kilometres; what another thread had to do would be done then.
+    order.follow(eyeAt(1, 10), *sorter);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_FALSE(order.catchUp());
+    EXPECT_FALSE(order.isRightFor(eyeAt(1, 10)));
     EXPECT_EQ(order.vertices(), first);
-    EXPECT_EQ(sorter, nullptr) << "ten centimetres at a distance of some kilometres";
 }
