@@ -37,6 +37,7 @@ window::WindowStart windowStart(const CommonOptions& common, const EditOptions& 
 
 int editCommand(const CommonOptions& common, const EditOptions& options) {
     int status = kWorked;
+    std::optional<Stage> starting("first frame");
     const int failed = reported([&] {
         if (std::error_code none; !std::filesystem::exists(host::hostFolder() / window::kWindowModule, none))
             throw Failure("This build has no window: Qt 6 was not there when it was made.");
@@ -45,7 +46,9 @@ int editCommand(const CommonOptions& common, const EditOptions& options) {
         if (!options.scene.empty() && !std::filesystem::exists(options.scene))
             throw Failure(options.scene + ": there is no such file.");
         std::optional<Session> session;
-        status = open(windowStart(common, options, session));
+        window::WindowStart start = windowStart(common, options, session);
+        start.shown = [&] { starting.reset(); };
+        status = open(start);
     });
     return failed == kWorked ? status : failed;
 }

@@ -7,10 +7,15 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QWidget>
 
 #include <fmt/format.h>
 
 #include <cmath>
+#include <memory>
+#include <utility>
 
 namespace orvosky::window {
 
@@ -22,23 +27,31 @@ namespace {
 constexpr int firstLookMs = 200, lookEveryMs = 40;
 constexpr std::size_t longestName = 80; ///< of a step of undo
 
-/// While one lives, the application shows itself and hears Esc; all other input is let fall, and timers wait.
+/// While one lives, the application shows itself and hears Esc and a press of the widget that stops; all other input is
+/// let fall, and timers wait. Buttons that are let go meanwhile are so afterwards: what was pressed before ends.
 class OnlyEscape : public QObject {
 public:
-    OnlyEscape() { qApp->installEventFilter(this); }
+    explicit OnlyEscape(const QWidget* stop) : stop_(stop) { qApp->installEventFilter(this); }
+    ~OnlyEscape() override {
+        qApp->removeEventFilter(this);
+        for (auto& [receiver, event] : released_)
+            if (receiver) QCoreApplication::postEvent(receiver, event.release());
+    }
     bool heard() const { return heard_; }
 
 protected:
-    bool eventFilter(QObject*, QEvent* event) override {
+    bool eventFilter(QObject* receiver, QEvent* event) override {
         switch (event->type()) {
+        case QEvent::MouseButtonPress: heard_ = heard_ || isOnStop(*static_cast<QMouseEvent*>(event)); return true;
+        case QEvent::MouseButtonRelease:
+            released_.emplace_back(receiver, std::unique_ptr<QEvent>(event->clone()));
+            return true;
         case QEvent::KeyPress: heard_ = heard_ || static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape; return true;
         case QEvent::ShortcutOverride: event->accept(); return true; // else it would be tried as a shortcut
         case QEvent::Close: event->ignore(); return true;
         case QEvent::KeyRelease:
         case QEvent::Shortcut:
         case QEvent::InputMethod:
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
         case QEvent::MouseButtonDblClick:
         case QEvent::MouseMove:
         case QEvent::Wheel:
@@ -59,7 +72,14 @@ protected:
     }
 
 private:
+    bool isOnStop(const QMouseEvent& event) const {
+        const QPoint at = event.globalPosition().toPoint();
+        return stop_ && stop_->isVisible() && stop_->rect().contains(stop_->mapFromGlobal(at));
+    }
+
+    const QWidget* stop_;
     bool heard_ = false;
+    std::vector<std::pair<QPointer<QObject>, std::unique_ptr<QEvent>>> released_;
 };
 
 } // namespace
@@ -113,10 +133,10 @@ bool Editor::workWatched(double part) {
 }
 
 bool Editor::stopAsked(double part) {
-    if (waiting_ || drawing) return false;
+    if (waiting_) return false;
     waiting_ = true;
     emit takesLong(part);
-    const OnlyEscape input;
+    const OnlyEscape input(stopsWork);
     QCoreApplication::processEvents();
     waiting_ = false;
     if (makeCurrent) makeCurrent(); // what was painted has taken it away

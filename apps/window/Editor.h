@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+class QWidget;
+
 namespace host::scene {
 class Node;
 class Scene;
@@ -65,10 +67,12 @@ public:
     void announce();
     /// A number that is another one after each change; never 0.
     unsigned long changes() const { return changes_; }
-    /// Whether a frame is being drawn: what takes long in it cannot be waited for with a window that shows itself.
+    /// Whether a frame is being drawn.
     bool drawing = false;
-    /// Called before scripts run: nodes that free what they hold in OpenGL need its context.
+    /// Called before scripts run, and after the window has shown itself: nodes need the view's OpenGL context.
     std::function<void()> makeCurrent;
+    /// A press of it stops what takes long, as Esc does.
+    QWidget* stopsWork = nullptr;
 
 signals:
     void echoed(const QString& mel);

@@ -19,6 +19,8 @@
 #include "ViewWidget.h"
 
 #include "base/Messages.h"
+#include "base/Units.h"
+#include "base/WorkWatch.h"
 #include "commands/Host.h"
 #include "files/Workspace.h"
 #include "scene/Scene.h"
@@ -44,10 +46,12 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
+#include <QToolTip>
 #include <QUrl>
 #include <QVBoxLayout>
 
 #include <cmath>
+#include <utility>
 
 namespace orvosky::window {
 
@@ -56,7 +60,8 @@ using host::scene::DagNode;
 MainWindow::MainWindow(const WindowStart& start)
     : start_(start), document_(std::make_unique<Document>(editor_, start, this)), view_(new ViewWidget(editor_)),
       shelf_(new QToolBar(tr("Shelf"))), cameras_(new QComboBox), lookUp_(new QToolButton), cost_(new QLabel),
-      status_(new QLabel), said_(new QLabel), command_(new QLineEdit), progress_(new QProgressBar) {
+      status_(new QLabel), said_(new QLabel), command_(new QLineEdit), progress_(new QProgressBar),
+      stop_(new QToolButton) {
     setAcceptDrops(true);
     editor_.makeCurrent = [this] { view_->makeContextCurrent(); };
     auto* middle = new QWidget;
@@ -123,8 +128,14 @@ MainWindow::MainWindow(const WindowStart& start)
         progress_->setMaximum(part < 0 ? 0 : 1000); // none known: it runs to and fro
         progress_->setValue(static_cast<int>(std::lround(part * 1000)));
         progress_->show();
+        stop_->show();
     });
-    connect(&editor_, &Editor::changed, progress_, &QWidget::hide);
+    const auto ended = [this] {
+        progress_->hide();
+        stop_->hide();
+    };
+    connect(&editor_, &Editor::changed, this, ended);
+    connect(view_, &ViewWidget::drawn, this, ended);
     connect(&editor_, &Editor::quitAsked, this, &MainWindow::close, Qt::QueuedConnection);
     connect(document_.get(), &Document::titleChanged, this, &MainWindow::showTitle);
     connect(document_.get(), &Document::opened, this, [this] {
@@ -160,6 +171,10 @@ MainWindow::~MainWindow() {
 }
 
 void MainWindow::start() {
+    if (start_.shown)
+        connect(view_, &QOpenGLWidget::frameSwapped, this, [this, told = false]() mutable {
+            if (view_->frames() > 0 && !std::exchange(told, true)) start_.shown();
+        });
     show();
     auto& mel = host::Host::instance().interpreter();
     if (mel.isCallable("orvoskyStartup")) editor_.runAside("orvoskyStartup;");
@@ -303,6 +318,13 @@ void MainWindow::makeMenus() {
                                                           QFileDialog::DontUseNativeDialog);
         if (!name.isEmpty()) savePicture(name);
     });
+    act(file, tr("Save Pictures of the Range..."), {}, [this] {
+        const QString root = QString::fromStdString(host::Host::instance().workspace().root().string());
+        const QString name = QFileDialog::getSaveFileName(
+            this, tr("Save Pictures: # Is a Digit of the Frame"), root + "/sky.####.png",
+            tr("Pictures (*.png *.jpg *.tif *.exr)"), nullptr, QFileDialog::DontUseNativeDialog);
+        if (!name.isEmpty()) savePictures(name);
+    });
     act(file, tr("Copy Picture"), QKeySequence("Ctrl+Shift+C"), [this] {
         QGuiApplication::clipboard()->setImage(view_->picture());
         host::showInfo("The picture is on the clipboard.");
@@ -340,16 +362,10 @@ void MainWindow::makeMenus() {
     act(display, tr("Look Up"), QKeySequence("U"), [this] { view_->lookUp(!view_->looksUp()); });
     act(display, tr("Type MEL"), QKeySequence("Ctrl+M"), [this] { command_->setFocus(Qt::ShortcutFocusReason); });
     display.addSeparator();
-    const auto safe = [&](const QString& label, int width, int height) {
-        QAction* action = display.addAction(label);
-        action->setCheckable(true);
-        connect(action, &QAction::toggled, this,
-                [this, width, height](bool on) { view_->setSafeFrame(on ? width : 0, on ? height : 0); });
-    };
     QAction* local = display.addAction(tr("Move Along Own Axes"));
     local->setCheckable(true);
     connect(local, &QAction::toggled, this, [this](bool on) { handles_->setLocal(on); });
-    safe(tr("Frame of a Picture of 16 : 9"), 1280, 720);
+    makeFrameMenu(*display.addMenu(tr("Frame of a Picture")));
     QAction* whole = act(display, tr("View Only"), QKeySequence("Space"), [] {});
     whole->setCheckable(true);
     connect(whole, &QAction::toggled, this, [this](bool on) {
@@ -360,15 +376,55 @@ void MainWindow::makeMenus() {
     });
     display.addSeparator();
     for (QDockWidget* dock : findChildren<QDockWidget*>()) display.addAction(dock->toggleViewAction());
+    display.addSeparator();
+    makeScaleMenu(*display.addMenu(tr("Size of Text and Icons")));
 
     QMenu& help = *menuBar()->addMenu(tr("Help"));
-    act(help, tr("Hands and Keys"), QKeySequence("F1"), [this] {
-        tell(Editor::Kind::Info,
-             tr("Alt + left tumbles, Alt + middle tracks, Alt + right or the wheel dollies. Middle turns the head, "
-                "Shift + middle moves. F frames the selection, A everything, U looks up."));
-    });
+    act(help, tr("Help on What Is Under the Pointer"), QKeySequence("F1"), [this] { tellAboutPointer(); });
     act(help, tr("About"), {},
         [this] { tell(Editor::Kind::Info, tr("Orvo sky toolkit %1").arg(QString::fromStdString(start_.version))); });
+}
+
+void MainWindow::makeFrameMenu(QMenu& menu) {
+    auto* group = new QActionGroup(this);
+    const auto offer = [&](const QString& label, QSize size) {
+        QAction* action = menu.addAction(label);
+        action->setCheckable(true);
+        action->setChecked(size.isEmpty());
+        group->addAction(action);
+        connect(action, &QAction::triggered, this, [this, size] { view_->setSafeFrame(size.width(), size.height()); });
+    };
+    offer(tr("None"), {0, 0});
+    offer(tr("16 : 9"), {1280, 720});
+    offer(tr("2.39 : 1"), {2390, 1000});
+    offer(tr("4 : 3"), {1440, 1080});
+    offer(tr("1 : 1"), {1024, 1024});
+}
+
+void MainWindow::tellAboutPointer() {
+    const QPoint at = QCursor::pos();
+    for (QWidget* widget = QApplication::widgetAt(at); widget; widget = widget->parentWidget())
+        if (!widget->toolTip().isEmpty()) return QToolTip::showText(at, widget->toolTip(), widget);
+    tell(Editor::Kind::Info,
+         tr("Alt + left tumbles, Alt + middle tracks, Alt + right or the wheel dollies. Middle turns the head, "
+            "Shift + middle moves. F frames the selection, A everything, U looks up."));
+}
+
+void MainWindow::makeScaleMenu(QMenu& menu) {
+    auto* group = new QActionGroup(this);
+    const auto offer = [&](const QString& label, const QVariant& scale) {
+        QAction* action = menu.addAction(label);
+        action->setCheckable(true);
+        action->setChecked(QSettings().value(scaleSetting) == scale);
+        group->addAction(action);
+        connect(action, &QAction::triggered, this, [this, scale] {
+            QSettings settings;
+            scale.isValid() ? settings.setValue(scaleSetting, scale) : settings.remove(scaleSetting);
+            tell(Editor::Kind::Info, tr("The window has this size when it is opened next."));
+        });
+    };
+    offer(tr("As the Desktop"), QVariant());
+    for (const double scale : {1.0, 1.25, 1.5, 2.0}) offer(tr("%1 %").arg(scale * 100), QString::number(scale));
 }
 
 ExportDialog& MainWindow::showExport() {
@@ -382,18 +438,48 @@ ExportDialog& MainWindow::showExport() {
     return *export_;
 }
 
-bool MainWindow::savePicture(const QString& file) {
+bool MainWindow::writePicture(const QString& file) {
     const QImage shown = view_->picture();
     host::viewport::Picture picture(shown.width(), shown.height(), 3);
     for (int y = 0; y < shown.height(); ++y) std::copy_n(shown.constScanLine(y), picture.rowBytes(), picture.row(y));
     picture.origin = {.software = "orvosky " + start_.version, .scene = document_->title().toStdString()};
     std::string error;
-    if (picture.write(file.toStdString(), &error)) {
-        host::showInfo("Saved " + file.toStdString() + ".");
-        return true;
-    }
+    if (picture.write(file.toStdString(), &error)) return true;
     host::showError(error);
     return false;
+}
+
+bool MainWindow::savePicture(const QString& file) {
+    if (!writePicture(file)) return false;
+    host::showInfo("Saved " + file.toStdString() + ".");
+    return true;
+}
+
+int MainWindow::savePictures(const QString& files) {
+    QString pattern = files;
+    if (const auto dot = pattern.lastIndexOf('.'); !QFileInfo(pattern).fileName().contains('#'))
+        pattern.insert(dot > pattern.lastIndexOf('/') ? dot : pattern.size(), ".####");
+    const auto digits = pattern.lastIndexOf('#') + 1;
+    auto from = digits;
+    while (from > 0 && pattern[from - 1] == '#') --from;
+    const double ticks = host::timeUnit().ticks, now = Editor::scene().time() / ticks;
+    const auto& range = Editor::scene().playback();
+    const double first = std::ceil(range.min / ticks), last = std::floor(range.max / ticks);
+    int saved = 0;
+    bool going = true;
+    time_->play(false);
+    for (double frame = first; going && frame <= last; ++frame) {
+        const QString number = QString::number(frame, 'f', 0).rightJustified(static_cast<int>(digits - from), '0');
+        going = editor_.runAside("currentTime " + numberText(frame) + ";");
+        editor_.announce();
+        going = going && writePicture(pattern.left(from) + number + pattern.mid(digits));
+        saved += going;
+        going = going && !(host::workWatch() && host::workWatch()((frame - first + 1) / (last - first + 1)));
+    }
+    editor_.runAside("currentTime " + numberText(now) + ";");
+    editor_.announce();
+    host::showInfo(tr("Saved %n picture(s).", nullptr, saved).toStdString());
+    return saved;
 }
 
 QWidget* MainWindow::makeStrip() {
@@ -442,6 +528,13 @@ void MainWindow::makeLastLine() {
     progress_->setTextVisible(false);
     statusBar()->addPermanentWidget(progress_);
     progress_->hide();
+    stop_->setObjectName("stop");
+    stop_->setText(tr("Stop"));
+    stop_->setFocusPolicy(Qt::NoFocus);
+    stop_->setToolTip(tr("Stops what is running (Esc)"));
+    statusBar()->addPermanentWidget(stop_);
+    stop_->hide();
+    editor_.stopsWork = stop_;
 }
 
 void MainWindow::tell(Editor::Kind kind, const QString& text) {

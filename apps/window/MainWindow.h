@@ -35,6 +35,8 @@ class ViewWidget;
 
 /// Sets what has to be said before there is an application: the kind of OpenGL, where preferences lie.
 void prepareApplication();
+/// The preference of how large the window's parts are, a factor of 1 to 3; read when the window starts.
+inline constexpr const char* scaleSetting = "scale";
 
 /// The window: the view in the middle, outliner and attributes at its sides, menus above, the last command below.
 class MainWindow : public QMainWindow {
@@ -60,6 +62,9 @@ public:
     ExportDialog& showExport();
     /// Saves what the view shows, in the format of the file's extension. False, with a message, when it cannot.
     bool savePicture(const QString& file);
+    /// The same for every frame of the range that is played; a row of # in the name stands for the frame's number.
+    /// Esc stops it. @return how many were saved
+    int savePictures(const QString& files);
     /// The page that a session begins with; null once a scene was chosen.
     StartPage* startPage() const;
 
@@ -71,6 +76,10 @@ protected:
 
 private:
     void makeMenus();
+    bool writePicture(const QString& file);
+    void makeFrameMenu(QMenu& menu);
+    void tellAboutPointer();
+    void makeScaleMenu(QMenu& menu);
     QWidget* makeStrip();
     void makeLastLine();
     void makeTools();
@@ -108,6 +117,7 @@ private:
     QLabel *cost_, *status_, *said_;
     QLineEdit* command_;
     QProgressBar* progress_;
+    QToolButton* stop_;
     QAction *undo_, *redo_;
 };
 

@@ -15,6 +15,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QWheelEvent>
+#include <QWindow>
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +28,7 @@ using host::viewport::Viewport;
 
 constexpr double handMs = 40; ///< what a frame may take while the hand moves
 constexpr int coarsest = 6;   ///< the least part of a side's pixels
-constexpr int restAfterMs = 160;
+constexpr int restAfterMs = 160, againAfterMs = 30;
 constexpr double turnPerPixel = std::numbers::pi / 900;
 
 double distanceOf(host::scene::DagNode& camera) {
@@ -43,6 +44,8 @@ ViewWidget::ViewWidget(Editor& editor, QWidget* parent) : QOpenGLWidget(parent),
     setMinimumSize(160, 90);
     setUpdateBehavior(QOpenGLWidget::PartialUpdate);
     setObjectName("view");
+    due_.setSingleShot(true);
+    connect(&due_, &QTimer::timeout, this, &ViewWidget::draw);
     rest_.setSingleShot(true);
     rest_.setInterval(restAfterMs);
     connect(&rest_, &QTimer::timeout, this, [this] {
@@ -63,11 +66,23 @@ void ViewWidget::close(const std::function<void()>& last) {
 }
 
 void ViewWidget::makeContextCurrent() {
-    if (gl_) gl_->makeCurrent();
+    if (view_ && editor_.drawing)
+        view_->resume();
+    else if (gl_)
+        gl_->makeCurrent();
 }
 
 void ViewWidget::refresh() {
     stale_ = true;
+    due_.start();
+}
+
+void ViewWidget::draw() {
+    // One that is not to be seen is drawn when it is shown.
+    const QWindow* on = window()->windowHandle();
+    if (!view_ || !stale_ || !isVisible() || !on || !on->isExposed()) return;
+    if (editor_.waiting() || editor_.drawing || !gl_->makeCurrent()) return;
+    drawFrame();
     update();
 }
 
@@ -119,6 +134,7 @@ void ViewWidget::drawFrame() {
     const bool modified = Editor::scene().modified;
     std::string error;
     view_->activate();
+    // What takes long in a frame shows the window meanwhile, with the last frame in it.
     editor_.drawing = true;
     const bool whole = view_->render(&error);
     editor_.drawing = false;
@@ -133,12 +149,17 @@ void ViewWidget::drawFrame() {
     if (Editor::scene().generation() != before)
         QMetaObject::invokeMethod(
             this, [this] { editor_.announce(); }, Qt::QueuedConnection);
-    if (divisor != 1 || wanted_) rest_.start();
+    if (divisor != 1)
+        rest_.start();
+    else if (wanted_ && !moving_)
+        QTimer::singleShot(againAfterMs, this, [this] {
+            if (wanted_) refresh();
+        });
 }
 
 void ViewWidget::paintGL() {
-    // Amid a script the last frame stays.
-    if (view_ && stale_ && !editor_.waiting()) drawFrame();
+    if (editor_.drawing) return; // the last frame stays
+    if (stale_) due_.start();
     const QSize size = pixels();
     if (view_) view_->copyTo(defaultFramebufferObject(), size.width(), size.height());
     QPainter painter(this);
@@ -162,8 +183,12 @@ void ViewWidget::paintGL() {
 QImage ViewWidget::picture() {
     if (!view_ || !gl_->makeCurrent()) return {};
     moving_ = false;
-    // What asks for another frame is content with the second.
-    for (int i = 0; i < 2 && (stale_ || divisor_ != 1 || wanted_); ++i) drawFrame();
+    if (stale_ || divisor_ != 1 || wanted_) {
+        view_->setRefresher({}); // nothing may count on another frame
+        drawFrame();
+        view_->setRefresher([this] { wanted_ = true; });
+        update();
+    }
     const host::viewport::Picture p = view_->picture();
     doneCurrent();
     return QImage(p.pixels.data(), p.width, p.height, static_cast<qsizetype>(p.rowBytes()), QImage::Format_RGB888)

@@ -29,8 +29,9 @@ class WindowGl;
 
 /// The sky: the host's frame, drawn into a target of its own and shown in the widget, with handles on top.
 ///
-/// The frame is drawn when the scene, the camera or the size changes and at no other time. While the hand moves it is
-/// drawn with as few pixels as keep up with the hand, at rest with all of them.
+/// The frame is drawn when the scene, the camera or the size changes and at no other time, and not while the widget is
+/// painted: a frame that takes long leaves the last one on the screen. While the hand moves it is drawn with as few
+/// pixels as keep up with the hand, at rest with all of them.
 class ViewWidget : public QOpenGLWidget {
     Q_OBJECT
 public:
@@ -100,6 +101,7 @@ protected:
 private:
     enum class Move { None, Tumble, Turn, Track, Dolly, Tool };
     bool fits(int divisor);
+    void draw();
     void drawFrame();
     void moved();
     QSize pixels() const;
@@ -115,7 +117,7 @@ private:
     bool wanted_ = false; ///< whether what was drawn asked for another frame
     int divisor_ = 1, frames_ = 0;
     double fullCost_ = 0; ///< of a frame with all pixels, in milliseconds, as the last frames let one think
-    QTimer rest_;
+    QTimer due_, rest_;
     QString problem_;
     std::optional<CameraPose> before_; ///< looking up
     QSize safe_;

@@ -67,6 +67,10 @@ void prepareApplication() {
     QCoreApplication::setOrganizationName("orvosky");
     QCoreApplication::setApplicationName("window");
     QSettings::setDefaultFormat(QSettings::IniFormat);
+    // Qt takes it from the environment, before there is an application; what stands there already goes first.
+    const double scale = QSettings().value(scaleSetting).toDouble();
+    if (scale >= 1 && scale <= 3 && !qEnvironmentVariableIsSet("QT_SCALE_FACTOR"))
+        qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
 }
 
 int run(const WindowStart& start) {

@@ -31,6 +31,8 @@ struct WindowStart {
         std::vector<std::string> warnings, problems;
     };
     std::function<Findings(const std::filesystem::path& file)> inspect;
+    /// Told once the window shows its first frame; may be empty.
+    std::function<void()> shown;
 };
 
 /// Opens the window and works until it is closed. @return the program's exit status

@@ -20,6 +20,7 @@
 #include <csignal>
 #include <deque>
 #include <random>
+#include <regex>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
@@ -76,6 +77,64 @@ TEST_F(Window, EscStopsAScriptThatNeverEnds) {
     settle(1500);
     EXPECT_TRUE(window().isVisible());
     EXPECT_TRUE(editor().run("setAttr fogShape.fogHeight 6;"));
+}
+
+// Faults: a frame that hangs while it makes the clouds of a dome, that cannot be stopped, or that costs the earlier
+// clouds; a button that is let go meanwhile and stays pressed for ever.
+TEST_F(Window, ADomeIsGivenUpAmidAFrame) {
+    // Clouds of as many sprites as there can be: a dome of them takes a second at least.
+    write(folder_ / "build/clouds/cumulus.xml",
+          std::regex_replace(content(orvo::test::sourceTree("examples/project/build/clouds/cumulus.xml")),
+                             std::regex("spriteDensity = \"[0-9.]*\""), "spriteDensity = \"1000000\""));
+    open();
+    editor().run("orvoskyCloudShading; setAttr persp.r 30 0 0; createNode transform -n dome -p `orvoskySkyRoot`;");
+    editor().run("createNode orvosky_ParticleCloudDome -n domeShape -p dome; setAttr domeShape.placementDensity 0.05; "
+                 "setAttr -type \"string\" domeShape.cloudDataDir \"build/clouds/cumulus.xml\";");
+    settle(300);
+    ViewWidget& view = window().view();
+    const QImage before = view.picture();
+    std::vector<double> parts;
+    bool stoppable = false;
+    QObject::connect(&editor(), &Editor::takesLong, [&](double part) {
+        parts.push_back(part);
+        stoppable = window().findChild<QWidget*>("stop")->isVisible();
+    });
+    const QPoint at = view.mapToGlobal(view.rect().center());
+    const std::string pressed =
+        "xdotool mousemove " + std::to_string(at.x()) + " " + std::to_string(at.y()) + " mousedown 2";
+    ASSERT_EQ(std::system(pressed.c_str()), 0);
+    settle(300);
+    const auto given = [&](const std::string& hand, double density) {
+        errors_.clear();
+        const Hand stops(hand);
+        editor().run("setAttr domeShape.placementDensity " + std::to_string(density) + ";");
+        for (int i = 0; i < 100 && errors_.empty(); ++i) settle(100);
+        return !errors_.empty() && errors_.back().find("keeps its earlier clouds") != std::string::npos;
+    };
+    EXPECT_TRUE(given("xdotool mouseup 2; while :; do sleep 0.1; xdotool key Escape; done", 5));
+    settle(300);
+    EXPECT_TRUE(stoppable);
+    ASSERT_FALSE(parts.empty());
+    EXPECT_LT(parts.back(), 1);
+    EXPECT_EQ(view.picture(), before);
+    EXPECT_FALSE(window().findChild<QWidget*>("stop")->isVisible());
+    const double looked = view.pose()->azimuth;
+    QTest::mouseMove(&view, view.rect().center() + QPoint(50, 0));
+    settle();
+    EXPECT_EQ(view.pose()->azimuth, looked) << "the middle button is up again";
+
+    // Once more, by a click.
+    window().setGeometry(0, 0, 1200, 740); // within the screen
+    settle(500);
+    const QImage smaller = view.picture();
+    window().findChild<QWidget*>("stop")->show();
+    settle();
+    QWidget& stop = *window().findChild<QWidget*>("stop");
+    const QPoint there = stop.mapToGlobal(stop.rect().center());
+    EXPECT_TRUE(given("xdotool mousemove " + std::to_string(there.x()) + " " + std::to_string(there.y()) +
+                          "; while :; do sleep 0.1; xdotool click 1; done",
+                      4.5));
+    EXPECT_EQ(view.picture(), smaller);
 }
 
 // Faults: a full disk that costs the old file or the work, or that nobody hears of.

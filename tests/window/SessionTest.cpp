@@ -182,6 +182,18 @@ TEST_F(Window, SavesWhatTheViewShows) {
     const QImage read(QString::fromStdString((folder_ / "sky.png").string()));
     EXPECT_EQ(read.convertToFormat(QImage::Format_RGB888), window().view().picture());
     EXPECT_FALSE(window().savePicture(QString::fromStdString((folder_ / "none/sky.png").string())));
+    editor().run("playbackOptions -min 9 -max 11; setKeyframe -v 0 -t 9 persp.rx; "
+                 "setKeyframe -v 40 -t 11 persp.rx; currentTime 10;");
+    const QImage middle = window().view().picture();
+    EXPECT_EQ(window().savePictures(QString::fromStdString((folder_ / "frame.###.png").string())), 3);
+    const auto frame = [&](const char* number) {
+        return QImage(QString::fromStdString((folder_ / ("frame." + std::string(number) + ".png")).string()))
+            .convertToFormat(QImage::Format_RGB888);
+    };
+    EXPECT_EQ(frame("010"), middle);
+    EXPECT_NE(frame("009"), middle);
+    EXPECT_NE(frame("011"), frame("009"));
+    EXPECT_EQ(number("currentTime -q"), 10) << "the time stays as it was";
 }
 
 // Faults: work that is lost by closing, opening or a file that cannot be opened; a question where nothing would be

@@ -505,19 +505,11 @@ Locked</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Frame of a Picture of 16 : 9</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>View Only</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Help</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Hands and Keys</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -550,6 +542,73 @@ Locked</source>
     </message>
     <message>
         <source>%1 - %2 - Orvo sky</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Pictures of the Range...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Pictures: # Is a Digit of the Frame</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Frame of a Picture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Size of Text and Icons</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Help on What Is Under the Pointer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>16 : 9</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>2.39 : 1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>4 : 3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 : 1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The window has this size when it is opened next.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>As the Desktop</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>Saved %n picture(s).</source>
+        <translation>
+            <numerusform>Saved one picture.</numerusform>
+            <numerusform>Saved %n pictures.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stops what is running (Esc)</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

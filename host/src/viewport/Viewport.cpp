@@ -170,6 +170,12 @@ bool Viewport::beginGL() {
     return true;
 }
 
+bool Viewport::resume() {
+    if (!makeCurrent()) return false;
+    if (!begun_.empty()) bindTarget();
+    return true;
+}
+
 bool Viewport::endGL() {
     // The frame's own beginGL is not the draw's to end.
     if (begun_.size() <= (drawing_ ? 1u : 0u) || !context_->makeCurrent()) return false;

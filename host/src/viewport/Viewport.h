@@ -113,6 +113,8 @@ public:
     bool beginGL();
     bool endGL();
     bool makeCurrent() { return context_->makeCurrent(); }
+    /// Goes on with a draw in whose middle others have used the context, or another one.
+    bool resume();
     /// The part of the port that is drawn into.
     PortRect port() const { return ports_.back(); }
     bool pushPort(const PortRect& rect); ///< false in a part of a picture, too: it has one port
