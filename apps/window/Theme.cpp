@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QHash>
+#include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
@@ -10,6 +11,9 @@
 #include <QSvgRenderer>
 
 #include <array>
+#include <map>
+#include <memory>
+#include <tuple>
 
 namespace orvosky::window::theme {
 namespace {
@@ -21,6 +25,37 @@ QString& iconFolder() {
     static QString folder;
     return folder;
 }
+
+/// An icon that is drawn anew in every size, so that it is sharp on every screen.
+class Drawn : public QIconEngine {
+public:
+    explicit Drawn(const QByteArray& svg) : svg_(std::make_shared<QSvgRenderer>(svg)) {}
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+        const double ratio = painter->device()->devicePixelRatioF();
+        QPixmap drawn = pixmap((QSizeF(rect.size()) * ratio).toSize(), mode, state);
+        drawn.setDevicePixelRatio(ratio);
+        painter->drawPixmap(rect.topLeft(), drawn);
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {
+        const bool dim = mode == QIcon::Disabled;
+        QPixmap& kept = (*pixmaps_)[{size.width(), size.height(), dim}];
+        if (!kept.isNull()) return kept;
+        kept = QPixmap(size);
+        kept.fill(Qt::transparent);
+        QPainter painter(&kept);
+        painter.setRenderHint(QPainter::Antialiasing);
+        if (dim) painter.setOpacity(0.4);
+        svg_->render(&painter);
+        return kept;
+    }
+    QIconEngine* clone() const override { return new Drawn(*this); }
+
+private:
+    std::shared_ptr<QSvgRenderer> svg_;
+    /// By width, height and whether it is dimmed.
+    std::shared_ptr<std::map<std::tuple<int, int, bool>, QPixmap>> pixmaps_ =
+        std::make_shared<std::map<std::tuple<int, int, bool>, QPixmap>>();
+};
 
 QString filled(QString sheet) {
     for (int i = 0; i < static_cast<int>(ramp.size()); ++i) sheet.replace(QString("@%1").arg(i), grey(i).name());
@@ -149,14 +184,7 @@ QIcon icon(const QString& name) {
     if (file.open(QIODevice::ReadOnly)) {
         QByteArray drawing = file.readAll();
         drawing.replace("currentColor", grey(6).name().toLatin1());
-        QSvgRenderer renderer(drawing);
-        for (const int side : {16, 24, 32, 48}) {
-            QPixmap pixmap(side, side);
-            pixmap.fill(Qt::transparent);
-            QPainter painter(&pixmap);
-            renderer.render(&painter);
-            result.addPixmap(pixmap);
-        }
+        result = QIcon(new Drawn(drawing));
     }
     return *made.insert(name, result);
 }
@@ -165,7 +193,7 @@ QIcon marked(const QIcon& icon) {
     static auto& made = *new QHash<qint64, QIcon>;
     if (const auto found = made.constFind(icon.cacheKey()); found != made.cend()) return *found;
     QIcon result;
-    for (const int side : {16, 24, 32, 48}) {
+    for (const int side : {16, 20, 24, 32, 48}) {
         QPixmap pixmap = icon.pixmap(side, side);
         if (pixmap.isNull()) pixmap = QPixmap(side, side), pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
