@@ -2,6 +2,7 @@
 
 #include "base/Messages.h"
 #include "kit/MessageSink.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -27,18 +28,10 @@ Bytes joined(Bytes a, const Bytes& b) {
 }
 
 struct ImageFile : testing::Test {
-    const fs::path folder = fs::path(testing::TempDir()) /
-                            ("image-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-    ImageFile() { fs::create_directories(folder); }
-    ~ImageFile() override {
-        std::error_code code;
-        fs::remove_all(folder, code);
-    }
+    const orvo::test::TemporaryFolder folder;
     std::string path(const std::string& name) const { return (folder / name).string(); }
     std::string write(const std::string& name, const Bytes& content) const {
-        std::ofstream(path(name), std::ios::binary)
-            .write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
-        return path(name);
+        return folder.write(name, {reinterpret_cast<const char*>(content.data()), content.size()}).string();
     }
     static Bytes pixels(const MImage& image) {
         unsigned w = 0, h = 0;

@@ -2,6 +2,7 @@
 #include "ProgramFixture.h"
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include "Session.h"
 #include "inspect/InspectionText.h"
 #include "inspect/XmlFile.h"
+#include "kit/OtherLocale.h"
 #include "kit/Places.h"
 #include "kit/TemporaryFolder.h"
 
@@ -14,7 +15,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-#include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -557,12 +557,11 @@ TEST_F(Inspect, RefusesWhatItCannotRead) {
 
 // Faults: JSON that other tools cannot read; decimal commas; names and texts that steer the terminal.
 TEST_F(Inspect, SaysItAsTextAndAsJson) {
-    const char* const comma = std::setlocale(LC_ALL, "de_DE.UTF-8"); // where there is none, "C" is tried
+    const orvo::test::OtherLocale comma; // where there is none, "C" is tried
     std::string scene = replaced(sample("everything.atmos"), "skies\\evening.tga", "a&quot;b&#27;[2J\x7F\xC2\x9B");
     scene = replaced(scene, "fogAlpha = \"1.000000\"", "fogAlpha = \"half\"");
     const Inspection found = inspectFile(writeScene(scene, sampleData()));
     const std::string text = asText(found), json = asJson(found);
-    if (comma) std::setlocale(LC_ALL, "C");
 
     EXPECT_THAT(text, HasSubstr("    sunColour                1 0.95 0.763\n"));
     EXPECT_THAT(text, HasSubstr("    fogHeight                40 m\n"));

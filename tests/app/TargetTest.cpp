@@ -1,7 +1,12 @@
 // What the program writes: refused early, put into place together, and never half done.
 #include "ProgramFixture.h"
 
+#include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 

@@ -12,11 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <utility>
-
-#include <unistd.h>
 
 /// The running host with a new scene, the usual units, and a project folder of its own that is removed at the end.
 class CommandFixture : public testing::Test {
@@ -49,12 +46,9 @@ protected:
     std::string path(const std::string& name) const { return (project / name).generic_string(); }
     std::string quoted(const std::string& name) const { return '"' + path(name) + '"'; }
     void write(const std::string& name, const std::string& content) const {
-        std::ofstream(project / name, std::ios::binary) << content;
+        orvo::test::write(project / name, content);
     }
-    std::string read(const std::string& name) const {
-        std::ifstream in(project / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    std::string read(const std::string& name) const { return project.read(name); }
 
     orvo::test::TemporaryFolder project;
     std::string warnings;

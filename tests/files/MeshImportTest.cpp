@@ -7,7 +7,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <limits>
 #include <string>
@@ -22,10 +21,7 @@ using testing::HasSubstr;
 
 std::string sample(const std::string& name) { return orvo::test::testData("import/" + name); }
 
-std::string content(const std::string& name) {
-    std::ifstream in(sample(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
+std::string content(const std::string& name) { return orvo::test::content(sample(name)); }
 
 void replace(std::string& text, const std::string& from, const std::string& to) {
     const auto at = text.find(from);

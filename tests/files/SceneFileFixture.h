@@ -5,14 +5,12 @@
 #include "files/SceneWriter.h"
 #include "kit/MessageSink.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 #include "scene/Evaluation.h"
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -21,8 +19,6 @@ class SceneFileFixture : public testing::Test {
 protected:
     void SetUp() override { scene.reset(); }
     void TearDown() override {
-        std::error_code ignored;
-        if (!folder_.empty()) std::filesystem::remove_all(folder_, ignored);
         scene.reset();
         host::files::FileUnits().makeCurrent();
     }
@@ -42,22 +38,9 @@ protected:
         for (const auto& m : messages) all += m + "\n";
         return all;
     }
-    std::filesystem::path temporary(const std::string& name) const {
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        std::string folder = std::string(test->test_suite_name()) + "." + test->name();
-        for (char& c : folder)
-            if (c == '/') c = '_';
-        folder_ = std::filesystem::path(testing::TempDir()) / (folder + "-" + std::to_string(getpid()));
-        std::filesystem::create_directories(folder_);
-        return folder_ / name;
-    }
-    static void put(const std::filesystem::path& file, const std::string& bytes) {
-        std::ofstream(file, std::ios::binary) << bytes;
-    }
-    static std::string get(const std::filesystem::path& file) {
-        std::ifstream in(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    std::filesystem::path temporary(const std::string& name) const { return folder_ / name; }
+    static void put(const std::filesystem::path& file, const std::string& bytes) { orvo::test::write(file, bytes); }
+    static std::string get(const std::filesystem::path& file) { return orvo::test::content(file); }
 
     host::scene::Scene& scene = host::scene::Scene::current();
     std::vector<std::string> messages;
@@ -68,5 +51,5 @@ private:
         messages.emplace_back(text);
         severities.push_back(severity);
     }};
-    mutable std::filesystem::path folder_; ///< of files; made when one is asked for
+    orvo::test::TemporaryFolder folder_;
 };

@@ -1,5 +1,5 @@
-#include "base/Messages.h"
 #include "commands/Commands.h"
+#include "kit/MessageSink.h"
 #include "mel/Command.h"
 #include "mel/Interpreter.h"
 #include "scene/Evaluation.h"
@@ -13,11 +13,7 @@
 /// it did is undone. Nothing reaches a file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace host;
-    static const bool quiet = [] {
-        Messages::instance().setSink([](Severity, std::string_view) {});
-        return true;
-    }();
-    (void)quiet;
+    static const orvo::test::MessageSink quiet([](Severity, std::string_view) {});
     auto& scene = scene::Scene::current();
     scene.reset();
     mel::Interpreter interpreter;

@@ -1,7 +1,7 @@
-#include "base/Messages.h"
 #include "commands/Commands.h"
 #include "files/SceneReader.h"
 #include "files/SceneWriter.h"
+#include "kit/MessageSink.h"
 #include "kit/TemporaryFolder.h"
 #include "mel/Interpreter.h"
 #include "scene/Evaluation.h"
@@ -72,13 +72,10 @@ std::size_t nodes(const std::string& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool quiet = [] {
-        Messages::instance().setSink([](Severity, std::string_view text) { require(!text.empty()); });
-        static mel::Interpreter interpreter;
-        mel::registerExpressionCommands(interpreter);
-        return true;
-    }();
-    require(quiet);
+    static const orvo::test::MessageSink sink([](Severity, std::string_view text) { require(!text.empty()); });
+    static mel::Interpreter interpreter;
+    static const bool registered = (mel::registerExpressionCommands(interpreter), true);
+    require(registered);
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     if (text.find('\0') != text.npos) return 0; // the file's reader refuses it
     auto& scene = scene::Scene::current();

@@ -6,7 +6,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 
 #include <sys/resource.h>
@@ -37,13 +36,8 @@ class FileFunctionTest : public testing::Test {
 protected:
     FileFunctionTest() { mel.interpreter.setGlobalVariable("d", folder.generic_string() + "/"); }
 
-    void write(const std::string& name, const std::string& text) {
-        std::ofstream(folder / name, std::ios::binary) << text;
-    }
-    std::string read(const std::string& name) {
-        std::ifstream in(folder / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    void write(const std::string& name, const std::string& text) { folder.write(name, text); }
+    std::string read(const std::string& name) { return folder.read(name); }
     std::string run(const std::string& script) { return mel.run("string $d; " + script); }
 
     orvo::test::TemporaryFolder folder;

@@ -1,6 +1,5 @@
 #include "MelFixture.h"
-
-#include <clocale>
+#include "kit/OtherLocale.h"
 
 class FunctionTest : public testing::TestWithParam<PrintCase> {};
 
@@ -102,12 +101,7 @@ static const PrintCase kPaths[] = {
 INSTANTIATE_TEST_SUITE_P(Paths, FunctionTest, testing::ValuesIn(kPaths));
 
 TEST(Locale, DoesNotChangeNumbers) {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    bool comma = false;
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"}) comma = comma || std::setlocale(LC_ALL, name);
-    MelFixture mel;
-    const std::string printed = mel.run("float $x = \"0.5\"; print ($x + 1.25);");
-    std::setlocale(LC_ALL, before.c_str());
-    if (!comma) GTEST_SKIP() << "no locale with a decimal comma is installed";
-    EXPECT_EQ(printed, "1.75");
+    const orvo::test::OtherLocale comma;
+    if (!comma.found()) GTEST_SKIP() << "no locale with a decimal comma on this machine";
+    EXPECT_EQ(MelFixture().run("float $x = \"0.5\"; print ($x + 1.25);"), "1.75");
 }

@@ -4,6 +4,7 @@
 #include "api/plugins/PluginManager.h"
 #include "commands/Host.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 #include "scene/Scene.h"
 #include "viewport/Viewport.h"
 
@@ -16,7 +17,6 @@
 #include <maya/MPxLocatorNode.h>
 #include <maya/MSelectionList.h>
 #include <maya/MString.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -64,8 +64,9 @@ protected:
     static host::api::PluginManager& plugins() { return host::Host::instance().plugins(); }
     static host::mel::Value run(const std::string& mel) { return host::Host::instance().interpreter().execute(mel); }
     static double number(const std::string& plug) { return run("getAttr " + plug).toFloat(); }
-    static fs::path project() {
-        return fs::path(testing::TempDir()) / ("orvo_mesh_pixels-" + std::to_string(getpid()));
+    static const fs::path& project() {
+        static const orvo::test::TemporaryFolder folder;
+        return folder;
     }
 
     /// Draws with the camera at a place (in centimetres) along -Z, then lets the nodes free what they hold while their

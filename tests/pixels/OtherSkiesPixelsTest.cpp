@@ -1,7 +1,7 @@
 // The gradient, textured and procedural skies, as rendered, against the same formulas evaluated in plain C++.
-#include "PixelCamera.h"
 #include "PlainScattering.h"
 #include "PluginScene.h"
+#include "kit/PixelCamera.h"
 #include "kit/Places.h"
 #include "viewport/Viewport.h"
 
@@ -269,13 +269,12 @@ TEST_F(OtherSkies, GradientImageIsLoadedOnceAPath) {
     bring("gradient.png", "other.png");
     setText("gradientTexture", (project() / folder_ / "other.png").string());
     EXPECT_TRUE(image(0)) << "another path";
-    const auto outside =
-        std::filesystem::path(testing::TempDir()) / ("orvo_Outside-" + std::to_string(getpid()) + ".png");
+    const orvo::test::TemporaryFolder elsewhere;
+    const auto outside = elsewhere / "Outside.png";
     std::filesystem::rename(project() / folder_ / "other.png", outside);
     setText("gradientTexture", outside.string());
     EXPECT_TRUE(image(0)) << "outside of the project";
     EXPECT_EQ(text("gradientTexture"), outside.string());
-    std::filesystem::remove(outside);
 }
 
 // Catches sizes that trip the loader, and files of another kind than their names say.

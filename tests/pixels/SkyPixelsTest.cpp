@@ -1,7 +1,7 @@
 // The rendered sky and fog against the same formulas evaluated in plain C++, in double precision.
-#include "PixelCamera.h"
 #include "api/plugins/PluginManager.h"
 #include "commands/Host.h"
+#include "kit/PixelCamera.h"
 #include "kit/Places.h"
 #include "scene/Scene.h"
 #include "viewport/Viewport.h"

@@ -1,6 +1,7 @@
 #include "TutorialFixture.h"
 
-#include "base/Messages.h"
+#include "kit/MessageSink.h"
+#include "kit/TemporaryFolder.h"
 
 #include <maya/MFnDependencyNode.h>
 #include <maya/MFnIntArrayData.h>
@@ -117,13 +118,13 @@ struct SceneWatch : TutorialPlugins {
         run("loadPlugin sceneWatch; createNode transform -n base; createNode transform -n a -p base; watchNode a; "
             "select "
             "-cl; watchLog;");
-        host::Messages::instance().setSink([this](host::Severity severity, std::string_view text) {
+        sink.emplace([this](host::Severity severity, std::string_view text) {
             if (severity != host::Severity::Info) told.emplace_back(text);
         });
     }
     void TearDown() override {
         TutorialPlugins::TearDown();
-        host::Messages::instance().setSink({});
+        sink.reset();
     }
     StringArray log(const std::string& mel) {
         run("watchLog;");
@@ -131,6 +132,7 @@ struct SceneWatch : TutorialPlugins {
         return run("watchLog;").toStringArray();
     }
     StringArray told;
+    std::optional<orvo::test::MessageSink> sink;
 };
 
 // Faults: an event that is not told of, or told of in the wrong direction; what undoing does left out.
@@ -183,7 +185,8 @@ TEST_F(SceneWatch, CallbacksThatMisbehave) {
 // Faults: an operation that goes on although it was refused, messages in the wrong order, code that is called when its
 // plug-in is gone.
 TEST_F(SceneWatch, DocumentsAndUnloading) {
-    const std::string folder = testing::TempDir();
+    const orvo::test::TemporaryFolder files;
+    const std::string folder = files.string();
     run("file -rename \"" + folder + "/watched.ma\";");
     EXPECT_EQ(log("file -save;"), StringArray{"after save"});
     const auto opened = log("file -f -o \"" + folder + "/watched.ma\";");
@@ -218,13 +221,14 @@ TEST_F(TutorialPlugins, CommandThatLooksOverTheScene) {
     EXPECT_EQ(run("keyframe -q -timeChange a.ty;").toFloatArray(), (FloatArray{0, 24}));
     EXPECT_NE(failure("sceneReport curve b.ty;"), "") << "something drives it already";
     EXPECT_NE(failure("sceneReport curve a.message;"), "");
-    EXPECT_EQ(run("sceneReport save \"" + testing::TempDir() + "/report.ma\";").toString(), "report.ma");
+    const orvo::test::TemporaryFolder files;
+    EXPECT_EQ(run("sceneReport save \"" + files.string() + "/report.ma\";").toString(), "report.ma");
     EXPECT_EQ(run("sceneReport sets;").toString(), "posts: a b");
     EXPECT_EQ(run("getAttr a.ty;").toFloat(), 2.5);
     EXPECT_NE(failure("sceneReport save \"/no/such/folder/report.ma\";"), "");
-    run("file -f -new; group -em -n cup; file -rename \"" + testing::TempDir() +
-        "/cup.ma\"; file -save; file -f -new; file -rename \"" + testing::TempDir() + "/level.ma\";");
-    EXPECT_EQ(run("sceneReport refer \"" + testing::TempDir() + "/cup.ma\";").toStringArray(),
+    run("file -f -new; group -em -n cup; file -rename \"" + files.string() +
+        "/cup.ma\"; file -save; file -f -new; file -rename \"" + files.string() + "/level.ma\";");
+    EXPECT_EQ(run("sceneReport refer \"" + files.string() + "/cup.ma\";").toStringArray(),
               (StringArray{"asset:cup", "cup.ma", "0", "cup.ma1"}));
     EXPECT_EQ(run("ls \"asset*\" \"asset:*\";").toStringArray(), StringArray{});
     EXPECT_NE(failure("sceneReport refer \"/no/such/nothing.ma\";"), "");

@@ -1,10 +1,11 @@
+#include "kit/OtherLocale.h"
+
 #include <maya/MString.h>
 #include <maya/MStringArray.h>
 
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -184,13 +185,11 @@ TEST(String, WritesNumbers) {
 
 // Fault: "0,5" written, or "0.5" read as 0, in a process with a comma locale.
 TEST(String, NumbersDoNotDependOnTheLocale) {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    if (!std::setlocale(LC_ALL, "de_DE.UTF-8") && !std::setlocale(LC_ALL, "fr_FR.UTF-8"))
-        GTEST_SKIP() << "no locale with a decimal comma is installed";
+    const orvo::test::OtherLocale comma;
+    if (!comma.found()) GTEST_SKIP() << "no locale with a decimal comma on this machine";
     EXPECT_EQ(writtenNumbers(), expectedNumbers);
     EXPECT_DOUBLE_EQ(MString("0.5").asDouble(), 0.5);
     EXPECT_FALSE(MString("0,5").isDouble());
-    std::setlocale(LC_ALL, before.c_str());
 }
 
 // Fault: replaced text replaced again, an endless loop, or arguments in the wrong places.

@@ -34,8 +34,8 @@ Picture sample() {
 }
 
 std::vector<unsigned char> bytesOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    const std::string bytes = orvo::test::content(path);
+    return {bytes.begin(), bytes.end()};
 }
 
 // Fault: rows upside down, channels swapped, or colours multiplied by alpha on the way out and back.

@@ -3,6 +3,7 @@
 #include "Theme.h"
 
 #include "commands/Host.h"
+#include "kit/ProgramRun.h"
 #include "scene/Scene.h"
 
 #include <QApplication>
@@ -11,8 +12,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <sstream>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -33,42 +32,14 @@ createNode transform -n "renderer";
 createNode orvosky_SkyRenderer -n "rendererShape" -p "renderer";
 )";
 
-std::string content(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-void write(const fs::path& file, const std::string& text) {
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << text;
-}
-
 int runProgram(const fs::path& folder, const std::vector<std::string>& words, std::string* said,
                const std::vector<std::pair<std::string, std::string>>& environment) {
-    const fs::path out = folder / ".said";
-    const pid_t child = fork();
-    if (child == 0) {
-        if (chdir(folder.c_str()) != 0) _exit(99);
-        const int file = ::open(out.c_str(), O_CREAT | O_WRONLY | O_TRUNC, 0600);
-        dup2(file, STDOUT_FILENO);
-        dup2(file, STDERR_FILENO);
-        setenv("ASAN_OPTIONS", "detect_leaks=0", 1); // the GL driver is gone before the leak check, and its own with it
-        for (const auto& [name, value] : environment)
-            value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
-        std::vector<std::string> all{orvo::test::program()};
-        all.insert(all.end(), words.begin(), words.end());
-        std::vector<char*> argv;
-        for (auto& word : all) argv.push_back(word.data());
-        argv.push_back(nullptr);
-        execv(argv[0], argv.data());
-        _exit(98);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (said) *said = content(out);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    // The GL driver is gone before the leak check, and its own with it.
+    std::map<std::string, std::string> all{{"ASAN_OPTIONS", "detect_leaks=0"}};
+    all.insert(environment.begin(), environment.end());
+    const orvo::test::Outcome end = orvo::test::runProgram(folder, words, all);
+    if (said) *said = end.out + end.error;
+    return end.status;
 }
 
 namespace {
@@ -133,9 +104,6 @@ private:
 } // namespace
 
 void Window::SetUp() {
-    std::string pattern = (fs::temp_directory_path() / "orvosky-window-XXXXXX").string();
-    ASSERT_TRUE(mkdtemp(pattern.data()));
-    folder_ = fs::canonical(pattern);
     write(folder_ / "workspace.mel", "workspace -fr \"scene\" \"scenes\";\n");
     fs::create_directories(folder_ / "scenes");
     setenv("XDG_CONFIG_HOME", (folder_ / ".config").c_str(), 1);
@@ -146,11 +114,7 @@ void Window::SetUp() {
     start_ = windowStart(common_, options_, session_);
 }
 
-void Window::TearDown() {
-    close();
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-}
+void Window::TearDown() { close(); }
 
 void Window::open(const std::string& scene) {
     start_.begin();

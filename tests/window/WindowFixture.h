@@ -7,6 +7,7 @@
 
 #include "../../apps/orvosky/EditCommand.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include <QTest>
 
@@ -22,10 +23,10 @@ namespace orvosky::window {
 
 namespace fs = std::filesystem;
 
-std::string content(const fs::path& file);
-void write(const fs::path& file, const std::string& text);
+using orvo::test::content;
+using orvo::test::write;
 
-/// Runs `orvosky` with these words in the folder. @return exit status; what it said is in `said`
+/// Runs `orvosky` with these words in the folder. @return exit status; what it said on both streams is in `said`
 int runProgram(const fs::path& folder, const std::vector<std::string>& words, std::string* said = nullptr,
                const std::vector<std::pair<std::string, std::string>>& environment = {});
 
@@ -55,7 +56,7 @@ protected:
     /// The scene as it would be saved.
     std::string saved();
 
-    fs::path folder_;
+    orvo::test::TemporaryFolder folder_;
     std::vector<std::string> errors_;
 
 private:

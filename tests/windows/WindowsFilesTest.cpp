@@ -5,11 +5,11 @@
 #include "Common/WindowsPath.h"
 #include "Common/XmlFile.h"
 #include "HostStandIn.h"
+#include "kit/TemporaryFolder.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <optional>
 #include <windows.h>
@@ -29,10 +29,7 @@ protected:
         fs::create_directories(root);
         fs::current_path(root);
     }
-    ~WindowsFiles() override {
-        fs::current_path(before);
-        fs::remove_all(root);
-    }
+    ~WindowsFiles() override { fs::current_path(before); }
     static void put(const std::string& path, std::string_view text) {
         OutputFile file(path, "wb");
         file.write(text);
@@ -44,7 +41,8 @@ protected:
     }
 
     const fs::path before = fs::current_path();
-    const fs::path root = fs::temp_directory_path() / ("Orvo-Windows-" + std::to_string(GetCurrentProcessId()));
+    const orvo::test::TemporaryFolder around;
+    const fs::path root = around / "Orvo-Windows";
     const std::string folder = root.string();
 };
 
@@ -173,6 +171,27 @@ TEST_F(WindowsFiles, AFileIsReplacedByAWholeOne) {
     EXPECT_EQ(openFile("other", "wbx"), nullptr) << "it is there";
     EXPECT_FALSE(OutputFile("none/a.xml", "wt", OutputFile::Earlier::Replaced).isOpen());
     EXPECT_FALSE(OutputFile(".", "wt", OutputFile::Earlier::Replaced).isOpen());
+}
+
+// Catches a limit of 260 characters on the way to a new file, or on the way back to it.
+TEST_F(WindowsFiles, LongPathsAreReplacedListedAndResolved) {
+    std::string deep = folder;
+    for (int i = 0; i < 6; ++i) {
+        deep += "\\" + std::string(50, 'D');
+        ASSERT_TRUE(CreateDirectoryW(windowsPath(deep).c_str(), nullptr)) << deep;
+    }
+    const std::string stored = toLowerCase(deep) + "\\sky.atmos";
+    for (const std::string& path : {deep + "/Sky.atmos", stored}) {
+        OutputFile file(path, "wb", OutputFile::Earlier::Replaced);
+        file.write(path);
+        EXPECT_TRUE(file.close()) << path;
+        EXPECT_EQ(textOf(deep + "\\SKY.ATMOS"), path);
+    }
+    EXPECT_EQ(listFolder(deep)->size(), 1u);
+    EXPECT_EQ(fileState(stored)->size, stored.size());
+    // Wine does not correct the case of parts that lie so deep.
+    EXPECT_EQ(toLowerCase(pathWithoutLinks(stored).value()),
+              toLowerCase(pathWithoutLinks(deep).value() + "/sky.atmos"));
 }
 
 // Catches a size of 32 bits: these files are too large, not 10 bytes long.

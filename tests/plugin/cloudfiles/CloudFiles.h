@@ -1,16 +1,14 @@
 #pragma once
 
+#include "kit/OtherLocale.h"
 #include "kit/Places.h"
 #include "kit/TemporaryFolder.h"
 
-#include <clocale>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 
 /// A folder for a test's files, gone after the test.
 class CloudFiles : public testing::Test {
@@ -25,10 +23,7 @@ protected:
         return contents(std::filesystem::path(orvo::test::testData()) / "clouds" / name);
     }
     std::string path(const char* name) const { return (folder_ / name).string(); }
-    std::string write(const char* name, const std::string& text) const {
-        std::ofstream(folder_ / name, std::ios::binary) << text;
-        return path(name);
-    }
+    std::string write(const char* name, const std::string& text) const { return folder_.write(name, text).string(); }
 
     orvo::test::TemporaryFolder folder_;
 };
@@ -58,16 +53,3 @@ inline std::string withoutAttribute(std::string text, const std::string& attribu
     if (at == std::string::npos) return text;
     return text.erase(at, text.find('\n', at) - at);
 }
-
-/// Numbers have a decimal comma while it lives, where the machine has such a locale.
-class CommaLocale {
-public:
-    CommaLocale()
-        : found_(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr ||
-                 std::setlocale(LC_ALL, "German_Germany.1252") != nullptr) {}
-    ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
-    bool found() const { return found_; }
-
-private:
-    bool found_;
-};

@@ -268,7 +268,7 @@ TEST_F(CloudLibraryFile, KeepsSevenDigits) {
 
 // Catches decimal commas in a file, and points that end a number.
 TEST_F(CloudLibraryFile, IgnoresTheLocale) {
-    const CommaLocale comma;
+    const orvo::test::OtherLocale comma;
     if (!comma.found()) GTEST_SKIP() << "no locale with a decimal comma on this machine";
     const std::string file = saved(firstCloud());
     EXPECT_EQ(contents(file), golden("cloud.xml"));

@@ -102,7 +102,7 @@ TEST(ScanNumber, ReadsIntegers) {
 
 // Catches a reader that asks the locale for its decimal point.
 TEST(ScanNumber, IgnoresTheLocale) {
-    const CommaLocale comma;
+    const orvo::test::OtherLocale comma;
     if (!comma.found()) GTEST_SKIP() << "no locale with a decimal comma on this machine";
     ASSERT_EQ(std::strtod("1.5", nullptr), 1.0) << "the locale is not what the test needs";
     std::string_view rest = "1.5 2,5";

@@ -3,6 +3,7 @@
 #include "SkyTool/clouds/ParticleCloudShadingParamsLocator.h"
 #include "UtilityTest.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include "api/graph/Handle.h"
 #include "api/plugins/PluginManager.h"
@@ -41,15 +42,13 @@ protected:
     }
     std::string texture() { return readString(node("params"), attribute(node("params"), "shadingTexture")).asChar(); }
     std::string element(bool* saved = nullptr) {
-        const std::string path = testing::TempDir() + "orvo_shading-" + std::to_string(getpid());
+        const orvo::test::TemporaryFolder folder;
+        const std::string path = (folder / "element").string();
         OutputFile file(path, "wt");
         const bool ok = params().saveToXml(file, "  ");
         if (saved) *saved = ok;
         EXPECT_TRUE(file.close());
-        std::ostringstream text;
-        text << std::ifstream(path, std::ios::binary).rdbuf();
-        std::filesystem::remove(path);
-        return text.str();
+        return orvo::test::content(path);
     }
 };
 
@@ -114,14 +113,13 @@ TEST_F(ShadingParams, ATexturesPathIsNormalisedInPlace) {
 // Catches a texture outside of the project that loses the separator that it begins with on its way through a file, and
 // a value out of range that is set, or keeps the others from being set, without a word.
 TEST_F(ShadingParams, AFileKeepsTheTexturesPathAndHoldsValues) {
-    const std::string outside = "/elsewhere/clouds/A.dds",
-                      path = testing::TempDir() + "orvo_outside-" + std::to_string(getpid());
+    const orvo::test::TemporaryFolder folder;
+    const std::string outside = "/elsewhere/clouds/A.dds", path = (folder / "shading").string();
     setTexture(outside);
     ASSERT_TRUE(params().saveParamsFile(path));
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    EXPECT_THAT(text.str(), testing::HasSubstr("shading_tex_filepath = \"" + outside + "\"\n"));
-    std::ofstream(path) << changed(text.str(), "shadingOpacity = \"1.000000", "shadingOpacity = \"7.000000");
+    const std::string text = orvo::test::content(path);
+    EXPECT_THAT(text, testing::HasSubstr("shading_tex_filepath = \"" + outside + "\"\n"));
+    std::ofstream(path) << changed(text, "shadingOpacity = \"1.000000", "shadingOpacity = \"7.000000");
     setTexture("");
     EXPECT_TRUE(params().loadParamsFile(path));
     EXPECT_EQ(texture(), outside);

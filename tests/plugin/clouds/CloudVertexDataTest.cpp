@@ -1,12 +1,11 @@
 #include "SkyTool/clouds/CloudVertexData.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <sstream>
-#include <unistd.h>
 
 using namespace orvo;
 using testing::ElementsAre;
@@ -48,7 +47,8 @@ TEST(CloudVertexData, WritesTheElementAndTheRecordsOfEachCloud) {
     shading.spriteShadowAmount = 0.625;
     shading.selfShadowAmount = 0.0625;
     shading.selfShadowFalloff = 50;
-    const std::string path = testing::TempDir() + "cloud-element-" + std::to_string(::getpid());
+    const orvo::test::TemporaryFolder folder;
+    const std::string path = (folder / "element").string();
     std::vector<unsigned char> bytes{7};
     OutputFile file(path, "wt");
     EXPECT_TRUE(saveCloudToXml(file, "  ", bytes, {settings, geom, {1000, 2000, 3000}, 2500, false}, shading));
@@ -59,7 +59,6 @@ TEST(CloudVertexData, WritesTheElementAndTheRecordsOfEachCloud) {
     EXPECT_TRUE(file.close());
     std::ostringstream text;
     text << std::ifstream(path).rdbuf(); // as text, whose line ends are the system's
-    std::filesystem::remove(path);
     EXPECT_EQ(text.str(), "  <ParticleCloud\n"
                           "  \tvertexDataAddress = \"128\"\n"
                           "  \tspriteSize = \"150.500000\"\n"

@@ -1,12 +1,11 @@
 #include "Common/FileSystem.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #ifdef _WIN32
 #include "Common/WindowsPath.h"
@@ -23,13 +22,9 @@ using testing::Optional;
 
 class FileSystemTest : public testing::Test {
 protected:
-    FileSystemTest() {
-        fs::create_directories(root / "Build" / "Textures");
-        put("Build/Textures/Sky.dds", "sky");
-    }
-    ~FileSystemTest() override { removeFolder(root.string()); }
+    FileSystemTest() { put("Build/Textures/Sky.dds", "sky"); }
 
-    void put(const std::string& name, const std::string& text) const { std::ofstream(root / name) << text; }
+    void put(const std::string& name, const std::string& text) const { root.write(name, text); }
     std::string at(const std::string& name) const { return (root / name).string(); }
     static std::string contentOf(const std::string& path) {
         std::FILE* file = orvo::openFile(path, "rb");
@@ -40,29 +35,16 @@ protected:
         return {text, length};
     }
 
-    // Paths of any length, which the library's own functions take elsewhere alone.
-#ifdef _WIN32
+    /// Paths of any length, which the library's own functions take elsewhere alone.
     static void makeFolder(const std::string& path) {
+#ifdef _WIN32
         ASSERT_TRUE(CreateDirectoryW(orvo::windowsPath(path).c_str(), nullptr)) << path;
-    }
-    static void removeFolder(const std::string& path) {
-        const auto entries = orvo::listFolder(path);
-        ASSERT_TRUE(entries) << path;
-        for (const auto& entry : *entries) {
-            const std::string child = path + "\\" + entry.name;
-            if (entry.isFolder)
-                removeFolder(child);
-            else
-                DeleteFileW(orvo::windowsPath(child).c_str());
-        }
-        EXPECT_TRUE(RemoveDirectoryW(orvo::windowsPath(path).c_str())) << path;
-    }
 #else
-    static void makeFolder(const std::string& path) { ASSERT_TRUE(fs::create_directory(path)) << path; }
-    static void removeFolder(const std::string& path) { fs::remove_all(path); }
+        ASSERT_TRUE(fs::create_directory(path)) << path;
 #endif
+    }
 
-    const fs::path root = fs::temp_directory_path() / ("FileSystem-Test-" + std::to_string(::getpid()));
+    const orvo::test::TemporaryFolder root;
 };
 
 // Fault: a stored path, lower case with backslashes, that does not open; absolute, relative, through "..".

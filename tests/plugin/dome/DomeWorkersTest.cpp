@@ -1,4 +1,5 @@
 #include "SkyTool/clouds/CloudDomeWorkers.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <tinyxml.h>
@@ -227,10 +228,11 @@ TEST_F(DomeWorkers, BuildCountsCloudsAndBytes) {
 // is not the bounds'. Read from the written file and bytes alone: in metres,
 // cullingSpherePos + geomBoundSpherePos + c / 32767 x geomBoundSphereRadius.
 TEST_F(DomeWorkers, ExportedSpritesAreFoundWhereTheyAre) {
+    const orvo::test::TemporaryFolder folder;
     for (const double scale : {1.0, 2.5}) {
         const DomeBuild dome = buildDome(templates_, {.scale = scale, .outerRadius = 100000}, shading_);
         ASSERT_FALSE(dome.clouds.empty());
-        const std::string path = (std::filesystem::path(testing::TempDir()) / "dome_export.xml").string();
+        const std::string path = (folder / "dome.xml").string();
         std::vector<unsigned char> bytes;
         OutputFile file(path, "wt");
         file.print("<Clouds>\n");

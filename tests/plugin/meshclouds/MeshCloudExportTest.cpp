@@ -10,8 +10,6 @@
 #include <maya/MSelectionList.h>
 #include <maya/MString.h>
 
-#include <unistd.h>
-
 #include <cmath>
 
 namespace fs = std::filesystem;
@@ -27,12 +25,11 @@ const std::string badPath =
 
 class MeshCloudExport : public PluginScene {
 protected:
-    MeshCloudExport() : file_(fs::path(testing::TempDir()) / ("orvo_meshes-" + std::to_string(getpid()) + ".atmos")) {
+    MeshCloudExport() {
         must("createNode transform -n \"OrvoSkyData\"; createNode transform -n \"set\" -p \"OrvoSkyData\";"
              "createNode orvosky_SkySceneSettings -p \"set\";");
         log_.clear();
     }
-    ~MeshCloudExport() override { fs::remove(file_); }
 
     /// A group "cloud" with the locator "sprite" in it.
     void makeCloud() {
@@ -54,7 +51,8 @@ protected:
         return from == std::string::npos ? "" : text.substr(from, to - from);
     }
 
-    fs::path file_;
+    const orvo::test::TemporaryFolder folder_;
+    const fs::path file_ = folder_ / "meshes.atmos";
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "Common/TriMesh.h"
 #include "Common/TriMeshBuild.h"
 #include "Common/TriMeshXml.h"
+#include "kit/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,6 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 #include <map>
 #include <random>
@@ -102,21 +102,17 @@ std::string bits(const TriMesh& mesh) {
 
 class XmlFile {
 public:
-    XmlFile() : path_(std::filesystem::path(testing::TempDir()) / "orvo_trimesh.xml") {}
-    ~XmlFile() { std::filesystem::remove(path_); }
     bool write(const TriMesh& mesh, const char* indent) {
-        orvo::OutputFile file(path_.string(), "wb");
+        orvo::OutputFile file((folder_ / "mesh.xml").string(), "wb");
         const bool written = orvo::writeTriMeshXml(mesh, file, indent);
         EXPECT_TRUE(file.close());
-        std::ostringstream text;
-        text << std::ifstream(path_, std::ios::binary).rdbuf();
-        contents = text.str();
+        contents = folder_.read("mesh.xml");
         return written;
     }
     std::string contents;
 
 private:
-    std::filesystem::path path_;
+    orvo::test::TemporaryFolder folder_;
 };
 
 std::string printed(const char* format, auto... values) {

@@ -1,10 +1,10 @@
 // Particle clouds in a scene: gathering, the commands, autoUpdate, and the exported files read back.
 #include "Common/Checksums.h"
 #include "GlPrograms.h"
-#include "PixelCamera.h"
 #include "PluginScene.h"
 #include "Schema.h"
 #include "SkyTool/clouds/CloudGeneration.h"
+#include "kit/PixelCamera.h"
 #include "kit/Places.h"
 
 #include "kit/TemporaryFolder.h"

@@ -3,8 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <unistd.h>
-
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -15,11 +13,10 @@ namespace {
 /// A scene that can be exported: a sky node named "s" is added by the test.
 class SkyNodes : public PluginScene {
 protected:
-    SkyNodes() : file_(fs::path(testing::TempDir()) / ("orvo_skies-" + std::to_string(getpid()) + ".atmos")) {
+    SkyNodes() {
         must("createNode transform -n OrvoSkyData;"
              "createNode orvosky_SkySceneSettings -n settings -p OrvoSkyData;");
     }
-    ~SkyNodes() override { fs::remove(file_); }
 
     /// The element that the export writes between the settings' and the root's end.
     std::string element() {
@@ -37,7 +34,8 @@ protected:
         return result_.toFloat();
     }
 
-    fs::path file_;
+    const orvo::test::TemporaryFolder folder_;
+    const fs::path file_ = folder_ / "skies.atmos";
 };
 
 const char* const gradientDefaults = "\t<GradientSky\n"

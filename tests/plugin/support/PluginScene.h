@@ -4,14 +4,12 @@
 #include "api/plugins/PluginManager.h"
 #include "commands/Host.h"
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 #include "scene/Scene.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
-#include <unistd.h>
 
 /// A test in an empty scene, in a project of its own, with the plug-in loaded. The host is started once a process.
 class PluginScene : public testing::Test {
@@ -25,15 +23,8 @@ protected:
 
     /// The process's own; `artsource` below it is the workspace. Gone when the process ends.
     static const std::filesystem::path& project() {
-        static const struct Folder {
-            std::filesystem::path path =
-                std::filesystem::path(testing::TempDir()) / ("orvo_project-" + std::to_string(getpid()));
-            ~Folder() {
-                std::error_code ignored;
-                std::filesystem::remove_all(path, ignored);
-            }
-        } folder;
-        return folder.path;
+        static const orvo::test::TemporaryFolder folder;
+        return folder;
     }
 
     /// Runs MEL; false when it fails.
@@ -58,11 +49,7 @@ protected:
         must("global proc string OrvoGetPath_ToolsRoot() { return \"" + project().string() + "/\"; }");
     }
 
-    static std::string contents(const std::filesystem::path& file) {
-        std::ostringstream text;
-        text << std::ifstream(file, std::ios::binary).rdbuf();
-        return text.str();
-    }
+    static std::string contents(const std::filesystem::path& file) { return orvo::test::content(file); }
 
     MessageLog log_;
     host::mel::Value result_;

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "kit/Places.h"
+#include "kit/TemporaryFolder.h"
 
 #include <array>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -21,8 +19,8 @@ enum class Kind { Colour, Alpha, Grey };
 inline std::string path(const std::string& name) { return orvo::test::testData("textures/" + name); }
 
 inline Bytes bytesOf(const std::string& name) {
-    std::ifstream in(path(name), std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
+    const std::string bytes = orvo::test::content(path(name));
+    return {bytes.begin(), bytes.end()};
 }
 
 /// The pixel at column x of row y from the bottom of the 8 x 8 picture.

@@ -5,8 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 namespace {
 
 using namespace orvo;
@@ -111,21 +109,19 @@ TEST(TargaTools, WholeFilesAreReadAndCutOnesRefused) {
 
 // Fault: a written header that other programs read differently, or channels left in memory order.
 TEST(TargaWriter, WritesPlainFilesFromTheBottom) {
+    const orvo::test::TemporaryFolder folder;
     CTargaImage picture;
     EXPECT_THAT(picture.encode(), ElementsAre());
-    EXPECT_FALSE(picture.save(testing::TempDir() + "nothing.tga"));
+    EXPECT_FALSE(picture.save((folder / "nothing.tga").string()));
     EXPECT_FALSE(picture.assign(2, 1, 3, {1, 2, 3}));
     ASSERT_TRUE(picture.assign(1, 2, 4, {1, 2, 3, 4, 5, 6, 7, 8}));
     EXPECT_THAT(picture.encode(), ElementsAreArray(header(2, 1, 2, 32, 8) + Bytes{3, 2, 1, 4, 7, 6, 5, 8}));
     picture.convert(3);
     EXPECT_THAT(picture.encode(), ElementsAreArray(header(2, 1, 2, 24) + Bytes{3, 2, 1, 7, 6, 5}));
     ASSERT_TRUE(picture.assign(300, 1, 1, Bytes(300, 7)));
-    const std::string path = testing::TempDir() + "grey-" + std::to_string(::getpid()) + ".tga";
-    ASSERT_TRUE(picture.save(path));
-    std::ifstream in(path, std::ios::binary);
-    EXPECT_THAT(Bytes(std::istreambuf_iterator<char>(in), {}), ElementsAreArray(header(3, 300, 1, 8) + Bytes(300, 7)));
-    in.close();
-    std::filesystem::remove(path);
+    ASSERT_TRUE(picture.save((folder / "grey.tga").string()));
+    const std::string saved = folder.read("grey.tga");
+    EXPECT_THAT(Bytes(saved.begin(), saved.end()), ElementsAreArray(header(3, 300, 1, 8) + Bytes(300, 7)));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "Common/Format.h"
-#include "kit/Places.h"
+#include "kit/OtherLocale.h"
 
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -72,17 +71,9 @@ TEST(Format, ConversionsWithoutArgumentStandAsTheyAre) {
 
 // Catches "0,5" in files written while the host runs in a locale with a decimal comma.
 TEST(Format, IgnoresTheLocale) {
-#ifdef _WIN32
-    const char* found = std::setlocale(LC_ALL, "German_Germany.1252");
-#else
-    setenv("LOCPATH", orvo::test::buildTree("tests/plugin/units/locales").c_str(), 1);
-    const char* found = std::setlocale(LC_ALL, "de_DE.UTF-8");
-    unsetenv("LOCPATH");
-#endif
-    if (!found) GTEST_SKIP() << "no locale with a decimal comma on this machine";
-    const std::string here = printed("%.1f", 0.5);
+    const orvo::test::OtherLocale comma;
+    if (!comma.found()) GTEST_SKIP() << "no locale with a decimal comma on this machine";
     const std::string text = formatText("%f %g %e %'d", 0.5, 1234.5, 0.5, 1234567);
-    std::setlocale(LC_ALL, "C");
-    ASSERT_EQ(here, "0,5") << "the locale is not what the test needs";
+    ASSERT_EQ(printed("%.1f", 0.5), "0,5") << "the locale is not what the test needs";
     EXPECT_THAT(text, testing::StartsWith("0.500000 1234.5 5.000000e-01 "));
 }

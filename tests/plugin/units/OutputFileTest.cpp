@@ -1,5 +1,6 @@
 #include "Common/OutputFile.h"
 #include "FailingCalls.h"
+#include "kit/TemporaryFolder.h"
 
 #include <cerrno>
 #include <csignal>
@@ -7,28 +8,22 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <new>
-#include <sstream>
 #include <sys/resource.h>
 #include <unistd.h>
 
 using namespace orvo;
 namespace fs = std::filesystem;
 
-namespace {
-
-std::string scratch(const char* name) { return testing::TempDir() + "/" + name; }
-
-} // namespace
+namespace {} // namespace
 
 TEST(OutputFile, WritesTheBytesItWasGiven) {
-    const std::string path = scratch("OutputFile.bin");
+    const orvo::test::TemporaryFolder folder;
+    const std::string path = (folder / "a.bin").string();
     OutputFile file(path, "wb");
     file.print("%s=%f\n", "x", 0.5);
     file.write(std::string_view("\0\r\n", 3));
     EXPECT_TRUE(file.close());
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    EXPECT_EQ(text.str(), std::string("x=0.500000\n\0\r\n", 14));
+    EXPECT_EQ(orvo::test::content(path), std::string("x=0.500000\n\0\r\n", 14));
 }
 
 // Catches a truncated file that is called complete: a disk that fills up shows late, when buffers are flushed.
@@ -48,7 +43,8 @@ TEST(OutputFile, ASizeLimitIsAnErrorEvenWhenLaterWritesFit) {
     rlimit limited = before;
     limited.rlim_cur = 8192;
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
-    OutputFile file(scratch("OutputFileLimited.bin"), "wb");
+    const orvo::test::TemporaryFolder folder;
+    OutputFile file((folder / "limited.bin").string(), "wb");
     file.write(std::string(100000, 'x'));
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
@@ -57,7 +53,8 @@ TEST(OutputFile, ASizeLimitIsAnErrorEvenWhenLaterWritesFit) {
 }
 
 TEST(OutputFile, AFileThatDidNotOpenFailsToClose) {
-    OutputFile file(scratch("no such folder/x"), "wt");
+    const orvo::test::TemporaryFolder folder;
+    OutputFile file((folder / "no such folder/x").string(), "wt");
     EXPECT_FALSE(file.isOpen());
     file.print("lost");
     EXPECT_FALSE(file.close());
@@ -68,11 +65,8 @@ TEST(OutputFile, AFileThatDidNotOpenFailsToClose) {
 TEST(OutputFile, ReplacesAFileOnlyByAWholeOne) {
     // In memory where there is such a place: hundreds of rounds would else wait for the disk.
     const fs::path memory = "/dev/shm";
-    const fs::path folder = (access(memory.c_str(), W_OK) == 0 ? memory : fs::path(testing::TempDir())) /
-                            ("orvo-output-" + std::to_string(getpid())),
-                   file = folder / "a.xml", link = folder / "link.xml";
-    fs::remove_all(folder);
-    fs::create_directories(folder);
+    const orvo::test::TemporaryFolder folder(access(memory.c_str(), W_OK) == 0 ? memory : fs::temp_directory_path());
+    const fs::path file = folder / "a.xml", link = folder / "link.xml";
     fs::create_symlink("a.xml", link);
     const auto replaced = [&](const fs::path& path) {
         OutputFile out(path.string(), "wt", OutputFile::Earlier::Replaced);
@@ -80,10 +74,9 @@ TEST(OutputFile, ReplacesAFileOnlyByAWholeOne) {
         return out.close();
     };
     const auto expect = [&](const std::string& text, const std::string& when) {
-        std::ostringstream found;
-        found << std::ifstream(file, std::ios::binary).rdbuf();
-        EXPECT_TRUE(found.str() == text) << when << ": " << found.str().substr(0, 20);
-        EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2) << when;
+        const std::string found = orvo::test::content(file);
+        EXPECT_TRUE(found == text) << when << ": " << found.substr(0, 20);
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 2) << when;
     };
     EXPECT_TRUE(replaced(link));
     expect(std::string(10000, 'n'), "a new file");
@@ -112,7 +105,6 @@ TEST(OutputFile, ReplacesAFileOnlyByAWholeOne) {
     OutputFile device("/dev/full", "wt", OutputFile::Earlier::Replaced);
     device.write("x");
     EXPECT_FALSE(device.close());
-    for (const fs::path& none : {folder, folder / "none/a.xml"})
+    for (const fs::path& none : {folder.path(), folder / "none/a.xml"})
         EXPECT_FALSE(OutputFile(none.string(), "wt", OutputFile::Earlier::Replaced).isOpen()) << none;
-    fs::remove_all(folder);
 }

@@ -1,11 +1,10 @@
 #include "Common/TextureCache.h"
 #include "SkyTool/SkyProgram.h"
 #include "UtilityTest.h"
+#include "kit/TemporaryFolder.h"
 
-#include <filesystem>
 #include <fstream>
 #include <map>
-#include <unistd.h>
 
 using namespace orvo;
 
@@ -16,11 +15,7 @@ int loads = 0;
 /// Contexts that know their shaders' texts, programs that build unless `valid` is false, and an image file.
 class SharedGlObjects : public UtilityTest {
 protected:
-    SharedGlObjects() : file_(testing::TempDir() + "orvo_shared-" + std::to_string(getpid())) {
-        std::ofstream(file_) << "image";
-        loads = 0;
-    }
-    ~SharedGlObjects() override { std::filesystem::remove(file_); }
+    SharedGlObjects() { loads = 0; }
 
     GlFunctions driver() {
         GlFunctions table;
@@ -48,7 +43,8 @@ protected:
     const SkyShaderTexts texts{"SomeSky", "V", "F"}, otherTexts{"SomeSky", "V", "G"};
     bool valid = true;
     int context_ = 1, built_ = 0;
-    std::string file_;
+    const orvo::test::TemporaryFolder folder_;
+    const std::string file_ = folder_.write("image", "image").string();
 
 private:
     GLuint names_ = 0;

@@ -4,10 +4,8 @@
 #include "kit/TemporaryFolder.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <map>
-#include <sstream>
 
 using namespace orvo;
 namespace fs = std::filesystem;
@@ -54,11 +52,7 @@ protected:
     }
     std::string path(const char* name) const { return (folder_ / name).string(); }
     bool write(const char* name = "s.atmos") { return writeSkyFiles(path(name), records_, fakeKinds()); }
-    std::string read(const char* name) const {
-        std::ostringstream text;
-        text << std::ifstream(folder_ / name, std::ios::binary).rdbuf();
-        return text.str();
-    }
+    std::string read(const char* name) const { return folder_.read(name); }
 
     orvo::test::TemporaryFolder folder_;
     std::vector<SkyNodeRecord> records_;
