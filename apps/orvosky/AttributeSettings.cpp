@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "Usage.h"
 
+#include "base/NumberText.h"
 #include "commands/Host.h"
 
 #include <algorithm>
@@ -46,7 +47,7 @@ double fieldOf(const std::string& text, const std::string& fields) {
     int number = 0;
     for (std::string field; std::getline(list, field, ':'); ++number) {
         if (const auto at = field.rfind('='); at != std::string::npos) {
-            number = std::stoi(field.substr(at + 1));
+            number = host::readInt(std::string_view(field).substr(at + 1)).value_or(number);
             field.resize(at);
         }
         if (text == field || text == std::to_string(number)) return number;

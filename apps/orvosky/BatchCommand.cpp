@@ -1,6 +1,7 @@
 #include "Progress.h"
 #include "Session.h"
 
+#include "base/Letters.h"
 #include "base/Messages.h"
 
 #include <fmt/format.h>
@@ -61,7 +62,7 @@ struct Scene {
 };
 
 bool isScene(const fs::path& file) {
-    const std::string ending = file.extension();
+    const std::string ending = host::extensionOf(file);
     return ending == ".ma" || ending == ".mel" || ending == ".mb";
 }
 

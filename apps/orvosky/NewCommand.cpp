@@ -1,11 +1,11 @@
 #include "Session.h"
 
+#include "base/Letters.h"
 #include "base/Messages.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <fstream>
 
@@ -20,8 +20,7 @@ std::string plainName(std::string name) {
     if (const auto number = name.find_first_not_of("0123456789");
         number > 0 && number < name.size() && name[number] == '_')
         name.erase(0, number + 1);
-    for (char& c : name)
-        c = c == ' ' || c == '-' ? '_' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (char& c : name) c = c == ' ' || c == '-' ? '_' : host::lowerCase(c);
     return name;
 }
 

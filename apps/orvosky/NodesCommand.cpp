@@ -1,8 +1,9 @@
 #include "Session.h"
 
 #include "base/Messages.h"
+#include "base/NumberText.h"
 #include "commands/Host.h"
-#include "scene/Attribute.h"
+#include "scene/AttributeKind.h"
 #include "scene/Node.h"
 #include "scene/Scene.h"
 
@@ -48,7 +49,7 @@ Json defaultOf(const Attribute& attribute) {
         if (attribute.type == AttributeType::Angle) value *= 180 / std::numbers::pi;
         // As many digits as the value's own precision has.
         if (attribute.numeric == host::scene::NumericType::Float)
-            value = std::stod(fmt::format("{}", static_cast<float>(value)));
+            value = host::readNumber(fmt::format("{}", static_cast<float>(value))).value;
         return plainNumber(value);
     };
     if (!attribute.isCompound()) return one(0);
@@ -60,9 +61,7 @@ Json defaultOf(const Attribute& attribute) {
 Json described(const Attribute& attribute, const Json& meanings) {
     Json json{{"name", attribute.longName}};
     if (attribute.shortName != attribute.longName) json["shortName"] = attribute.shortName;
-    json["type"] = attribute.usedAsFilename                    ? "path"
-                   : attribute.type == AttributeType::Compound ? "compound"
-                                                               : attribute.typeName();
+    json["type"] = attribute.usedAsFilename ? "path" : host::scene::addedTypeName(attribute);
     json["default"] = defaultOf(attribute);
     // Those of the parts are all the same.
     const Attribute& limited = attribute.children.empty() ? attribute : *attribute.children.front();

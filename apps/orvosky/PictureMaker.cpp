@@ -1,6 +1,8 @@
 #include "PictureMaker.h"
 
 #include "base/FileReplacement.h"
+#include "base/Letters.h"
+#include "base/NumberText.h"
 #include "commands/Host.h"
 #include "images/DdsCube.h"
 #include "scene/Scene.h"
@@ -10,11 +12,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <numbers>
 
 namespace orvosky {
@@ -32,11 +31,10 @@ int longestSideAtOnce() {
     constexpr int usual = 8192;
     const char* const text = std::getenv("ORVOSKY_TILE");
     if (!text || !*text) return usual;
-    int side = 0;
-    const char* const end = text + std::strlen(text);
-    if (const auto read = std::from_chars(text, end, side); read.ec != std::errc() || read.ptr != end || side < 16)
+    const auto side = host::readInt(text);
+    if (!side || *side < 16)
         throw Failure(fmt::format("ORVOSKY_TILE is \"{}\": give a number of pixels from 16.", text));
-    return side;
+    return *side;
 }
 
 /// Of a side in parts of at most that many pixels: how long each is, a multiple of twice `aside`. Drivers work out how
@@ -68,12 +66,6 @@ host::scene::DagNode& findCamera(const std::string& name) {
         for (host::scene::DagNode* child : dag->children)
             if (child->type.isA("camera")) return *child;
     throw Failure("There is no camera named " + name + ".");
-}
-
-bool endsIn(const std::string& path, std::string_view ending) {
-    std::string own = std::filesystem::path(path).extension().string();
-    for (char& c : own) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return own == ending;
 }
 
 /// Whether a picture of that size is there, with all of its pixels.
@@ -152,7 +144,8 @@ void PictureMaker::openCamera() {
 }
 
 std::vector<std::string> PictureMaker::filesOf(const RenderOptions& options, const std::string& target) {
-    if (options.kind != PictureKind::Cube || endsIn(target, ".dds") || endsIn(target, ".exr")) return {target};
+    if (options.kind != PictureKind::Cube || host::extensionOf(target) == ".dds" || host::extensionOf(target) == ".exr")
+        return {target};
     std::vector<std::string> files;
     const std::string ending = std::filesystem::path(target).extension().string();
     for (const viewport::CubeFace& face : viewport::cubeFaces(viewport::CubeLayout::Texture))
@@ -162,8 +155,8 @@ std::vector<std::string> PictureMaker::filesOf(const RenderOptions& options, con
 
 bool PictureMaker::isWhole(const std::string& target) const {
     const bool cube = options_.kind == PictureKind::Cube;
-    if (cube && endsIn(target, ".dds")) return host::images::isWholeDdsCube(target, options_.width);
-    const bool stacked = cube && endsIn(target, ".exr");
+    if (cube && host::extensionOf(target) == ".dds") return host::images::isWholeDdsCube(target, options_.width);
+    const bool stacked = cube && host::extensionOf(target) == ".exr";
     return std::ranges::all_of(filesOf(options_, target), [&](const std::string& file) {
         return isWholePicture(file, options_.width, stacked ? options_.width * 6 : options_.height);
     });
@@ -281,7 +274,7 @@ std::vector<PictureFile> PictureMaker::makeCube() {
     view_->setHeadlight(-ahead);
     const std::vector<std::string> files = filesOf(options_, target_);
     std::vector<PictureFile> made;
-    if (endsIn(target_, ".exr")) {
+    if (host::extensionOf(target_) == ".exr") {
         // The middles of its outermost pixels lie on the cube's edges.
         const double reach = options_.width / (options_.width - 1.0);
         FloatPicture stack(options_.width, options_.width * 6, options_.alpha ? 4 : 3);
@@ -296,7 +289,7 @@ std::vector<PictureFile> PictureMaker::makeCube() {
     std::vector<FloatPicture> faces;
     for (const viewport::CubeFace& face : viewport::cubeFaces(viewport::CubeLayout::Texture))
         faces.push_back(drawFace(face, 1).mirrored());
-    if (endsIn(target_, ".dds")) {
+    if (host::extensionOf(target_) == ".dds") {
         made.push_back({target_, [faces = std::move(faces)](auto& bytes, auto&) {
                             std::vector<Picture> pictures;
                             for (const FloatPicture& face : faces) pictures.push_back(face.bytes());

@@ -1,10 +1,12 @@
 #include "Failure.h"
 #include "Usage.h"
 
+#include "base/Letters.h"
+#include "base/NumberText.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace orvosky {
@@ -12,14 +14,13 @@ namespace {
 
 /// Reads "1280x720", or one number, whose height is left at 0.
 bool readSize(const std::string& text, int& width, int& height) {
-    const char* const end = text.data() + text.size();
-    const auto first = std::from_chars(text.data(), end, width);
-    if (first.ec != std::errc() || width < 1) return false;
+    std::string_view rest = text;
+    width = host::takeInt(rest).value_or(0);
     height = 0;
-    if (first.ptr == end) return true;
-    if (*first.ptr != 'x') return false;
-    const auto second = std::from_chars(first.ptr + 1, end, height);
-    return second.ec == std::errc() && second.ptr == end && height > 0;
+    if (rest.empty()) return width > 0;
+    if (!rest.starts_with('x')) return false;
+    height = host::readInt(rest.substr(1)).value_or(0);
+    return width > 0 && height > 0;
 }
 
 constexpr int kLongestSide = 32768, kLargestFace = 8192;
@@ -36,7 +37,7 @@ void settle(RenderOptions& options) {
             std::int64_t{options.width} * options.height > kMostPixels)
             refuse("--size of a view is at most " + std::to_string(kLongestSide) + " a side, and " +
                    std::to_string(kMostPixels) + " pixels");
-        if (options.picture.ends_with(".dds")) refuse("a .dds file is written of a cube alone: add --cube");
+        if (host::extensionOf(options.picture) == ".dds") refuse("a .dds file is written of a cube alone: add --cube");
         return;
     }
     if (options.fov) refuse("--fov is that of a view; a panorama and a cube show all directions");

@@ -4,6 +4,7 @@
 
 #include "api/plugins/PluginManager.h"
 #include "base/FileError.h"
+#include "base/Letters.h"
 #include "base/Messages.h"
 #include "commands/Commands.h"
 #include "commands/Host.h"
@@ -67,7 +68,7 @@ Session::~Session() {
 void Session::openScene(const fs::path& scene) {
     const Stage stage("open " + scene.string());
     host::Host& host = host::Host::instance();
-    const std::string extension = scene.extension().string();
+    const std::string extension = host::extensionOf(scene);
     if (extension == ".mel") {
         runScript(scene, {});
         applySettings(settings_);

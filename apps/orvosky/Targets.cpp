@@ -1,6 +1,6 @@
 #include "Targets.h"
 
-#include "base/LetterCase.h"
+#include "base/Letters.h"
 #include "base/Messages.h"
 #include "images/ImageCodec.h"
 #include "viewport/Picture.h"
@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <string_view>
 
 namespace orvosky {
@@ -17,8 +16,7 @@ namespace {
 constexpr std::string_view kExtension = ".atmos";
 
 bool isAtmosName(std::string_view target) {
-    return target.size() > kExtension.size() &&
-           host::lowerCase(std::string(target.substr(target.size() - kExtension.size()))) == kExtension;
+    return target.size() > kExtension.size() && host::lowerCase(std::string(target)).ends_with(kExtension);
 }
 
 /// Says what the export command says; what is thrown says the rest.
@@ -54,7 +52,7 @@ Failure exportFailure(const std::string& target, const host::base::ReplacementEr
 }
 
 void requirePictureTarget(const std::string& picture, bool alpha) {
-    if (picture.ends_with(".dds")) { // cube maps alone, which the codec does not write
+    if (host::extensionOf(picture) == ".dds") { // cube maps alone, which the codec does not write
         try {
             host::base::requireReplaceable(picture);
         } catch (const host::base::ReplacementError& e) {

@@ -84,21 +84,6 @@ private:
 
 } // namespace
 
-std::string quoted(const std::string& text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        switch (c) {
-        case '"': out += "\\\""; break;
-        case '\\': out += "\\\\"; break;
-        case '\n': out += "\\n"; break;
-        case '\t': out += "\\t"; break;
-        case '\r': out += "\\r"; break;
-        default: out += c;
-        }
-    }
-    return out + '"';
-}
-
 std::string numberText(double value) {
     if (!std::isfinite(value)) return "0";
     return fmt::format("{}", value == 0 ? 0.0 : value);

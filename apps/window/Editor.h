@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/QuotedText.h"
 #include "mel/Value.h"
 #include "scene/Undo.h"
 
@@ -21,7 +22,7 @@ class Scene;
 namespace orvosky::window {
 
 /// MEL's spelling of a text, with its quotes.
-std::string quoted(const std::string& text);
+inline std::string quoted(const std::string& text) { return host::quotedText(text); }
 /// A number as MEL reads it back, to the last bit.
 std::string numberText(double value);
 

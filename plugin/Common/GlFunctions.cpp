@@ -2,9 +2,10 @@
 
 #include "GlFunctions.h"
 
+#include "LetterCase.h"
+
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <map>
 #include <memory>
 #include <string_view>
@@ -115,7 +116,7 @@ std::string withoutChatter(const std::string& log) {
     for (std::size_t at = 0; at < log.size();) {
         const std::size_t end = std::min(log.find('\n', at), log.size() - 1) + 1;
         std::string line = trimmed(std::string_view(log).substr(at, end - at));
-        std::transform(line.begin(), line.end(), line.begin(), [](unsigned char c) { return std::tolower(c); });
+        std::transform(line.begin(), line.end(), line.begin(), lowered);
         const bool aboutSuccess =
             line.empty() || (line.find("warn") == std::string::npos &&
                              std::any_of(chatter.begin(), chatter.end(), [&](auto c) { return line.starts_with(c); }));

@@ -4,6 +4,7 @@
 #include "images/ImageCodec.h"
 #include "viewport/Picture.h"
 
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -134,7 +135,7 @@ TEST_F(Pictures, CubesLieAsTheirReadersTakeThem) {
     }
     write(folder_ / "sun.mel", script);
     render("sun.mel", "c#.exr", {"--cube", "--size", std::to_string(size), "--frames", "1-6"});
-    render("sun.mel", "c#.dds", {"--cube", "--size", std::to_string(size), "--frames", "1-6"});
+    render("sun.mel", "c#.DDS", {"--cube", "--size", std::to_string(size), "--frames", "1-6"});
     render("sun.mel", "c#.png", {"--cube", "--size", std::to_string(size), "--frames", "1-6"});
     const char* names[] = {"px", "nx", "py", "ny", "pz", "nz"};
     for (int f = 0; f < 6; ++f) {
@@ -156,7 +157,7 @@ TEST_F(Pictures, CubesLieAsTheirReadersTakeThem) {
         EXPECT_NEAR(ex, es, 1) << name;
         EXPECT_NEAR(ey, et, 1) << name;
         // The same pixels in both files of textures: blue, green, red, alpha behind the header, face after face.
-        const std::string dds = content(folder_ / (name + ".dds"));
+        const std::string dds = content(folder_ / (name + ".DDS"));
         ASSERT_EQ(dds.size(), 128u + 6 * 4 * size * size);
         const Picture png = bytes(name + "." + names[f] + ".png");
         const std::size_t pixel = 128 + 4 * static_cast<std::size_t>((f * size + y) * size + x);
@@ -165,7 +166,7 @@ TEST_F(Pictures, CubesLieAsTheirReadersTakeThem) {
     }
     EXPECT_THAT(content(folder_ / "c1.exr"), HasSubstr("envmap"));
     EXPECT_THAT(
-        run({"render", "sun.mel", "c#.dds", "--cube", "--size", std::to_string(size), "--frames", "1-7", "--continue"})
+        run({"render", "sun.mel", "c#.DDS", "--cube", "--size", std::to_string(size), "--frames", "1-7", "--continue"})
             .out,
         HasSubstr("7 frames: 1 rendered, 6 were there"));
 }
@@ -323,6 +324,7 @@ TEST_F(Pictures, RefusesWhatCannotBeDrawn) {
                                                       {"a.png", "--size", "32769x10"},
                                                       {"a.png", "--size", "32768x16385"},
                                                       {"a.dds"},
+                                                      {"a.DDS"},
                                                       {"a.png", "--samples", "5"},
                                                       {"a.png", "--samples", "81"}};
     for (const auto& words : wrong) {

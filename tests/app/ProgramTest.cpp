@@ -1,6 +1,8 @@
 // The program as a user runs it: exit statuses, what it prints where, and what it leaves on disk.
 #include "ProgramFixture.h"
 
+#include <unistd.h>
+
 namespace {
 
 using testing::HasSubstr;
@@ -63,6 +65,8 @@ TEST_F(Program, QuitGivesTheStatus) {
     const auto done = run({"run", "-e", "print \"a\"; quit -exitCode 7; print \"b\";"});
     EXPECT_EQ(done.status, 7);
     EXPECT_EQ(done.out + done.error, "a");
+    write(folder_ / "LOUD.MEL", "error \"told\";");
+    EXPECT_THAT(run({"export", "LOUD.MEL", "none.atmos"}).error, HasSubstr("told")) << "a script in capitals";
     write(folder_ / "quits.mel", "quit;");
     EXPECT_EQ(run({"run", (folder_ / "quits.mel").string()}).status, 0);
     EXPECT_EQ(run({"export", (folder_ / "quits.mel").string(), (folder_ / "none.atmos").string()}).status, 1);

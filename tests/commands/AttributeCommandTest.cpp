@@ -1,3 +1,4 @@
+#include "kit/OtherLocale.h"
 #include "kit/SceneFixture.h"
 
 using namespace host::scene;
@@ -124,3 +125,12 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"NodeTypes", "nodeType -i boxShape", "dagNode shape geometryShape mesh"},
         ScriptCase{"IsAType", "objectType -isAType shape boxShape", "1"}),
     caseName);
+
+// Fault: letters by the locale of the process, which a window sets to the user's: a Turkish one has no "I" for "i".
+TEST_F(AttributeTest, NiceNamesAreTheSameInEveryLocale) {
+    const orvo::test::OtherLocale turkish("tr_TR");
+    if (!turkish.found()) GTEST_SKIP() << "no Turkish locale on this machine";
+    EXPECT_EQ(run("attributeQuery -n g -niceName inheritsTransform"), "Inherits Transform");
+    scene.addAttribute(*scene.findNode("g"), Attribute::number("in_Light", "inl", NumericType::Double));
+    EXPECT_EQ(run("attributeQuery -n g -niceName in_Light"), "In Light");
+}

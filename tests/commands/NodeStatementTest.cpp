@@ -91,6 +91,28 @@ TEST_F(NodeStatementTest, SetAttrNumbers) {
     EXPECT_EQ(numbers("getAttr a.t;"), (FloatArray{12, 5, -9})) << "a failing statement sets nothing";
 }
 
+// Faults: a type that is taken for another one, or answered by a name that addAttr does not take.
+TEST_F(NodeStatementTest, TypesKeepTheirNames) {
+    run("createNode transform -n a;");
+    int made = 0;
+    const auto answered = [&](const std::string& flag, const std::string& type) {
+        const std::string name = "x" + std::to_string(++made);
+        run("addAttr -ln " + name + " -" + flag + " " + type + " a;");
+        return text("getAttr -type a." + name + ";");
+    };
+    for (const char* type : {"bool", "char", "byte", "short", "long", "Int64", "float", "double", "enum", "doubleAngle",
+                             "doubleLinear", "time", "matrix", "fltMatrix", "message", "generic"})
+        EXPECT_EQ(answered("at", type), type);
+    for (const char* type : {"string", "matrix", "mesh", "stringArray", "Int32Array", "doubleArray", "floatArray",
+                             "vectorArray", "pointArray", "matrixArray", "componentList", "double3", "short2", "long3"})
+        EXPECT_EQ(answered("dt", type), type);
+    for (const auto& [other, known] : {std::pair{"int", "long"}, {"floatAngle", "doubleAngle"}})
+        EXPECT_EQ(answered("at", other), known);
+    for (const char* wrong : {"addAttr -ln w -at string a;", "addAttr -ln w -dt bool a;", "addAttr -ln w -at data a;",
+                              "addAttr -ln w -at TdataCompound a;", "addAttr -ln w -at double5 a;"})
+        EXPECT_NE(failure(wrong), "no error") << wrong;
+}
+
 // Faults: a type whose count or tuple size is misread, data that lies about its length, texts that are taken for flags
 // or numbers, a matrix read by columns.
 TEST_F(NodeStatementTest, SetAttrTypes) {

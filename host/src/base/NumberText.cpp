@@ -1,13 +1,13 @@
 #include "base/NumberText.h"
 
+#include "base/Letters.h"
+
 #include <algorithm>
 #include <charconv>
 #include <limits>
 
 namespace host {
 namespace {
-
-bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::size_t blanksBefore(std::string_view text) {
     return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isBlank) - text.begin());

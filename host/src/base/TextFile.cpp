@@ -15,9 +15,8 @@ struct Close {
     void operator()(std::FILE* f) const { std::fclose(f); }
 };
 
-} // namespace
-
-std::string readTextFile(const std::filesystem::path& file) {
+template <class Bytes>
+Bytes bytesOf(const std::filesystem::path& file) {
     const std::string name = file.generic_string();
     std::error_code error;
     const auto status = std::filesystem::status(file, error);
@@ -28,12 +27,26 @@ std::string readTextFile(const std::filesystem::path& file) {
     }
     const std::unique_ptr<std::FILE, Close> in(std::fopen(file.c_str(), "rb"));
     if (!in) throw FileError(name, std::string("cannot be read: ") + std::strerror(errno));
-    std::string text;
+    Bytes bytes;
     const auto size = std::filesystem::file_size(file, error);
-    if (!error) text.reserve(size);
+    if (!error) bytes.reserve(size);
     char block[1 << 16];
-    while (const std::size_t n = std::fread(block, 1, sizeof block, in.get())) text.append(block, n);
+    while (const std::size_t n = std::fread(block, 1, sizeof block, in.get()))
+        bytes.insert(bytes.end(), block, block + n);
     if (std::ferror(in.get())) throw FileError(name, std::string("cannot be read: ") + std::strerror(errno));
+    return bytes;
+}
+
+} // namespace
+
+std::string readFile(const std::filesystem::path& file) { return bytesOf<std::string>(file); }
+std::vector<unsigned char> readFileBytes(const std::filesystem::path& file) {
+    return bytesOf<std::vector<unsigned char>>(file);
+}
+
+std::string readTextFile(const std::filesystem::path& file) {
+    const std::string name = file.generic_string();
+    std::string text = readFile(file);
     if (text.starts_with("FOR4") || text.starts_with("FOR8"))
         throw FileError(name, "is a Maya binary scene; only Maya ASCII scenes can be opened");
     if (text.find('\0') != text.npos) throw FileError(name, "is a binary file, not a Maya ASCII scene");

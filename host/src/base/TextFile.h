@@ -5,10 +5,15 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host::files {
 
-/// The whole text file. Throws FileError when it is missing, no plain file, unreadable or binary.
+/// All bytes of a plain file. Throws FileError when it is missing, no plain file or unreadable.
+std::string readFile(const std::filesystem::path& file);
+std::vector<unsigned char> readFileBytes(const std::filesystem::path& file);
+
+/// The same of a text file. Throws FileError also for a binary one.
 std::string readTextFile(const std::filesystem::path& file);
 
 /// Writes the text beside the file and puts it into its place when all of it is on the disk: whatever fails, the old

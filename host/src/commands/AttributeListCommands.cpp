@@ -1,11 +1,12 @@
+#include "base/Letters.h"
 #include "base/Pattern.h"
 #include "commands/AttributeText.h"
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
 #include "scene/AnimCurve.h"
+#include "scene/AttributeKind.h"
 
 #include <algorithm>
-#include <cctype>
 #include <functional>
 
 namespace host::mel {
@@ -15,15 +16,12 @@ using namespace scene;
 std::string niceName(const Attribute& a) {
     if (!a.niceName.empty()) return a.niceName;
     std::string nice;
-    for (std::size_t i = 0; i < a.longName.size(); ++i) {
-        const auto c = static_cast<unsigned char>(a.longName[i]);
-        const bool starts = i > 0 && std::isupper(c) && !std::isupper(static_cast<unsigned char>(a.longName[i - 1]));
-        if (c == '_') {
-            nice += ' ';
-            continue;
-        }
-        if (starts) nice += ' ';
-        nice += static_cast<char>(nice.empty() || nice.back() == ' ' ? std::toupper(c) : c);
+    char before = ' ';
+    for (const char c : a.longName) {
+        const bool capital = lowerCase(c) != c, startsWord = capital && lowerCase(before) == before;
+        if (startsWord && !nice.empty() && nice.back() != ' ') nice += ' ';
+        nice += c == '_' ? ' ' : nice.empty() || nice.back() == ' ' ? upperCase(c) : c;
+        before = c;
     }
     return nice;
 }
@@ -120,7 +118,7 @@ Value listAttr(Call& call) {
 
 std::string attributeTypeName(const Attribute& a) {
     if (a.type == AttributeType::String || a.type == AttributeType::Data) return "typed";
-    return a.type == AttributeType::Compound ? "compound" : a.typeName();
+    return addedTypeName(a);
 }
 
 FloatArray defaultsOf(const Attribute& a) {

@@ -1,8 +1,8 @@
+#include "base/Letters.h"
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <numbers>
 
@@ -113,7 +113,7 @@ Value camera(Call& call) {
         }
         if (cell.attribute.type == AttributeType::Enum) {
             std::string field = args.text(flag);
-            if (!field.empty()) field[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(field[0])));
+            if (!field.empty()) field[0] = upperCase(field[0]);
             const auto index = cell.attribute.fieldIndex(field);
             if (!index) throw Error("camera: '" + args.text(flag) + "' is not one of its choices.");
             theScene().setNumber(cell, *index);

@@ -94,9 +94,4 @@ private:
 
 std::unique_ptr<NodeBehavior> makeExpressionNode(Node& node) { return std::make_unique<ExpressionBehavior>(node); }
 
-bool expressionRuns(Node& node) {
-    const auto* behavior = dynamic_cast<const ExpressionBehavior*>(node.behavior.get());
-    return behavior && behavior->runs();
-}
-
 } // namespace host::mel

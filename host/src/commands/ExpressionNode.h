@@ -11,7 +11,4 @@ namespace host::mel {
 /// its outputs stay as they were.
 std::unique_ptr<scene::NodeBehavior> makeExpressionNode(scene::Node& node);
 
-/// Whether the node's expression may run.
-bool expressionRuns(scene::Node& node);
-
 } // namespace host::mel

@@ -1,6 +1,7 @@
 #include "api/graph/Callbacks.h"
 #include "api/graph/FileOperation.h"
 #include "api/plugins/PluginManager.h"
+#include "base/Letters.h"
 #include "commands/CommandSupport.h"
 #include "commands/Commands.h"
 #include "commands/Host.h"
@@ -33,15 +34,8 @@ bool loadPlugin(const std::string& name) {
     return true;
 }
 
-std::string lowerExtension(const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension().string();
-    for (char& c : extension)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return extension;
-}
-
 void requireAsciiScene(const std::string& path) {
-    const std::string extension = lowerExtension(path);
+    const std::string extension = extensionOf(path);
     if (extension == ".mb") throw Error(path + ": Maya binary scenes are not supported; only Maya ASCII ones are.");
     if (extension == ".ma" || !std::filesystem::is_regular_file(path) || files::isSceneFile(path)) return;
     throw Error(path + ": files of the type '" + extension + "' are not supported; only Maya ASCII scenes are.");
@@ -60,7 +54,7 @@ files::SceneReader::Result readScene(const std::string& path, files::SceneReader
 }
 
 void writeScene(const std::string& path, const std::unordered_set<const Node*>* only = nullptr) {
-    if (lowerExtension(path) == ".mb") throw Error(path + ": scenes can only be written as Maya ASCII (.ma).");
+    if (extensionOf(path) == ".mb") throw Error(path + ": scenes can only be written as Maya ASCII (.ma).");
     files::SceneWriter::Options options;
     options.only = only;
     for (const auto& plugin : Host::instance().plugins().loaded())
@@ -72,7 +66,7 @@ void writeScene(const std::string& path, const std::unordered_set<const Node*>* 
 std::string placeOf(const std::string& name) {
     std::string path =
         name.find_first_of("/\\") == name.npos ? workspace().sceneFolder() + "/" + name : workspace().expand(name);
-    if (lowerExtension(path).empty()) path += ".ma";
+    if (extensionOf(path).empty()) path += ".ma";
     return path;
 }
 
@@ -115,7 +109,7 @@ Value queryFile(const ParsedArguments& a) {
 void requireImportable(const std::string& path, const std::string& type) {
     static const std::set<std::string> known{"", "mayaAscii", "OBJ", "OBJexport", "FBX", "glTF", "GLTF", "GLB"};
     if (!known.contains(type)) throw Error("file: the type '" + type + "' cannot be imported.");
-    const std::string extension = lowerExtension(path);
+    const std::string extension = extensionOf(path);
     if (files::isModelFile(path) || extension == ".ma" || extension == ".mb" ||
         !std::filesystem::is_regular_file(path) || files::isSceneFile(path))
         return;

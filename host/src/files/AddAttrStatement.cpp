@@ -1,6 +1,7 @@
 #include "files/NumberWords.h"
 #include "files/SceneStatements.h"
 #include "files/StatementFlags.h"
+#include "scene/AttributeKind.h"
 
 #include <algorithm>
 #include <optional>
@@ -10,64 +11,6 @@ namespace host::files {
 using namespace scene;
 
 namespace {
-
-struct Kind {
-    AttributeType type;
-    NumericType numeric = NumericType::None;
-    DataKind data = DataKind::None;
-    int count = 0; ///< of a tuple
-};
-
-/// The type of -at or -dt; nothing for those that are not known here.
-std::optional<Kind> kindOf(std::string_view name, bool isData) {
-    using T = AttributeType;
-    using N = NumericType;
-    static const std::map<std::string_view, Kind> attributeTypes{
-        {"bool", {T::Numeric, N::Bool}},
-        {"char", {T::Numeric, N::Char}},
-        {"byte", {T::Numeric, N::Byte}},
-        {"short", {T::Numeric, N::Short}},
-        {"long", {T::Numeric, N::Int}},
-        {"int", {T::Numeric, N::Int}},
-        {"Int64", {T::Numeric, N::Int64}},
-        {"int64", {T::Numeric, N::Int64}},
-        {"float", {T::Numeric, N::Float}},
-        {"double", {T::Numeric, N::Double}},
-        {"enum", {T::Enum, N::Short}},
-        {"doubleAngle", {T::Angle, N::Double}},
-        {"floatAngle", {T::Angle, N::Double}},
-        {"doubleLinear", {T::Distance, N::Double}},
-        {"floatLinear", {T::Distance, N::Double}},
-        {"time", {T::Time, N::Double}},
-        {"matrix", {T::Matrix}},
-        {"fltMatrix", {T::FloatMatrix}},
-        {"message", {T::Message}},
-        {"compound", {T::Compound}},
-        {"generic", {T::Generic}},
-    };
-    static const std::map<std::string_view, Kind> dataTypes{
-        {"string", {T::String}},
-        {"matrix", {T::Matrix}},
-        {"fltMatrix", {T::FloatMatrix}},
-        {"mesh", {T::Data, N::None, DataKind::Mesh}},
-        {"stringArray", {T::Data, N::None, DataKind::StringArray}},
-        {"Int32Array", {T::Data, N::None, DataKind::IntArray}},
-        {"floatArray", {T::Data, N::None, DataKind::FloatArray}},
-        {"doubleArray", {T::Data, N::None, DataKind::DoubleArray}},
-        {"vectorArray", {T::Data, N::None, DataKind::VectorArray}},
-        {"pointArray", {T::Data, N::None, DataKind::PointArray}},
-        {"matrixArray", {T::Data, N::None, DataKind::MatrixArray}},
-        {"componentList", {T::Data, N::None, DataKind::ComponentList}},
-    };
-    const auto& table = isData ? dataTypes : attributeTypes;
-    if (const auto it = table.find(name); it != table.end()) return it->second;
-    if (name.size() > 4 && name.back() >= '2' && name.back() <= '4') {
-        const auto scalar = attributeTypes.find(name.substr(0, name.size() - 1));
-        if (scalar != attributeTypes.end() && scalar->second.type == T::Numeric)
-            return Kind{T::Tuple, scalar->second.numeric, DataKind::None, name.back() - '0'};
-    }
-    return std::nullopt;
-}
 
 /// The words of an addAttr statement, by flag.
 class Definition {
@@ -132,7 +75,7 @@ std::vector<std::pair<std::string, short>> enumFields(std::string_view text) {
 
 namespace {
 
-AttributePtr makeAttribute(const Definition& d, const Kind& kind, const FileUnits& units, bool isData) {
+AttributePtr makeAttribute(const Definition& d, const AttributeKind& kind, const FileUnits& units, bool isData) {
     const std::string longName = d.has("ln") ? d.text("ln") : d.text("sn");
     const std::string shortName = d.has("sn") ? d.text("sn") : longName;
     AttributePtr a;
@@ -298,7 +241,7 @@ void addAttrStatement(const StatementContext& c, Node& node, const Statement& s)
     if (!valid) throw SceneError("addAttr: '" + name + "' is not a valid name of an attribute.");
     const bool isData = d.has("dt");
     const std::string type = isData ? d.text("dt") : d.has("at") ? d.text("at") : "double";
-    const auto kind = kindOf(type, isData);
+    const auto kind = isData ? dataTypeNamed(type) : attributeTypeNamed(type);
     if (!kind) throw UnknownHere("Attributes of the type '" + type + "' are not known here.");
     int children = kind->count;
     if (const auto n = d.number("nc")) children = *n >= 0 && *n < 1e6 ? static_cast<int>(*n) : 1'000'000;

@@ -1,7 +1,9 @@
 #include "files/AttributeWriter.h"
 
+#include "base/QuotedText.h"
 #include "files/NumberWords.h"
 #include "scene/AnimCurve.h"
+#include "scene/AttributeKind.h"
 #include "scene/MeshNode.h"
 
 #include <algorithm>
@@ -16,22 +18,6 @@ using namespace scene;
 namespace {
 
 constexpr std::size_t lineLength = 110, longestText = 800;
-
-std::string escaped(std::string_view text) {
-    std::string out;
-    for (const char c : text) {
-        switch (c) {
-        case '\n': out += "\\n"; break;
-        case '\t': out += "\\t"; break;
-        case '\r': out += "\\r"; break;
-        case '"': out += "\\\""; break;
-        case '\\': out += "\\\\"; break;
-        case '\0': break; // a file with one would count as binary
-        default: out += c;
-        }
-    }
-    return out;
-}
 
 /// A text as a value: a sum of pieces when it is long.
 std::string textValue(std::string_view text) {
@@ -121,8 +107,6 @@ const char* truth(bool b) { return b ? "true" : "false"; }
 
 } // namespace
 
-std::string quotedText(std::string_view text) { return '"' + escaped(text) + '"'; }
-
 std::string plugText(const Cell& cell, bool source) {
     const Attribute& a = cell.attribute;
     if (cell.index >= 0) {
@@ -208,7 +192,7 @@ void AttributeWriter::value(Cell& c, const std::string& flags) {
     } else if (const auto* data = std::get_if<DataPtr>(&c.value)) {
         const auto& list = static_cast<const ArrayData&>(**data);
         const std::size_t size = list.texts.size() + list.numbers.size() / static_cast<std::size_t>(list.tupleSize());
-        out_ += " -type \"" + Attribute::data("", "", list.kind())->typeName() + "\" " + std::to_string(size);
+        out_.append(" -type \"").append(dataTypeName(list.kind())) += "\" " + std::to_string(size);
         for (const std::string& text : list.texts) {
             lines.gap();
             out_ += quotedText(text);
@@ -363,8 +347,7 @@ void AttributeWriter::define(const Attribute& a) {
         }
         out_ += " -en " + quotedText(names);
     }
-    const std::string type = a.type == AttributeType::Compound ? "compound" : a.typeName();
-    out_ += (isData ? " -dt \"" : " -at \"") + type + '"';
+    out_ += (isData ? " -dt \"" : " -at \"") + addedTypeName(a) + '"';
     if (a.parent) out_ += " -p " + quotedText(a.parent->longName);
     if (a.isCompound()) out_ += " -nc " + std::to_string(a.children.size());
     out_ += ";\n";

@@ -8,9 +8,6 @@
 
 namespace host::files {
 
-/// The text with quotes and escapes, as a scene file has it.
-std::string quotedText(std::string_view text);
-
 /// The name of a plug below its node, in short names. `source`: the first element of an array of a node's instances
 /// is meant by the array's own name.
 std::string plugText(const scene::Cell& cell, bool source);

@@ -1,5 +1,5 @@
 #include "files/MeshImport.h"
-#include "base/LetterCase.h"
+#include "base/Letters.h"
 
 #include "base/Modules.h"
 #include "files/ImportProcess.h"
@@ -34,7 +34,7 @@ std::shared_ptr<const mesh::PolyMesh> build(RawModel::Mesh& raw, const std::stri
 } // namespace
 
 bool isModelFile(const std::filesystem::path& file) {
-    const std::string extension = lowerCase(file.extension().string());
+    const std::string extension = extensionOf(file);
     return extension == ".obj" || extension == ".gltf" || extension == ".glb" || extension == ".fbx";
 }
 

@@ -1,7 +1,8 @@
 #include "files/ModelMessage.h"
 
+#include "base/Letters.h"
+
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -110,9 +111,8 @@ void require(bool condition, const char* text = kNotWhole) {
 
 /// Names go into scripts and scene files.
 bool plain(const std::string& name) {
-    const auto fits = [](unsigned char c) { return c < 0x80 && (std::isalnum(c) || c == '_'); };
-    return name.size() <= kLongestName && std::ranges::all_of(name, fits) &&
-           (name.empty() || !std::isdigit(static_cast<unsigned char>(name.front())));
+    const auto fits = [](char c) { return isLetter(c) || isDigit(c) || c == '_'; };
+    return name.size() <= kLongestName && std::ranges::all_of(name, fits) && (name.empty() || !isDigit(name.front()));
 }
 
 bool finite(std::span<const float> values) {

@@ -1,5 +1,6 @@
 #include "files/NumberWords.h"
 
+#include "base/Letters.h"
 #include "base/NumberText.h"
 
 #include <charconv>
@@ -34,23 +35,21 @@ std::string_view shortest(char (&text)[40], T value) {
     return {text, static_cast<std::size_t>(std::to_chars(text, text + sizeof text, value).ptr - text)};
 }
 
-bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 template <class T, class Parse>
 std::string_view readAll(std::string_view text, std::vector<T>& numbers, Parse parseWord) {
     const char *at = text.data(), *const end = at + text.size();
     while (true) {
-        while (at != end && isSpace(*at)) ++at;
+        while (at != end && isBlank(*at)) ++at;
         if (at == end) return {};
         T value = 0;
         const auto [behind, error] = std::from_chars(at, end, value);
-        if (error == std::errc() && (behind == end || isSpace(*behind))) {
+        if (error == std::errc() && (behind == end || isBlank(*behind))) {
             numbers.push_back(value);
             at = behind;
             continue;
         }
         const char* word = at;
-        while (at != end && !isSpace(*at)) ++at;
+        while (at != end && !isBlank(*at)) ++at;
         const std::string_view whole(word, static_cast<std::size_t>(at - word));
         const auto number = parseWord(whole);
         if (!number) return whole;

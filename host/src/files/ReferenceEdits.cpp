@@ -1,6 +1,6 @@
 #include "files/ReferenceEdits.h"
 
-#include "files/AttributeWriter.h"
+#include "base/QuotedText.h"
 #include "files/NumberWords.h"
 #include "scene/Scene.h"
 

@@ -1,7 +1,7 @@
 #include "files/SceneReader.h"
 
 #include "base/Messages.h"
-#include "files/AttributeWriter.h"
+#include "base/QuotedText.h"
 #include "files/FileNames.h"
 #include "files/NumberWords.h"
 #include "files/ReferenceEdits.h"

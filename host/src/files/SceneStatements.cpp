@@ -1,10 +1,10 @@
 #include "files/SceneStatements.h"
 
+#include "base/Letters.h"
 #include "files/NumberWords.h"
 #include "files/StatementFlags.h"
 
 #include <algorithm>
-#include <cctype>
 #include <type_traits>
 
 namespace host::files {
@@ -42,7 +42,7 @@ CreateRequest::CreateRequest(const Statement& s) {
         if (flag == "ss") skipSelect = true;
     }
     if (type.empty()) throw SceneError("createNode: the type of the node is missing.");
-    const auto isLetterOfNames = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == ':'; };
+    const auto isLetterOfNames = [](char c) { return isLetter(c) || isDigit(c) || c == '_' || c == ':'; };
     if (!std::all_of(type.begin(), type.end(), isLetterOfNames))
         throw SceneError("createNode: '" + std::string(type) + "' is no name of a type.");
 }

@@ -1,6 +1,7 @@
 #include "files/SceneWriter.h"
 
 #include "base/NumberText.h"
+#include "base/QuotedText.h"
 #include "base/TextFile.h"
 #include "files/AttributeWriter.h"
 #include "files/NumberWords.h"

@@ -1,6 +1,7 @@
 #include "files/NumberWords.h"
 #include "files/SceneStatements.h"
 #include "files/StatementFlags.h"
+#include "scene/AttributeKind.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
 
@@ -192,18 +193,6 @@ DataPtr readArray(DataKind kind, Values& in) {
     return data;
 }
 
-std::optional<DataKind> arrayKind(std::string_view type) {
-    constexpr std::pair<std::string_view, DataKind> kinds[] = {
-        {"stringArray", DataKind::StringArray}, {"Int32Array", DataKind::IntArray},
-        {"floatArray", DataKind::FloatArray},   {"doubleArray", DataKind::DoubleArray},
-        {"vectorArray", DataKind::VectorArray}, {"pointArray", DataKind::PointArray},
-        {"matrixArray", DataKind::MatrixArray}, {"componentList", DataKind::ComponentList},
-    };
-    for (const auto& [name, kind] : kinds)
-        if (name == type) return kind;
-    return std::nullopt;
-}
-
 void setMatrix(const StatementContext& c, Cell& cell, const Request& r, Values& in) {
     double m[4][4];
     for (auto& row : m)
@@ -226,8 +215,9 @@ void setTyped(const StatementContext& c, Cell& cell, const Request& r, Values& i
         if (in.left() > 0 && r.values.front().text == "xform")
             throw UnknownHere("A matrix in the form \"xform\" is not known here.");
         setMatrix(c, cell, r, in);
-    } else if (const auto kind = arrayKind(r.type)) {
-        DataPtr data = readArray(*kind, in);
+    } else if (const auto kind = dataTypeNamed(r.type);
+               kind && kind->data != DataKind::None && kind->data != DataKind::Mesh) {
+        DataPtr data = readArray(kind->data, in);
         if (r.single && in.left() > 0) throw tooMany(r);
         c.scene.setValue(cell, std::move(data));
     } else {

@@ -1,14 +1,15 @@
 #include "files/Statement.h"
 
+#include "base/Letters.h"
+
 #include <algorithm>
 #include <array>
 
 namespace host::files {
 namespace {
 
-bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-bool isNamePart(char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == ':'; }
-bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f'; }
+bool isNameStart(char c) { return isLetter(c) || c == '_'; }
+bool isNamePart(char c) { return isNameStart(c) || isDigit(c) || c == ':'; }
 
 /// Characters that end an unquoted word.
 constexpr auto wordEnds = [] {
@@ -38,7 +39,7 @@ bool startsBlock(std::string_view word) {
 } // namespace
 
 bool Word::isFlag() const {
-    return !quoted && text.size() > 1 && text[0] == '-' && isLetter(text[1]) && text != "-inf" && text != "-nan";
+    return !quoted && text.size() > 1 && text[0] == '-' && isNameStart(text[1]) && text != "-inf" && text != "-nan";
 }
 
 void Statement::clear() {
@@ -57,7 +58,7 @@ std::vector<Word> Statement::allWords() const {
     std::vector<Word> all = words;
     for (std::size_t at = 0; at < tail.size();) {
         std::size_t end = at;
-        while (end < tail.size() && !isSpace(tail[end])) ++end;
+        while (end < tail.size() && !isBlank(tail[end])) ++end;
         if (end > at) all.push_back({tail.substr(at, end - at), false});
         at = end + 1;
     }
@@ -81,7 +82,7 @@ bool StatementScanner::skipSpace(bool mayEnd) {
     while (at_ < text_.size()) {
         const char c = text_[at_];
         if (c == '\n') ++line_;
-        if (isSpace(c)) {
+        if (isBlank(c)) {
             ++at_;
         } else if (c == '/' && peek(1) == '/') {
             at_ = std::min(text_.find('\n', at_), text_.size());
@@ -232,7 +233,7 @@ bool StatementScanner::next(Statement& s) {
     while (isNamePart(peek())) ++at_;
     if (at_ == start) ++at_;
     s.name = text_.substr(start, at_ - start);
-    if (!isLetter(s.name.front()) || startsBlock(s.name)) return script();
+    if (!isNameStart(s.name.front()) || startsBlock(s.name)) return script();
 
     bool braces = false, list = s.name == "setAttr";
     int depth = 0;
@@ -258,7 +259,7 @@ bool StatementScanner::next(Statement& s) {
             const std::size_t first = at_;
             // Values follow the name of the attribute; what begins with a dash and a letter is a flag.
             const bool values = list && depth == 0 && !braces && !s.words.empty() && s.words.back().quoted &&
-                                listParts[static_cast<unsigned char>(c)] && !(c == '-' && isLetter(peek(1)));
+                                listParts[static_cast<unsigned char>(c)] && !(c == '-' && isNameStart(peek(1)));
             if (values) {
                 list = false;
                 if (readTail(s)) continue;

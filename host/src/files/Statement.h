@@ -76,7 +76,6 @@ public:
 private:
     bool skipSpace(bool mayEnd);
     char peek(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
-    void readQuoted(Statement& statement);
     std::string_view quotedText(Statement& statement);
     bool readConcatenation(Statement& statement);
     void skipQuoted();

@@ -1,8 +1,8 @@
 #include "files/Workspace.h"
 
 #include "base/Messages.h"
+#include "base/QuotedText.h"
 #include "base/TextFile.h"
-#include "files/AttributeWriter.h"
 #include "files/Statement.h"
 
 #include <algorithm>

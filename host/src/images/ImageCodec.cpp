@@ -1,11 +1,11 @@
 #include "images/ImageCodec.h"
 
 #include "base/Modules.h"
+#include "base/TextFile.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <fstream>
 
 namespace host::images {
 namespace {
@@ -46,11 +46,11 @@ std::unique_ptr<ImageReader> openImage(const std::string& path, std::string& err
     if (code) return fail(code.message());
     if (size > kMostFileBytes)
         return fail(fmt::format("it has {} bytes; at most {} are read of an image", size, kMostFileBytes));
-    std::ifstream in(path, std::ios::binary);
-    std::vector<unsigned char> file(static_cast<std::size_t>(size));
-    if (!in.read(reinterpret_cast<char*>(file.data()), static_cast<std::streamsize>(size)))
+    try {
+        return openImage(path, files::readFileBytes(path), error);
+    } catch (const files::FileError&) {
         return fail("it cannot be read");
-    return openImage(path, std::move(file), error);
+    }
 }
 
 std::unique_ptr<ImageReader> openImage(const std::string& path, std::vector<unsigned char> file, std::string& error) {

@@ -1,4 +1,4 @@
-#include "base/LetterCase.h"
+#include "base/Letters.h"
 #include "images/DdsHeader.h"
 #include "images/ExrHeader.h"
 #include "images/ImageCodec.h"

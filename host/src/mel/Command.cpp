@@ -1,6 +1,6 @@
 #include "mel/Command.h"
 
-#include <cctype>
+#include "base/Letters.h"
 
 namespace host::mel {
 namespace {
@@ -10,8 +10,7 @@ constexpr FlagSpec kQuery{"q", "query"}, kEdit{"e", "edit"};
 /// The flag's name without dash, or nothing when the argument is no flag.
 std::optional<std::string_view> flagName(const Value& argument) {
     auto text = argument.get<std::string>();
-    if (!text || text->size() < 2 || (*text)[0] != '-' || !std::isalpha(static_cast<unsigned char>((*text)[1])))
-        return std::nullopt;
+    if (!text || text->size() < 2 || (*text)[0] != '-' || !isLetter((*text)[1])) return std::nullopt;
     return std::string_view(*text).substr(1);
 }
 

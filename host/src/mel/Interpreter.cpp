@@ -1,12 +1,11 @@
 #include "mel/Interpreter.h"
 
+#include "base/TextFile.h"
 #include "mel/Execution.h"
 #include "mel/Parser.h"
 #include "mel/StackGuard.h"
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 #include <utility>
 
 namespace host::mel {
@@ -214,13 +213,10 @@ Value Interpreter::execute(std::string_view text, const std::string& file) {
 
 Value Interpreter::sourceFile(const std::filesystem::path& file) {
     std::string content;
-    { // closed before the text runs: scripts source each other deeply
-        std::ifstream stream(file, std::ios::binary);
-        if (!stream || !isFile(file)) throw Error("Cannot open the file \"" + file.string() + "\".");
-        std::ostringstream text;
-        text << stream.rdbuf();
-        if (stream.bad()) throw Error("Cannot read the file \"" + file.string() + "\".");
-        content = std::move(text).str();
+    try {
+        content = files::readFile(file);
+    } catch (const files::FileError& e) {
+        throw Error(std::string("Cannot open the file: ") + e.what() + '.');
     }
     if (content.starts_with("\xEF\xBB\xBF")) content.erase(0, 3);
     return execute(content, file.string());

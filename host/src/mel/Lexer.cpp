@@ -1,5 +1,6 @@
 #include "mel/Lexer.h"
 
+#include "base/Letters.h"
 #include "mel/Command.h"
 #include "mel/Numbers.h"
 
@@ -7,8 +8,6 @@
 
 namespace host::mel {
 namespace {
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// What may stand in a command's bare word besides letters, digits and brackets.
 bool isWordPart(char c) { return isNamePart(c) || c == '.' || c == ':' || c == '|' || c == '*' || c == '?'; }
@@ -19,7 +18,7 @@ Value numberValue(const NumberPrefix& number) {
 
 } // namespace
 
-bool isNameStart(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
+bool isNameStart(char c) { return isLetter(c) || c == '_'; }
 bool isNamePart(char c) { return isNameStart(c) || isDigit(c); }
 
 Position Lexer::skipSpace(Position p) const {

@@ -1,4 +1,6 @@
+#include "base/Letters.h"
 #include "base/Pattern.h"
+#include "base/QuotedText.h"
 #include "mel/Execution.h"
 #include "mel/TextTools.h"
 
@@ -28,30 +30,22 @@ namespace {
 
 constexpr const char* kSpace = " \t\r\n\v\f";
 
-// Case and classes of ASCII alone: the process's locale must not matter.
-char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-bool isLetter(char c) { return lower(c) >= 'a' && lower(c) <= 'z'; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 Value toUpper(Arguments& a) {
     a.expect(1);
     std::string s = a.text(0);
-    std::transform(s.begin(), s.end(), s.begin(), upper);
+    std::transform(s.begin(), s.end(), s.begin(), upperCase);
     return s;
 }
 
 Value toLower(Arguments& a) {
     a.expect(1);
-    std::string s = a.text(0);
-    std::transform(s.begin(), s.end(), s.begin(), lower);
-    return s;
+    return lowerCase(a.text(0));
 }
 
 Value capitalize(Arguments& a) {
     a.expect(1);
     std::string s = a.text(0);
-    if (!s.empty()) s[0] = upper(s[0]);
+    if (!s.empty()) s[0] = upperCase(s[0]);
     return s;
 }
 
@@ -201,18 +195,7 @@ Value format(Arguments& a) {
 /// Escapes quotes, backslashes and control characters, so that the text can stand in script text.
 Value encode(Arguments& a) {
     a.expect(1);
-    std::string out;
-    for (char c : a.text(0)) {
-        if (c == '\n')
-            out += "\\n";
-        else if (c == '\t')
-            out += "\\t";
-        else if (c == '\r')
-            out += "\\r";
-        else
-            out += (c == '"' || c == '\\') ? std::string{'\\', c} : std::string{c};
-    }
-    return out;
+    return escapedText(a.text(0));
 }
 
 Value removePrefix(Arguments& a) {
@@ -231,10 +214,10 @@ Value interfaceName(Arguments& a) {
     a.expect(1);
     std::string out;
     for (char c : a.text(0)) {
-        const bool begins =
-            upper(c) == c && isLetter(c) && !out.empty() && out.back() != ' ' && lower(out.back()) == out.back();
+        const bool begins = upperCase(c) == c && isLetter(c) && !out.empty() && out.back() != ' ' &&
+                            lowerCase(out.back()) == out.back();
         if (begins) out += ' ';
-        out += out.empty() ? upper(c) : c;
+        out += out.empty() ? upperCase(c) : c;
     }
     return out;
 }

@@ -1,9 +1,11 @@
 #include "MeshFileData.h"
 
+#include "base/Letters.h"
+#include "base/NumberText.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <limits>
 #include <utility>
@@ -29,28 +31,28 @@ std::vector<Float3> toPoints(std::span<const float> xyz) {
     return points;
 }
 
-bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 } // namespace
 
 /// The words of a text.
 class MeshFileData::Words {
 public:
-    explicit Words(std::string_view text) : at_(text.data()), end_(at_ + text.size()) {}
+    explicit Words(std::string_view text) : rest_(text) {}
 
     /// Empty at the end.
     std::string_view next() {
-        while (at_ != end_ && isSpace(*at_)) ++at_;
-        const char* first = at_;
-        while (at_ != end_ && !isSpace(*at_)) ++at_;
-        return {first, static_cast<std::size_t>(at_ - first)};
+        skipBlanks();
+        const auto end = std::find_if(rest_.begin(), rest_.end(), isBlank);
+        const std::string_view word(rest_.begin(), end);
+        rest_.remove_prefix(word.size());
+        return word;
     }
 
     bool readInt(int& value, std::string& error) {
-        while (at_ != end_ && isSpace(*at_)) ++at_;
-        const auto [behind, status] = std::from_chars(at_, end_, value);
-        if (status == std::errc() && (behind == end_ || isSpace(*behind))) {
-            at_ = behind;
+        skipBlanks();
+        std::string_view behind = rest_;
+        if (const auto number = takeInt(behind); number && (behind.empty() || isBlank(behind.front()))) {
+            value = *number;
+            rest_ = behind;
             return true;
         }
         const std::string_view word = next();
@@ -75,7 +77,11 @@ public:
     }
 
 private:
-    const char *at_, *end_;
+    void skipBlanks() {
+        while (!rest_.empty() && isBlank(rest_.front())) rest_.remove_prefix(1);
+    }
+
+    std::string_view rest_;
 };
 
 template <class T>

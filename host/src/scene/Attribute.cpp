@@ -13,19 +13,6 @@ AttributePtr make(std::string longName, std::string shortName, AttributeType typ
     return a;
 }
 
-const char* scalarName(NumericType type) {
-    switch (type) {
-    case NumericType::Bool: return "bool";
-    case NumericType::Char: return "char";
-    case NumericType::Byte: return "byte";
-    case NumericType::Short: return "short";
-    case NumericType::Int: return "long";
-    case NumericType::Int64: return "Int64";
-    case NumericType::Float: return "float";
-    default: return "double";
-    }
-}
-
 } // namespace
 
 const Attribute* Attribute::child(std::string_view name) const {
@@ -56,37 +43,6 @@ std::optional<std::string> Attribute::fieldName(short index) const {
     for (const auto& [name, i] : fields)
         if (i == index) return name;
     return std::nullopt;
-}
-
-std::string Attribute::typeName() const {
-    switch (type) {
-    case AttributeType::Numeric: return scalarName(numeric);
-    case AttributeType::Tuple: return scalarName(numeric) + std::to_string(children.size());
-    case AttributeType::Angle: return "doubleAngle";
-    case AttributeType::Distance: return "doubleLinear";
-    case AttributeType::Time: return "time";
-    case AttributeType::Enum: return "enum";
-    case AttributeType::String: return "string";
-    case AttributeType::Matrix: return "matrix";
-    case AttributeType::FloatMatrix: return "fltMatrix";
-    case AttributeType::Message: return "message";
-    case AttributeType::Compound: return "TdataCompound";
-    case AttributeType::Generic: return "generic";
-    case AttributeType::Data: break;
-    }
-    switch (dataKind) {
-    case DataKind::Mesh: return "mesh";
-    case DataKind::StringArray: return "stringArray";
-    case DataKind::IntArray: return "Int32Array";
-    case DataKind::FloatArray: return "floatArray";
-    case DataKind::DoubleArray: return "doubleArray";
-    case DataKind::VectorArray: return "vectorArray";
-    case DataKind::PointArray: return "pointArray";
-    case DataKind::MatrixArray: return "matrixArray";
-    case DataKind::ComponentList: return "componentList";
-    case DataKind::None: break;
-    }
-    return "data";
 }
 
 AttributePtr Attribute::number(std::string longName, std::string shortName, NumericType type, double value) {

@@ -1,6 +1,7 @@
 #include <maya/MString.h>
 #include <maya/MStringArray.h>
 
+#include "base/Letters.h"
 #include "base/NumberText.h"
 #include "base/Utf8.h"
 #include "values/StatusOut.h"
@@ -67,8 +68,8 @@ bool isNumberWithin(const std::string& text, double limit) {
     return read.length > 0 && host::endsAt(text, read.length) && std::abs(read.value) <= limit;
 }
 
-bool isNameStart(char c) { return c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isNamePart(char c) { return isNameStart(c) || (c >= '0' && c <= '9'); }
+bool isNameStart(char c) { return c == '_' || host::isLetter(c); }
+bool isNamePart(char c) { return isNameStart(c) || host::isDigit(c); }
 
 std::string variable(const std::string& name) {
     const char* value = std::getenv(name.c_str());

@@ -1,9 +1,9 @@
 #include <maya/MUuid.h>
 
+#include "base/Letters.h"
 #include "values/StatusOut.h"
 
 #include <algorithm>
-#include <cctype>
 #include <random>
 #include <string>
 
@@ -14,8 +14,8 @@ constexpr std::size_t textLength = 36;
 bool isDash(std::size_t place) { return place == 8 || place == 13 || place == 18 || place == 23; }
 
 int digit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    if (host::isDigit(c)) return c - '0';
+    c = host::upperCase(c);
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 

@@ -1,12 +1,11 @@
 #include "viewport/FloatPicture.h"
 
+#include "base/Letters.h"
 #include "images/ImageCodec.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <exception>
-#include <filesystem>
 #include <fmt/format.h>
 
 namespace host::viewport {
@@ -14,11 +13,6 @@ namespace host::viewport {
 float linearFromDisplay(float value) {
     const float v = std::abs(value);
     return std::copysign(v <= 0.04045f ? v / 12.92f : std::pow((v + 0.055f) / 1.055f, 2.4f), value);
-}
-
-float displayFromLinear(float value) {
-    const float v = std::abs(value);
-    return std::copysign(v <= 0.0031308f ? v * 12.92f : 1.055f * std::pow(v, 1 / 2.4f) - 0.055f, value);
 }
 
 FloatPicture::FloatPicture(int width, int height, int channels)
@@ -31,8 +25,7 @@ FloatPicture::FloatPicture(const Picture& bytes) : FloatPicture(bytes.width, byt
 }
 
 bool FloatPicture::holdsLight(const std::string& path) {
-    std::string ending = std::filesystem::path(path).extension().string();
-    for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::string ending = extensionOf(path);
     return ending == ".exr" || ending == ".hdr" || ending == ".rgbe";
 }
 

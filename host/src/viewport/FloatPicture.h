@@ -14,7 +14,6 @@ namespace host::viewport {
 /// round, as in scRGB.
 /// @{
 float linearFromDisplay(float value);
-float displayFromLinear(float value);
 /// @}
 
 /// An image of floats, RGB or RGBA, top row first, without padding between rows. Nothing is clipped.

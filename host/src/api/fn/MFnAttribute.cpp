@@ -2,6 +2,7 @@
 
 #include "api/fn/FnSupport.h"
 #include "api/graph/DataTypes.h"
+#include "values/Text.h"
 
 #include <maya/MFloatMatrix.h>
 #include <maya/MFnCompoundAttribute.h>
@@ -15,6 +16,8 @@
 
 using namespace host;
 using host::api::Access;
+using host::api::fromText;
+using host::api::toText;
 using scene::Attribute;
 using scene::AttributePtr;
 using scene::AttributeType;
@@ -32,10 +35,6 @@ ORVO_DEFINE_FN(MFnCompoundAttribute, MFn::kCompoundAttribute)
 ORVO_FN_NAME(MFnCompoundAttribute)
 
 namespace {
-
-std::string text(const MString& s) { return std::string(s.asChar(), s.length()); }
-
-MString text(const std::string& s) { return MString(s.data(), static_cast<int>(s.size())); }
 
 /// Names a new attribute must have.
 bool named(const MString& full, const MString& brief, MStatus* status) {
@@ -119,7 +118,7 @@ MStatus MFnAttribute::setDisconnectBehavior(DisconnectBehavior behavior) {
 MStatus MFnAttribute::setNiceNameOverride(const MString& localizedName) {
     const auto a = Access::attribute(object_);
     if (!a) return MStatus::kFailure;
-    a->niceName = text(localizedName);
+    a->niceName = toText(localizedName);
     return MStatus::kSuccess;
 }
 
@@ -149,19 +148,19 @@ MObject MFnAttribute::parent(MStatus* ReturnStatus) const {
 MString MFnAttribute::name(MStatus* ReturnStatus) const {
     const auto a = Access::attribute(object_);
     setStatus(ReturnStatus, a ? MStatus::kSuccess : MStatus::kFailure);
-    return a ? text(a->longName) : MString();
+    return a ? fromText(a->longName) : MString();
 }
 
 MString MFnAttribute::shortName(MStatus* ReturnStatus) const {
     const auto a = Access::attribute(object_);
     setStatus(ReturnStatus, a ? MStatus::kSuccess : MStatus::kFailure);
-    return a ? text(a->shortName) : MString();
+    return a ? fromText(a->shortName) : MString();
 }
 
 MObject MFnEnumAttribute::create(const MString& fullName, const MString& briefName, short defaultValue,
                                  MStatus* ReturnStatus) {
     if (!named(fullName, briefName, ReturnStatus)) return MObject();
-    object_ = Access::object(Attribute::enumeration(text(fullName), text(briefName), defaultValue, {}).get());
+    object_ = Access::object(Attribute::enumeration(toText(fullName), toText(briefName), defaultValue, {}).get());
     return object_;
 }
 
@@ -170,7 +169,7 @@ MStatus MFnEnumAttribute::addField(const MString& fieldString, short index) {
     if (!a) return MStatus::kFailure;
     std::erase_if(a->fields, [&](const auto& f) { return f.second == index; });
     const auto at = std::find_if(a->fields.begin(), a->fields.end(), [&](const auto& f) { return f.second > index; });
-    a->fields.insert(at, {text(fieldString), index});
+    a->fields.insert(at, {toText(fieldString), index});
     return MStatus::kSuccess;
 }
 
@@ -178,12 +177,12 @@ MString MFnEnumAttribute::fieldName(short index, MStatus* ReturnStatus) const {
     const auto a = Access::attribute(object_);
     const auto name = a ? a->fieldName(index) : std::nullopt;
     setStatus(ReturnStatus, name ? MStatus::kSuccess : MStatus::kInvalidParameter);
-    return name ? text(*name) : MString();
+    return name ? fromText(*name) : MString();
 }
 
 short MFnEnumAttribute::fieldIndex(const MString& fieldString, MStatus* ReturnStatus) const {
     const auto a = Access::attribute(object_);
-    const auto i = a ? a->fieldIndex(text(fieldString)) : std::nullopt;
+    const auto i = a ? a->fieldIndex(toText(fieldString)) : std::nullopt;
     setStatus(ReturnStatus, i ? MStatus::kSuccess : MStatus::kInvalidParameter);
     return i.value_or(0);
 }
@@ -241,7 +240,7 @@ MStatus MFnEnumAttribute::getDefault(MString& fieldString) const {
 MObject MFnMatrixAttribute::create(const MString& fullName, const MString& briefName, Type matrixType,
                                    MStatus* ReturnStatus) {
     if (!named(fullName, briefName, ReturnStatus)) return MObject();
-    auto a = Attribute::matrix(text(fullName), text(briefName));
+    auto a = Attribute::matrix(toText(fullName), toText(briefName));
     if (matrixType == kFloat) {
         a->type = AttributeType::FloatMatrix;
         a->defaultValue = MFloatMatrix();
@@ -280,10 +279,10 @@ MObject MFnTypedAttribute::create(const MString& full, const MString& brief, MFn
                                   MStatus* ReturnStatus) {
     if (!named(full, brief, ReturnStatus)) return MObject();
     AttributePtr a;
-    const auto data = [&](DataKind kind) { return Attribute::data(text(full), text(brief), kind); };
+    const auto data = [&](DataKind kind) { return Attribute::data(toText(full), toText(brief), kind); };
     switch (type) {
-    case MFnData::kString: a = Attribute::text(text(full), text(brief)); break;
-    case MFnData::kMatrix: a = Attribute::matrix(text(full), text(brief)); break;
+    case MFnData::kString: a = Attribute::text(toText(full), toText(brief)); break;
+    case MFnData::kMatrix: a = Attribute::matrix(toText(full), toText(brief)); break;
     case MFnData::kMesh: a = data(DataKind::Mesh); break;
     case MFnData::kStringArray: a = data(DataKind::StringArray); break;
     case MFnData::kDoubleArray: a = data(DataKind::DoubleArray); break;
@@ -294,7 +293,7 @@ MObject MFnTypedAttribute::create(const MString& full, const MString& brief, MFn
     case MFnData::kMatrixArray: a = data(DataKind::MatrixArray); break;
     case MFnData::kComponentList: a = data(DataKind::ComponentList); break;
     case MFnData::kAny:
-        a = Attribute::text(text(full), text(brief));
+        a = Attribute::text(toText(full), toText(brief));
         a->type = AttributeType::Generic;
         a->defaultValue = std::monostate();
         break;
@@ -344,7 +343,7 @@ MStatus MFnTypedAttribute::setDefault(const MObject& defaultData) {
 
 MObject MFnCompoundAttribute::create(const MString& full, const MString& brief, MStatus* ReturnStatus) {
     if (!named(full, brief, ReturnStatus)) return MObject();
-    object_ = Access::object(Attribute::compound(text(full), text(brief), {}).get());
+    object_ = Access::object(Attribute::compound(toText(full), toText(brief), {}).get());
     return object_;
 }
 

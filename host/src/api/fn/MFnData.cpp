@@ -2,6 +2,7 @@
 
 #include "api/fn/FnSupport.h"
 #include "api/fn/NumericTypes.h"
+#include "values/Text.h"
 
 #include <maya/MFnMatrixData.h>
 #include <maya/MFnNumericData.h>
@@ -46,49 +47,13 @@ constexpr NumericType typeFor() {
 } // namespace
 
 MObject MFnNumericData::create(Type dataType, MStatus* ReturnStatus) {
-    NumericType type = NumericType::None;
-    int count = 0;
-    switch (dataType) {
-    case k2Short:
-        type = NumericType::Short;
-        count = 2;
-        break;
-    case k3Short:
-        type = NumericType::Short;
-        count = 3;
-        break;
-    case k2Int:
-        type = NumericType::Int;
-        count = 2;
-        break;
-    case k3Int:
-        type = NumericType::Int;
-        count = 3;
-        break;
-    case k2Float:
-        type = NumericType::Float;
-        count = 2;
-        break;
-    case k3Float:
-        type = NumericType::Float;
-        count = 3;
-        break;
-    case k2Double:
-        type = NumericType::Double;
-        count = 2;
-        break;
-    case k3Double:
-        type = NumericType::Double;
-        count = 3;
-        break;
-    case k4Double:
-        type = NumericType::Double;
-        count = 4;
-        break;
-    default: setStatus(ReturnStatus, MStatus::kInvalidParameter); return MObject();
+    const api::NumericKind kind = api::numericKind(dataType);
+    if (kind.count < 2) {
+        setStatus(ReturnStatus, MStatus::kInvalidParameter);
+        return MObject();
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
-    object_ = Access::object(scene::Value(Numeric(type, count)));
+    object_ = Access::object(scene::Value(Numeric(kind.type, kind.count)));
     return object_;
 }
 
@@ -220,7 +185,7 @@ MStatus MFnStringData::set(const MString& string) {
 
 MObject MFnStringData::create(const MString& str, MStatus* ReturnStatus) {
     setStatus(ReturnStatus, MStatus::kSuccess);
-    object_ = Access::object(scene::Value(std::string(str.asChar(), str.length())));
+    object_ = Access::object(scene::Value(api::toText(str)));
     return object_;
 }
 

@@ -1,6 +1,7 @@
 #include <maya/MFnMesh.h>
 
 #include "api/fn/MeshCall.h"
+#include "values/Text.h"
 
 #include <maya/MFloatArray.h>
 #include <maya/MString.h>
@@ -13,7 +14,9 @@ using api::among;
 using api::changeMesh;
 using api::countOf;
 using api::fill;
+using api::fromText;
 using api::MeshChange;
+using api::toText;
 using api::withMesh;
 using mesh::PolyMesh;
 using mesh::UvSet;
@@ -23,16 +26,13 @@ namespace {
 /// The longest list of UVs that setting one by one makes.
 constexpr int maxUvs = 1 << 24;
 
-std::string text(const MString& s) { return std::string(s.asChar(), s.length()); }
-MString text(const std::string& s) { return MString(s.data(), static_cast<int>(s.size())); }
-
 MStatus ok(bool did) { return did ? MStatus::kSuccess : MStatus::kInvalidParameter; }
 
 /// The set's index; -1 when there is none of that name. Null means the current set.
-int find(const PolyMesh& m, const MString* name) { return m.findUvSet(name ? text(*name) : std::string()); }
+int find(const PolyMesh& m, const MString* name) { return m.findUvSet(name ? toText(*name) : std::string()); }
 
 /// The index of a set that must be named.
-int findNamed(const PolyMesh& m, const MString& name) { return name.length() ? m.findUvSet(text(name)) : -1; }
+int findNamed(const PolyMesh& m, const MString& name) { return name.length() ? m.findUvSet(toText(name)) : -1; }
 
 /// Looks at a set, or changes one; kInvalidParameter when it does not exist.
 template <class Look>
@@ -87,13 +87,13 @@ int MFnMesh::numUVSets(MStatus* ReturnStatus) const {
 MStatus MFnMesh::getUVSetNames(MStringArray& setNames) const {
     return withMesh(object_, [&](const PolyMesh& m) -> MStatus {
         setNames.clear();
-        for (int set = 0; set < m.numUvSets(); ++set) setNames.append(text(m.uvSet(set).name));
+        for (int set = 0; set < m.numUvSets(); ++set) setNames.append(fromText(m.uvSet(set).name));
         return MStatus::kSuccess;
     });
 }
 
 MString MFnMesh::currentUVSetName(MStatus* ReturnStatus, int) const {
-    return text(countOf(object_, ReturnStatus, [](const PolyMesh& m) { return m.uvSet(m.currentUvSet()).name; }));
+    return fromText(countOf(object_, ReturnStatus, [](const PolyMesh& m) { return m.uvSet(m.currentUvSet()).name; }));
 }
 
 MStatus MFnMesh::getCurrentUVSetName(MString& setName, int instance) const {
@@ -114,11 +114,11 @@ MStatus MFnMesh::setCurrentUVSetName(const MString& setName, MDGModifier*, MSele
 MString MFnMesh::createUVSetWithName(const MString& uvSetName, MDGModifier*, MStatus* ReturnStatus, const MUintArray*) {
     std::string name;
     const MStatus status = changeMesh(object_, MeshChange::Any, [&](PolyMesh& m) {
-        name = freeName(m, text(uvSetName));
+        name = freeName(m, toText(uvSetName));
         return ok(m.addUvSet(name) >= 0);
     });
     setStatus(ReturnStatus, status.statusCode());
-    return status ? text(name) : MString();
+    return status ? fromText(name) : MString();
 }
 
 MStatus MFnMesh::createUVSet(MString& uvSetName, MDGModifier* modifier, const MUintArray* instances) {
@@ -134,20 +134,20 @@ MString MFnMesh::copyUVSetWithName(const MString& fromName, const MString& toNam
     const MStatus status = changeMesh(object_, MeshChange::Any, [&](PolyMesh& m) {
         const int from = findNamed(m, fromName);
         if (from < 0) return ok(false);
-        name = toName.length() ? text(toName) : freeName(m, text(fromName));
+        name = toName.length() ? toText(toName) : freeName(m, toText(fromName));
         int to = m.findUvSet(name);
         if (to < 0) to = m.addUvSet(name);
         if (to != from) copySet(m.uvSet(from), m, to);
         return ok(true);
     });
     setStatus(ReturnStatus, status.statusCode());
-    return status ? text(name) : MString();
+    return status ? fromText(name) : MString();
 }
 
 MStatus MFnMesh::renameUVSet(const MString& origName, const MString& newName, MDGModifier*) {
     return changeMesh(object_, MeshChange::Any, [&](PolyMesh& m) {
         const int set = findNamed(m, origName);
-        return ok(set >= 0 && m.renameUvSet(set, text(newName)));
+        return ok(set >= 0 && m.renameUvSet(set, toText(newName)));
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "api/fn/FnSupport.h"
 #include "api/fn/NumericTypes.h"
+#include "values/Text.h"
 
 #include <maya/MString.h>
 
@@ -9,6 +10,7 @@
 
 using namespace host;
 using host::api::Access;
+using host::api::toText;
 using scene::Attribute;
 using scene::AttributePtr;
 using scene::AttributeType;
@@ -19,8 +21,6 @@ ORVO_DEFINE_FN(MFnNumericAttribute, MFn::kNumericAttribute)
 ORVO_FN_NAME(MFnNumericAttribute)
 
 namespace {
-
-std::string text(const MString& s) { return std::string(s.asChar(), s.length()); }
 
 int countOf(const Attribute& a) { return a.type == AttributeType::Tuple ? static_cast<int>(a.children.size()) : 1; }
 
@@ -56,9 +56,9 @@ MObject MFnNumericAttribute::create(const MString& full, const MString& brief, M
         return MObject();
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
-    const AttributePtr a = shape.count == 1 ? Attribute::number(text(full), text(brief), shape.type, defaultValue)
-                                            : Attribute::tuple(text(full), text(brief), shape.type, shape.count, "0123",
-                                                               AttributeType::Numeric, defaultValue);
+    const AttributePtr a = shape.count == 1 ? Attribute::number(toText(full), toText(brief), shape.type, defaultValue)
+                                            : Attribute::tuple(toText(full), toText(brief), shape.type, shape.count,
+                                                               "0123", AttributeType::Numeric, defaultValue);
     object_ = Access::object(a.get());
     return object_;
 }
@@ -69,7 +69,7 @@ MObject MFnNumericAttribute::createColor(const MString& full, const MString& bri
         return MObject();
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
-    auto a = Attribute::tuple(text(full), text(brief), NumericType::Float, 3, "RGB");
+    auto a = Attribute::tuple(toText(full), toText(brief), NumericType::Float, 3, "RGB");
     a->usedAsColor = true;
     object_ = Access::object(a.get());
     return object_;
@@ -81,7 +81,7 @@ MObject MFnNumericAttribute::createPoint(const MString& full, const MString& bri
         return MObject();
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
-    object_ = Access::object(Attribute::tuple(text(full), text(brief), NumericType::Float, 3, "XYZ").get());
+    object_ = Access::object(Attribute::tuple(toText(full), toText(brief), NumericType::Float, 3, "XYZ").get());
     return object_;
 }
 
@@ -103,7 +103,7 @@ MObject MFnNumericAttribute::create(const MString& full, const MString& brief, c
         parts.push_back(a);
     }
     setStatus(ReturnStatus, MStatus::kSuccess);
-    object_ = Access::object(Attribute::tupleOf(text(full), text(brief), std::move(parts)).get());
+    object_ = Access::object(Attribute::tupleOf(toText(full), toText(brief), std::move(parts)).get());
     return object_;
 }
 

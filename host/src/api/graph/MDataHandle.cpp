@@ -7,6 +7,7 @@
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
 #include "values/StatusOut.h"
+#include "values/Text.h"
 
 #include <maya/MAngle.h>
 #include <maya/MArrayDataHandle.h>
@@ -318,7 +319,7 @@ void MDataHandle::set(double a, double b, double c) { setNumbers(view_, a, b, c)
 void MDataHandle::set(const MString& v) {
     if (!view_ || !std::holds_alternative<std::string>(view_->value())) return;
     if (view_->cell) view_->cell->apiView.reset();
-    view_->value() = std::string(v.asChar(), v.length());
+    view_->value() = api::toText(v);
 }
 
 MStatus MDataHandle::set(const MObject& object) {

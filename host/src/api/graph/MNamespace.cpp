@@ -1,6 +1,7 @@
 #include <maya/MNamespace.h>
 
 #include "api/graph/Handle.h"
+#include "base/Letters.h"
 #include "scene/Namespaces.h"
 #include "values/StatusOut.h"
 #include "values/Text.h"
@@ -48,7 +49,7 @@ MString MNamespace::validateName(const MString& name, MStatus* ReturnStatus) {
     std::string valid = toText(name);
     for (char& c : valid)
         if (!Scene::isValidName(std::string("a") + c)) c = '_';
-    if (!valid.empty() && valid.front() >= '0' && valid.front() <= '9') valid.insert(valid.begin(), '_');
+    if (!valid.empty() && host::isDigit(valid.front())) valid.insert(valid.begin(), '_');
     setStatus(ReturnStatus, valid.empty() ? MStatus::kInvalidParameter : MStatus::kSuccess);
     return fromText(valid);
 }

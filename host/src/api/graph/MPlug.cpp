@@ -5,6 +5,7 @@
 #include "scene/AnimCurve.h"
 #include "scene/Evaluation.h"
 #include "values/StatusOut.h"
+#include "values/Text.h"
 
 #include <maya/MAngle.h>
 #include <maya/MDataBlock.h>
@@ -588,7 +589,7 @@ MStatus MPlug::setValue(const MString& val) {
     const Target t(*this);
     if (!t) return MStatus::kFailure;
     if (!std::holds_alternative<std::string>(t->value)) return MStatus::kInvalidParameter;
-    return api::guarded([&] { t->node.scene.setValue(*t, std::string(val.asChar(), val.length())); });
+    return api::guarded([&] { t->node.scene.setValue(*t, api::toText(val)); });
 }
 
 namespace {

@@ -30,7 +30,6 @@ public:
 
     /// Folders that bare names are looked up in, in order.
     void setSearchPath(std::vector<std::filesystem::path> folders) { folders_ = std::move(folders); }
-    const std::vector<std::filesystem::path>& searchPath() const { return folders_; }
 
     /// Loads by bare name (along the search path) or by path. Loading what is loaded does nothing.
     /// Throws scene::SceneError with a text for the user when it is not found or its initialisation fails.

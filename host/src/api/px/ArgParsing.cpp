@@ -1,11 +1,11 @@
 #include "api/px/ArgParsing.h"
 
 #include "api/px/ArgListAccess.h"
+#include "base/Letters.h"
 #include "base/NumberText.h"
 #include "values/Text.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -19,8 +19,7 @@ std::string_view withoutDash(std::string_view name) { return name.starts_with('-
 /// The flag's name without dash, or nothing when the argument is no flag.
 std::optional<std::string_view> flagName(const Argument& argument) {
     const auto* text = std::get_if<std::string>(&argument);
-    if (!text || text->size() < 2 || (*text)[0] != '-' || !std::isalpha(static_cast<unsigned char>((*text)[1])))
-        return std::nullopt;
+    if (!text || text->size() < 2 || (*text)[0] != '-' || !isLetter((*text)[1])) return std::nullopt;
     return std::string_view(*text).substr(1);
 }
 

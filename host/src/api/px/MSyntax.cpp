@@ -2,8 +2,7 @@
 
 #include "api/graph/Handle.h"
 #include "api/px/ArgParsing.h"
-
-#include <cctype>
+#include "base/Letters.h"
 
 using host::api::SyntaxTable;
 
@@ -17,9 +16,9 @@ std::string plain(const char* name) {
 }
 
 bool isName(const std::string& text) {
-    if (text.empty() || !std::isalpha(static_cast<unsigned char>(text.front()))) return false;
+    if (text.empty() || !host::isLetter(text.front())) return false;
     for (const char c : text)
-        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_') return false;
+        if (!host::isLetter(c) && !host::isDigit(c) && c != '_') return false;
     return true;
 }
 

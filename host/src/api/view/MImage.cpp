@@ -1,9 +1,10 @@
 #include <maya/MImage.h>
 
 #include "base/FileReplacement.h"
-#include "base/LetterCase.h"
+#include "base/Letters.h"
 #include "base/Messages.h"
 #include "images/ImageCodec.h"
+#include "values/Text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -104,7 +105,7 @@ MStatus MImage::create(unsigned int width, unsigned int height, unsigned int cha
 }
 
 MStatus MImage::readFromFile(MString pathname, MPixelType type) {
-    const std::string path(pathname.asChar(), pathname.length());
+    const std::string path = host::api::toText(pathname);
     const auto fail = [&](std::string_view reason) {
         host::showError(fmt::format("Cannot read image \"{}\": {}.", path, reason));
         return MStatus::kFailure;
@@ -191,9 +192,9 @@ MStatus MImage::writeToFile(MString pathname, MString outputFormat) const {
     const Pixels& p = *pixels_;
     if (p.type == kUnknown) return MStatus::kFailure;
     try {
-        const fs::path path(std::string(pathname.asChar(), pathname.length()));
-        std::string format = host::lowerCase(std::string(outputFormat.asChar(), outputFormat.length()));
-        if (format.empty()) format = host::lowerCase(path.extension().string());
+        const fs::path path(host::api::toText(pathname));
+        std::string format = host::lowerCase(host::api::toText(outputFormat));
+        if (format.empty()) format = host::extensionOf(path);
         if (!format.empty() && format.front() == '.') format.erase(0, 1);
         const std::string named = "image." + format;
         ImageCodec* codec = imageCodec();

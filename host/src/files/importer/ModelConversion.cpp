@@ -1,5 +1,5 @@
 #include "files/importer/ModelConversion.h"
-#include "base/LetterCase.h"
+#include "base/Letters.h"
 
 #include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cctype>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -29,11 +28,10 @@ constexpr std::size_t kMostCorners = std::numeric_limits<int>::max();
 std::string legalName(std::string_view text) {
     std::string name;
     for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if ((byte & 0xC0) == 0x80) continue; // the rest of a character beyond ASCII
-        name += byte < 0x80 && (std::isalnum(byte) || byte == '_') ? c : '_';
+        if ((static_cast<unsigned char>(c) & 0xC0) == 0x80) continue; // the rest of a character beyond ASCII
+        name += isLetter(c) || isDigit(c) ? c : '_';
     }
-    if (!name.empty() && std::isdigit(static_cast<unsigned char>(name.front()))) name.insert(name.begin(), '_');
+    if (!name.empty() && isDigit(name.front())) name.insert(name.begin(), '_');
     return name;
 }
 
@@ -317,7 +315,7 @@ RawModel convertModel(const std::filesystem::path& file) {
         throw std::runtime_error(error);
     }
     if (!scene->mRootNode) throw std::runtime_error("it holds no objects");
-    const std::string extension = lowerCase(file.extension().string());
+    const std::string extension = extensionOf(file);
     return Conversion(*scene, file, extension).finish();
 }
 
