@@ -75,6 +75,7 @@ Json described(const Attribute& attribute, const Json& meanings) {
     const Json known = meanings.value(attribute.longName, Json::object());
     json["unit"] = known.value("unit", "");
     json["meaning"] = known.value("meaning", "");
+    if (known.contains("looks")) json["looks"] = known["looks"];
     return json;
 }
 
@@ -130,6 +131,11 @@ std::string childrenText(const Json& a, const char* mark) {
     return text;
 }
 
+/// Where the documents show the attribute in pictures.
+std::string looksText(const Json& a) {
+    return a.contains("looks") ? fmt::format(" [In pictures](looks.md#{}).", a["looks"].get<std::string>()) : "";
+}
+
 std::string asText(const Json& type) {
     std::string text = fmt::format("{}: {}\n", type["type"].get<std::string>(), type["about"].get<std::string>());
     for (const Json& a : type["attributes"]) {
@@ -157,9 +163,10 @@ std::string asMarkdown(const Json& types) {
             type["type"].get<std::string>(), type["about"].get<std::string>());
         for (const Json& a : type["attributes"]) {
             const std::string children = childrenText(a, "`");
-            text += fmt::format("| `{}` | {} | {} | {} | {} | {}{} |\n", a["name"].get<std::string>(), typeText(a),
+            text += fmt::format("| `{}` | {} | {} | {} | {} | {}{}{} |\n", a["name"].get<std::string>(), typeText(a),
                                 valueText(a["default"]), limitsText(a), a["unit"].get<std::string>(),
-                                a["meaning"].get<std::string>(), children.empty() ? "" : " Parts: " + children + ".");
+                                a["meaning"].get<std::string>(), children.empty() ? "" : " Parts: " + children + ".",
+                                looksText(a));
         }
     }
     return text;

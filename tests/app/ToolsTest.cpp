@@ -2,10 +2,12 @@
 // tell of the program.
 #include "ProgramFixture.h"
 
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include <regex>
 #include <set>
+#include <sstream>
 
 namespace {
 
@@ -48,9 +50,24 @@ TEST_F(Tools, EveryAttributeIsExplained) {
     }
     EXPECT_EQ(registered.count("orvosky_SkyRenderer.Enable"), 1u);
     const json explained = json::parse(content(orvo::test::sourceTree("plugin/attributes.json")));
+    std::set<std::string> shown;
     for (const auto& [type, known] : explained.items())
-        for (const auto& [name, meaning] : known["attributes"].items())
+        for (const auto& [name, meaning] : known["attributes"].items()) {
             EXPECT_EQ(registered.count(type + "." + name), 1u) << type << "." << name << " is explained, but not there";
+            if (meaning.contains("looks")) shown.insert(meaning["looks"].get<std::string>());
+        }
+    // Each strip of pictures is linked to, by its heading as readers of Markdown make names of it.
+    std::set<std::string> strips;
+    std::istringstream looks(content(orvo::test::sourceTree("docs/looks.md")));
+    for (std::string line; std::getline(looks, line);) {
+        if (!line.starts_with("## ")) continue;
+        std::string name;
+        for (const char c : line.substr(3))
+            if (c == ' ' || c == '-' || std::isalnum(static_cast<unsigned char>(c)))
+                name += c == ' ' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        strips.insert(name);
+    }
+    EXPECT_EQ(shown, strips);
     EXPECT_EQ(run({"nodes", "--markdown"}).out, content(orvo::test::sourceTree("docs/nodes.md")))
         << "orvosky nodes --markdown > docs/nodes.md";
 
