@@ -7,7 +7,6 @@
 #include "scene/AttributeKind.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace host::mel {
 
@@ -105,11 +104,10 @@ Value listAttr(Call& call) {
             node = &nodeNamed(name);
             roots = node->attributes();
         }
-        const std::function<void(const Attribute&)> visit = [&](const Attribute& a) {
-            if (listed(*node, a, args)) add(listName(a, args.has("sn")));
-            for (const auto& child : a.children) visit(*child);
-        };
-        for (const Attribute* root : roots) visit(*root);
+        for (const Attribute* root : roots)
+            forEachPart(*root, [&](const Attribute& a) {
+                if (listed(*node, a, args)) add(listName(a, args.has("sn")));
+            });
     }
     return found;
 }

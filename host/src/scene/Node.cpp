@@ -262,12 +262,10 @@ bool Node::addDynamic(AttributePtr attribute, std::size_t place) {
                std::any_of(a.children.begin(), a.children.end(), [&](const auto& c) { return taken(*c); });
     };
     if (taken(*attribute)) return false;
-    const std::function<void(const Attribute&)> enter = [&](const Attribute& a) {
+    forEachPart(*attribute, [&](const Attribute& a) {
         dynamicByName_.emplace(a.longName, &a);
         dynamicByName_.emplace(a.shortName, &a);
-        for (const auto& c : a.children) enter(*c);
-    };
-    enter(*attribute);
+    });
     dynamic_.insert(dynamic_.begin() + static_cast<std::ptrdiff_t>(std::min(place, dynamic_.size())),
                     std::move(attribute));
     return true;
@@ -277,12 +275,10 @@ bool Node::removeDynamic(const Attribute& attribute) {
     const auto it =
         std::find_if(dynamic_.begin(), dynamic_.end(), [&](const AttributePtr& a) { return a.get() == &attribute; });
     if (it == dynamic_.end()) return false;
-    const std::function<void(const Attribute&)> leave = [&](const Attribute& a) {
+    forEachPart(attribute, [&](const Attribute& a) {
         dynamicByName_.erase(a.longName);
         dynamicByName_.erase(a.shortName);
-        for (const auto& c : a.children) leave(*c);
-    };
-    leave(attribute);
+    });
     dynamic_.erase(it);
     return true;
 }

@@ -1,9 +1,9 @@
 #include "scene/References.h"
 
+#include "scene/Cells.h"
 #include "scene/Scene.h"
 
 #include <algorithm>
-#include <functional>
 #include <set>
 
 namespace host::scene {
@@ -46,17 +46,6 @@ Reference* References::of(const Node& node) const {
     return it == byNode_.end() ? nullptr : it->second;
 }
 
-namespace {
-
-void eachCell(Cell& cell, const std::function<void(Cell&)>& visit) {
-    visit(cell);
-    for (auto& child : cell.children)
-        if (child) eachCell(*child, visit);
-    for (auto& [index, element] : cell.elements) eachCell(*element, visit);
-}
-
-} // namespace
-
 void References::bring(Reference& reference, const std::vector<NodePtr>& nodes) {
     for (const NodePtr& node : nodes) {
         if (!node->referenced) { // else of a reference within
@@ -65,7 +54,7 @@ void References::bring(Reference& reference, const std::vector<NodePtr>& nodes) 
             reference.contents.push_back(node);
         }
         for (Cell* root : node->cells())
-            eachCell(*root, [&](Cell& cell) {
+            forEachCell(*root, [&](Cell& cell) {
                 if (cell.source) connections_[&cell] = cell.source;
                 // What it feeds among the nodes that every scene has.
                 for (const Cell* to : cell.destinations)

@@ -2,6 +2,7 @@
 
 #include "base/Letters.h"
 #include "base/Messages.h"
+#include "scene/Cells.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshFilter.h"
 #include "scene/References.h"
@@ -249,13 +250,7 @@ void Scene::deleteOne(const NodePtr& node) {
     announceRemoved(*node, parent);
     for (Node* up : history) {
         bool used = false;
-        const std::function<void(Cell&)> look = [&](Cell& c) {
-            used |= !c.destinations.empty();
-            for (auto& child : c.children)
-                if (child) look(*child);
-            for (auto& [i, e] : c.elements) look(*e);
-        };
-        for (Cell* c : up->cells()) look(*c);
+        for (Cell* c : up->cells()) forEachCell(*c, [&](Cell& cell) { used |= !cell.destinations.empty(); });
         if (!used && up->inScene) deleteOne(up->shared_from_this());
     }
 }
@@ -399,15 +394,12 @@ void Scene::reset() {
         // Nodes go newest first; their connections are cut before, so that no cell points at a dead one.
         std::vector<NodePtr> all;
         for (auto& [serial, n] : nodes_) all.push_back(n);
-        const std::function<void(Cell&)> forget = [&](Cell& c) {
+        const auto forget = [](Cell& c) {
             c.source = c.nextFed = c.previousFed = nullptr;
             c.destinations.clear();
-            for (auto& child : c.children)
-                if (child) forget(*child);
-            for (auto& [i, e] : c.elements) forget(*e);
         };
         for (auto& n : all)
-            for (Cell* c : n->cells()) forget(*c);
+            for (Cell* c : n->cells()) forEachCell(*c, forget);
         nodes_.clear();
         byName_.clear();
         byNamespace_.clear();

@@ -146,15 +146,9 @@ namespace {
 
 /// Every attribute of the node, compounds before their parts.
 std::vector<const scene::Attribute*> allAttributes(const scene::Node& n) {
-    std::vector<const scene::Attribute*> all, open;
-    const auto roots = n.attributes();
-    open.assign(roots.rbegin(), roots.rend());
-    while (!open.empty()) {
-        const auto* a = open.back();
-        open.pop_back();
-        all.push_back(a);
-        for (auto it = a->children.rbegin(); it != a->children.rend(); ++it) open.push_back(it->get());
-    }
+    std::vector<const scene::Attribute*> all;
+    for (const scene::Attribute* root : n.attributes())
+        forEachPart(*root, [&](const scene::Attribute& a) { all.push_back(&a); });
     return all;
 }
 
