@@ -24,4 +24,22 @@ orvosky render skies/scenes/sky.ma sky.exr --size 64x36 --strict
 orvosky run -e 'file -import "'"$root"'/share/orvosky/examples/project/scenes/evening.ma"; print `ls -type mesh`;' | grep -q hills
 grep -q 'orvosky render' "$root/share/man/man1/orvosky.1" || fail "the manual page does not tell of render."
 [ -s sky.exr ] && [ -s sky.cdata ] || fail "files are missing."
+if [ -e "$root/lib/orvosky/orvosky_window.so" ]; then
+  # A sky of a preset, made and exported by hand on a screen of its own.
+  mkdir by_hand
+  cat >hands.sh <<'EOF'
+orvosky --project by_hand edit &
+window=$!
+timeout 60 xdotool search --sync --onlyvisible --name 'Orvo sky' windowfocus
+sleep 3
+xdotool key ctrl+m
+sleep 1
+xdotool type --delay 20 "orvoskyNewFromPreset \"$1/share/orvosky/presets/3_dusk.ma\"; orvoskyExport \"by_hand.atmos\""
+xdotool key Return
+for ((i = 0; i < 300; ++i)); do [ -e by_hand.atmos ] && [ -e by_hand.cdata ] && break; sleep 0.1; done
+kill $window
+EOF
+  XDG_CONFIG_HOME=$work/config xvfb-run -a bash hands.sh "$root"
+  orvosky inspect by_hand.atmos --strict --project by_hand --summary
+fi
 echo "The package works."
