@@ -1,19 +1,23 @@
 #include "RandomGenerator.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Common/RandomGenerator.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
 #include <algorithm>
 
-namespace orvo {
+HWY_BEFORE_NAMESPACE();
+namespace orvo::HWY_NAMESPACE {
 namespace {
 
-constexpr int middle = 397;
-
 /// The recurrence's next word. Arithmetic in place of a table of {0, 0x9908B0DF} lets compilers do several at once.
-std::uint32_t twisted(std::uint32_t upper, std::uint32_t lower, std::uint32_t ahead) {
+HWY_INLINE HWY_ATTR std::uint32_t twisted(std::uint32_t upper, std::uint32_t lower, std::uint32_t ahead) {
     const std::uint32_t y = (upper & 0x80000000u) | (lower & 0x7FFFFFFFu);
     return ahead ^ (y >> 1) ^ ((0u - (y & 1u)) & 0x9908B0DFu);
 }
 
-std::uint32_t tempered(std::uint32_t y) {
+HWY_INLINE HWY_ATTR std::uint32_t tempered(std::uint32_t y) {
     y ^= y >> 11;
     y ^= (y << 7) & 0x9D2C5680u;
     y ^= (y << 15) & 0xEFC60000u;
@@ -21,6 +25,25 @@ std::uint32_t tempered(std::uint32_t y) {
 }
 
 } // namespace
+
+/// The next block of words in place of the last, and its outputs: plain loops, which the compiler turns into vectors of
+/// the widest unit.
+HWY_ATTR void nextBlock(std::uint32_t* HWY_RESTRICT words, std::uint32_t* HWY_RESTRICT outputs) {
+    constexpr int wordCount = 624, middle = 397;
+    int i = 0;
+    for (; i < wordCount - middle; ++i) words[i] = twisted(words[i], words[i + 1], words[i + middle]);
+    for (; i < wordCount - 1; ++i) words[i] = twisted(words[i], words[i + 1], words[i + middle - wordCount]);
+    words[i] = twisted(words[i], words[0], words[middle - 1]);
+    for (i = 0; i < wordCount; ++i) outputs[i] = tempered(words[i]);
+}
+
+} // namespace orvo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace orvo {
+
+HWY_EXPORT(nextBlock);
 
 RandomGenerator& RandomGenerator::shared() {
     static RandomGenerator generator;
@@ -34,11 +57,7 @@ void RandomGenerator::SeedRandom(std::uint32_t seed) {
 }
 
 void RandomGenerator::regenerate() {
-    int i = 0;
-    for (; i < wordCount - middle; ++i) words_[i] = twisted(words_[i], words_[i + 1], words_[i + middle]);
-    for (; i < wordCount - 1; ++i) words_[i] = twisted(words_[i], words_[i + 1], words_[i + middle - wordCount]);
-    words_[i] = twisted(words_[i], words_[0], words_[middle - 1]);
-    for (i = 0; i < wordCount; ++i) tempered_[maxAhead + i] = tempered(words_[i]);
+    HWY_DYNAMIC_DISPATCH(nextBlock)(words_.data(), tempered_.data() + maxAhead);
     index_ = 0;
 }
 
@@ -63,3 +82,4 @@ double RandomGenerator::RandomDouble53() {
 }
 
 } // namespace orvo
+#endif
