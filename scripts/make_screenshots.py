@@ -97,7 +97,7 @@ class Desktop:
 
 def tutorial(desktop: Desktop, folder: Path) -> None:
     """A first sky, by hand alone, as docs/tutorial.md tells it."""
-    project = folder / "skies"
+    project = folder / "first_sky"
     subprocess.run([str(PROGRAM), "new", str(project)], check=True, stdout=subprocess.DEVNULL)
     program = desktop.start("--project", str(project), "edit")
     desktop.shoot("tutorial-window-1.png")
@@ -121,9 +121,11 @@ def tutorial(desktop: Desktop, folder: Path) -> None:
 
 
 def main() -> None:
-    folder = Path(tempfile.mkdtemp())
+    # The pictures show paths in it.
+    folder = Path(tempfile.gettempdir()) / "skies"
+    folder.mkdir()
     try:
-        project = folder / "project"
+        project = folder / "cumulus"
         shutil.copytree(TREE / "examples/project", project)
         desktop = Desktop(folder)
         try:

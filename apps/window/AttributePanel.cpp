@@ -54,8 +54,9 @@ AttributePanel::AttributePanel(Editor& editor, InterfaceCommands& commands, QWid
     row->setSpacing(8);
     type_->setProperty("dim", true);
     row->addWidget(icon_);
-    row->addWidget(name_, 1);
-    row->addWidget(type_);
+    row->addWidget(name_);
+    type_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    row->addWidget(type_, 1);
     layout->addWidget(head_);
     nothing_->setProperty("dim", true);
     nothing_->setContentsMargins(12, 8, 12, 8);
@@ -123,7 +124,10 @@ void AttributePanel::showTab(int tab) {
     name_->setModified(false);
     name_->setText(QString::fromStdString(node->name));
     name_->setReadOnly(node->isDefault);
-    type_->setText(QString::fromStdString(node->unknownType.empty() ? node->type.name : node->unknownType));
+    const QString type = QString::fromStdString(node->unknownType.empty() ? node->type.name : node->unknownType);
+    type_->setText(type.section('_', -1)); // a plug-in's prefix would leave the name no room
+    type_->setToolTip(type);
+    name_->setFixedWidth(std::clamp(name_->fontMetrics().horizontalAdvance(name_->text()) + 24, 120, 230));
     if (DagNode* dag = node->dag())
         icon_->setPixmap(iconOf(*dag).pixmap(16, 16));
     else

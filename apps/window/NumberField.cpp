@@ -14,11 +14,19 @@
 
 namespace orvosky::window {
 
-QString shortNumber(double value) {
-    if (value == 0) return "0";
-    // Whole numbers as far as they go; of others four digits that count.
-    const int before = static_cast<int>(std::floor(std::log10(std::abs(value)))) + 1;
-    return QString::number(value, 'g', std::clamp(before, 4, 10));
+namespace {
+
+/// What the sheet and the field itself leave free on both sides of the text, in pixels.
+constexpr int margins = 18;
+
+/// How many digits of a number stand before its point; 0 or less for fractions.
+int digitsBefore(double value) { return static_cast<int>(std::floor(std::log10(std::abs(value)))) + 1; }
+
+} // namespace
+
+QString shortNumber(double value, int digits) {
+    // Whole numbers as far as they go; of others so many digits that count.
+    return value == 0 ? "0" : QString::number(value, 'g', std::clamp(digitsBefore(value), digits, 10));
 }
 
 std::optional<double> typedNumber(Editor& editor, const QString& text, double now, bool length, bool angle) {
@@ -54,25 +62,40 @@ NumberField::NumberField(Editor& editor, QWidget* parent) : QLineEdit(parent), e
     setTextMargins(0, 0, 0, 0);
     connect(this, &QLineEdit::editingFinished, this, [this] {
         if (!isModified()) {
-            setText(shortNumber(value_));
+            showValue();
             return;
         }
         setModified(false);
         const auto typed = typedNumber(editor_, text(), value_, length_, angle_);
         if (typed) emit entered(*typed);
-        setText(shortNumber(value_)); // what came of it, or what was there
+        showValue(); // what came of it, or what was there
     });
 }
 
 void NumberField::setValue(double value) {
     value_ = value;
-    if (!isModified() && !hasFocus()) setText(shortNumber(value));
+    if (!isModified() && !hasFocus()) showValue();
+}
+
+void NumberField::showValue() {
+    // A number whose beginning is cut off would be another one.
+    QString shown;
+    for (int digits = 4; digits > 0; --digits) {
+        shown = shortNumber(value_, digits);
+        if (fontMetrics().horizontalAdvance(shown) <= width() - margins) break;
+    }
+    setText(shown);
+}
+
+void NumberField::resizeEvent(QResizeEvent* event) {
+    QLineEdit::resizeEvent(event);
+    if (!isModified() && !hasFocus()) showValue();
 }
 
 void NumberField::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {
         setModified(false);
-        setText(shortNumber(value_));
+        showValue();
         clearFocus();
         return;
     }

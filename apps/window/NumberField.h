@@ -31,14 +31,17 @@ signals:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void showValue();
+
     Editor& editor_;
     double value_ = 0;
     bool length_ = false, angle_ = false;
 };
 
-/// As a field shows it when nobody types: four digits that count, more where they stand before the point.
-QString shortNumber(double value);
+/// As a field shows it when nobody types: four digits that count, or fewer, more where they stand before the point.
+QString shortNumber(double value, int digits = 4);
 
 } // namespace orvosky::window

@@ -8,6 +8,7 @@
 #include "base/Units.h"
 #include "scene/Scene.h"
 
+#include <QCalendarWidget>
 #include <QDateEdit>
 #include <QFormLayout>
 #include <QHeaderView>
@@ -15,6 +16,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QSettings>
+#include <QTextCharFormat>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -98,6 +100,8 @@ SunPanel::SunPanel(Editor& editor, QWidget* parent)
           180);
     date_->setObjectName("date");
     date_->setDisplayFormat("d MMM yyyy");
+    date_->setCalendarPopup(true);
+    for (const auto day : {Qt::Saturday, Qt::Sunday}) date_->calendarWidget()->setWeekdayTextFormat(day, {});
     date_->setDateRange(QDate(1950, 1, 1), QDate(2050, 12, 31));
     date_->setToolTip(tr("The years for which the sun's place is known to a hundredth of a degree"));
     form->addRow(tr("Date"), date_);

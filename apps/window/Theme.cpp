@@ -75,6 +75,8 @@ QMenuBar::item:selected { background: @3; }
 QMenu { background: @2; color: @7; border: 1px solid @0; padding: 4px 0; }
 QMenu::item { padding: 5px 28px 5px 24px; }
 QMenu::item:selected { background: @3; }
+QMenu::icon { padding-left: 10px; }
+QMenu::indicator { left: 8px; }
 QMenu::item:disabled { color: @5; }
 QMenu::separator { height: 1px; background: @3; margin: 4px 8px; }
 QDockWidget { color: @6; titlebar-close-icon: none; titlebar-normal-icon: none; }
@@ -91,13 +93,13 @@ QTreeView::item:hover { background: @2; }
 QTreeView::item:selected { background: @3; color: @7; }
 QTreeView::branch:selected { background: @3; }
 QPlainTextEdit { background: @0; font-family: monospace; }
-QLineEdit, QSpinBox, QDoubleSpinBox, QComboBox { background: @2; color: @7; border: 1px solid @2; border-radius: 3px;
+QLineEdit, QAbstractSpinBox, QComboBox { background: @2; color: @7; border: 1px solid @2; border-radius: 3px;
   padding: 3px 6px; selection-background-color: @a; selection-color: @0; min-height: 16px; }
-QLineEdit:hover, QComboBox:hover { border-color: @3; }
-QLineEdit:focus, QComboBox:focus { border-color: @a; }
+QLineEdit:hover, QAbstractSpinBox:hover, QComboBox:hover { border-color: @3; }
+QLineEdit:focus, QAbstractSpinBox:focus, QComboBox:focus { border-color: @a; }
 QLineEdit:disabled, QComboBox:disabled { color: @5; background: @1; }
-QComboBox::drop-down { border: none; width: 18px; }
-QComboBox::down-arrow { image: url(@icons/arrow_down_grey.svg); width: 12px; height: 12px; }
+QComboBox::drop-down, QDateEdit::drop-down { border: none; width: 18px; }
+QComboBox::down-arrow, QDateEdit::down-arrow { image: url(@icons/arrow_down_grey.svg); width: 12px; height: 12px; }
 QComboBox QAbstractItemView { background: @2; color: @7; selection-background-color: @3; border: 1px solid @0; }
 QPushButton, QToolButton { background: @2; color: @7; border: none; border-radius: 3px; padding: 5px 12px; }
 QToolButton { padding: 4px; background: transparent; }
@@ -122,13 +124,14 @@ QSlider::handle:horizontal { background: @7; width: 10px; height: 10px; margin: 
 QSlider::handle:horizontal:hover { background: @a; }
 QSlider::sub-page:horizontal:disabled, QSlider::handle:horizontal:disabled { background: @4; }
 QCheckBox { color: @7; spacing: 6px; }
-QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @4; border-radius: 3px; background: @2; }
-QCheckBox::indicator:hover { border-color: @6; }
-QCheckBox::indicator:checked { background: @a; border-color: @a; }
-QCheckBox::indicator:disabled { background: @1; border-color: @3; }
+QCheckBox::indicator, QTreeView#sunNodes::indicator { width: 14px; height: 14px; border: 1px solid @4; border-radius: 3px; background: @2; }
+QCheckBox::indicator:hover, QTreeView#sunNodes::indicator:hover { border-color: @6; }
+QCheckBox::indicator:checked, QTreeView#sunNodes::indicator:checked { background: @a; border-color: @a; image: url(@icons/check.svg); }
+QCheckBox::indicator:disabled, QTreeView#sunNodes::indicator:disabled { background: @1; border-color: @3; }
 QLabel { color: @7; background: transparent; }
 QLabel[dim="true"] { color: @6; }
 QLabel[heading="true"] { font-size: 20px; }
+QCalendarWidget QWidget#qt_calendar_navigationbar { background: @2; }
 QTabBar::tab { background: transparent; color: @6; padding: 6px 12px; border: none; }
 QTabBar::tab:selected { color: @7; border-bottom: 2px solid @a; }
 QTabWidget::pane { border: none; }
