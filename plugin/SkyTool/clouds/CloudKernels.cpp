@@ -312,11 +312,11 @@ HWY_ATTR bool estimateDepths(const ShapeTable& shapes, const LightMarch& march, 
             auto height = one;
             for (int i = 0; i < 3; ++i) {
                 const auto gap = hn::Add(hn::Set(d, span.gap[i] * (1.0 / marchRadius)),
-                                         hn::Load(d, rays.offsets(span.shape, RayTable::gap + i) + h));
+                                         hn::LoadU(d, rays.offsets(span.shape, RayTable::gap + i) + h));
                 height = hn::NegMulAdd(gap, gap, height);
             }
             auto along = hn::Sub(hn::Set(d, (span.first - span.nearest) * shape.pace),
-                                 hn::Load(d, rays.offsets(span.shape, RayTable::back) + h));
+                                 hn::LoadU(d, rays.offsets(span.shape, RayTable::back) + h));
             for (int k = span.first; k <= span.last; ++k) {
                 const auto t = hn::Max(hn::NegMulAdd(along, along, height), zero);
                 const auto w = hn::Min(hn::Mul(t, t), cap);

@@ -7,9 +7,8 @@
 /// - exact: every lane does the very operations of the plain code in their order, none of them fused, but for divisions
 ///   by one number, which are put together of faster operations that give the same bits;
 /// - estimates: a shorter way, with fused operations and sums in any order, and a bound on how far that may be from
-/// what
-///   the plain code works out. Where all numbers within the bound round to one float, that float is the plain code's.
-///   Where they do not, the exact code has the word.
+///   what the plain code works out. Where all numbers within the bound round to one float, that float is the plain
+///   code's. Where they do not, the exact code has the word.
 /// So no result differs in any bit.
 namespace orvo {
 

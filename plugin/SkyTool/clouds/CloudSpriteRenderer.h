@@ -54,9 +54,8 @@ public:
     /// is as before afterwards. After a successful prepare() only.
     /// @param eyePoint the camera's position in that space
     /// @param mayLag asked, once at most, when sprites could be drawn in the order for an earlier eye: whether there
-    /// will
-    ///   be another draw that makes up for it. Then a draw spends little time on orders; they are right a few draws
-    ///   after the eye has come to rest. Empty: no
+    ///   will be another draw that makes up for it. Then a draw spends little time on orders; they are right a few
+    ///   draws after the eye has come to rest. Empty: no
     void draw(std::span<const CloudToDraw> clouds, const CloudShadingParams& shading, const Vector3& eyePoint,
               const std::function<bool()>& mayLag = {});
     /// Lets the texture be loaded again at the next prepare().
