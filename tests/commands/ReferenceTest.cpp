@@ -187,8 +187,21 @@ TEST_F(ReferenceTest, SingleReferencesAreUnloadedAndLoaded) {
     EXPECT_THAT(texts("file -q -r"), testing::Contains(path("scenes/moved.ma")));
     EXPECT_THAT(failure("file -unloadReference level:propRN"), HasSubstr("belongs to the reference 'levelRN'"));
     EXPECT_THAT(failure("file -loadReference wind"), HasSubstr("belongs to no reference"));
-    run("file -rr -rfn levelRN; file -rename " + quoted("scenes/again.ma") + "; file -save;");
+    run("file -unloadReference levelRN; file -rr -rfn levelRN; file -rename " + quoted("scenes/again.ma") +
+        "; file -save;");
     EXPECT_THAT(read("scenes/again.ma"), Not(HasSubstr("level")));
+    EXPECT_EQ(text("ls -l lamp"), "|lamp") << "it is the scene's own";
+    // Long statements go over several lines, and a node for the reference may be missing.
+    write("scenes/long.ma", "//Maya ASCII 2011 scene\nfile -rdi 1 -ns \"p\" -dr 1\n\t\t-rfn \"pRN\" -op \"v=0;\" -typ "
+                            "\"mayaAscii\"\n\t\t\"prop.ma\";\nfile -r -ns \"p\" -dr 1 -rfn \"pRN\" -op \"v=0;\"\n\t\t"
+                            "\"prop.ma\";\nrequires maya \"2011\";\n");
+    open("long.ma");
+    EXPECT_FALSE(holds("referenceQuery -il pRN"));
+    run("file -loadReference pRN");
+    EXPECT_TRUE(holds("objExists p:cup"));
+    run("file -unloadReference pRN");
+    EXPECT_FALSE(holds("`objExists p:cup` || `referenceQuery -il pRN`"));
+    EXPECT_EQ(errors, "");
 }
 
 // Faults: what the selection needs is missing, what it does not need is there; a reference that goes or stays wrongly.

@@ -185,37 +185,6 @@ NewReference namesForReference(const std::string& file, const std::string& wante
 
 namespace {
 
-/// Its own node stays for one that is to come back.
-void takeOut(const std::string& name, bool nodeStays) {
-    References& all = references();
-    Reference& top = referenceNamed(name);
-    if (top.nested) throw Error("'" + name + "' belongs to the reference '" + top.top->name + "'.");
-    // Its nodes go with it, and what the scene says of it.
-    const std::string node = top.name;
-    std::erase_if(theScene().keptStatements,
-                  [&](const std::string& s) { return s.starts_with("file ") && all.isFileOf(s, top); });
-    std::vector<Node*> going;
-    std::vector<Reference*> within;
-    for (const auto& r : all.all())
-        if (r->top == &top) {
-            within.push_back(r.get());
-            for (const NodePtr& n : nodesOf(*r))
-                if (!n->isDefault) going.push_back(n.get());
-        }
-    const UndoQueue::Suspend quiet(theScene().undo);
-    std::vector<NodePtr> keep;
-    for (Node* n : going) keep.push_back(n->shared_from_this());
-    for (std::size_t i = within.size(); i-- > 0;)
-        if (within[i] != &top) all.remove(*within[i]);
-    all.remove(top);
-    for (const NodePtr& n : keep)
-        if (n->inScene) theScene().deleteNodes({n.get()});
-    if (Node* own = nodeStays ? nullptr : theScene().findNode(node); own && own->type.name == "reference")
-        theScene().deleteNodes({own});
-    theScene().undo.clear();
-    theScene().modified = true;
-}
-
 /// Puts what the scene has below the nodes of a reference below one that stands for these: it comes back with them.
 void fosterChildren(Reference& top) {
     Scene& scene = theScene();
@@ -239,6 +208,49 @@ void fosterChildren(Reference& top) {
             }
         }
     }
+}
+
+/// What waits for the nodes of a reference that does not come any more is put below the world.
+void freeFostered(const std::string& referenceNode) {
+    for (Node* foster : theScene().findNodes(referenceNode + "fosterParent*")) {
+        if (foster->unknownType != "fosterParent") continue;
+        const std::vector<DagNode*> children = foster->dag()->children;
+        for (DagNode* child : children) theScene().reparent(*child, nullptr);
+        theScene().deleteNodes({foster});
+    }
+}
+
+/// Its own node stays for one that is to come back.
+void takeOut(const std::string& name, bool nodeStays) {
+    References& all = references();
+    Reference& top = referenceNamed(name);
+    if (top.nested) throw Error("'" + name + "' belongs to the reference '" + top.top->name + "'.");
+    // Its nodes go with it, and what the scene says of it.
+    const std::string node = top.name;
+    std::erase_if(theScene().keptStatements,
+                  [&](const std::string& s) { return s.starts_with("file ") && all.isFileOf(s, top); });
+    std::vector<Node*> going;
+    std::vector<Reference*> within;
+    for (const auto& r : all.all())
+        if (r->top == &top) {
+            within.push_back(r.get());
+            for (const NodePtr& n : nodesOf(*r))
+                if (!n->isDefault) going.push_back(n.get());
+        }
+    const UndoQueue::Suspend quiet(theScene().undo);
+    fosterChildren(top);
+    std::vector<NodePtr> keep;
+    for (Node* n : going) keep.push_back(n->shared_from_this());
+    for (std::size_t i = within.size(); i-- > 0;)
+        if (within[i] != &top) all.remove(*within[i]);
+    all.remove(top);
+    for (const NodePtr& n : keep)
+        if (n->inScene) theScene().deleteNodes({n.get()});
+    if (Node* own = nodeStays ? nullptr : theScene().findNode(node); own && own->type.name == "reference")
+        theScene().deleteNodes({own});
+    if (!nodeStays) freeFostered(node);
+    theScene().undo.clear();
+    theScene().modified = true;
 }
 
 } // namespace

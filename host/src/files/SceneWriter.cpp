@@ -368,18 +368,28 @@ void Writing::keptConnection(const KeptConnection& kept) {
     out_ += ";\n";
 }
 
-/// With the file's statements another one in the place of the last word, and whether it is to be read.
-std::string fileStatement(std::string statement, bool load, const std::string& otherFile) {
-    const bool opens = statement.find(" -r ") != statement.npos || statement.find(" -reference ") != statement.npos;
-    if (!opens)
-        for (const std::string_view flag : {" -dr ", " -deferReference "})
-            if (const auto at = statement.find(flag); at != statement.npos)
-                statement.erase(at, statement.find(' ', at + flag.size()) - at);
-    if (!opens && !load) statement.insert(statement.find(" -rfn "), " -dr 1");
-    if (!otherFile.empty())
-        if (const auto at = statement.rfind(" \""); at != statement.npos)
-            statement.replace(at + 1, statement.rfind('"') - at, quotedText(otherFile));
-    return statement + "\n";
+/// A statement that names the file of a reference, with whether it is to be read, and maybe another file's name.
+std::string fileStatement(const std::string& kept, bool load, const std::string& otherFile) {
+    StatementScanner scanner(kept);
+    Statement s;
+    if (!scanner.next(s)) return kept + "\n";
+    const auto is = [](const Word& w, std::string_view brief, std::string_view whole) {
+        return w.isFlag() && (w.text == brief || w.text == whole);
+    };
+    const bool opens =
+        std::any_of(s.words.begin(), s.words.end(), [&](const Word& w) { return is(w, "-r", "-reference"); });
+    std::string text = "file";
+    for (std::size_t i = 0; i < s.words.size(); ++i) {
+        const Word& w = s.words[i];
+        if (!opens && is(w, "-dr", "-deferReference")) {
+            ++i; // its value
+            continue;
+        }
+        if (!opens && !load && is(w, "-rfn", "-referenceNode")) text += " -dr 1";
+        const bool named = i + 1 == s.words.size() && !otherFile.empty();
+        text += " " + (named ? quotedText(otherFile) : w.quoted ? quotedText(w.text) : std::string(w.text));
+    }
+    return text + ";\n";
 }
 
 std::string Writing::reference(const Reference& reference, bool load, const std::string& otherFile) {
@@ -399,7 +409,7 @@ std::string Writing::reference(const Reference& reference, bool load, const std:
     }
     for (const std::string& kept : scene_.keptStatements)
         if (kept.starts_with("file ") && References::of(scene_).isFileOf(kept, reference)) {
-            const bool own = kept.find(" -rfn " + quotedText(reference.name)) != kept.npos;
+            const bool own = kept.find(quotedText(reference.name)) != kept.npos;
             out_ += own ? fileStatement(kept, load, otherFile) : kept + "\n";
         }
     out_ += "createNode reference -s -n " + quotedText(node.name) + ";\n"; // it stays where it is

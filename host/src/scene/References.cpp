@@ -27,12 +27,13 @@ Reference* References::prefixed(const std::string& prefix) const {
 }
 
 bool References::isFileOf(const std::string& statement, const Reference& top) const {
-    return std::any_of(all_.begin(), all_.end(), [&](const auto& r) {
-        if (r->top != &top) return false;
-        const std::string name = " \"" + r->name + "\"";
-        return statement.find(" -rfn" + name) != statement.npos ||
-               statement.find(" -referenceNode" + name) != statement.npos;
-    });
+    const auto has = [&](const std::string& name) {
+        return statement.find("-rfn \"" + name) != statement.npos ||
+               statement.find("-referenceNode \"" + name) != statement.npos;
+    };
+    // Those within one that is not loaded are known by their namespace alone.
+    if (has(top.name + '"') || (!top.nameSpace.empty() && has(top.nameSpace + ':'))) return true;
+    return std::any_of(all_.begin(), all_.end(), [&](const auto& r) { return r->top == &top && has(r->name + '"'); });
 }
 
 Reference& References::enter(std::shared_ptr<Reference> reference) {
