@@ -71,13 +71,16 @@ DomeGeneration generateDomeClouds(std::span<const CloudTemplate> templates, std:
     std::vector<std::unique_ptr<Job>> jobs;
     std::vector<std::jthread> threads; // after the jobs: on every way out it waits for the threads that use them
     threads.reserve(maxDomeThreads);
+    auto told = std::chrono::steady_clock::now();
     const auto tell = [&] {
+        told = std::chrono::steady_clock::now();
         if (progress && !batch.givenUp && !progress(done, placed.size())) batch.givenUp = true;
     };
     const auto finishBatch = [&] {
         for (std::size_t i = 0; progress && i < threads.size(); ++i) {
             while (!batch.ended.try_acquire_for(tellEvery)) tell();
             ++done;
+            if (std::chrono::steady_clock::now() - told >= tellEvery) tell(); // clouds may come faster than that
         }
         tell();
         threads.clear();
