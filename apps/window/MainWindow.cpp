@@ -124,7 +124,7 @@ MainWindow::MainWindow(const WindowStart& start)
     });
     connect(&editor_, &Editor::message, this, &MainWindow::tell);
     connect(&editor_, &Editor::takesLong, this, [this](double part) {
-        tell(Editor::Kind::Info, tr("Working; Esc stops it."));
+        tell(Editor::Kind::Info, working());
         progress_->setMaximum(part < 0 ? 0 : 1000); // none known: it runs to and fro
         progress_->setValue(static_cast<int>(std::lround(part * 1000)));
         progress_->show();
@@ -133,6 +133,7 @@ MainWindow::MainWindow(const WindowStart& start)
     const auto ended = [this] {
         progress_->hide();
         stop_->hide();
+        if (said_->toolTip() == working()) tell(Editor::Kind::Info, {});
     };
     connect(&editor_, &Editor::changed, this, ended);
     connect(view_, &ViewWidget::drawn, this, ended);
@@ -536,6 +537,8 @@ void MainWindow::makeLastLine() {
     stop_->hide();
     editor_.stopsWork = stop_;
 }
+
+QString MainWindow::working() { return tr("Working; Esc stops it."); }
 
 void MainWindow::tell(Editor::Kind kind, const QString& text) {
     if (kind == Editor::Kind::Output) return;

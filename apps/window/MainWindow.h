@@ -75,6 +75,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    static QString working();
     void makeMenus();
     bool writePicture(const QString& file);
     void makeFrameMenu(QMenu& menu);

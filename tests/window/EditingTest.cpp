@@ -89,6 +89,21 @@ TEST_F(Attributes, ADragIsOneStep) {
     EXPECT_EQ(saved(), before);
 }
 
+// Faults: a number whose sign or first digits lie outside of its field, a whole number that is rounded.
+TEST_F(Attributes, NumbersFitTheirFields) {
+    open();
+    NumberField field(editor());
+    field.resize(120, 24);
+    field.setValue(-0.740512);
+    EXPECT_EQ(field.text(), "-0.7405");
+    field.resize(56, 24);
+    field.setValue(-0.740512);
+    EXPECT_TRUE(field.text() == "-0.74" || field.text() == "-0.741") << field.text().toStdString();
+    field.setValue(12345678);
+    EXPECT_EQ(field.text(), "12345678");
+    EXPECT_EQ(field.value(), 12345678);
+}
+
 // Faults: controls that show what was there before, marks that are missing, menus of dimmed fields.
 TEST_F(Attributes, ShowsWhatTheSceneHolds) {
     open();
