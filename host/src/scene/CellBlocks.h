@@ -32,4 +32,30 @@ private:
     std::size_t blocks_ = 0;
 };
 
+/// Has std::allocate_shared make its objects side by side in such blocks.
+template <class T>
+struct BlockAllocator {
+    using value_type = T;
+    BlockAllocator() = default;
+    template <class Other>
+    BlockAllocator(const BlockAllocator<Other>&) {} // NOLINT(google-explicit-constructor): as allocators convert
+    T* allocate(std::size_t count) {
+        return static_cast<T*>(count == 1 ? blocks().take() : ::operator new(count * sizeof(T)));
+    }
+    void deallocate(T* place, std::size_t count) noexcept {
+        count == 1 ? blocks().give(place) : ::operator delete(place);
+    }
+    template <class Other>
+    bool operator==(const BlockAllocator<Other>&) const {
+        return true;
+    }
+
+private:
+    static CellBlocks& blocks() {
+        // Never destroyed: the objects end with the process.
+        static CellBlocks& all = *new CellBlocks(sizeof(T), alignof(T));
+        return all;
+    }
+};
+
 } // namespace host::scene

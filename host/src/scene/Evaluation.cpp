@@ -306,9 +306,11 @@ void eachFeeding(Cell& cell, const Visit& visit) {
     } else if (cell.flow().computed) {
         visit(cell);
     } else {
-        for (auto& child : cell.children)
-            if (child) eachFeeding(*child, visit);
-        if (!cell.isArray()) return; // that much is at hand, the elements are further off
+        // What kind of a cell it is is at hand; its parts and elements are further off.
+        if (!cell.attribute.children.empty())
+            for (auto& child : cell.children)
+                if (child) eachFeeding(*child, visit);
+        if (!cell.isArray()) return;
         for (auto& [index, element] : cell.elements) eachFeeding(*element, visit);
     }
 }

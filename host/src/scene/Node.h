@@ -185,9 +185,11 @@ inline Destinations::Iterator& Destinations::Iterator::operator++() {
 template <class CellOrConst, class Holds>
 bool anyCell(CellOrConst& cell, const Holds& holds) {
     if (holds(cell)) return true;
-    for (auto& part : cell.children)
-        if (part && anyCell(static_cast<CellOrConst&>(*part), holds)) return true;
-    if (!cell.isArray()) return false; // that much is at hand, the elements are further off
+    // What kind of a cell it is is at hand; its parts and elements are further off.
+    if (!cell.attribute.children.empty())
+        for (auto& part : cell.children)
+            if (part && anyCell(static_cast<CellOrConst&>(*part), holds)) return true;
+    if (!cell.isArray()) return false;
     for (auto& [index, element] : cell.elements)
         if (anyCell(static_cast<CellOrConst&>(*element), holds)) return true;
     return false;

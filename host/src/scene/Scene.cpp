@@ -2,6 +2,7 @@
 
 #include "base/Letters.h"
 #include "base/Messages.h"
+#include "scene/CellBlocks.h"
 #include "scene/Cells.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshFilter.h"
@@ -126,9 +127,9 @@ NodePtr Scene::createNode(const NodeType& type, std::string name, DagNode* paren
         }
         if (!parent) parent = world_;
         if (parent->isShape()) throw SceneError("A shape cannot be a parent: '" + parent->partialPath() + "'.");
-        node = std::make_shared<DagNode>(*this, type);
+        node = std::allocate_shared<DagNode>(BlockAllocator<DagNode>(), *this, type);
     } else {
-        node = std::make_shared<Node>(*this, type);
+        node = std::allocate_shared<Node>(BlockAllocator<Node>(), *this, type);
     }
     node->serial = ++nextSerial_;
     DagNode* dag = node->dag();
@@ -185,9 +186,9 @@ NodePtr Scene::createUnknown(const std::string& typeName, const std::string& nam
     if (at->isShape()) throw SceneError("A shape cannot be a parent: '" + at->partialPath() + "'.");
     NodePtr node;
     if (inDag)
-        node = std::make_shared<DagNode>(*this, type);
+        node = std::allocate_shared<DagNode>(BlockAllocator<DagNode>(), *this, type);
     else
-        node = std::make_shared<Node>(*this, type);
+        node = std::allocate_shared<Node>(BlockAllocator<Node>(), *this, type);
     node->serial = ++nextSerial_;
     node->unknownType = typeName;
     if (type.makeBehavior) node->behavior = type.makeBehavior(*node);
