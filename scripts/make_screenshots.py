@@ -47,19 +47,34 @@ class Desktop:
         config = folder / "config/orvosky"
         config.mkdir(parents=True)
 
-    def start(self, *words: str) -> subprocess.Popen:
-        program = subprocess.Popen([str(PROGRAM), *words], env=self.env, stdout=subprocess.DEVNULL)
-        time.sleep(3)
+    def start(self, *words: str) -> None:
+        self.program = subprocess.Popen([str(PROGRAM), *words], env=self.env, stdout=subprocess.DEVNULL)
         self.do("search", "--sync", "--name", "Orvo sky", "windowmove", "0", "0", "windowsize", str(WIDTH), str(HEIGHT))
-        time.sleep(4)
-        return program
+        self.settle()
+
+    def stop(self) -> None:
+        self.program.kill()
+        self.program.wait()
+
+    def settle(self) -> None:
+        """Waits until the program has had next to nothing to do for two seconds."""
+        still, before = 0, -1.0
+        for _ in range(240):
+            numbers = Path(f"/proc/{self.program.pid}/stat").read_text().rsplit(")", 1)[1].split()
+            spent = (int(numbers[11]) + int(numbers[12])) / os.sysconf("SC_CLK_TCK")
+            still = still + 1 if spent - before < 0.05 else 0
+            if still == 4:
+                return
+            before = spent
+            time.sleep(0.5)
+        raise SystemExit("The window does not come to rest.")
 
     def do(self, *words: str) -> None:
         subprocess.run(["xdotool", *words], env=self.env, check=True, stdout=subprocess.DEVNULL)
 
     def click(self, x: int, y: int) -> None:
         self.do("mousemove", str(x), str(y), "click", "1")
-        time.sleep(1.5)
+        self.settle()
 
     def drag(self, start: tuple[int, int], end: tuple[int, int]) -> None:
         self.do("mousemove", *map(str, start))
@@ -69,7 +84,7 @@ class Desktop:
             self.do("mousemove", *(str(a + (b - a) * i // 8) for a, b in zip(start, end)))
             time.sleep(0.2)
         self.do("mouseup", "1")
-        time.sleep(1.5)
+        self.settle()
 
     def enter(self, x: int, y: int, text: str) -> None:
         """Types into a field of the attributes."""
@@ -77,18 +92,18 @@ class Desktop:
         self.do("key", "ctrl+a")
         self.do("type", "--delay", "20", text)
         self.do("key", "Return")
-        time.sleep(4)
+        self.settle()
 
     def shoot(self, name: str) -> None:
         self.do("mousemove", str(WIDTH - 4), str(HEIGHT - 60))
-        time.sleep(2)
+        self.settle()
         (TREE / "docs/images" / name).write_bytes(png((self.folder / "Xvfb_screen0").read_bytes()))
 
     def type_mel(self, mel: str) -> None:
         self.click(200, HEIGHT - 12)
         self.do("type", "--delay", "2", mel)
         self.do("key", "Return")
-        time.sleep(4)
+        self.settle()
 
     def end(self) -> None:
         self.server.terminate()
@@ -99,25 +114,20 @@ def tutorial(desktop: Desktop, folder: Path) -> None:
     """A first sky, by hand alone, as docs/tutorial.md tells it."""
     project = folder / "first_sky"
     subprocess.run([str(PROGRAM), "new", str(project)], check=True, stdout=subprocess.DEVNULL)
-    program = desktop.start("--project", str(project), "edit")
+    desktop.start("--project", str(project), "edit")
     desktop.shoot("tutorial-window-1.png")
     desktop.click(516, 250)  # the preset "Golden hour"
-    time.sleep(4)
     desktop.shoot("tutorial-window-2.png")
     desktop.click(452, 51)  # "Cloud Dome" of the shelf
-    time.sleep(6)
     desktop.enter(1066, 281, "0.7")  # "Placement"
     desktop.enter(1066, 310, "1.1")  # "Scale"
     desktop.shoot("tutorial-window-3.png")
     desktop.click(1046, 708)  # "Wires"
     desktop.drag((462, 425), (560, 412))  # the sun
-    time.sleep(6)
     desktop.shoot("tutorial-window-4.png")
     desktop.do("key", "ctrl+e")
-    time.sleep(20)
     desktop.shoot("tutorial-window-5.png")
-    program.kill()
-    program.wait()
+    desktop.stop()
 
 
 def main() -> None:
@@ -131,33 +141,28 @@ def main() -> None:
         try:
             tutorial(desktop, folder)
 
-            program = desktop.start("--project", str(project), "edit")
+            desktop.start("--project", str(project), "edit")
             desktop.shoot("window-start.png")
-            program.kill()
-            program.wait()
+            desktop.stop()
 
-            program = desktop.start("--project", str(project), "edit", str(project / "scenes/dusk.ma"))
+            desktop.start("--project", str(project), "edit", str(project / "scenes/dusk.ma"))
             desktop.type_mel("setAttr cloudDomeShape.renderWireFrame 0; select -r duskSky;")
             desktop.shoot("window-sky.png")
             desktop.do("key", "ctrl+e")
-            time.sleep(4)
             desktop.shoot("window-export.png")
-            program.kill()
-            program.wait()
+            desktop.stop()
 
             shutil.rmtree(project / "autosave", ignore_errors=True)
             presets = TREE / "build/release/share/orvosky/presets"
             preset = presets / "5_towering_cumulus.ma"
             (project / "build/orvosky").mkdir(parents=True, exist_ok=True)
             shutil.copy(presets / "files/cloud_sprite.dds", project / "build/orvosky")
-            program = desktop.start("--project", str(project), "edit", str(preset))
+            desktop.start("--project", str(project), "edit", str(preset))
             desktop.type_mel("setAttr towerSpritesShape.renderWireFrame 0; select -r towerSphere22;")
             desktop.click(640, 30)
             desktop.do("key", "w")
-            time.sleep(1)
             desktop.shoot("window-cloud.png")
-            program.kill()
-            program.wait()
+            desktop.stop()
         finally:
             desktop.end()
     finally:

@@ -38,3 +38,15 @@ TEST(CellBlocks, GivesEveryPlaceOnceAndBlocksBack) {
     EXPECT_EQ(blocks.blocks(), 1u);
     EXPECT_NE(blocks.take(), nullptr);
 }
+
+// Faults: sizes that share blocks or take another's; an object too large, or none, in them.
+TEST(CellBlocks, ContainersOfAnySizeKeepWhatTheyHold) {
+    std::vector<std::vector<int, host::scene::BlockAllocator<int>>> rows;
+    for (int i = 0; i < 3000; ++i) rows.emplace_back(static_cast<std::size_t>(i % 300), i);
+    for (int i = 0; i < 3000; i += 2) rows[static_cast<std::size_t>(i)].assign(static_cast<std::size_t>(i % 7), -i);
+    for (int i = 0; i < 3000; ++i) {
+        const auto& row = rows[static_cast<std::size_t>(i)];
+        ASSERT_EQ(row.size(), static_cast<std::size_t>(i % 2 == 0 ? i % 7 : i % 300));
+        for (const int value : row) ASSERT_EQ(value, i % 2 == 0 ? -i : i);
+    }
+}

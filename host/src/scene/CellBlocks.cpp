@@ -1,7 +1,9 @@
 #include "scene/CellBlocks.h"
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <new>
 
 #include <sys/mman.h>
@@ -75,6 +77,38 @@ void CellBlocks::give(void* place) noexcept {
     --blocks_;
     block.~Block();
     std::free(&block);
+}
+
+namespace {
+
+#if ORVO_CELL_BLOCKS
+constexpr std::size_t unit = sizeof(void*), largest = 1024;
+
+bool inBlocks(std::size_t size) { return size > 0 && size <= largest; }
+
+CellBlocks& blocksOf(std::size_t size) {
+    // Never destroyed: nodes end with the process.
+    static auto& all = *new std::array<std::unique_ptr<CellBlocks>, largest / unit + 1>;
+    auto& blocks = all[(size + unit - 1) / unit];
+    if (!blocks) blocks = std::make_unique<CellBlocks>(size, unit);
+    return *blocks;
+}
+#endif
+
+} // namespace
+
+void* takeInBlocks(std::size_t size) {
+#if ORVO_CELL_BLOCKS
+    if (inBlocks(size)) return blocksOf(size).take();
+#endif
+    return ::operator new(size);
+}
+
+void giveInBlocks(void* place, std::size_t size) noexcept {
+#if ORVO_CELL_BLOCKS
+    if (inBlocks(size)) return blocksOf(size).give(place);
+#endif
+    ::operator delete(place);
 }
 
 } // namespace host::scene

@@ -2,6 +2,18 @@
 
 #include <cstddef>
 
+// The address sanitizer tells of things that are used when they are gone only where each has memory of its own.
+#if defined(__SANITIZE_ADDRESS__)
+#define ORVO_CELL_BLOCKS 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ORVO_CELL_BLOCKS 0
+#endif
+#endif
+#ifndef ORVO_CELL_BLOCKS
+#define ORVO_CELL_BLOCKS 1
+#endif
+
 namespace host::scene {
 
 /// Memory for things of one size, side by side in blocks of two megabytes: what is made one after the other lies one
@@ -32,29 +44,24 @@ private:
     std::size_t blocks_ = 0;
 };
 
-/// Has std::allocate_shared make its objects side by side in such blocks.
+/// Memory of `size` bytes, side by side in blocks with all that has that size; what is large has memory of its own.
+void* takeInBlocks(std::size_t size);
+/// Gives it back; `size` is what it was taken with.
+void giveInBlocks(void* place, std::size_t size) noexcept;
+
+/// Has containers and std::allocate_shared keep what they hold in such blocks.
 template <class T>
 struct BlockAllocator {
+    static_assert(alignof(T) <= sizeof(void*), "places in blocks have the alignment of a pointer");
     using value_type = T;
     BlockAllocator() = default;
     template <class Other>
     BlockAllocator(const BlockAllocator<Other>&) {} // NOLINT(google-explicit-constructor): as allocators convert
-    T* allocate(std::size_t count) {
-        return static_cast<T*>(count == 1 ? blocks().take() : ::operator new(count * sizeof(T)));
-    }
-    void deallocate(T* place, std::size_t count) noexcept {
-        count == 1 ? blocks().give(place) : ::operator delete(place);
-    }
+    T* allocate(std::size_t count) { return static_cast<T*>(takeInBlocks(count * sizeof(T))); }
+    void deallocate(T* place, std::size_t count) noexcept { giveInBlocks(place, count * sizeof(T)); }
     template <class Other>
     bool operator==(const BlockAllocator<Other>&) const {
         return true;
-    }
-
-private:
-    static CellBlocks& blocks() {
-        // Never destroyed: the objects end with the process.
-        static CellBlocks& all = *new CellBlocks(sizeof(T), alignof(T));
-        return all;
     }
 };
 

@@ -31,18 +31,6 @@ bool Destinations::contains(const Cell* cell) const {
     return false;
 }
 
-// The address sanitizer tells of cells that are used when they are gone only where each has memory of its own.
-#if defined(__SANITIZE_ADDRESS__)
-#define ORVO_CELL_BLOCKS 0
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ORVO_CELL_BLOCKS 0
-#endif
-#endif
-#ifndef ORVO_CELL_BLOCKS
-#define ORVO_CELL_BLOCKS 1
-#endif
-
 #if ORVO_CELL_BLOCKS
 namespace {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scene/Attribute.h"
+#include "scene/CellBlocks.h"
 
 #include <maya/MMatrix.h>
 
@@ -141,7 +142,7 @@ public:
 
     Destinations destinations;
     Cell *nextFed = nullptr, *previousFed = nullptr; ///< among the destinations of its source
-    std::vector<std::unique_ptr<Cell>> children;
+    std::vector<std::unique_ptr<Cell>, BlockAllocator<std::unique_ptr<Cell>>> children;
     Elements elements; ///< of an array
 
     Value value;                   ///< of leaves and tuples; a tuple's child keeps none of its own
@@ -204,6 +205,8 @@ void forEachCell(CellOrConst& cell, const Visit& visit) {
 /// What a node does: the part that differs between kinds of node.
 class NodeBehavior {
 public:
+    static void* operator new(std::size_t size) { return takeInBlocks(size); }
+    static void operator delete(void* behavior, std::size_t size) { giveInBlocks(behavior, size); }
     virtual ~NodeBehavior() = default;
     /// Computes the cell (and any others it likes), writing values and clearing dirty flags.
     /// @return false when it does not know the attribute
@@ -295,9 +298,10 @@ public:
 
 private:
     using CellEntry = std::pair<const Attribute*, std::unique_ptr<Cell>>;
-    std::vector<CellEntry> cells_; ///< by the attributes' addresses: the few of a node are found faster than by hash
+    using CellEntries = std::vector<CellEntry, BlockAllocator<CellEntry>>;
+    CellEntries cells_; ///< by the attributes' addresses: the few of a node are found faster than by hash
     /// Where the attribute's entry is, or is to be put.
-    std::vector<CellEntry>::const_iterator place(const Attribute& rootAttribute) const {
+    CellEntries::const_iterator place(const Attribute& rootAttribute) const {
         return std::lower_bound(
             cells_.begin(), cells_.end(), &rootAttribute,
             [](const CellEntry& entry, const Attribute* a) { return std::less<const Attribute*>()(entry.first, a); });
