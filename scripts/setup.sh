@@ -8,7 +8,7 @@ packages=(
   libegl-dev libgl-dev libglu1-mesa-dev libglew-dev libgl1-mesa-dri libegl1
   libedit-dev libembree-dev libassimp-dev libtinyxml-dev libpugixml-dev libre2-dev libhwy-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev python3
-  qt6-base-dev libqt6opengl6-dev libqt6svg6-dev qt6-tools-dev qt6-l10n-tools xvfb xauth xdotool
+  qt6-base-dev libqt6opengl6-dev qt6-svg-dev qt6-tools-dev qt6-l10n-tools xvfb xauth xdotool
   libxml2-utils ccache locales zsh mandoc
   "$@"
 )
