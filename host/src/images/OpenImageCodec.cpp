@@ -185,7 +185,7 @@ public:
             if (pixels.floats && fitsHalf(pixels)) spec.set_format(OIIO::TypeDesc::HALF);
             spec.attribute("DateTime", ""); // else the time of writing, and the same picture has other bytes each time
         }
-        if (format == "png") { // skies: fewer bytes than any level below 6, in a seventh of its time
+        if (format == "png") { // of skies, as many bytes as the default's, in a fifth of its time
             spec.attribute("png:compressionLevel", 4);
             spec.attribute("compression", "rle");
         }
