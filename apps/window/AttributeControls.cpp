@@ -5,8 +5,6 @@
 #include "NumberField.h"
 #include "Theme.h"
 
-#include "commands/Host.h"
-#include "files/Workspace.h"
 #include "scene/Scene.h"
 #include "viewport/Picture.h"
 
@@ -48,8 +46,6 @@ QHBoxLayout* rowIn(QWidget* widget) {
     row->setSpacing(6);
     return row;
 }
-
-QString projectRoot() { return QString::fromStdString(host::Host::instance().workspace().root().string()); }
 
 } // namespace
 

@@ -4,8 +4,6 @@
 #include "Editor.h"
 #include "Theme.h"
 
-#include "commands/Host.h"
-#include "files/Workspace.h"
 #include "scene/Scene.h"
 
 #include <QComboBox>
@@ -24,8 +22,6 @@ namespace orvosky::window {
 namespace {
 
 constexpr QSize pictureSize(104, 64);
-
-QString projectRoot() { return QString::fromStdString(host::Host::instance().workspace().root().string()); }
 
 } // namespace
 

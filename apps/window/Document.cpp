@@ -4,8 +4,6 @@
 #include "WindowModule.h"
 
 #include "base/Messages.h"
-#include "commands/Host.h"
-#include "files/Workspace.h"
 #include "scene/Scene.h"
 
 #include <QDir>
@@ -27,8 +25,6 @@ namespace {
 constexpr int copyEvery = 20; ///< seconds, unless the preferences say otherwise; at most a minute
 constexpr int mostRecent = 10;
 const char* const originKey = "orvoskyEditedFile"; ///< file info of a copy: what it is a copy of
-
-QString workspaceRoot() { return QString::fromStdString(host::Host::instance().workspace().root().string()); }
 
 /// The process that a copy belongs to, from its name: "dusk.host.1234.ma"; 0 for none, or one of another machine.
 qint64 ownerOf(const QString& file) {
@@ -175,10 +171,9 @@ bool Document::save() {
 }
 
 bool Document::saveAs() {
-    const QString folder = isNamed()
-                               ? QString::fromStdString(Editor::scene().fileName)
-                               : workspaceRoot() + (QDir(workspaceRoot() + "/scenes").exists() ? "/scenes/" : "/") +
-                                     tr("untitled") + ".ma";
+    const QString folder = isNamed() ? QString::fromStdString(Editor::scene().fileName)
+                                     : projectRoot() + (QDir(projectRoot() + "/scenes").exists() ? "/scenes/" : "/") +
+                                           tr("untitled") + ".ma";
     QString file = QFileDialog::getSaveFileName(window_, tr("Save As"), folder, tr("Maya ASCII (*.ma)"), nullptr,
                                                 QFileDialog::DontUseNativeDialog);
     if (file.isEmpty()) return false;
@@ -198,14 +193,14 @@ bool Document::saveAs() {
 
 void Document::browse() {
     const QString start = isNamed() ? QFileInfo(QString::fromStdString(Editor::scene().fileName)).path()
-                          : QDir(workspaceRoot() + "/scenes").exists() ? workspaceRoot() + "/scenes"
-                                                                       : workspaceRoot();
+                          : QDir(projectRoot() + "/scenes").exists() ? projectRoot() + "/scenes"
+                                                                     : projectRoot();
     const QString file = QFileDialog::getOpenFileName(window_, tr("Open"), start, tr("Scenes (*.ma *.mel)"), nullptr,
                                                       QFileDialog::DontUseNativeDialog);
     if (!file.isEmpty()) open(file);
 }
 
-QString Document::copyFolder() const { return workspaceRoot() + "/autosave"; }
+QString Document::copyFolder() const { return projectRoot() + "/autosave"; }
 
 QString Document::copyFile() const {
     const QString stem = isNamed() ? QFileInfo(QString::fromStdString(Editor::scene().fileName)).completeBaseName()

@@ -103,4 +103,7 @@ private:
     std::vector<const void*> selected_;
 };
 
+/// The folder of the project that is open.
+QString projectRoot();
+
 } // namespace orvosky::window

@@ -17,7 +17,7 @@
 namespace orvosky::window {
 namespace {
 
-constexpr double nearEnough = 8;                     ///< of the pointer to a bar, pixels
+constexpr double nearBar = 8;                        ///< of the pointer to a bar, pixels
 constexpr double nearest = 3000, spread = 3.5;       ///< centimetres; how many heights above the eye it is away
 constexpr double halfWidth = 0.28, halfDepth = 0.16; ///< of a plane's picture, in distances
 
@@ -76,7 +76,7 @@ int HeightTool::at(QPointF point) {
         const QPointF along = *right - *left;
         const double length = QPointF::dotProduct(along, along);
         const double t = length > 0 ? std::clamp(QPointF::dotProduct(point - *left, along) / length, 0.0, 1.0) : 0;
-        if (QLineF(point, *left + along * t).length() < nearEnough) return i;
+        if (QLineF(point, *left + along * t).length() < nearBar) return i;
     }
     return -1;
 }

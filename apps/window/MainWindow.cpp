@@ -313,14 +313,14 @@ void MainWindow::makeMenus() {
     file.addSeparator();
     act(file, tr("Export..."), QKeySequence("Ctrl+E"), [this] { showExport(); });
     act(file, tr("Save Picture..."), QKeySequence("Ctrl+P"), [this] {
-        const QString root = QString::fromStdString(host::Host::instance().workspace().root().string());
+        const QString root = projectRoot();
         const QString name = QFileDialog::getSaveFileName(this, tr("Save Picture"), root + "/sky.png",
                                                           tr("Pictures (*.png *.jpg *.tif *.exr)"), nullptr,
                                                           QFileDialog::DontUseNativeDialog);
         if (!name.isEmpty()) savePicture(name);
     });
     act(file, tr("Save Pictures of the Range..."), {}, [this] {
-        const QString root = QString::fromStdString(host::Host::instance().workspace().root().string());
+        const QString root = projectRoot();
         const QString name = QFileDialog::getSaveFileName(
             this, tr("Save Pictures: # Is a Digit of the Frame"), root + "/sky.####.png",
             tr("Pictures (*.png *.jpg *.tif *.exr)"), nullptr, QFileDialog::DontUseNativeDialog);

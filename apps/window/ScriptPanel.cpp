@@ -4,8 +4,6 @@
 
 #include "base/FileReplacement.h"
 #include "base/Messages.h"
-#include "commands/Host.h"
-#include "files/Workspace.h"
 
 #include <QFile>
 #include <QFileDialog>
@@ -132,7 +130,7 @@ void ScriptPanel::runInput() {
 }
 
 void ScriptPanel::save() {
-    const QString root = QString::fromStdString(host::Host::instance().workspace().root().string());
+    const QString root = projectRoot();
     QString file = QFileDialog::getSaveFileName(window(), tr("Save Session"), root + "/session.mel", tr("MEL (*.mel)"),
                                                 nullptr, QFileDialog::DontUseNativeDialog);
     if (file.isEmpty()) return;

@@ -11,9 +11,6 @@
 namespace orvosky::inspect {
 namespace {
 
-constexpr double infinite = std::numeric_limits<double>::infinity();
-constexpr double above0 = 1e-6; // the smallest number of six decimals
-
 const ElementRule& shadingRule() {
     static const ElementRule rule{"ParticleCloudShadingParams",
                                   {{"shading_tex_filepath", Kind::Text},

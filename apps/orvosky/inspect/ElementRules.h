@@ -11,6 +11,12 @@
 
 namespace orvosky::inspect {
 
+/// @name Limits of attributes
+/// @{
+inline constexpr double infinite = std::numeric_limits<double>::infinity();
+inline constexpr double above0 = 1e-6; ///< the smallest number of six decimals
+/// @}
+
 enum class Kind {
     Number,
     Triple, ///< three numbers: a vector or a colour
@@ -23,8 +29,8 @@ enum class Kind {
 struct AttributeRule {
     const char* name;
     Kind kind;
-    double min = -std::numeric_limits<double>::infinity();
-    double max = std::numeric_limits<double>::infinity();
+    double min = -infinite;
+    double max = infinite;
     std::string_view unit = {};
     const char* onlyWith = nullptr; ///< a flag before it; the attribute is there just when that is 1
 };

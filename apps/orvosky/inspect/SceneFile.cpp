@@ -17,9 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr double infinite = std::numeric_limits<double>::infinity();
-constexpr double above0 = 1e-6; // the smallest number of six decimals
-
 struct SceneElement {
     ElementRule rule;
     bool single; ///< at most one may be there

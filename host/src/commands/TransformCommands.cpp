@@ -140,18 +140,12 @@ Value move(Call& call) {
     return {};
 }
 
-MEulerRotation::RotationOrder orderOf(DagNode& node) {
-    Cell& cell = node.cell("rotateOrder");
-    evaluate(cell);
-    return scene::rotationOrder(cell.number());
-}
-
 /// The rotation of a matrix, scale and shear taken out.
 MMatrix pureRotation(const MMatrix& m) { return MTransformationMatrix(m).rotation().asMatrix(); }
 
 void setRotationMatrix(DagNode& node, const MMatrix& rotation) {
     const MVector was = tripleOf(node, "rotate");
-    const auto order = orderOf(node);
+    const auto order = scene::rotationOrder(node);
     const MEulerRotation e =
         MEulerRotation::decompose(rotation, order).closestSolution(MEulerRotation(was.x, was.y, was.z, order));
     setTriple(node, "rotate", e.asVector());
@@ -174,7 +168,7 @@ Value rotate(Call& call) {
     refuseComponents(numbers, "rotate");
     for (DagNode* node : numbers.nodes) {
         const MVector was = tripleOf(*node, "rotate");
-        const auto order = orderOf(*node);
+        const auto order = scene::rotationOrder(*node);
         const MVector axis = tripleOf(*node, "rotateAxis");
         const MMatrix local = MEulerRotation(was.x, was.y, was.z, order).asMatrix(),
                       ra = MEulerRotation(axis.x, axis.y, axis.z).asMatrix(),

@@ -15,12 +15,6 @@ namespace {
 
 constexpr const char* kOrders[] = {"xyz", "yzx", "zxy", "xzy", "yxz", "zyx"};
 
-MEulerRotation::RotationOrder orderOf(DagNode& node) {
-    Cell& cell = node.cell("rotateOrder");
-    evaluate(cell);
-    return scene::rotationOrder(cell.number());
-}
-
 MVector flagTriple(const ParsedArguments& args, const char* flag, double factor) {
     return MVector(args.value(flag, 0).toFloat() * factor, args.value(flag, 1).toFloat() * factor,
                    args.value(flag, 2).toFloat() * factor);
@@ -34,7 +28,8 @@ MMatrix scaleStage(DagNode& node) { return scaling(tripleOf(node, "scale")) * sh
 
 MMatrix rotateStage(DagNode& node) {
     const MVector ra = tripleOf(node, "rotateAxis"), r = tripleOf(node, "rotate");
-    return MEulerRotation(ra.x, ra.y, ra.z).asMatrix() * MEulerRotation(r.x, r.y, r.z, orderOf(node)).asMatrix();
+    return MEulerRotation(ra.x, ra.y, ra.z).asMatrix() *
+           MEulerRotation(r.x, r.y, r.z, scene::rotationOrder(node)).asMatrix();
 }
 
 /// Moves a pivot and makes up for it in the pivot's translation, so that the matrix stays.
@@ -86,7 +81,7 @@ Value query(DagNode& node, const ParsedArguments& args) {
     if (args.has("ro")) {
         if (!world) return list(tripleOf(node, "rotate"), angle);
         const MMatrix turn = MTransformationMatrix(node.worldMatrix()).rotation().asMatrix();
-        return list(MEulerRotation::decompose(turn, orderOf(node)).asVector(), angle);
+        return list(MEulerRotation::decompose(turn, scene::rotationOrder(node)).asVector(), angle);
     }
     if (args.has("s")) {
         if (!world) return list(tripleOf(node, "scale"), 1);
@@ -114,7 +109,7 @@ Value query(DagNode& node, const ParsedArguments& args) {
     if (args.has("rt")) return list(tripleOf(node, "rotatePivotTranslate"), length);
     if (args.has("st")) return list(tripleOf(node, "scalePivotTranslate"), length);
     if (args.has("ra")) return list(tripleOf(node, "rotateAxis"), angle);
-    if (args.has("roo")) return kOrders[orderOf(node)];
+    if (args.has("roo")) return kOrders[scene::rotationOrder(node)];
     if (args.has("bb")) return boxOf(node, world);
     throw Error("xform was not told what to query.");
 }
@@ -124,7 +119,7 @@ void setOrder(DagNode& node, const std::string& name, bool preserve) {
     if (found == std::end(kOrders)) throw Error("Invalid rotation order: " + name);
     const auto order = static_cast<MEulerRotation::RotationOrder>(found - kOrders);
     const MVector r = tripleOf(node, "rotate");
-    const MEulerRotation now(r.x, r.y, r.z, orderOf(node));
+    const MEulerRotation now(r.x, r.y, r.z, scene::rotationOrder(node));
     if (now.order == order) return;
     theScene().setNumber(node.cell("rotateOrder"), order);
     if (preserve) setTriple(node, "rotate", now.reorder(order).asVector());
@@ -159,7 +154,7 @@ void setRotation(DagNode& node, const ParsedArguments& args) {
         setTriple(node, "rotate", args.has("r") ? now + given : given);
         return;
     }
-    const auto order = orderOf(node);
+    const auto order = scene::rotationOrder(node);
     const MVector axis = tripleOf(node, "rotateAxis");
     const MMatrix parent = jointOrientation(node) * MTransformationMatrix(node.parentMatrix()).rotation().asMatrix(),
                   given4 = MEulerRotation(given.x, given.y, given.z, order).asMatrix(),

@@ -11,7 +11,7 @@
 namespace host::files {
 namespace {
 
-enum class Word : std::uint64_t { Model = 0x316c65646f4d764f, Error = 0x31726f727245764f, End = 0x21646e456e456e45 };
+enum class Mark : std::uint64_t { Model = 0x316c65646f4d764f, Error = 0x31726f727245764f, End = 0x21646e456e456e45 };
 
 constexpr std::size_t kLongestText = 4096, kLongestName = 1024;
 constexpr const char* kNotWhole = "its meshes were not handed over whole";
@@ -83,8 +83,8 @@ public:
         items.resize(count(least));
         for (auto& item : items) each(item);
     }
-    void require(Word word) {
-        Word found{};
+    void require(Mark word) {
+        Mark found{};
         value(found);
         if (found != word) throw ModelError(kNotWhole);
     }
@@ -156,34 +156,34 @@ std::string oneLine(std::string text) {
 
 bool sendModel(const RawModel& model, const SendBytes& send) {
     Sender sender(send);
-    sender.value(Word::Model);
+    sender.value(Mark::Model);
     walk(sender, model);
-    sender.value(Word::End);
+    sender.value(Mark::End);
     return sender.good();
 }
 
 bool sendModelError(std::string_view text, const SendBytes& send) {
     Sender sender(send);
-    sender.value(Word::Error);
+    sender.value(Mark::Error);
     sender.values(text.substr(0, kLongestText));
-    sender.value(Word::End);
+    sender.value(Mark::End);
     return sender.good();
 }
 
 RawModel takeModel(std::span<const char> message) {
     Receiver receiver(message);
-    Word word{};
+    Mark word{};
     receiver.value(word);
-    if (word == Word::Error) {
+    if (word == Mark::Error) {
         std::string text;
         receiver.values(text);
-        receiver.require(Word::End);
+        receiver.require(Mark::End);
         throw ModelError(oneLine(std::move(text)));
     }
-    require(word == Word::Model);
+    require(word == Mark::Model);
     RawModel model;
     walk(receiver, model);
-    receiver.require(Word::End);
+    receiver.require(Mark::End);
     require(receiver.atEnd());
     check(model);
     return model;

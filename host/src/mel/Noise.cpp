@@ -34,8 +34,8 @@ double slope(std::size_t hash, double x, double y, double z) {
 }
 
 /// The cell of the lattice, and the place in it.
-struct Place {
-    explicit Place(double x)
+struct LatticePlace {
+    explicit LatticePlace(double x)
         : cell(static_cast<std::size_t>(std::fmod(std::floor(x), 256) + 256)), within(x - std::floor(x)) {}
     std::size_t cell;
     double within;
@@ -45,7 +45,7 @@ struct Place {
 
 double noise(double px, double py, double pz) {
     if (!std::isfinite(px) || !std::isfinite(py) || !std::isfinite(pz)) return 0;
-    const Place a(px), b(py), c(pz);
+    const LatticePlace a(px), b(py), c(pz);
     const double x = a.within, y = b.within, z = c.within;
     const auto corner = [&](std::size_t i, std::size_t j, std::size_t k) {
         const std::size_t hash = permuted(permuted(permuted(a.cell + i) + b.cell + j) + c.cell + k);

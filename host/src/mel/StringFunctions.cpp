@@ -28,8 +28,6 @@ void requireTextSize(std::size_t characters) {
 
 namespace {
 
-constexpr const char* kSpace = " \t\r\n\v\f";
-
 Value toUpper(Arguments& a) {
     a.expect(1);
     std::string s = a.text(0);
@@ -89,8 +87,8 @@ Value compare(Arguments& a) {
 Value strip(Arguments& a) {
     a.expect(1);
     const std::string s = a.text(0);
-    const std::size_t begin = s.find_first_not_of(kSpace);
-    return begin == std::string::npos ? std::string() : s.substr(begin, s.find_last_not_of(kSpace) - begin + 1);
+    const std::size_t begin = s.find_first_not_of(kWhiteSpace);
+    return begin == std::string::npos ? std::string() : s.substr(begin, s.find_last_not_of(kWhiteSpace) - begin + 1);
 }
 
 /// substitute(pattern, text, replacement): the first match only.
@@ -146,7 +144,7 @@ Value isValidObjectName(Arguments& a) {
 /// tokenize(text, [separators,] array): fills the array, answers how many there are.
 Value tokenize(Arguments& a) {
     a.expect(2, 3);
-    StringArray out = tokens(a.text(0), a.count() == 3 ? a.text(1) : kSpace);
+    StringArray out = tokens(a.text(0), a.count() == 3 ? a.text(1) : kWhiteSpace);
     Value& target = *a.values.back();
     if (target.type() != Value::Type::StringArray) throw Error("tokenize needs a string array as its last argument.");
     const int count = static_cast<int>(out.size());

@@ -6,6 +6,9 @@
 
 namespace host::mel {
 
+/// What separates words.
+inline constexpr const char* kWhiteSpace = " \t\r\n\v\f";
+
 /// The parts of a text between separators; empty parts are left out.
 StringArray tokens(std::string_view text, std::string_view separators);
 

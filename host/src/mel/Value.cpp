@@ -2,6 +2,7 @@
 
 #include "base/NumberText.h"
 #include "mel/Numbers.h"
+#include "mel/TextTools.h"
 
 #include <algorithm>
 #include <array>
@@ -11,8 +12,6 @@
 
 namespace host::mel {
 namespace {
-
-constexpr const char* kSpace = " \t\r\n\v\f";
 
 template <class Out, class In, class F>
 Out mapped(const In& in, F f) {
@@ -26,7 +25,7 @@ double length(const Vector& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * 
 
 /// "-0x1F": bits of an int.
 std::optional<NumberPrefix> hexadecimalPrefix(std::string_view text) {
-    std::size_t at = std::min(text.find_first_not_of(kSpace), text.size());
+    std::size_t at = std::min(text.find_first_not_of(kWhiteSpace), text.size());
     const bool negative = text.substr(at, 1) == "-";
     if (negative || text.substr(at, 1) == "+") ++at;
     if (const auto mark = text.substr(at, 2); mark != "0x" && mark != "0X") return std::nullopt;

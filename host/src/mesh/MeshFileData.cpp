@@ -2,6 +2,7 @@
 
 #include "base/Letters.h"
 #include "base/NumberText.h"
+#include "mesh/Checks.h"
 
 #include <fmt/format.h>
 
@@ -12,13 +13,6 @@
 
 namespace host::mesh {
 namespace {
-
-constexpr std::size_t kMostElements = std::numeric_limits<int>::max();
-
-bool fail(std::string* error, std::string text) {
-    if (error) *error = std::move(text);
-    return false;
-}
 
 bool checkTuples(std::size_t size, std::size_t width, const char* what, std::string* error) {
     if (error) error->clear();

@@ -1,5 +1,6 @@
 #include "PolyMesh.h"
 
+#include "Checks.h"
 #include "QueryCache.h"
 #include "Triangulator.h"
 
@@ -15,13 +16,6 @@
 
 namespace host::mesh {
 namespace {
-
-constexpr std::size_t kMostElements = std::numeric_limits<int>::max();
-
-bool fail(std::string* error, std::string text) {
-    if (error) *error = std::move(text);
-    return false;
-}
 
 /// Turns corner counts into the offsets of the faces, checking them against the number of corners given.
 bool makeOffsets(std::span<const int> counts, std::size_t corners, std::vector<int>& offsets, std::string* error) {

@@ -30,17 +30,11 @@ void store(Cell& cell, const MMatrix& m) {
     setClean(cell);
 }
 
-MEulerRotation::RotationOrder orderOf(DagNode& n) {
-    Cell& order = n.cell("rotateOrder");
-    evaluate(order);
-    return rotationOrder(order.number());
-}
-
 MMatrix jointMatrix(DagNode& n) {
     const MVector s = triple(n, "scale"), ra = triple(n, "rotateAxis"), r = triple(n, "rotate"),
                   t = triple(n, "translate");
     MMatrix m = scaling(s) * MEulerRotation(ra.x, ra.y, ra.z).asMatrix() *
-                MEulerRotation(r.x, r.y, r.z, orderOf(n)).asMatrix() * jointOrientation(n);
+                MEulerRotation(r.x, r.y, r.z, rotationOrder(n)).asMatrix() * jointOrientation(n);
     Cell& compensate = n.cell("segmentScaleCompensate");
     evaluate(compensate);
     const MVector above = triple(n, "inverseScale");
@@ -63,6 +57,12 @@ MMatrix held(DagNode& n, std::string_view name) {
 
 } // namespace
 
+MEulerRotation::RotationOrder rotationOrder(DagNode& transform) {
+    Cell& order = transform.cell("rotateOrder");
+    evaluate(order);
+    return rotationOrder(order.number());
+}
+
 MMatrix jointOrientation(DagNode& n) {
     if (!n.findAttribute("jointOrient")) return MMatrix();
     const MVector jo = triple(n, "jointOrient");
@@ -81,7 +81,7 @@ MMatrix transformMatrix(DagNode& n) {
     translate(m, sp);
     translate(m, spt);
     translate(m, rp, -1);
-    m = m * MEulerRotation(ra.x, ra.y, ra.z).asMatrix() * MEulerRotation(r.x, r.y, r.z, orderOf(n)).asMatrix();
+    m = m * MEulerRotation(ra.x, ra.y, ra.z).asMatrix() * MEulerRotation(r.x, r.y, r.z, rotationOrder(n)).asMatrix();
     translate(m, rp);
     translate(m, rpt);
     translate(m, t);

@@ -25,6 +25,9 @@ inline MEulerRotation::RotationOrder rotationOrder(double value) {
     return static_cast<MEulerRotation::RotationOrder>(order < 0 ? order + 6 : order);
 }
 
+/// The order of a transform's rotations, evaluated.
+MEulerRotation::RotationOrder rotationOrder(DagNode& transform);
+
 /// The matrix of a transform's channels, row vectors: [Sp^-1][S][Sh][Sp][St][Rp^-1][Ra][R][Rp][Rt][T]. A joint's is
 /// [S][Ra][R][Jo][Is][T], where Is takes the scale of the joint above out again; a joint has no pivots and no shear.
 MMatrix transformMatrix(DagNode& transform);

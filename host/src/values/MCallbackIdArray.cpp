@@ -4,14 +4,12 @@
 
 #include <algorithm>
 
-using Base = maya_detail::ValueArray<MCallbackId>;
-
 MCallbackIdArray::MCallbackIdArray() = default;
 MCallbackIdArray::MCallbackIdArray(const MCallbackIdArray& other) = default;
 MCallbackIdArray::MCallbackIdArray(const MCallbackId src[], unsigned int count)
-    : Base(src, count, [](MCallbackId id) { return id; }) {}
+    : ValueArray(src, count, [](MCallbackId id) { return id; }) {}
 MCallbackIdArray::MCallbackIdArray(unsigned int initialSize, MCallbackId initialValue)
-    : Base(initialSize, initialValue) {}
+    : ValueArray(initialSize, initialValue) {}
 MCallbackIdArray& MCallbackIdArray::operator=(const MCallbackIdArray& other) = default;
 
 MStatus MCallbackIdArray::get(MCallbackId array[]) const {

@@ -4,18 +4,18 @@
 
 #include <algorithm>
 
-using Base = maya_detail::ValueArray<double>;
-
 MDoubleArray::MDoubleArray() = default;
 MDoubleArray::MDoubleArray(const MDoubleArray& other) = default;
-MDoubleArray::MDoubleArray(const double src[], unsigned int count) : Base(src, count, [](auto x) { return x; }) {}
+MDoubleArray::MDoubleArray(const double src[], unsigned int count) : ValueArray(src, count, [](auto x) { return x; }) {}
 MDoubleArray::MDoubleArray(const float src[], unsigned int count)
-    : Base(src, count, [](auto x) { return static_cast<double>(x); }) {}
-MDoubleArray::MDoubleArray(unsigned int initialSize, double initialValue) : Base(initialSize, initialValue) {}
+    : ValueArray(src, count, [](auto x) { return static_cast<double>(x); }) {}
+MDoubleArray::MDoubleArray(unsigned int initialSize, double initialValue) : ValueArray(initialSize, initialValue) {}
 MDoubleArray& MDoubleArray::operator=(const MDoubleArray& other) = default;
 
-MStatus MDoubleArray::set(double element, unsigned int index) { return Base::set(element, index); }
-MStatus MDoubleArray::set(float element, unsigned int index) { return Base::set(static_cast<double>(element), index); }
+MStatus MDoubleArray::set(double element, unsigned int index) { return ValueArray::set(element, index); }
+MStatus MDoubleArray::set(float element, unsigned int index) {
+    return ValueArray::set(static_cast<double>(element), index);
+}
 
 MStatus MDoubleArray::get(double array[]) const {
     std::copy(begin(), end(), array);

@@ -4,18 +4,18 @@
 
 #include <algorithm>
 
-using Base = maya_detail::ValueArray<float>;
-
 MFloatArray::MFloatArray() = default;
 MFloatArray::MFloatArray(const MFloatArray& other) = default;
-MFloatArray::MFloatArray(const float src[], unsigned int count) : Base(src, count, [](auto x) { return x; }) {}
+MFloatArray::MFloatArray(const float src[], unsigned int count) : ValueArray(src, count, [](auto x) { return x; }) {}
 MFloatArray::MFloatArray(const double src[], unsigned int count)
-    : Base(src, count, [](auto x) { return static_cast<float>(x); }) {}
-MFloatArray::MFloatArray(unsigned int initialSize, float initialValue) : Base(initialSize, initialValue) {}
+    : ValueArray(src, count, [](auto x) { return static_cast<float>(x); }) {}
+MFloatArray::MFloatArray(unsigned int initialSize, float initialValue) : ValueArray(initialSize, initialValue) {}
 MFloatArray& MFloatArray::operator=(const MFloatArray& other) = default;
 
-MStatus MFloatArray::set(float element, unsigned int index) { return Base::set(element, index); }
-MStatus MFloatArray::set(double element, unsigned int index) { return Base::set(static_cast<float>(element), index); }
+MStatus MFloatArray::set(float element, unsigned int index) { return ValueArray::set(element, index); }
+MStatus MFloatArray::set(double element, unsigned int index) {
+    return ValueArray::set(static_cast<float>(element), index);
+}
 
 MStatus MFloatArray::get(float array[]) const {
     std::copy(begin(), end(), array);

@@ -2,11 +2,9 @@
 
 #include "values/ArrayText.h"
 
-using Base = maya_detail::ValueArray<MFloatPoint>;
-
 namespace {
 
-constexpr auto element = [](const auto& numbers) { return MFloatPoint(numbers); };
+constexpr auto toFloatPoint = [](const auto& numbers) { return MFloatPoint(numbers); };
 
 template <class Number>
 MStatus copyTo(const MFloatPointArray& array, Number (*target)[4]) {
@@ -21,19 +19,22 @@ MStatus copyTo(const MFloatPointArray& array, Number (*target)[4]) {
 
 MFloatPointArray::MFloatPointArray() = default;
 MFloatPointArray::MFloatPointArray(const MFloatPointArray& other) = default;
-MFloatPointArray::MFloatPointArray(const MFloatPoint src[], unsigned int count) : Base(src, count, element) {}
-MFloatPointArray::MFloatPointArray(const double src[][4], unsigned int count) : Base(src, count, element) {}
-MFloatPointArray::MFloatPointArray(const float src[][4], unsigned int count) : Base(src, count, element) {}
+MFloatPointArray::MFloatPointArray(const MFloatPoint src[], unsigned int count)
+    : ValueArray(src, count, toFloatPoint) {}
+MFloatPointArray::MFloatPointArray(const double src[][4], unsigned int count) : ValueArray(src, count, toFloatPoint) {}
+MFloatPointArray::MFloatPointArray(const float src[][4], unsigned int count) : ValueArray(src, count, toFloatPoint) {}
 MFloatPointArray::MFloatPointArray(unsigned int initialSize, const MFloatPoint& initialValue)
-    : Base(initialSize, initialValue) {}
+    : ValueArray(initialSize, initialValue) {}
 MFloatPointArray& MFloatPointArray::operator=(const MFloatPointArray& other) = default;
 
 MStatus MFloatPointArray::set(unsigned int index, float x, float y, float z, float w) {
-    return Base::set(MFloatPoint(x, y, z, w), index);
+    return ValueArray::set(MFloatPoint(x, y, z, w), index);
 }
-MStatus MFloatPointArray::set(double val[4], unsigned int index) { return Base::set(MFloatPoint(val), index); }
-MStatus MFloatPointArray::set(float val[4], unsigned int index) { return Base::set(MFloatPoint(val), index); }
-MStatus MFloatPointArray::append(float x, float y, float z, float w) { return Base::append(MFloatPoint(x, y, z, w)); }
+MStatus MFloatPointArray::set(double val[4], unsigned int index) { return ValueArray::set(MFloatPoint(val), index); }
+MStatus MFloatPointArray::set(float val[4], unsigned int index) { return ValueArray::set(MFloatPoint(val), index); }
+MStatus MFloatPointArray::append(float x, float y, float z, float w) {
+    return ValueArray::append(MFloatPoint(x, y, z, w));
+}
 MStatus MFloatPointArray::get(double dest[][4]) const { return copyTo(*this, dest); }
 MStatus MFloatPointArray::get(float dest[][4]) const { return copyTo(*this, dest); }
 const char* MFloatPointArray::className() { return "MFloatPointArray"; }

@@ -2,11 +2,9 @@
 
 #include "values/ArrayText.h"
 
-using Base = maya_detail::ValueArray<MFloatVector>;
-
 namespace {
 
-constexpr auto element = [](const auto& numbers) { return MFloatVector(numbers); };
+constexpr auto toFloatVector = [](const auto& numbers) { return MFloatVector(numbers); };
 
 template <class Number>
 MStatus copyTo(const MFloatVectorArray& array, Number (*target)[3]) {
@@ -21,17 +19,22 @@ MStatus copyTo(const MFloatVectorArray& array, Number (*target)[3]) {
 
 MFloatVectorArray::MFloatVectorArray() = default;
 MFloatVectorArray::MFloatVectorArray(const MFloatVectorArray& other) = default;
-MFloatVectorArray::MFloatVectorArray(const MFloatVector src[], unsigned int count) : Base(src, count, element) {}
-MFloatVectorArray::MFloatVectorArray(const double src[][3], unsigned int count) : Base(src, count, element) {}
-MFloatVectorArray::MFloatVectorArray(const float src[][3], unsigned int count) : Base(src, count, element) {}
+MFloatVectorArray::MFloatVectorArray(const MFloatVector src[], unsigned int count)
+    : ValueArray(src, count, toFloatVector) {}
+MFloatVectorArray::MFloatVectorArray(const double src[][3], unsigned int count)
+    : ValueArray(src, count, toFloatVector) {}
+MFloatVectorArray::MFloatVectorArray(const float src[][3], unsigned int count)
+    : ValueArray(src, count, toFloatVector) {}
 MFloatVectorArray::MFloatVectorArray(unsigned int initialSize, const MFloatVector& initialValue)
-    : Base(initialSize, initialValue) {}
+    : ValueArray(initialSize, initialValue) {}
 MFloatVectorArray& MFloatVectorArray::operator=(const MFloatVectorArray& other) = default;
 
 MStatus MFloatVectorArray::set(double element[3], unsigned int index) {
-    return Base::set(MFloatVector(element), index);
+    return ValueArray::set(MFloatVector(element), index);
 }
-MStatus MFloatVectorArray::set(float element[3], unsigned int index) { return Base::set(MFloatVector(element), index); }
+MStatus MFloatVectorArray::set(float element[3], unsigned int index) {
+    return ValueArray::set(MFloatVector(element), index);
+}
 MStatus MFloatVectorArray::get(double array[][3]) const { return copyTo(*this, array); }
 MStatus MFloatVectorArray::get(float array[][3]) const { return copyTo(*this, array); }
 const char* MFloatVectorArray::className() { return "MFloatVectorArray"; }

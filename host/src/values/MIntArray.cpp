@@ -4,12 +4,10 @@
 
 #include <algorithm>
 
-using Base = maya_detail::ValueArray<int>;
-
 MIntArray::MIntArray() = default;
 MIntArray::MIntArray(const MIntArray& other) = default;
-MIntArray::MIntArray(const int src[], unsigned int count) : Base(src, count, [](auto x) { return x; }) {}
-MIntArray::MIntArray(unsigned int initialSize, int initialValue) : Base(initialSize, initialValue) {}
+MIntArray::MIntArray(const int src[], unsigned int count) : ValueArray(src, count, [](auto x) { return x; }) {}
+MIntArray::MIntArray(unsigned int initialSize, int initialValue) : ValueArray(initialSize, initialValue) {}
 MIntArray& MIntArray::operator=(const MIntArray& other) = default;
 
 MStatus MIntArray::get(int array[]) const {

@@ -2,11 +2,9 @@
 
 #include "values/ArrayText.h"
 
-using Base = maya_detail::ValueArray<MMatrix>;
-
 MMatrixArray::MMatrixArray() = default;
 MMatrixArray::MMatrixArray(const MMatrixArray& other) = default;
-MMatrixArray::MMatrixArray(unsigned initialSize) : Base(initialSize, MMatrix()) {}
+MMatrixArray::MMatrixArray(unsigned initialSize) : ValueArray(initialSize, MMatrix()) {}
 MMatrixArray& MMatrixArray::operator=(const MMatrixArray& other) = default;
 const char* MMatrixArray::className() { return "MMatrixArray"; }
 

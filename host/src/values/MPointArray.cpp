@@ -2,11 +2,9 @@
 
 #include "values/ArrayText.h"
 
-using Base = maya_detail::ValueArray<MPoint>;
-
 namespace {
 
-constexpr auto element = [](const auto& numbers) { return MPoint(numbers); };
+constexpr auto toPoint = [](const auto& numbers) { return MPoint(numbers); };
 
 template <class Number>
 MStatus copyTo(const MPointArray& array, Number (*target)[4]) {
@@ -21,18 +19,19 @@ MStatus copyTo(const MPointArray& array, Number (*target)[4]) {
 
 MPointArray::MPointArray() = default;
 MPointArray::MPointArray(const MPointArray& other) = default;
-MPointArray::MPointArray(const MPoint src[], unsigned int count) : Base(src, count, element) {}
-MPointArray::MPointArray(const double src[][4], unsigned int count) : Base(src, count, element) {}
-MPointArray::MPointArray(const float src[][4], unsigned int count) : Base(src, count, element) {}
-MPointArray::MPointArray(unsigned int initialSize, const MPoint& initialValue) : Base(initialSize, initialValue) {}
+MPointArray::MPointArray(const MPoint src[], unsigned int count) : ValueArray(src, count, toPoint) {}
+MPointArray::MPointArray(const double src[][4], unsigned int count) : ValueArray(src, count, toPoint) {}
+MPointArray::MPointArray(const float src[][4], unsigned int count) : ValueArray(src, count, toPoint) {}
+MPointArray::MPointArray(unsigned int initialSize, const MPoint& initialValue)
+    : ValueArray(initialSize, initialValue) {}
 MPointArray& MPointArray::operator=(const MPointArray& other) = default;
 
 MStatus MPointArray::set(unsigned int index, double x, double y, double z, double w) {
-    return Base::set(MPoint(x, y, z, w), index);
+    return ValueArray::set(MPoint(x, y, z, w), index);
 }
-MStatus MPointArray::set(double val[4], unsigned int index) { return Base::set(MPoint(val), index); }
-MStatus MPointArray::set(float val[4], unsigned int index) { return Base::set(MPoint(val), index); }
-MStatus MPointArray::append(double x, double y, double z, double w) { return Base::append(MPoint(x, y, z, w)); }
+MStatus MPointArray::set(double val[4], unsigned int index) { return ValueArray::set(MPoint(val), index); }
+MStatus MPointArray::set(float val[4], unsigned int index) { return ValueArray::set(MPoint(val), index); }
+MStatus MPointArray::append(double x, double y, double z, double w) { return ValueArray::append(MPoint(x, y, z, w)); }
 MStatus MPointArray::get(double dest[][4]) const { return copyTo(*this, dest); }
 MStatus MPointArray::get(float dest[][4]) const { return copyTo(*this, dest); }
 const char* MPointArray::className() { return "MPointArray"; }

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cstring>
 
-using Base = maya_detail::ValueArray<MString>;
-
 namespace {
 
 constexpr auto text = [](const auto& source) { return MString(source); };
@@ -15,13 +13,14 @@ constexpr auto text = [](const auto& source) { return MString(source); };
 
 MStringArray::MStringArray() = default;
 MStringArray::MStringArray(const MStringArray& other) = default;
-MStringArray::MStringArray(const MString src[], unsigned int count) : Base(src, count, text) {}
-MStringArray::MStringArray(const char* src[], unsigned int count) : Base(src, count, text) {}
-MStringArray::MStringArray(unsigned int initialSize, const MString& initialValue) : Base(initialSize, initialValue) {}
+MStringArray::MStringArray(const MString src[], unsigned int count) : ValueArray(src, count, text) {}
+MStringArray::MStringArray(const char* src[], unsigned int count) : ValueArray(src, count, text) {}
+MStringArray::MStringArray(unsigned int initialSize, const MString& initialValue)
+    : ValueArray(initialSize, initialValue) {}
 MStringArray& MStringArray::operator=(const MStringArray& other) = default;
 
-MString MStringArray::operator[](unsigned int index) const { return Base::operator[](index); }
-MStatus MStringArray::set(char* element, unsigned int index) { return Base::set(MString(element), index); }
+MString MStringArray::operator[](unsigned int index) const { return ValueArray::operator[](index); }
+MStatus MStringArray::set(char* element, unsigned int index) { return ValueArray::set(MString(element), index); }
 
 MStatus MStringArray::get(MString array[]) const {
     std::copy(begin(), end(), array);

@@ -4,12 +4,11 @@
 
 #include <algorithm>
 
-using Base = maya_detail::ValueArray<MTime>;
-
 MTimeArray::MTimeArray() = default;
 MTimeArray::MTimeArray(const MTimeArray& other) = default;
-MTimeArray::MTimeArray(const MTime src[], unsigned int count) : Base(src, count, [](const MTime& t) { return t; }) {}
-MTimeArray::MTimeArray(unsigned int initialSize, const MTime& initialValue) : Base(initialSize, initialValue) {}
+MTimeArray::MTimeArray(const MTime src[], unsigned int count)
+    : ValueArray(src, count, [](const MTime& t) { return t; }) {}
+MTimeArray::MTimeArray(unsigned int initialSize, const MTime& initialValue) : ValueArray(initialSize, initialValue) {}
 MTimeArray& MTimeArray::operator=(const MTimeArray& other) = default;
 
 MStatus MTimeArray::get(MTime array[]) const {

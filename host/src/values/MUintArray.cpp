@@ -4,12 +4,11 @@
 
 #include <algorithm>
 
-using Base = maya_detail::ValueArray<unsigned int>;
-
 MUintArray::MUintArray() = default;
 MUintArray::MUintArray(const MUintArray& other) = default;
-MUintArray::MUintArray(const unsigned int src[], unsigned int count) : Base(src, count, [](auto x) { return x; }) {}
-MUintArray::MUintArray(unsigned int initialSize, unsigned int initialValue) : Base(initialSize, initialValue) {}
+MUintArray::MUintArray(const unsigned int src[], unsigned int count)
+    : ValueArray(src, count, [](auto x) { return x; }) {}
+MUintArray::MUintArray(unsigned int initialSize, unsigned int initialValue) : ValueArray(initialSize, initialValue) {}
 MUintArray& MUintArray::operator=(const MUintArray& other) = default;
 
 MStatus MUintArray::get(unsigned int array[]) const {

@@ -2,11 +2,9 @@
 
 #include "values/ArrayText.h"
 
-using Base = maya_detail::ValueArray<MVector>;
-
 namespace {
 
-constexpr auto element = [](const auto& numbers) { return MVector(numbers); };
+constexpr auto toVector = [](const auto& numbers) { return MVector(numbers); };
 
 template <class Number>
 MStatus copyTo(const MVectorArray& array, Number (*target)[3]) {
@@ -21,14 +19,15 @@ MStatus copyTo(const MVectorArray& array, Number (*target)[3]) {
 
 MVectorArray::MVectorArray() = default;
 MVectorArray::MVectorArray(const MVectorArray& other) = default;
-MVectorArray::MVectorArray(const MVector src[], unsigned int count) : Base(src, count, element) {}
-MVectorArray::MVectorArray(const double src[][3], unsigned int count) : Base(src, count, element) {}
-MVectorArray::MVectorArray(const float src[][3], unsigned int count) : Base(src, count, element) {}
-MVectorArray::MVectorArray(unsigned int initialSize, const MVector& initialValue) : Base(initialSize, initialValue) {}
+MVectorArray::MVectorArray(const MVector src[], unsigned int count) : ValueArray(src, count, toVector) {}
+MVectorArray::MVectorArray(const double src[][3], unsigned int count) : ValueArray(src, count, toVector) {}
+MVectorArray::MVectorArray(const float src[][3], unsigned int count) : ValueArray(src, count, toVector) {}
+MVectorArray::MVectorArray(unsigned int initialSize, const MVector& initialValue)
+    : ValueArray(initialSize, initialValue) {}
 MVectorArray& MVectorArray::operator=(const MVectorArray& other) = default;
 
-MStatus MVectorArray::set(double element[3], unsigned int index) { return Base::set(MVector(element), index); }
-MStatus MVectorArray::set(float element[3], unsigned int index) { return Base::set(MVector(element), index); }
+MStatus MVectorArray::set(double element[3], unsigned int index) { return ValueArray::set(MVector(element), index); }
+MStatus MVectorArray::set(float element[3], unsigned int index) { return ValueArray::set(MVector(element), index); }
 MStatus MVectorArray::get(double array[][3]) const { return copyTo(*this, array); }
 MStatus MVectorArray::get(float array[][3]) const { return copyTo(*this, array); }
 const char* MVectorArray::className() { return "MVectorArray"; }

@@ -1,8 +1,8 @@
 #include <maya/MAnimControl.h>
 
-#include "base/Units.h"
 #include "scene/Scene.h"
 #include "values/StatusOut.h"
+#include "values/TimeTicks.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,20 +22,13 @@ struct Settings {
     MFnAnimCurve::TangentType in = MFnAnimCurve::kTangentClamped, out = MFnAnimCurve::kTangentClamped;
 } settings;
 
-double ticks(const MTime& t) { return t.as(MTime::kSeconds) * ticksPerSecond; }
-
-MTime timeOf(double t) {
-    const MTime time(t / ticksPerSecond, MTime::kSeconds);
-    return MTime(time.as(MTime::uiUnit()), MTime::uiUnit());
-}
-
 /// Sets bounds of the ranges; each of the two ranges keeps its order, and the animation's takes the playback's in.
 MStatus setRange(std::initializer_list<std::pair<double PlaybackRange::*, MTime>> bounds) {
     PlaybackRange range = Scene::current().playback();
     bool playback = false;
     for (const auto& [member, time] : bounds) {
-        if (!std::isfinite(ticks(time))) return MStatus::kInvalidParameter;
-        range.*member = ticks(time);
+        if (!std::isfinite(ticksOf(time))) return MStatus::kInvalidParameter;
+        range.*member = ticksOf(time);
         playback |= member == &PlaybackRange::min || member == &PlaybackRange::max;
     }
     if (range.min > range.max || range.animationStart > range.animationEnd) return MStatus::kInvalidParameter;
@@ -102,8 +95,8 @@ MStatus MAnimControl::setAnimationStartEndTime(MTime start, MTime end) {
 MTime MAnimControl::currentTime() { return timeOf(Scene::current().time()); }
 
 MStatus MAnimControl::setCurrentTime(const MTime& newTime) {
-    if (!std::isfinite(ticks(newTime))) return MStatus::kInvalidParameter;
-    Scene::current().setTime(ticks(newTime));
+    if (!std::isfinite(ticksOf(newTime))) return MStatus::kInvalidParameter;
+    Scene::current().setTime(ticksOf(newTime));
     return MStatus::kSuccess;
 }
 

@@ -1,10 +1,10 @@
 #include <maya/MFnAnimCurve.h>
 
 #include "api/fn/FnSupport.h"
-#include "base/Units.h"
 #include "scene/AnimCurve.h"
 #include "scene/Evaluation.h"
 #include "values/Text.h"
+#include "values/TimeTicks.h"
 
 #include <maya/MAnimControl.h>
 
@@ -39,13 +39,6 @@ std::optional<std::uint8_t> stored(MFnAnimCurve::TangentType type, bool in) {
     for (const auto& [api, tangent] : tangents)
         if (api == type) return static_cast<std::uint8_t>(tangent);
     return std::nullopt;
-}
-
-double ticks(const MTime& t) { return t.as(MTime::kSeconds) * ticksPerSecond; }
-
-MTime timeOf(double t) {
-    const MTime time(t / ticksPerSecond, MTime::kSeconds);
-    return MTime(time.as(MTime::uiUnit()), MTime::uiUnit());
 }
 
 bool overTime(const scene::Node& curve) { return curve.type.name.starts_with("animCurveT"); }
@@ -302,7 +295,9 @@ double MFnAnimCurve::evaluate(const MTime& atTime, MStatus* ReturnStatus) const 
     return value;
 }
 
-MStatus MFnAnimCurve::evaluate(const MTime& t, double& value) const { return valueAt(object_, true, ticks(t), value); }
+MStatus MFnAnimCurve::evaluate(const MTime& t, double& value) const {
+    return valueAt(object_, true, ticksOf(t), value);
+}
 
 MStatus MFnAnimCurve::evaluate(const MTime& atTime, MTime& timeValue) const {
     double value = 0;
@@ -352,7 +347,7 @@ MStatus MFnAnimCurve::addKeyframe(const MTime& time, double value, MAnimCurveCha
 
 MStatus MFnAnimCurve::addKeyframe(const MTime& time, double value, TangentType in, TangentType out,
                                   MAnimCurveChange* change) {
-    return put(object_, true, false, ticks(time), value, in, out, change, nullptr);
+    return put(object_, true, false, ticksOf(time), value, in, out, change, nullptr);
 }
 
 #define ORVO_ADD_KEY(Input, Value, timed, timeValue, at, value)                                                        \
@@ -364,10 +359,10 @@ MStatus MFnAnimCurve::addKeyframe(const MTime& time, double value, TangentType i
         return index;                                                                                                  \
     }
 
-ORVO_ADD_KEY(const MTime&, double, true, false, ticks, double)
-ORVO_ADD_KEY(const MTime&, const MTime&, true, true, ticks, ticks)
+ORVO_ADD_KEY(const MTime&, double, true, false, ticksOf, double)
+ORVO_ADD_KEY(const MTime&, const MTime&, true, true, ticksOf, ticksOf)
 ORVO_ADD_KEY(double, double, false, false, double, double)
-ORVO_ADD_KEY(double, const MTime&, false, true, double, ticks)
+ORVO_ADD_KEY(double, const MTime&, false, true, double, ticksOf)
 
 MStatus MFnAnimCurve::addKeys(MTimeArray* timeArray, MDoubleArray* valueArray, TangentType in, TangentType out,
                               bool keepExistingKeys, MAnimCurveChange* change) {
@@ -378,7 +373,7 @@ MStatus MFnAnimCurve::addKeys(MTimeArray* timeArray, MDoubleArray* valueArray, T
         return MStatus::kInvalidParameter;
     std::vector<CurveKey> keys(timeArray->length());
     for (unsigned int i = 0; i < timeArray->length(); ++i) {
-        keys[i].time = ticks((*timeArray)[i]);
+        keys[i].time = ticksOf((*timeArray)[i]);
         keys[i].value = (*valueArray)[i];
         keys[i].in = *stored(in, true);
         keys[i].out = *stored(out, false);
@@ -387,10 +382,12 @@ MStatus MFnAnimCurve::addKeys(MTimeArray* timeArray, MDoubleArray* valueArray, T
 }
 
 bool MFnAnimCurve::find(const MTime& t, unsigned int& i, MStatus* s) const {
-    return findAt(object_, true, ticks(t), i, s);
+    return findAt(object_, true, ticksOf(t), i, s);
 }
 bool MFnAnimCurve::find(double at, unsigned int& i, MStatus* s) const { return findAt(object_, false, at, i, s); }
-unsigned int MFnAnimCurve::findClosest(const MTime& t, MStatus* s) const { return closest(object_, true, ticks(t), s); }
+unsigned int MFnAnimCurve::findClosest(const MTime& t, MStatus* s) const {
+    return closest(object_, true, ticksOf(t), s);
+}
 unsigned int MFnAnimCurve::findClosest(double at, MStatus* s) const { return closest(object_, false, at, s); }
 
 MTime MFnAnimCurve::time(unsigned int index, MStatus* s) const {
@@ -411,7 +408,7 @@ MStatus MFnAnimCurve::setValue(unsigned int index, double value, MAnimCurveChang
 }
 
 MStatus MFnAnimCurve::setTime(unsigned int index, const MTime& time, MAnimCurveChange* change) {
-    return moveKey(object_, index, true, ticks(time), change);
+    return moveKey(object_, index, true, ticksOf(time), change);
 }
 MStatus MFnAnimCurve::setUnitlessInput(unsigned int index, double unitlessInput, MAnimCurveChange* change) {
     return moveKey(object_, index, false, unitlessInput, change);

@@ -1,6 +1,7 @@
 #include <maya/MFnDagNode.h>
 
 #include "api/fn/FnSupport.h"
+#include "api/graph/DagTarget.h"
 #include "mesh/PolyMesh.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
@@ -17,6 +18,7 @@
 
 using namespace host;
 using host::api::Access;
+using host::api::DagTarget;
 using host::api::fromText;
 using host::api::toText;
 using scene::DagNode;
@@ -52,17 +54,6 @@ MObject createDag(const scene::NodeType* type, const std::string& name, const MO
         return MObject();
     }
 }
-
-/// The DAG node behind the function set, held for the length of a call.
-struct Target {
-    std::shared_ptr<scene::Node> keep;
-    DagNode* dag;
-    Target(const MObject& o, MStatus* out) : keep(Access::dagNode(o)), dag(keep ? keep->dag() : nullptr) {
-        setStatus(out, dag ? MStatus::kSuccess : MStatus::kFailure);
-    }
-    explicit operator bool() const { return dag != nullptr; }
-    DagNode* operator->() const { return dag; }
-};
 
 DagNode* dagOf(const MObject& o) {
     const auto n = Access::dagNode(o);
@@ -118,12 +109,12 @@ MObject MFnDagNode::create(const MString& type, const MString& name, MObject& pa
 }
 
 unsigned int MFnDagNode::parentCount(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t && t->parent ? 1 : 0;
 }
 
 MObject MFnDagNode::parent(unsigned int i, MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     if (!t || i > 0 || !t->parent) {
         setStatus(ReturnStatus, t ? MStatus::kInvalidParameter : MStatus::kFailure);
         return MObject();
@@ -132,7 +123,7 @@ MObject MFnDagNode::parent(unsigned int i, MStatus* ReturnStatus) const {
 }
 
 MStatus MFnDagNode::addChild(MObject& child, unsigned int index, bool keepExistingParents) {
-    const Target t(object_, nullptr);
+    const DagTarget t(object_, nullptr);
     DagNode* c = dagOf(child);
     if (!t) return MStatus::kFailure;
     if (!c || keepExistingParents) return MStatus::kInvalidParameter;
@@ -143,7 +134,7 @@ MStatus MFnDagNode::addChild(MObject& child, unsigned int index, bool keepExisti
 }
 
 MStatus MFnDagNode::removeChild(MObject& child) {
-    const Target t(object_, nullptr);
+    const DagTarget t(object_, nullptr);
     DagNode* c = dagOf(child);
     if (!t) return MStatus::kFailure;
     if (!c || c->parent != t.dag) return MStatus::kInvalidParameter;
@@ -151,7 +142,7 @@ MStatus MFnDagNode::removeChild(MObject& child) {
 }
 
 MStatus MFnDagNode::removeChildAt(unsigned int index) {
-    const Target t(object_, nullptr);
+    const DagTarget t(object_, nullptr);
     if (!t) return MStatus::kFailure;
     if (index >= t->children.size()) return MStatus::kInvalidParameter;
     MObject child = Access::object(t->children[index]);
@@ -159,12 +150,12 @@ MStatus MFnDagNode::removeChildAt(unsigned int index) {
 }
 
 unsigned int MFnDagNode::childCount(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t ? static_cast<unsigned int>(t->children.size()) : 0;
 }
 
 MObject MFnDagNode::child(unsigned int i, MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     if (!t || i >= t->children.size()) {
         setStatus(ReturnStatus, t ? MStatus::kInvalidParameter : MStatus::kFailure);
         return MObject();
@@ -173,55 +164,55 @@ MObject MFnDagNode::child(unsigned int i, MStatus* ReturnStatus) const {
 }
 
 MObject MFnDagNode::dagRoot(MStatus* ReturnStatus) {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t ? Access::object(t->scene.world()) : MObject();
 }
 
 bool MFnDagNode::hasParent(const MObject& node, MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t && t->parent && t->parent == dagOf(node);
 }
 
 bool MFnDagNode::hasChild(const MObject& node, MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     const DagNode* c = dagOf(node);
     return t && c && c->parent == t.dag;
 }
 
 bool MFnDagNode::isChildOf(const MObject& node, MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     const DagNode* p = dagOf(node);
     return t && p && t->isBelow(*p);
 }
 
 bool MFnDagNode::isParentOf(const MObject& node, MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     const DagNode* c = dagOf(node);
     return t && c && c->isBelow(*t.dag);
 }
 
 bool MFnDagNode::inUnderWorld(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return false;
 }
 
 bool MFnDagNode::inModel(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t && t->inScene;
 }
 
 bool MFnDagNode::isInstanceable(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return false;
 }
 
 bool MFnDagNode::isInstanced(bool, MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return false;
 }
 
 unsigned int MFnDagNode::instanceCount(bool, MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t ? 1 : 0;
 }
 
@@ -230,27 +221,27 @@ MStatus MFnDagNode::getAllPaths(MDagPathArray& paths) const { return MDagPath::g
 MDagPath MFnDagNode::dagPath(MStatus* ReturnStatus) const { return MDagPath::getAPathTo(object_, ReturnStatus); }
 
 MString MFnDagNode::fullPathName(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t ? fromText(t->fullPath()) : MString();
 }
 
 MString MFnDagNode::partialPathName(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t ? fromText(t->partialPath()) : MString();
 }
 
 MMatrix MFnDagNode::transformationMatrix(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t ? t->localMatrix() : MMatrix();
 }
 
 bool MFnDagNode::isIntermediateObject(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t && t->intermediate();
 }
 
 MStatus MFnDagNode::setIntermediateObject(bool isIntermediate) {
-    const Target t(object_, nullptr);
+    const DagTarget t(object_, nullptr);
     if (!t) return MStatus::kFailure;
     return api::guarded([&] { t->scene.setNumber(t->cell("intermediateObject"), isIntermediate ? 1 : 0); });
 }
@@ -266,22 +257,22 @@ double number(DagNode& node, const char* name) {
 } // namespace
 
 bool MFnDagNode::drawOverrideEnabled(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t && number(*t.dag, "overrideEnabled") != 0;
 }
 
 bool MFnDagNode::drawOverrideIsReference(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t && number(*t.dag, "overrideDisplayType") == 2;
 }
 
 bool MFnDagNode::drawOverrideIsTemplate(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     return t && number(*t.dag, "overrideDisplayType") == 1;
 }
 
 MBoundingBox MFnDagNode::boundingBox(MStatus* ReturnStatus) const {
-    const Target t(object_, ReturnStatus);
+    const DagTarget t(object_, ReturnStatus);
     MBoundingBox box;
     bool any = false;
     if (t) gatherBox(*t.dag, t->localMatrix(), box, any);

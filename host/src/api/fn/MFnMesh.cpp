@@ -17,6 +17,8 @@ using api::among;
 using api::changeMesh;
 using api::countOf;
 using api::fill;
+using api::floats;
+using api::ints;
 using api::MeshChange;
 using api::withMesh;
 using mesh::Float3;
@@ -67,12 +69,6 @@ std::vector<Float3> toSingles(const Points& points, const MMatrix& m) {
     for (const auto& p : points) out.push_back(placed(p, m));
     return out;
 }
-
-std::span<const int> ints(const MIntArray& array) {
-    return {array.length() ? &*array.begin() : nullptr, array.length()};
-}
-
-std::vector<float> floats(const MFloatArray& array) { return {array.begin(), array.end()}; }
 
 /// A mesh from the arguments of create(); null with a status when they do not fit together.
 template <class Points>

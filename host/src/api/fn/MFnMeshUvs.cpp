@@ -14,7 +14,9 @@ using api::among;
 using api::changeMesh;
 using api::countOf;
 using api::fill;
+using api::floats;
 using api::fromText;
+using api::ints;
 using api::MeshChange;
 using api::toText;
 using api::withMesh;
@@ -49,12 +51,6 @@ MStatus changeSet(const MObject& object, const MString* name, Change&& change) {
         const int set = find(m, name);
         return set >= 0 ? change(m, set) : MStatus(MStatus::kInvalidParameter);
     });
-}
-
-std::vector<float> floats(const MFloatArray& array) { return {array.begin(), array.end()}; }
-
-std::span<const int> ints(const MIntArray& array) {
-    return {array.length() ? &*array.begin() : nullptr, array.length()};
 }
 
 std::vector<int> faceSizes(const PolyMesh& m) {

@@ -1,8 +1,8 @@
 #include <maya/MFnUnitAttribute.h>
 
 #include "api/fn/FnSupport.h"
-#include "base/Units.h"
 #include "values/Text.h"
+#include "values/TimeTicks.h"
 
 using namespace host;
 using host::api::Access;
@@ -22,14 +22,12 @@ struct Inside {
     double value;
 };
 Inside inside(double v) { return {AttributeType::Numeric, v}; }
-Inside inside(const MTime& v) { return {AttributeType::Time, v.as(MTime::kSeconds) * ticksPerSecond}; }
+Inside inside(const MTime& v) { return {AttributeType::Time, ticksOf(v)}; }
 Inside inside(const MAngle& v) { return {AttributeType::Angle, v.asRadians()}; }
 Inside inside(const MDistance& v) { return {AttributeType::Distance, v.asCentimeters()}; }
 
 void show(double number, double& out) { out = number; }
-void show(double number, MTime& out) {
-    out = MTime(MTime(number / ticksPerSecond, MTime::kSeconds).as(MTime::uiUnit()), MTime::uiUnit());
-}
+void show(double number, MTime& out) { out = timeOf(number); }
 void show(double number, MAngle& out) { out = MAngle(number, MAngle::kRadians); }
 void show(double number, MDistance& out) { out = MDistance(number, MDistance::kCentimeters); }
 

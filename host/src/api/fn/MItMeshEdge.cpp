@@ -16,7 +16,7 @@ int endOf(const mesh::PolyMesh& mesh, int edge, int end) {
 }
 
 /// The other edges at the ends of an edge.
-std::vector<int> edgesAround(const mesh::PolyMesh& mesh, int edge) {
+std::vector<int> edgesAtEnds(const mesh::PolyMesh& mesh, int edge) {
     std::vector<int> all;
     for (const int end : {0, 1})
         for (const int other : mesh.neighbours().vertexEdges.of(endOf(mesh, edge, end)))
@@ -154,7 +154,7 @@ int MItMeshEdge::getConnectedFaces(MIntArray& faceList, MStatus* ReturnStatus) c
 int MItMeshEdge::getConnectedEdges(MIntArray& edgeList, MStatus* ReturnStatus) const {
     edgeList.clear();
     setStatus(ReturnStatus, there() ? MStatus::kSuccess : MStatus::kFailure);
-    if (there()) fill(edgeList, edgesAround(*mesh_, index_));
+    if (there()) fill(edgeList, edgesAtEnds(*mesh_, index_));
     return static_cast<int>(edgeList.length());
 }
 
@@ -184,7 +184,7 @@ bool MItMeshEdge::connectedToEdge(int index, MStatus* ReturnStatus) {
     const bool known = there() && among(index, mesh_->numEdges());
     setStatus(ReturnStatus, known ? MStatus::kSuccess : MStatus::kInvalidParameter);
     if (!known) return false;
-    const auto edges = edgesAround(*mesh_, index_);
+    const auto edges = edgesAtEnds(*mesh_, index_);
     return std::binary_search(edges.begin(), edges.end(), index);
 }
 

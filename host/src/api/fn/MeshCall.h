@@ -3,10 +3,12 @@
 #include "api/fn/MeshAccess.h"
 #include "values/StatusOut.h"
 
+#include <maya/MFloatArray.h>
 #include <maya/MIntArray.h>
 
 #include <span>
 #include <type_traits>
+#include <vector>
 
 namespace host::api {
 
@@ -42,5 +44,10 @@ MStatus fill(Array& array, const Values& values, Convert convert) {
 inline MStatus fill(MIntArray& array, std::span<const int> values) {
     return fill(array, values, [](int v) { return v; });
 }
+
+inline std::span<const int> ints(const MIntArray& array) {
+    return {array.length() ? &*array.begin() : nullptr, array.length()};
+}
+inline std::vector<float> floats(const MFloatArray& array) { return {array.begin(), array.end()}; }
 
 } // namespace host::api

@@ -1,6 +1,6 @@
 #include <maya/MDagPath.h>
 
-#include "api/graph/Handle.h"
+#include "api/graph/DagTarget.h"
 #include "values/StatusOut.h"
 #include "values/Text.h"
 
@@ -9,20 +9,11 @@
 
 using namespace host;
 using host::api::Access;
+using host::api::DagTarget;
 using host::api::fromText;
 using scene::DagNode;
 
 namespace {
-
-struct Target {
-    std::shared_ptr<scene::Node> keep;
-    DagNode* dag;
-    Target(const MObject& o, MStatus* out) : keep(Access::dagNode(o)), dag(keep ? keep->dag() : nullptr) {
-        setStatus(out, dag ? MStatus::kSuccess : MStatus::kFailure);
-    }
-    explicit operator bool() const { return dag != nullptr; }
-    DagNode* operator->() const { return dag; }
-};
 
 std::vector<DagNode*> shapesBelow(const DagNode& node) {
     std::vector<DagNode*> shapes;
@@ -60,7 +51,7 @@ MDagPath MDagPath::getAPathTo(const MObject& node, MStatus* ReturnStatus) {
 }
 
 bool MDagPath::hasFn(MFn::Type type, MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     if (!t) return false;
     if (node_.hasFn(type)) return true;
     // A transform's path stands for the one shape below it, too.
@@ -69,36 +60,36 @@ bool MDagPath::hasFn(MFn::Type type, MStatus* ReturnStatus) const {
 }
 
 MFn::Type MDagPath::apiType(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return t ? node_.apiType() : MFn::kInvalid;
 }
 
 bool MDagPath::isValid(MStatus* ReturnStatus) const {
     setStatus(ReturnStatus, MStatus::kSuccess);
-    const Target t(node_, nullptr);
+    const DagTarget t(node_, nullptr);
     return t && t->inScene;
 }
 
 MObject MDagPath::node(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return t ? node_ : MObject();
 }
 
 MObject MDagPath::transform(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     if (!t) return MObject();
     return Access::object(t->isShape() ? t->parent : t.dag);
 }
 
 unsigned int MDagPath::length(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     unsigned int n = 0;
     for (const DagNode* d = t.dag; d && !d->isWorld(); d = d->parent) ++n;
     return n;
 }
 
 MStatus MDagPath::extendToShape() {
-    const Target t(node_, nullptr);
+    const DagTarget t(node_, nullptr);
     if (!t) return MStatus::kFailure;
     if (t->isShape()) return MStatus::kSuccess;
     const auto shapes = shapesBelow(*t.dag);
@@ -108,7 +99,7 @@ MStatus MDagPath::extendToShape() {
 }
 
 MStatus MDagPath::extendToShapeDirectlyBelow(unsigned int index) {
-    const Target t(node_, nullptr);
+    const DagTarget t(node_, nullptr);
     if (!t) return MStatus::kFailure;
     const auto shapes = shapesBelow(*t.dag);
     if (index >= shapes.size()) return MStatus::kInvalidParameter;
@@ -117,14 +108,14 @@ MStatus MDagPath::extendToShapeDirectlyBelow(unsigned int index) {
 }
 
 MStatus MDagPath::numberOfShapesDirectlyBelow(unsigned int& num) const {
-    const Target t(node_, nullptr);
+    const DagTarget t(node_, nullptr);
     if (!t) return MStatus::kFailure;
     num = static_cast<unsigned int>(shapesBelow(*t.dag).size());
     return MStatus::kSuccess;
 }
 
 MStatus MDagPath::push(const MObject& child) {
-    const Target t(node_, nullptr);
+    const DagTarget t(node_, nullptr);
     const auto c = Access::dagNode(child);
     if (!c || (t && c->dag()->parent != t.dag)) return MStatus::kInvalidParameter;
     node_ = child;
@@ -132,7 +123,7 @@ MStatus MDagPath::push(const MObject& child) {
 }
 
 MStatus MDagPath::pop(unsigned int num) {
-    const Target t(node_, nullptr);
+    const DagTarget t(node_, nullptr);
     DagNode* d = t.dag;
     for (; d && num > 0; --num) d = d->parent;
     if (!d || d->isWorld()) return MStatus::kFailure;
@@ -141,12 +132,12 @@ MStatus MDagPath::pop(unsigned int num) {
 }
 
 unsigned int MDagPath::childCount(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return t ? static_cast<unsigned int>(t->children.size()) : 0;
 }
 
 MObject MDagPath::child(unsigned int index, MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     if (!t || index >= t->children.size()) {
         setStatus(ReturnStatus, MStatus::kInvalidParameter);
         return MObject();
@@ -155,12 +146,12 @@ MObject MDagPath::child(unsigned int index, MStatus* ReturnStatus) const {
 }
 
 MMatrix MDagPath::inclusiveMatrix(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return t ? t->worldMatrix() : MMatrix();
 }
 
 MMatrix MDagPath::exclusiveMatrix(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return t ? t->parentMatrix() : MMatrix();
 }
 
@@ -180,7 +171,7 @@ MStatus MDagPath::set(const MDagPath& src) {
 }
 
 unsigned int MDagPath::pathCount(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return t ? 1 : 0;
 }
 
@@ -190,34 +181,34 @@ MStatus MDagPath::getPath(MDagPath& path, unsigned int i) const {
 }
 
 MString MDagPath::fullPathName(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return t ? fromText(t->fullPath()) : MString();
 }
 
 MString MDagPath::partialPathName(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return t ? fromText(t->partialPath()) : MString();
 }
 
 bool MDagPath::isInstanced(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return false;
 }
 
 unsigned int MDagPath::instanceNumber(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     return 0;
 }
 
 bool MDagPath::isVisible(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     for (DagNode* d = t.dag; d; d = d->parent)
         if (!d->visible() || d->intermediate()) return false;
     return t.dag != nullptr;
 }
 
 bool MDagPath::isTemplated(MStatus* ReturnStatus) const {
-    const Target t(node_, ReturnStatus);
+    const DagTarget t(node_, ReturnStatus);
     for (DagNode* d = t.dag; d; d = d->parent)
         if (d->templated()) return true;
     return false;

@@ -2,14 +2,12 @@
 
 #include <algorithm>
 
-using Base = maya_detail::ValueArray<MDagPath>;
-
 MDagPathArray::MDagPathArray() = default;
 MDagPathArray::MDagPathArray(const MDagPathArray& other) = default;
 MDagPathArray::MDagPathArray(unsigned int initialSize, const MDagPath& initialValue)
-    : Base(initialSize, initialValue) {}
+    : ValueArray(initialSize, initialValue) {}
 MDagPathArray::MDagPathArray(const MDagPath src[], unsigned int count)
-    : Base(src, count, [](const MDagPath& x) { return x; }) {}
+    : ValueArray(src, count, [](const MDagPath& x) { return x; }) {}
 MDagPathArray& MDagPathArray::operator=(const MDagPathArray& other) = default;
 
 MStatus MDagPathArray::get(MDagPath array[]) const {

@@ -3,11 +3,11 @@
 #include "api/fn/NumericTypes.h"
 #include "api/graph/DataTypes.h"
 #include "api/graph/Handle.h"
-#include "base/Units.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshNode.h"
 #include "values/StatusOut.h"
 #include "values/Text.h"
+#include "values/TimeTicks.h"
 
 #include <maya/MAngle.h>
 #include <maya/MArrayDataHandle.h>
@@ -225,10 +225,7 @@ float& MDataHandle::asFloat() const { return numberAt<float>(view_, NumericType:
 double& MDataHandle::asDouble() const { return numberAt<double>(view_, NumericType::Double); }
 MDistance MDataHandle::asDistance() const { return MDistance(asDouble(), MDistance::kCentimeters); }
 MAngle MDataHandle::asAngle() const { return MAngle(asDouble(), MAngle::kRadians); }
-MTime MDataHandle::asTime() const {
-    const MTime time(asDouble() / ticksPerSecond, MTime::kSeconds);
-    return MTime(time.as(MTime::uiUnit()), MTime::uiUnit());
-}
+MTime MDataHandle::asTime() const { return timeOf(asDouble()); }
 short2& MDataHandle::asShort2() const { return tupleAt<short2>(view_, NumericType::Short, 2); }
 long2& MDataHandle::asLong2() const { return tupleAt<long2>(view_, NumericType::Int, 2); }
 int2& MDataHandle::asInt2() const { return tupleAt<int2>(view_, NumericType::Int, 2); }
@@ -306,7 +303,7 @@ void MDataHandle::set(const MVector& v) { setNumbers(view_, v.x, v.y, v.z); }
 void MDataHandle::set(const MFloatVector& v) { setNumbers(view_, v.x, v.y, v.z); }
 void MDataHandle::set(const MDistance& v) { setNumbers(view_, v.asCentimeters()); }
 void MDataHandle::set(const MAngle& v) { setNumbers(view_, v.asRadians()); }
-void MDataHandle::set(const MTime& v) { setNumbers(view_, v.as(MTime::kSeconds) * ticksPerSecond); }
+void MDataHandle::set(const MTime& v) { setNumbers(view_, ticksOf(v)); }
 void MDataHandle::set(short a, short b) { setNumbers(view_, a, b); }
 void MDataHandle::set(int a, int b) { setNumbers(view_, a, b); }
 void MDataHandle::set(float a, float b) { setNumbers(view_, a, b); }

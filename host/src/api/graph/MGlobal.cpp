@@ -9,6 +9,7 @@
 #include "mel/Services.h"
 #include "values/StatusOut.h"
 #include "values/Text.h"
+#include "values/TimeTicks.h"
 
 #include <maya/MDagPath.h>
 #include <maya/MDoubleArray.h>
@@ -178,7 +179,7 @@ bool MGlobal::isSelected(MObject& object, MStatus* ReturnStatus) {
 }
 
 MStatus MGlobal::viewFrame(const MTime& time) {
-    Scene::current().setTime(time.as(MTime::kSeconds) * ticksPerSecond);
+    Scene::current().setTime(ticksOf(time));
     return MStatus::kSuccess;
 }
 

@@ -1,8 +1,8 @@
 #include "api/graph/Callbacks.h"
 #include "api/graph/Handle.h"
-#include "base/Units.h"
 #include "values/StatusOut.h"
 #include "values/Text.h"
+#include "values/TimeTicks.h"
 
 #include <maya/MDGMessage.h>
 #include <maya/MDagMessage.h>
@@ -201,8 +201,7 @@ MCallbackId addTime(MMessage::MTimeFunction func, void* data, MStatus* s) {
     return add(
         Topic::Time, nullptr, func,
         [func, data](void*) {
-            const MTime now(scene::Scene::current().time() / ticksPerSecond, MTime::kSeconds);
-            MTime time(now.as(MTime::uiUnit()), MTime::uiUnit());
+            MTime time = timeOf(scene::Scene::current().time());
             func(time, data);
         },
         s);

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 
-using Base = maya_detail::ValueArray<MObject>;
-
 MObjectArray::MObjectArray() = default;
 MObjectArray::MObjectArray(const MObjectArray& other) = default;
-MObjectArray::MObjectArray(unsigned int initialSize, const MObject& initialValue) : Base(initialSize, initialValue) {}
+MObjectArray::MObjectArray(unsigned int initialSize, const MObject& initialValue)
+    : ValueArray(initialSize, initialValue) {}
 MObjectArray::MObjectArray(const MObject src[], unsigned int count)
-    : Base(src, count, [](const MObject& x) { return x; }) {}
+    : ValueArray(src, count, [](const MObject& x) { return x; }) {}
 MObjectArray& MObjectArray::operator=(const MObjectArray& other) = default;
 
 MStatus MObjectArray::get(MObject array[]) const {

@@ -1,11 +1,11 @@
 #include <maya/MPlug.h>
 
 #include "api/graph/Handle.h"
-#include "base/Units.h"
 #include "scene/AnimCurve.h"
 #include "scene/Evaluation.h"
 #include "values/StatusOut.h"
 #include "values/Text.h"
+#include "values/TimeTicks.h"
 
 #include <maya/MAngle.h>
 #include <maya/MDataBlock.h>
@@ -104,7 +104,7 @@ void bring(Cell& cell, const MDGContext& ctx) {
     auto& s = cell.node.scene;
     const scene::UndoQueue::Suspend quiet(s.undo);
     const double now = s.time();
-    s.setTime(at.as(MTime::kSeconds) * ticksPerSecond);
+    s.setTime(ticksOf(at));
     scene::evaluate(cell);
     s.setTime(now);
 }
@@ -514,10 +514,7 @@ MStatus MPlug::getValue(MAngle& val, MDGContext& ctx) const {
 MStatus MPlug::getValue(MTime& val, MDGContext& ctx) const {
     double v = 0;
     const MStatus status = number(v, ctx);
-    if (status) {
-        const MTime time(v / ticksPerSecond, MTime::kSeconds);
-        val = MTime(time.as(MTime::uiUnit()), MTime::uiUnit());
-    }
+    if (status) val = timeOf(v);
     return status;
 }
 
@@ -575,7 +572,7 @@ MStatus MPlug::setValue(bool val) { return setNumber(*this, val ? 1 : 0); }
 MStatus MPlug::setValue(char val) { return setNumber(*this, val); }
 MStatus MPlug::setValue(MDistance& val) { return setNumber(*this, val.asCentimeters()); }
 MStatus MPlug::setValue(MAngle& val) { return setNumber(*this, val.asRadians()); }
-MStatus MPlug::setValue(MTime& val) { return setNumber(*this, val.as(MTime::kSeconds) * ticksPerSecond); }
+MStatus MPlug::setValue(MTime& val) { return setNumber(*this, ticksOf(val)); }
 MStatus MPlug::setValue(const char* val) { return setValue(MString(val)); }
 
 MStatus MPlug::setValue(MInt64 val) {
