@@ -24,6 +24,10 @@ else()
     # The API's headers are as documented: overriding members do not say so, and entry points of C linkage return MStatus.
     add_compile_options(-Wno-inconsistent-missing-override -Wno-return-type-c-linkage)
   endif()
+  if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Sources that are compiled several at a time look like headers to it.
+    add_compile_options(-Wno-subobject-linkage)
+  endif()
   if(ORVOSKY_WERROR)
     add_compile_options(-Werror)
   endif()

@@ -35,9 +35,9 @@ private:
 };
 
 /// outA = inA and outB = inB.
-class Pair final : public NodeBehavior {
+class CrossedPair final : public NodeBehavior {
 public:
-    explicit Pair(Node& node) : node_(node) {}
+    explicit CrossedPair(Node& node) : node_(node) {}
     bool compute(Cell& cell) override {
         Cell& input = node_.cell(cell.attribute.longName == "outA" ? "inA" : "inB");
         evaluate(input);
@@ -206,7 +206,7 @@ TEST_F(DependencyTest, WhatIsNotReadIsNoCycle) {
         for (const char* name : {"inA", "inB", "outA", "outB"})
             type->add(Attribute::number(name, name, NumericType::Double));
         type->affects({"inA", "inB"}, {"outA", "outB"});
-        type->makeBehavior = [](Node& node) { return std::make_unique<Pair>(node); };
+        type->makeBehavior = [](Node& node) { return std::make_unique<CrossedPair>(node); };
         scene.registerType(std::move(type));
     }
     chain(100);

@@ -3,8 +3,13 @@
 #include "Common/RandomGenerator.h"
 #include "SkyTool/clouds/CloudGeneration.h"
 
+#include <limits>
+
 /// Seeded clouds for tests and benchmarks.
 namespace orvo {
+
+inline constexpr double inf = std::numeric_limits<double>::infinity();
+inline constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 struct RandomCloud {
     std::vector<Matrix44> worldMatrices; ///< of the ellipsoids, in centimetres

@@ -1,3 +1,5 @@
+#include "Near.h"
+
 #include <maya/MEulerRotation.h>
 #include <maya/MMatrix.h>
 #include <maya/MQuaternion.h>
@@ -11,16 +13,7 @@
 
 namespace {
 
-constexpr double quarter = std::numbers::pi / 2.0;
 constexpr double tolerance = 1.0e-12;
-
-void expectNear(const MVector& actual, const MVector& expected, double within = tolerance) {
-    EXPECT_TRUE(actual.isEquivalent(expected, within)) << actual << " instead of " << expected;
-}
-
-void expectNear(const MMatrix& actual, const MMatrix& expected, double within = tolerance) {
-    EXPECT_TRUE(actual.isEquivalent(expected, within)) << actual << " instead of " << expected;
-}
 
 // Quarter turns by hand. About x: y -> z, z -> -y; about y: z -> x, x -> -z; about z: x -> y, y -> -x.
 struct OrderCase {
@@ -37,11 +30,12 @@ class EulerOrder : public testing::TestWithParam<OrderCase> {};
 TEST_P(EulerOrder, TurnsKnownVectors) {
     const OrderCase& c = GetParam();
     const MEulerRotation e(c.angles, c.order);
-    expectNear(c.from * e.asMatrix(), c.to);
-    expectNear(c.from.rotateBy(e), c.to);
-    expectNear(c.from.rotateBy(e.asQuaternion()), c.to);
+    expectNear(c.from * e.asMatrix(), c.to, tolerance);
+    expectNear(c.from.rotateBy(e), c.to, tolerance);
+    expectNear(c.from.rotateBy(e.asQuaternion()), c.to, tolerance);
     const double angles[]{c.angles.x, c.angles.y, c.angles.z};
-    expectNear(c.from.rotateBy(angles, static_cast<MTransformationMatrix::RotationOrder>(c.order + 1)), c.to);
+    expectNear(c.from.rotateBy(angles, static_cast<MTransformationMatrix::RotationOrder>(c.order + 1)), c.to,
+               tolerance);
 }
 
 const MVector X(1, 0, 0), Y(0, 1, 0), Z(0, 0, 1);

@@ -1,3 +1,5 @@
+#include "Near.h"
+
 #include <maya/MFloatMatrix.h>
 #include <maya/MMatrix.h>
 #include <maya/MPoint.h>
@@ -6,20 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include <numbers>
 #include <random>
 
 namespace {
-
-constexpr double quarter = std::numbers::pi / 2.0;
-
-void expectNear(const MMatrix& actual, const MMatrix& expected, double within = 1.0e-9) {
-    EXPECT_TRUE(actual.isEquivalent(expected, within)) << actual << " instead of " << expected;
-}
-
-void expectNear(const MPoint& actual, const MPoint& expected) {
-    EXPECT_TRUE(actual.isEquivalent(expected, 1.0e-9)) << actual << " instead of " << expected;
-}
 
 // The plain formula, multiplied out element by element.
 MMatrix translation(const MVector& v) {

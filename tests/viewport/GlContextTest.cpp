@@ -1,4 +1,3 @@
-#define GL_GLEXT_PROTOTYPES
 #include "viewport/GlContext.h"
 #include "viewport/OffscreenTarget.h"
 

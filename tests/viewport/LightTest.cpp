@@ -3,13 +3,10 @@
 #include "api/graph/Handle.h"
 
 #include <array>
-#include <numbers>
 
 namespace {
 
 using testing::ElementsAre;
-
-constexpr double degree = std::numbers::pi / 180;
 
 struct LightCase {
     const char* fault;

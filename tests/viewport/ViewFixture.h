@@ -18,8 +18,11 @@
 
 #include <functional>
 #include <map>
+#include <numbers>
 #include <string>
 #include <vector>
+
+inline constexpr double degree = std::numbers::pi / 180;
 
 /// What a draw is told.
 struct DrawCall {

@@ -1,9 +1,7 @@
-#define GL_GLEXT_PROTOTYPES
 #include "ViewFixture.h"
 
 #include <GL/glext.h>
 
-#include <numbers>
 #include <set>
 #include <stdexcept>
 
@@ -13,7 +11,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr double degree = std::numbers::pi / 180;
 const MColor red(1, 0, 0), green(0, 1, 0);
 
 /// A point of the world, the view it is seen in, and the pixel (from the top left) it must fall on.

@@ -6,14 +6,12 @@
 #include <hwy/targets.h>
 
 #include <cstring>
-#include <limits>
 #include <thread>
 
 using namespace orvo;
 
 namespace {
 
-constexpr double inf = std::numeric_limits<double>::infinity(), notANumber = std::numeric_limits<double>::quiet_NaN();
 const Vector3 slanted{0.6, 0.64, 0.48};
 
 /// Equal bits; a not-a-number matches any other.

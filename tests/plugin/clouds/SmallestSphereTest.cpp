@@ -4,13 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <limits>
 
 using namespace orvo;
 
 namespace {
-
-constexpr double inf = std::numeric_limits<double>::infinity(), notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// The smallest sphere of up to four points on whose surface they all lie, by solving for its centre
 /// a + sum of x_i (p_i - a) with full pivoting; a negative radius when there is none.

@@ -33,22 +33,22 @@ Bytes fileOf(const Header& h, std::size_t size) {
     return file;
 }
 
-struct Case {
+struct DdsCase {
     const char* name;
     Header header;
     std::size_t size; ///< the exact number of bytes behind the header
     GLenum format;    ///< 0: refused
     int components;
     std::vector<std::array<std::uint32_t, 3>> levels; ///< width, height, depth
-    friend void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
+    friend void PrintTo(const DdsCase& c, std::ostream* out) { *out << c.name; }
 };
 
-class DdsCases : public testing::TestWithParam<Case> {};
+class DdsCases : public testing::TestWithParam<DdsCase> {};
 
 // Fault: another format taken, a size or a count of levels believed, or levels counted wrongly: each file is read with
 // all its bytes, and with one byte less it is too short.
 TEST_P(DdsCases, AreReadOrRefused) {
-    const Case& c = GetParam();
+    const DdsCase& c = GetParam();
     CTexture picture;
     std::string problem;
     const Bytes file = fileOf(c.header, c.size);
@@ -79,39 +79,39 @@ constexpr GLenum dxt1 = GL_COMPRESSED_RGBA_S3TC_DXT1_EXT, dxt3 = GL_COMPRESSED_R
 INSTANTIATE_TEST_SUITE_P(
     Files, DdsCases,
     testing::Values(
-        Case{"Dxt1", {.width = 9, .height = 4, .flags = 4, .code = "DXT1"}, 24, dxt1, 3, {{9, 4, 1}}},
-        Case{"Dxt3", {.width = 1, .height = 5, .flags = 4, .code = "DXT3"}, 32, dxt3, 4, {{1, 5, 1}}},
-        Case{"Dxt5Levels",
-             {.width = 8, .height = 2, .levels = 4, .flags = 5, .code = "DXT5"},
-             32 + 16 + 16 + 16,
-             dxt5,
-             4,
-             {{8, 2, 1}, {4, 1, 1}, {2, 1, 1}, {1, 1, 1}}},
-        Case{
+        DdsCase{"Dxt1", {.width = 9, .height = 4, .flags = 4, .code = "DXT1"}, 24, dxt1, 3, {{9, 4, 1}}},
+        DdsCase{"Dxt3", {.width = 1, .height = 5, .flags = 4, .code = "DXT3"}, 32, dxt3, 4, {{1, 5, 1}}},
+        DdsCase{"Dxt5Levels",
+                {.width = 8, .height = 2, .levels = 4, .flags = 5, .code = "DXT5"},
+                32 + 16 + 16 + 16,
+                dxt5,
+                4,
+                {{8, 2, 1}, {4, 1, 1}, {2, 1, 1}, {1, 1, 1}}},
+        DdsCase{
             "EndlessLevels", {.levels = 0xffffffff, .bits = 8}, 21, GL_LUMINANCE, 1, {{4, 4, 1}, {2, 2, 1}, {1, 1, 1}}},
-        Case{"VolumeLevels",
-             {.width = 2, .height = 2, .depth = 8, .levels = 9, .bits = 8, .caps2 = 0x200000},
-             32 + 4,
-             GL_LUMINANCE,
-             1,
-             {{2, 2, 8}, {1, 1, 4}}},
-        Case{"CubeMap",
-             {.width = 2, .height = 2, .levels = 2, .bits = 24, .caps2 = 0xfe00},
-             6 * (12 + 3),
-             GL_BGR_EXT,
-             3,
-             {{2, 2, 1}, {1, 1, 1}}},
-        Case{"BgraWithAlpha", {.flags = 0x41, .bits = 32}, 64, GL_BGRA_EXT, 4, {{4, 4, 1}}},
-        Case{"BgraWithout", {.flags = 0x40, .bits = 32}, 64, GL_BGRA_EXT, 4, {{4, 4, 1}}},
-        Case{"Luminance", {.flags = 0x20000, .bits = 8}, 16, GL_LUMINANCE, 1, {{4, 4, 1}}},
-        Case{"Dxt2", {.flags = 4, .code = "DXT2"}, 64, 0, 0, {}}, Case{"Bits16", {.bits = 16}, 64, 0, 0, {}},
-        Case{"Bgr24WithAlphaFlag", {.flags = 0x41, .bits = 24}, 64, 0, 0, {}},
-        Case{"NoWidth", {.width = 0, .bits = 8}, 64, 0, 0, {}},
-        Case{"NoHeight", {.height = 0, .bits = 8}, 64, 0, 0, {}},
-        Case{"TooWide", {.width = 60000, .height = 1, .bits = 8}, 60000, 0, 0, {}},
-        Case{"Overflowing", {.width = 0x80000000, .height = 2, .flags = 4, .code = "DXT1"}, 64, 0, 0, {}},
-        Case{"LyingSize", {.width = 32768, .height = 32768, .flags = 0x41, .bits = 32}, 64, 0, 0, {}},
-        Case{"LyingDepth", {.depth = 32768, .bits = 32, .caps2 = 0x200000}, 64, 0, 0, {}}),
+        DdsCase{"VolumeLevels",
+                {.width = 2, .height = 2, .depth = 8, .levels = 9, .bits = 8, .caps2 = 0x200000},
+                32 + 4,
+                GL_LUMINANCE,
+                1,
+                {{2, 2, 8}, {1, 1, 4}}},
+        DdsCase{"CubeMap",
+                {.width = 2, .height = 2, .levels = 2, .bits = 24, .caps2 = 0xfe00},
+                6 * (12 + 3),
+                GL_BGR_EXT,
+                3,
+                {{2, 2, 1}, {1, 1, 1}}},
+        DdsCase{"BgraWithAlpha", {.flags = 0x41, .bits = 32}, 64, GL_BGRA_EXT, 4, {{4, 4, 1}}},
+        DdsCase{"BgraWithout", {.flags = 0x40, .bits = 32}, 64, GL_BGRA_EXT, 4, {{4, 4, 1}}},
+        DdsCase{"Luminance", {.flags = 0x20000, .bits = 8}, 16, GL_LUMINANCE, 1, {{4, 4, 1}}},
+        DdsCase{"Dxt2", {.flags = 4, .code = "DXT2"}, 64, 0, 0, {}}, DdsCase{"Bits16", {.bits = 16}, 64, 0, 0, {}},
+        DdsCase{"Bgr24WithAlphaFlag", {.flags = 0x41, .bits = 24}, 64, 0, 0, {}},
+        DdsCase{"NoWidth", {.width = 0, .bits = 8}, 64, 0, 0, {}},
+        DdsCase{"NoHeight", {.height = 0, .bits = 8}, 64, 0, 0, {}},
+        DdsCase{"TooWide", {.width = 60000, .height = 1, .bits = 8}, 60000, 0, 0, {}},
+        DdsCase{"Overflowing", {.width = 0x80000000, .height = 2, .flags = 4, .code = "DXT1"}, 64, 0, 0, {}},
+        DdsCase{"LyingSize", {.width = 32768, .height = 32768, .flags = 0x41, .bits = 32}, 64, 0, 0, {}},
+        DdsCase{"LyingDepth", {.depth = 32768, .bits = 32, .caps2 = 0x200000}, 64, 0, 0, {}}),
     [](const auto& c) { return std::string(c.param.name); });
 
 /// All that decides the pixel's colour and alpha: its block's end values and its indices into them.

@@ -27,20 +27,20 @@ Bytes operator+(Bytes a, const Bytes& b) {
     return a;
 }
 
-struct Case {
+struct TargaCase {
     const char* name;
     Bytes file;
     int bytesPerPixel; ///< 0: refused
     Bytes pixels;
-    friend void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
+    friend void PrintTo(const TargaCase& c, std::ostream* out) { *out << c.name; }
 };
 
-class TargaCases : public testing::TestWithParam<Case> {};
+class TargaCases : public testing::TestWithParam<TargaCase> {};
 
 // Fault: a corner of the first pixel ignored, a field before the pixels read as pixels, a packet cut at the row's end,
 // a type taken that is none of the four, or a file read beyond its end.
 TEST_P(TargaCases, AreReadOrRefused) {
-    const Case& c = GetParam();
+    const TargaCase& c = GetParam();
     CTargaImage picture;
     ASSERT_TRUE(picture.assign(1, 1, 1, {9}));
     EXPECT_EQ(picture.read(c.file), c.bytesPerPixel != 0);
@@ -56,32 +56,32 @@ Bytes withPalette() {
 
 INSTANTIATE_TEST_SUITE_P(
     Files, TargaCases,
-    testing::Values(Case{"BottomLeft", header(3, 2, 2, 8) + Bytes{1, 2, 3, 4}, 1, {1, 2, 3, 4}},
-                    Case{"BottomRight", header(3, 2, 2, 8, 0x10) + Bytes{1, 2, 3, 4}, 1, {2, 1, 4, 3}},
-                    Case{"TopLeft", header(3, 2, 2, 8, 0x20) + Bytes{1, 2, 3, 4}, 1, {3, 4, 1, 2}},
-                    Case{"TopRight", header(3, 2, 2, 8, 0x30) + Bytes{1, 2, 3, 4}, 1, {4, 3, 2, 1}},
-                    Case{"OddSidesTurned",
-                         header(2, 3, 1, 24, 0x30) + Bytes{1, 2, 3, 4, 5, 6, 7, 8, 9},
-                         3,
-                         {9, 8, 7, 6, 5, 4, 3, 2, 1}},
-                    Case{"IdAndPalette", withPalette(), 3, {10, 20, 30}},
-                    Case{"BlueGreenRedAlpha", header(2, 1, 1, 32, 8) + Bytes{1, 2, 3, 4}, 4, {3, 2, 1, 4}},
-                    Case{"PacketsAcrossRows",
-                         header(10, 3, 2, 24) + Bytes{0x83, 1, 2, 3, 0x01, 4, 5, 6, 7, 8, 9},
-                         3,
-                         {3, 2, 1, 3, 2, 1, 3, 2, 1, 3, 2, 1, 6, 5, 4, 9, 8, 7}},
-                    Case{"RunBeyondTheEnd", header(11, 2, 1, 8) + Bytes{0x82, 1}, 0, {}},
-                    Case{"LiteralsBeyondTheEnd", header(11, 2, 1, 8) + Bytes{0x02, 1, 2, 3}, 0, {}},
-                    Case{"LiteralsCutOff", header(11, 4, 1, 8) + Bytes{0x03, 1, 2, 3}, 0, {}},
-                    Case{"Palette", header(1, 1, 1, 8) + Bytes{1}, 0, {}}, Case{"Empty", {}, 0, {}},
-                    Case{"Huffman", header(32, 1, 1, 8) + Bytes{1}, 0, {}},
-                    Case{"Bits16", header(2, 1, 1, 16) + Bytes{1, 2}, 0, {}},
-                    Case{"NoWidth", header(2, 0, 1, 24) + Bytes{1, 2, 3}, 0, {}},
-                    Case{"NoHeight", header(3, 1, 0, 8) + Bytes{1, 2, 3}, 0, {}},
-                    Case{"TooWide", header(3, 60000, 1, 8) + Bytes(60000, 1), 0, {}},
-                    Case{"LyingSize", header(2, 32768, 32768, 32) + Bytes(100, 1), 0, {}},
-                    Case{"LyingPackedSize", header(10, 32768, 32768, 32) + Bytes(1000, 0xff), 0, {}},
-                    Case{"LyingId", header(3, 1, 1, 8, 0, 255) + Bytes{1, 2, 3}, 0, {}}),
+    testing::Values(TargaCase{"BottomLeft", header(3, 2, 2, 8) + Bytes{1, 2, 3, 4}, 1, {1, 2, 3, 4}},
+                    TargaCase{"BottomRight", header(3, 2, 2, 8, 0x10) + Bytes{1, 2, 3, 4}, 1, {2, 1, 4, 3}},
+                    TargaCase{"TopLeft", header(3, 2, 2, 8, 0x20) + Bytes{1, 2, 3, 4}, 1, {3, 4, 1, 2}},
+                    TargaCase{"TopRight", header(3, 2, 2, 8, 0x30) + Bytes{1, 2, 3, 4}, 1, {4, 3, 2, 1}},
+                    TargaCase{"OddSidesTurned",
+                              header(2, 3, 1, 24, 0x30) + Bytes{1, 2, 3, 4, 5, 6, 7, 8, 9},
+                              3,
+                              {9, 8, 7, 6, 5, 4, 3, 2, 1}},
+                    TargaCase{"IdAndPalette", withPalette(), 3, {10, 20, 30}},
+                    TargaCase{"BlueGreenRedAlpha", header(2, 1, 1, 32, 8) + Bytes{1, 2, 3, 4}, 4, {3, 2, 1, 4}},
+                    TargaCase{"PacketsAcrossRows",
+                              header(10, 3, 2, 24) + Bytes{0x83, 1, 2, 3, 0x01, 4, 5, 6, 7, 8, 9},
+                              3,
+                              {3, 2, 1, 3, 2, 1, 3, 2, 1, 3, 2, 1, 6, 5, 4, 9, 8, 7}},
+                    TargaCase{"RunBeyondTheEnd", header(11, 2, 1, 8) + Bytes{0x82, 1}, 0, {}},
+                    TargaCase{"LiteralsBeyondTheEnd", header(11, 2, 1, 8) + Bytes{0x02, 1, 2, 3}, 0, {}},
+                    TargaCase{"LiteralsCutOff", header(11, 4, 1, 8) + Bytes{0x03, 1, 2, 3}, 0, {}},
+                    TargaCase{"Palette", header(1, 1, 1, 8) + Bytes{1}, 0, {}}, TargaCase{"Empty", {}, 0, {}},
+                    TargaCase{"Huffman", header(32, 1, 1, 8) + Bytes{1}, 0, {}},
+                    TargaCase{"Bits16", header(2, 1, 1, 16) + Bytes{1, 2}, 0, {}},
+                    TargaCase{"NoWidth", header(2, 0, 1, 24) + Bytes{1, 2, 3}, 0, {}},
+                    TargaCase{"NoHeight", header(3, 1, 0, 8) + Bytes{1, 2, 3}, 0, {}},
+                    TargaCase{"TooWide", header(3, 60000, 1, 8) + Bytes(60000, 1), 0, {}},
+                    TargaCase{"LyingSize", header(2, 32768, 32768, 32) + Bytes(100, 1), 0, {}},
+                    TargaCase{"LyingPackedSize", header(10, 32768, 32768, 32) + Bytes(1000, 0xff), 0, {}},
+                    TargaCase{"LyingId", header(3, 1, 1, 8, 0, 255) + Bytes{1, 2, 3}, 0, {}}),
     [](const auto& c) { return std::string(c.param.name); });
 
 // Fault: a file of another tool decoded wrongly, or a cut one read beyond its end or taken for whole.
