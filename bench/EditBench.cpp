@@ -66,7 +66,7 @@ void OffSource(benchmark::State& state) {
 }
 BENCHMARK(OffSource)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-void OntoPlug(benchmark::State& state) {
+void putKeys(benchmark::State& state, bool backward) {
     Scene& scene = Scene::current();
     for (auto _ : state) {
         state.PauseTiming();
@@ -74,13 +74,17 @@ void OntoPlug(benchmark::State& state) {
         Cell& plug = scene.createNode(*scene.findType("transform"), "t")->cell("translate").child(0);
         state.ResumeTiming();
         const UndoQueue::Chunk chunk(scene.undo);
-        for (int i = 0; i < state.range(0); ++i) setKey(scene, plug, 250.0 * i, i, Tangent::Linear, Tangent::Linear);
+        for (int i = 0; i < state.range(0); ++i)
+            setKey(scene, plug, backward ? -250.0 * i : 250.0 * i, i, Tangent::Linear, Tangent::Linear);
         if (keysOf(*curveOf(plug)).size() != static_cast<std::size_t>(state.range(0)))
             state.SkipWithError("keys are missing");
     }
     scene.reset();
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
+void OntoPlug(benchmark::State& state) { putKeys(state, false); }
+void OntoPlugBackward(benchmark::State& state) { putKeys(state, true); }
+BENCHMARK(OntoPlugBackward)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(OntoPlug)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 } // namespace

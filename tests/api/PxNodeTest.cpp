@@ -4,6 +4,7 @@
 #include <maya/MDGModifier.h>
 #include <maya/MDataBlock.h>
 #include <maya/MDataHandle.h>
+#include <maya/MFnAnimCurve.h>
 #include <maya/MFnCompoundAttribute.h>
 #include <maya/MFnNumericAttribute.h>
 #include <maya/MFnTypedAttribute.h>
@@ -168,6 +169,24 @@ TEST_F(PxNodeTest, InternalAttributes) {
     EXPECT_EQ(user->typeId(), MTypeId(sumId));
     EXPECT_EQ(fn.pluginName(), "testPlugin");
     EXPECT_EQ(object("s").apiType(), MFn::kPluginDependNode);
+}
+
+// Fault: a curve left in the scene that was made for a plug which refuses it; other steps of the modifier lost with it.
+TEST_F(PxNodeTest, NoCurveStaysThatMayNotDriveItsPlug) {
+    MFnAnimCurve fn;
+    MStatus status;
+    EXPECT_TRUE(fn.create(plug("s.helper"), MFnAnimCurve::kAnimCurveTU, nullptr, &status).isNull());
+    EXPECT_FALSE(status);
+    EXPECT_TRUE(fn.object().isNull());
+    MDGModifier modifier;
+    modifier.newPlugValueDouble(plug("t.tx"), 3);
+    EXPECT_TRUE(fn.create(plug("s.helper"), MFnAnimCurve::kAnimCurveTU, &modifier, &status).isNull());
+    EXPECT_FALSE(status);
+    EXPECT_EQ(run("ls -type animCurve"), "");
+    EXPECT_EQ(run("getAttr t.tx"), "3");
+    EXPECT_TRUE(modifier.undoIt());
+    EXPECT_EQ(run("getAttr t.tx; "), "0");
+    EXPECT_EQ(run("ls -type animCurve"), "");
 }
 
 // Fault: a refused connection made, or a legal one refused; the node not told of what was made and broken.

@@ -4,7 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 
 using namespace host::scene;
 using testing::ElementsAre;
@@ -318,6 +320,47 @@ TEST_F(AnimCurve, RefusesWhatCannotBeAnimated) {
     for (const char* name : {"g.ty", "g.sy", "g.translate", "g.matrix", "g.worldMatrix"})
         EXPECT_THROW(setKey(scene, scene.findPlug(name), 0, 1, Tangent::Flat, Tangent::Flat), SceneError) << name;
     EXPECT_EQ(run("ls -type animCurve"), "");
+}
+
+// Catches keys that land at a wrong place when they come from behind, from the middle outward or scattered, go from
+// anywhere, or are taken back.
+TEST_F(AnimCurve, KeysComeAndGoInAnyOrder) {
+    constexpr int count = 301;
+    const std::vector<std::pair<const char*, int (*)(int)>> orders{
+        {"backward", [](int i) { return -i; }},
+        {"outward", [](int i) { return i % 2 ? i : -i; }},
+        {"inward", [](int i) { return i % 2 ? i - count : count - i; }},
+        {"scattered", [](int i) { return i * 97 % count; }}};
+    for (const auto& [name, order] : orders) {
+        run("delete g; group -em -n g");
+        std::map<double, double> expected, half;
+        const auto shown = [&] {
+            const auto keys = keysOf(*curveOf(plug()));
+            return std::map<double, double>(keys.begin(), keys.end());
+        };
+        for (int i = 0; i < count; ++i) {
+            if (i == count / 2) half = expected;
+            const UndoQueue::Chunk step(scene.undo);
+            key(order(i) * 250.0, i);
+            expected[order(i) * 250.0] = i;
+        }
+        EXPECT_EQ(shown(), expected) << name;
+        EXPECT_TRUE(std::ranges::is_sorted(keysOf(*curveOf(plug())))) << name;
+        EXPECT_EQ(run("getAttr -size " + curveOf(plug())->name + ".ktv"), std::to_string(count)) << name;
+        const auto all = expected;
+        int gone = 0;
+        for (auto it = expected.begin(); it != expected.end();) {
+            const UndoQueue::Chunk step(scene.undo);
+            const bool goes = order(static_cast<int>(it->second)) % 3 == 0;
+            if (goes) gone += removeKeys(scene, plug(), it->first, it->first);
+            it = goes ? expected.erase(it) : std::next(it);
+        }
+        EXPECT_EQ(shown(), expected) << name;
+        for (int i = 0; i < gone; ++i) scene.undo.undo();
+        EXPECT_EQ(shown(), all) << name;
+        for (int i = count / 2; i < count; ++i) scene.undo.undo();
+        EXPECT_EQ(shown(), half) << name;
+    }
 }
 
 // Catches a division by the time between two keys that a file has at one time.

@@ -55,9 +55,9 @@ std::string fingerprint(Scene& scene) {
         for (const auto& a : node->dynamicAttributes()) out << "  has " << a->longName << '\n';
         for (Cell* cell : node->cells()) describe(*cell, out);
         if (const CurveKeys* keys = curveKeys(*node))
-            for (const CurveKey& k : keys->keys())
-                out << "  key " << k.index << ' ' << k.time << ' ' << k.value << ' ' << int(k.in) << ' ' << int(k.out)
-                    << ' ' << k.given << '\n';
+            for (std::size_t i = 0; const CurveKey& k : keys->keys())
+                out << "  key " << keys->indexOf(i++) << ' ' << k.time << ' ' << k.value << ' ' << int(k.in) << ' '
+                    << int(k.out) << ' ' << k.given << '\n';
         if (const auto mesh = meshOf(*node))
             for (const auto& p : mesh->points()) out << "  " << p.x << ',' << p.y << ',' << p.z << '\n';
     }

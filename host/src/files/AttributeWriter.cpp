@@ -387,7 +387,8 @@ void AttributeWriter::listStates(Cell& list) {
 }
 
 void AttributeWriter::curve(Node& node) {
-    const std::vector<CurveKey>& keys = curveKeys(node)->keys();
+    const CurveKeys& curve = *curveKeys(node);
+    const auto keys = curve.keys();
     for (const char* name : {"keyTimeValue", "keyTanInType", "keyTanOutType", "keyTanLocked", "keyWeightLocked",
                              "keyTanInX", "keyTanInY", "keyTanOutX", "keyTanOutY", "keyBreakdown"}) {
         const CurveKey::List list = *curveList(name);
@@ -402,10 +403,11 @@ void AttributeWriter::curve(Node& node) {
                 continue;
             }
             std::size_t end = i + 1;
-            while (end < keys.size() && (keys[end].given & list) && keys[end].index == keys[end - 1].index + 1) ++end;
-            const std::size_t shift = static_cast<std::size_t>(keys[i].index) - i;
-            pieces(a.shortName, "", static_cast<std::size_t>(keys[i].index), end - i, first ? all : 0, 200,
-                   pairs ? 2 : 1, [&](std::size_t index, std::size_t k) {
+            while (end < keys.size() && (keys[end].given & list) && curve.indexOf(end) == curve.indexOf(end - 1) + 1)
+                ++end;
+            const auto from = static_cast<std::size_t>(curve.indexOf(i)), shift = from - i;
+            pieces(a.shortName, "", from, end - i, first ? all : 0, 200, pairs ? 2 : 1,
+                   [&](std::size_t index, std::size_t k) {
                        const CurveKey& key = keys[index - shift];
                        if (pairs)
                            number(*a.children[k], k == 0 ? key.time : key.value);

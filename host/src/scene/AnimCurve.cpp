@@ -61,8 +61,9 @@ public:
         const auto list = listOf(cell);
         if (!list) return false;
         if (cell.isArray()) {
-            for (const CurveKey& key : keys.keys())
-                if (key.given & *list) show(cell.element(key.index), key, *list);
+            const auto all = keys.keys();
+            for (std::size_t i = 0; i < all.size(); ++i)
+                if (all[i].given & *list) show(cell.element(keys.indexOf(i)), all[i], *list);
             for (auto& [index, element] : cell.elements)
                 if (!has(*list, index)) hide(*element);
             cell.dirty = false;
@@ -85,7 +86,6 @@ public:
         const CurveKey* there = keys.find(index);
         const std::optional<CurveKey> before = there ? std::optional(*there) : std::nullopt;
         CurveKey after = before.value_or(CurveKey{});
-        after.index = index;
         after.given = static_cast<std::uint16_t>(after.given | *list);
         if (*list == CurveKey::TimeValue)
             (cell.attribute.childIndex == 0 ? after.time : after.value) = n->get();
@@ -107,16 +107,18 @@ public:
     }
 
     CurveKeys::Shape shape() const {
-        const auto number = [&](const char* name) {
-            const Attribute& a = *node_.type.find(name);
-            Cell* c = node_.existingCell(a);
-            return static_cast<int>(c ? c->number() : std::get<Numeric>(a.defaultValue).get());
+        // Looked up once: a curve is evaluated far more often than it is shaped.
+        if (!settings_[0])
+            std::ranges::transform(settingNames, settings_, [this](const char* n) { return node_.type.find(n); });
+        const auto number = [&](std::size_t k) {
+            Cell* c = node_.existingCell(*settings_[k]);
+            return static_cast<int>(c ? c->number() : std::get<Numeric>(settings_[k]->defaultValue).get());
         };
         CurveKeys::Shape s;
-        s.weighted = number("weightedTangents") != 0;
-        if (const int tangent = number("tangentType"); tangent != 0) s.tangent = static_cast<Tangent>(tangent);
-        s.pre = static_cast<Infinity>(number("preInfinity"));
-        s.post = static_cast<Infinity>(number("postInfinity"));
+        s.weighted = number(0) != 0;
+        if (const int tangent = number(1); tangent != 0) s.tangent = static_cast<Tangent>(tangent);
+        s.pre = static_cast<Infinity>(number(2));
+        s.post = static_cast<Infinity>(number(3));
         s.perSecond = overTime_ ? ticksPerSecond : 1;
         // As the user sees them: in degrees, centimetres, or without a unit.
         constexpr double close = 0.05;
@@ -160,13 +162,16 @@ private:
 
     void put(int index, const std::optional<CurveKey>& key) {
         if (key)
-            keys.insert(*key);
+            keys.insert(index, *key);
         else
             keys.erase(index);
         curveChanged(node_);
     }
 
+    static constexpr const char* settingNames[] = {"weightedTangents", "tangentType", "preInfinity", "postInfinity"};
+
     Node& node_;
+    mutable const Attribute* settings_[std::size(settingNames)] = {};
     bool overTime_;
 };
 
@@ -176,31 +181,30 @@ CurveBehavior* behaviorOf(Node& curve) { return dynamic_cast<CurveBehavior*>(cur
 class KeyEdit {
 public:
     KeyEdit(Scene& scene, Node& curve) : scene_(scene), curve_(curve), keys_(behaviorOf(curve)->keys) {
-        const auto &timed = keys_.timed(), &keys = keys_.keys();
-        // Their indices ascend from 0 or more, so that the last one tells of all.
-        if (&timed == &keys && (keys.empty() || keys.back().index == static_cast<int>(keys.size()) - 1)) return;
-        assign(timed);
+        if (keys_.numbered()) return;
+        const auto timed = keys_.timed();
+        assign({timed.begin(), timed.end()});
     }
 
-    const std::vector<CurveKey>& keys() const { return keys_.keys(); }
+    std::span<const CurveKey> keys() const { return keys_.keys(); }
     /// Puts others in the place of all; they are in the order of their times.
     void assign(std::vector<CurveKey> after) {
-        for (std::size_t i = 0; i < after.size(); ++i) after[i].index = static_cast<int>(i);
         carryOut([after](CurveKeys& keys) { keys.assign(after); },
-                 [before = keys_.keys()](CurveKeys& keys) { keys.assign(before); });
+                 [before = keys_](CurveKeys& keys) { keys = before; });
     }
-    void replace(const CurveKey& key) {
-        const CurveKey before = *keys_.find(key.index);
-        carryOut([key](CurveKeys& keys) { keys.insert(key); }, [before](CurveKeys& keys) { keys.insert(before); });
+    void replace(int index, const CurveKey& key) {
+        const CurveKey before = *keys_.find(index);
+        carryOut([index, key](CurveKeys& keys) { keys.insert(index, key); },
+                 [index, before](CurveKeys& keys) { keys.insert(index, before); });
     }
-    void add(const CurveKey& key) {
-        carryOut([key](CurveKeys& keys) { keys.insertAndShift(key); },
-                 [key](CurveKeys& keys) { keys.eraseAndShift(key.index); });
+    void add(int index, const CurveKey& key) {
+        carryOut([index, key](CurveKeys& keys) { keys.insertAndShift(index, key); },
+                 [index](CurveKeys& keys) { keys.eraseAndShift(index); });
     }
     void remove(int index) {
         const CurveKey before = *keys_.find(index);
         carryOut([index](CurveKeys& keys) { keys.eraseAndShift(index); },
-                 [before](CurveKeys& keys) { keys.insertAndShift(before); });
+                 [index, before](CurveKeys& keys) { keys.insertAndShift(index, before); });
     }
 
 private:
@@ -319,16 +323,16 @@ bool isEarlier(const CurveKey& a, const CurveKey& b) { return a.time < b.time; }
 } // namespace
 
 int addKey(Scene& scene, Node& curve, const CurveKey& key) {
-    CurveKey placed = whole(key);
+    const CurveKey placed = whole(key);
     KeyEdit edit(scene, curve);
-    const auto& keys = edit.keys();
+    const auto keys = edit.keys();
     const auto place = std::lower_bound(keys.begin(), keys.end(), key, isEarlier);
-    placed.index = static_cast<int>(place - keys.begin());
+    const auto index = static_cast<int>(place - keys.begin());
     if (place != keys.end() && place->time == key.time)
-        edit.replace(placed);
+        edit.replace(index, placed);
     else
-        edit.add(placed);
-    return placed.index;
+        edit.add(index, placed);
+    return index;
 }
 
 void addKeys(Scene& scene, Node& curve, std::vector<CurveKey> keys, bool keepOthers) {
@@ -353,12 +357,7 @@ void addKeys(Scene& scene, Node& curve, std::vector<CurveKey> keys, bool keepOth
     edit.assign(std::move(after));
 }
 
-void changeKey(Scene& scene, Node& curve, int place, const CurveKey& key) {
-    KeyEdit edit(scene, curve);
-    CurveKey placed = key;
-    placed.index = place;
-    edit.replace(placed);
-}
+void changeKey(Scene& scene, Node& curve, int place, const CurveKey& key) { KeyEdit(scene, curve).replace(place, key); }
 
 void removeKey(Scene& scene, Node& curve, int place) { KeyEdit(scene, curve).remove(place); }
 
@@ -382,7 +381,7 @@ void setKey(Scene& scene, Cell& plug, double time, double value, Tangent in, Tan
 void setCurveKey(Scene& scene, Node& curve, double time, double value, Tangent in, Tangent out) {
     if (std::isnan(time)) throw SceneError("The time of a key must be a number.");
     KeyEdit edit(scene, curve);
-    const auto& keys = edit.keys();
+    const auto keys = edit.keys();
     const auto place =
         std::lower_bound(keys.begin(), keys.end(), time, [](const CurveKey& k, double t) { return k.time < t; });
     const bool there = place != keys.end() && place->time == time;
@@ -405,19 +404,18 @@ void setCurveKey(Scene& scene, Node& curve, double time, double value, Tangent i
     key.in = static_cast<std::uint8_t>(in);
     key.out = static_cast<std::uint8_t>(out);
     key.given = static_cast<std::uint16_t>(key.given | CurveKey::TimeValue | CurveKey::InType | CurveKey::OutType);
-    if (there) {
-        edit.replace(key);
-    } else {
-        key.index = static_cast<int>(place - keys.begin());
-        edit.add(key);
-    }
+    const auto index = static_cast<int>(place - keys.begin());
+    if (there)
+        edit.replace(index, key);
+    else
+        edit.add(index, key);
 }
 
 int removeKeys(Scene& scene, Cell& plug, double first, double last) {
     Node* curve = curveOf(plug);
     if (!curve) return 0;
     const auto gone = [&](const CurveKey& k) { return k.time >= first && k.time <= last; };
-    const auto& timed = curveKeys(*curve)->timed();
+    const auto timed = curveKeys(*curve)->timed();
     const auto count = std::count_if(timed.begin(), timed.end(), gone);
     if (count == 0) return 0;
     if (count == static_cast<std::ptrdiff_t>(timed.size())) {

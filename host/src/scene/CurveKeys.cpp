@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <numeric>
 
 namespace host::scene {
 namespace {
@@ -45,79 +47,147 @@ double parameterAt(double first, double second, double height) {
 
 } // namespace
 
-std::vector<CurveKey>::iterator CurveKeys::place(int index) {
-    if (keys_.empty() || keys_.back().index < index) return keys_.end();
-    return std::lower_bound(keys_.begin(), keys_.end(), index, [](const CurveKey& k, int i) { return k.index < i; });
+void KeyRow::insert(std::size_t place, const CurveKey& key) {
+    // Doubling would leave more free than the keys take.
+    const std::size_t room = size() / 4 + 8;
+    const bool front = place < size() - place;
+    if (front && first_ == 0) {
+        std::vector<CurveKey> wider;
+        wider.reserve(room + keys_.size());
+        wider.resize(room);
+        wider.insert(wider.end(), keys_.begin(), keys_.end());
+        keys_ = std::move(wider);
+        first_ = room;
+    }
+    const auto begin = keys_.begin() + static_cast<std::ptrdiff_t>(first_);
+    if (front) {
+        std::copy(begin, begin + static_cast<std::ptrdiff_t>(place), begin - 1);
+        --first_;
+        (*this)[place] = key;
+        return;
+    }
+    if (keys_.size() == keys_.capacity()) keys_.reserve(keys_.size() + room);
+    keys_.insert(keys_.begin() + static_cast<std::ptrdiff_t>(first_ + place), key);
+}
+
+void KeyRow::erase(std::size_t place) {
+    const auto begin = keys_.begin() + static_cast<std::ptrdiff_t>(first_),
+               at = begin + static_cast<std::ptrdiff_t>(place);
+    if (place >= size() - 1 - place) {
+        keys_.erase(at);
+        return;
+    }
+    std::copy_backward(begin, at, at + 1);
+    ++first_;
+}
+
+void KeyRow::assign(std::vector<CurveKey> keys) {
+    keys_ = std::move(keys);
+    first_ = 0;
+}
+
+std::size_t CurveKeys::place(int index) const {
+    if (indices_.empty()) return std::min(static_cast<std::size_t>(std::max(index, 0)), row_.size());
+    if (indices_.back() < index) return indices_.size();
+    return static_cast<std::size_t>(std::lower_bound(indices_.begin(), indices_.end(), index) - indices_.begin());
 }
 
 const CurveKey* CurveKeys::find(int index) const {
-    const auto at = const_cast<CurveKeys*>(this)->place(index);
-    return at != keys_.end() && at->index == index ? &*at : nullptr;
+    const std::size_t at = place(index);
+    return has(at, index) ? &row_[at] : nullptr;
+}
+
+CurveKey& CurveKeys::put(std::size_t at, int index, const CurveKey& key, int shift) {
+    const bool follows = indices_.empty() && index == static_cast<int>(at) && (shift == 1 || at == row_.size());
+    if (!follows) {
+        if (indices_.empty()) {
+            indices_.resize(row_.size());
+            std::iota(indices_.begin(), indices_.end(), 0);
+        }
+        const auto behind = indices_.begin() + static_cast<std::ptrdiff_t>(at);
+        for (auto it = behind; it != indices_.end(); ++it) *it += shift;
+        indices_.insert(behind, index);
+    }
+    row_.insert(at, key);
+    return row_[at];
+}
+
+void CurveKeys::take(std::size_t at, int shift) {
+    checked_ = checked_ && inOrder_;
+    const bool closes = indices_.empty() && (shift == 1 || at + 1 == row_.size());
+    if (!closes) {
+        if (indices_.empty()) {
+            indices_.resize(row_.size());
+            std::iota(indices_.begin(), indices_.end(), 0);
+        }
+        const auto behind = indices_.erase(indices_.begin() + static_cast<std::ptrdiff_t>(at));
+        for (auto it = behind; it != indices_.end(); ++it) *it -= shift;
+    }
+    row_.erase(at);
 }
 
 CurveKey& CurveKeys::at(int index) {
     checked_ = false;
-    auto at = place(index);
-    if (at != keys_.end() && at->index == index) return *at;
-    CurveKey key;
-    key.index = index;
-    if (keys_.size() == keys_.capacity()) {
-        // Doubling would leave more free than the keys take.
-        const auto offset = at - keys_.begin();
-        keys_.reserve(keys_.size() + keys_.size() / 4 + 8);
-        at = keys_.begin() + offset;
-    }
-    return *keys_.insert(at, key);
+    const std::size_t at = place(index);
+    return has(at, index) ? row_[at] : put(at, index, {}, 0);
 }
 
-void CurveKeys::insert(const CurveKey& key) {
+void CurveKeys::insert(int index, const CurveKey& key) {
+    const std::size_t at = place(index);
     const bool known = checked_ && inOrder_;
-    CurveKey& there = at(key.index);
-    there = key;
-    if (!known) return;
+    if (has(at, index))
+        row_[at] = key;
+    else
+        put(at, index, key, 0);
+    noteNew(at, known);
+}
+
+void CurveKeys::noteNew(std::size_t at, bool known) {
     // Among keys in order only its neighbours can be out of order with it.
-    const auto i = static_cast<std::size_t>(&there - keys_.data());
-    checked_ = counts(key) && (i == 0 || !earlier(key, keys_[i - 1])) &&
-               (i + 1 == keys_.size() || !earlier(keys_[i + 1], key));
+    const CurveKey& key = row_[at];
+    checked_ = known && counts(key) && (at == 0 || !earlier(key, row_[at - 1])) &&
+               (at + 1 == row_.size() || !earlier(row_[at + 1], key));
 }
 
 void CurveKeys::erase(int index) {
-    checked_ = checked_ && inOrder_;
-    const auto at = place(index);
-    if (at != keys_.end() && at->index == index) keys_.erase(at);
+    const std::size_t at = place(index);
+    if (has(at, index)) take(at, 0);
 }
 
-void CurveKeys::insertAndShift(const CurveKey& key) {
-    for (auto at = place(key.index); at != keys_.end(); ++at) ++at->index;
-    insert(key);
+void CurveKeys::insertAndShift(int index, const CurveKey& key) {
+    const std::size_t at = place(index);
+    const bool known = checked_ && inOrder_;
+    put(at, index, key, 1);
+    noteNew(at, known);
 }
 
 void CurveKeys::eraseAndShift(int index) {
-    erase(index);
-    for (auto at = place(index); at != keys_.end(); ++at) --at->index;
+    const std::size_t at = place(index);
+    if (has(at, index)) take(at, 1);
 }
 
 void CurveKeys::assign(std::vector<CurveKey> keys) {
     checked_ = false;
-    keys_ = std::move(keys);
+    row_.assign(std::move(keys));
+    indices_ = {};
 }
 
-const std::vector<CurveKey>& CurveKeys::timed() const {
+std::span<const CurveKey> CurveKeys::timed() const {
     if (!checked_) {
-        inOrder_ =
-            std::all_of(keys_.begin(), keys_.end(), counts) && std::is_sorted(keys_.begin(), keys_.end(), earlier);
+        const auto keys = row_.all();
+        inOrder_ = std::all_of(keys.begin(), keys.end(), counts) && std::is_sorted(keys.begin(), keys.end(), earlier);
         sorted_ = {};
         if (!inOrder_) {
-            std::copy_if(keys_.begin(), keys_.end(), std::back_inserter(sorted_), counts);
+            std::copy_if(keys.begin(), keys.end(), std::back_inserter(sorted_), counts);
             std::stable_sort(sorted_.begin(), sorted_.end(), earlier);
         }
         checked_ = true;
     }
-    return inOrder_ ? keys_ : sorted_;
+    return inOrder_ ? row_.all() : sorted_;
 }
 
 double CurveKeys::slope(std::size_t k, bool out, const Shape& shape) const {
-    const auto& keys = timed();
+    const auto keys = timed();
     const CurveKey& key = keys[k];
     const bool first = k == 0, last = k + 1 >= keys.size();
     if (first && last && kind(key, out, shape) != Tangent::Fixed) return 0;
@@ -153,7 +223,7 @@ double CurveKeys::slope(std::size_t k, bool out, const Shape& shape) const {
 
 /// A weighted segment: a Bezier curve in time and value.
 double CurveKeys::weightedSegment(std::size_t k, double time, const Shape& shape) const {
-    const auto& keys = timed();
+    const auto keys = timed();
     const CurveKey &a = keys[k], &b = keys[k + 1];
     const double span = b.time - a.time;
     // As fractions of the segment's time, with the values; tangents that are made here reach a third of the way.
@@ -180,7 +250,7 @@ double CurveKeys::weightedSegment(std::size_t k, double time, const Shape& shape
 }
 
 double CurveKeys::inside(double time, const Shape& shape) const {
-    const auto& keys = timed();
+    const auto keys = timed();
     const auto after =
         std::upper_bound(keys.begin(), keys.end(), time, [](double t, const CurveKey& k) { return t < k.time; });
     if (after == keys.begin()) return keys.front().value;
@@ -198,7 +268,7 @@ double CurveKeys::inside(double time, const Shape& shape) const {
 }
 
 double CurveKeys::value(double time, const Shape& shape) const {
-    const auto& keys = timed();
+    const auto keys = timed();
     if (keys.empty()) return 0;
     const double first = keys.front().time, last = keys.back().time, span = last - first;
     const bool before = time < first;

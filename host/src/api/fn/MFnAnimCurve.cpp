@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace host;
 using host::api::Access;
@@ -99,7 +100,7 @@ MStatus put(const MObject& object, bool timed, bool timeValue, double at, double
 }
 
 std::optional<unsigned int> keyAt(const Target& curve, double at) {
-    const auto& keys = curve.keys->timed();
+    const auto keys = curve.keys->timed();
     const auto found = std::lower_bound(keys.begin(), keys.end(), at - sameTime,
                                         [](const CurveKey& k, double t) { return k.time < t; });
     if (found == keys.end() || found->time > at + sameTime) return std::nullopt;
@@ -120,7 +121,7 @@ unsigned int closest(const MObject& object, bool timed, double at, MStatus* stat
     const bool fits = curve && overTime(*curve.node) == timed && !curve.keys->timed().empty();
     setStatus(status, curve.status(fits));
     if (!fits) return 0;
-    const auto& keys = curve.keys->timed();
+    const auto keys = curve.keys->timed();
     auto found = std::lower_bound(keys.begin(), keys.end(), at, [](const CurveKey& k, double t) { return k.time < t; });
     if (found == keys.end() || (found != keys.begin() && at - std::prev(found)->time <= found->time - at)) --found;
     return static_cast<unsigned int>(found - keys.begin());
@@ -250,7 +251,16 @@ MObject MFnAnimCurve::create(const MPlug& plug, AnimCurveType animCurveType, MDG
         status = api::guarded([&] { cell->node.scene.connect(*from, *cell); });
     }
     if (ReturnStatus) *ReturnStatus = status;
-    return status ? object_ : MObject();
+    if (status) return object_;
+    // Nothing stays of a curve that may not drive the plug.
+    const MObject unused = std::exchange(object_, MObject());
+    if (modifier && !unused.isNull()) {
+        modifier->deleteNode(unused);
+        modifier->doIt();
+    } else if (const auto node = Access::node(unused)) {
+        api::guarded([&] { node->scene.deleteNodes({node.get()}); });
+    }
+    return MObject();
 }
 
 MObject MFnAnimCurve::create(const MPlug& plug, MDGModifier* modifier, MStatus* ReturnStatus) {
@@ -319,7 +329,7 @@ bool MFnAnimCurve::isStatic(MStatus* ReturnStatus) const {
     const Target curve(object_);
     setStatus(ReturnStatus, curve.status(true));
     if (!curve) return false;
-    const auto& keys = curve.keys->timed();
+    const auto keys = curve.keys->timed();
     for (unsigned int i = 0; i < keys.size(); ++i)
         if (keys[i].value != keys.front().value || vectorOf(curve, i, true).second != 0 ||
             vectorOf(curve, i, false).second != 0)
