@@ -141,6 +141,27 @@ TEST_F(ReferenceTest, CommandsMakeAskAndRemove) {
     EXPECT_THAT(texts("ls -type reference"), ElementsAre());
 }
 
+// Fault: of several references to one file another one asked, removed or loaded than the one that was named.
+TEST_F(ReferenceTest, CopiesOfOneFileAreToldApart) {
+    EXPECT_EQ(text("file -r -ns \"level\" \"level.ma\""), path("scenes/level.ma")); // which has prop.ma
+    const std::string first = path("scenes/prop.ma");
+    for (const char* copy : {"{1}", "{2}", "{3}"}) EXPECT_EQ(text("file -r -ns \"a\" \"prop.ma\""), first + copy);
+    EXPECT_THAT(texts("file -q -r"), ElementsAre(path("scenes/level.ma"), first + "{1}", first + "{2}", first + "{3}"));
+    EXPECT_EQ(text("referenceQuery -f a1:cup"), first + "{2}");
+    EXPECT_EQ(text("referenceQuery -f -wcn -shn a1:cup"), "prop.ma");
+    EXPECT_EQ(text("referenceQuery -f level:prop:cup"), first);
+    EXPECT_EQ(text("file -q -ns \"" + first + "{2}\""), "a1");
+    EXPECT_THAT(texts("ls -rf"), ElementsAre("a1RN", "a2RN", "aRN", "level:propRN", "levelRN"));
+    EXPECT_THAT(texts("ls -rn -tr \"*:cup\""), ElementsAre("a1:cup", "a2:cup", "a:cup"));
+    run("setAttr a1:cup.ty 8; file -ur \"" + first + "{2}\"; file -lr a1RN");
+    EXPECT_EQ(text("referenceQuery -f a1:cup"), first + "{2}");
+    EXPECT_EQ(number("getAttr a1:cup.ty"), 8);
+    run("file -rr \"" + first + "{2}\"");
+    EXPECT_THAT(texts("ls \"*:cup\" \"*:*:cup\""), ElementsAre("a2:cup", "a:cup", "level:prop:cup"));
+    run("file -rr \"" + first + "\""); // the file alone: the scene's own
+    EXPECT_THAT(texts("ls \"*:cup\" \"*:*:cup\""), ElementsAre("a2:cup", "level:prop:cup"));
+}
+
 // Faults: edits, connections or children that are lost while a reference is not loaded, or come back twice; nodes of
 // the scene that go with it; a reference that cannot be read any more and is gone.
 TEST_F(ReferenceTest, SingleReferencesAreUnloadedAndLoaded) {

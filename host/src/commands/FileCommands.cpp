@@ -142,14 +142,15 @@ Value referFile(const ParsedArguments& a, const std::string& name) {
     options.project = workspace().root();
     const auto created =
         files::SceneReader(theScene(), std::move(options)).refer(path, names.nameSpace, names.node).created;
-    if (const Reference* made = References::of(theScene()).named(names.node); !made || !made->loaded) {
+    const Reference* made = References::of(theScene()).named(names.node);
+    if (!made || !made->loaded) {
         if (made) removeReference(names.node);
         throw Error("file: no reference to '" + path + "' could be made.");
     }
-    if (!a.has("rnn")) return path;
-    StringArray made;
-    for (const NodePtr& node : created) made.push_back(nameOf(*node, true));
-    return made;
+    if (!a.has("rnn")) return fileOf(*made);
+    StringArray nodes;
+    for (const NodePtr& node : created) nodes.push_back(nameOf(*node, true));
+    return nodes;
 }
 
 /// Reads the file of a reference, anew when it has been read; or gives up what it brought, until it is loaded.
@@ -176,7 +177,7 @@ Value loadReference(const ParsedArguments& a, bool load) {
     const Reference* made = References::of(theScene()).named(node);
     if (!made || made->loaded != load) throw Error("file: the reference '" + node + "' could not be loaded.");
     callbacks.tell(load ? Scenes::kAfterLoadReference : Scenes::kAfterUnloadReference);
-    return made->path.empty() ? made->file : made->path.generic_string();
+    return fileOf(*made);
 }
 
 /// What goes along with the selected nodes: what is below and above them, what they are computed from, and their

@@ -21,12 +21,26 @@ Reference& referenceNamed(const std::string& name) {
     if (Reference* r = references().named(name)) return *r;
     if (const Node* node = theScene().findNode(name))
         if (Reference* r = references().of(*node)) return *r;
-    for (const auto& r : references().all())
-        if (r->file == name || r->path == name) return *r;
+    // The file alone means the first reference to it: the scene's own before those that others bring.
+    const auto [file, copy] = splitCopy(name);
+    Reference* found = nullptr;
+    for (const auto& r : references().all()) {
+        if (r->path != file && splitCopy(r->file).first != file) continue;
+        if (r->copy == copy && (!r->nested || file != name)) return *r;
+        if (file == name && (!found || (found->nested && !r->nested))) found = r.get();
+    }
+    if (found) return *found;
     throw Error("'" + name + "' belongs to no reference.");
 }
 
-std::string withoutCopyNumber(const std::string& file) { return file.substr(0, file.find('{')); }
+std::string withoutCopyNumber(const std::string& file) { return splitCopy(file).first; }
+
+/// The name of the reference's file, which no other reference answers to.
+std::string fileOf(const Reference& r, bool asWritten) {
+    if (r.path.empty()) return r.file;
+    const std::string file = asWritten ? withoutCopyNumber(r.file) : r.path.generic_string();
+    return r.copy > 0 ? file + "{" + std::to_string(r.copy) + "}" : file;
+}
 
 std::vector<NodePtr> nodesOf(const Reference& reference) {
     std::vector<NodePtr> nodes;
@@ -62,8 +76,8 @@ Value referenceQuery(Call& call) {
         return found;
     }
     if (!args.has("f")) throw Error("referenceQuery was not told what to query.");
-    const std::string written = args.has("wcn") ? withoutCopyNumber(r->file) : r->file;
-    const std::string file = args.has("un") || r->path.empty() ? written : r->path.generic_string();
+    std::string file = fileOf(*r, args.has("un"));
+    if (args.has("wcn")) file = withoutCopyNumber(file);
     return args.has("shn") ? file.substr(file.rfind('/') + 1) : file;
 }
 
@@ -156,10 +170,12 @@ Value namespaceInfo(Call& call) {
 
 } // namespace
 
+std::string fileOf(const Reference& reference) { return fileOf(reference, false); }
+
 StringArray referencedFiles() {
     StringArray files;
     for (const auto& r : references().all())
-        if (!r->nested) files.push_back(r->path.empty() ? r->file : r->path.generic_string());
+        if (!r->nested) files.push_back(fileOf(*r));
     return files;
 }
 

@@ -4,10 +4,16 @@
 
 #include <string>
 
+namespace host::scene {
+struct Reference;
+}
+
 namespace host::mel {
 
 /// What `file` does with references.
 /// @{
+/// The name of a reference's file, which no other reference answers to: "/p/prop.ma{1}" for the second one to a file.
+std::string fileOf(const scene::Reference& reference);
 /// The files that the scene refers to itself, in their order.
 StringArray referencedFiles();
 /// The reference node or the namespace of the reference of a file, a node or a name. Throws Error.

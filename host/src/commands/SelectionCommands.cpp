@@ -47,6 +47,7 @@ public:
         if (args_.has("dn") && !node.isDefault) return false;
         if (args_.has("ud") && !node.isDefault) return false;
         if (args_.has("ln") && !node.locked) return false;
+        if (args_.has("rn") && !node.referenced) return false;
         const auto isA = [&](const std::string& type) { return node.type.isA(type); };
         if (std::ranges::any_of(excluded_, isA)) return false;
         if (!byKind()) return true;
@@ -59,8 +60,9 @@ private:
     struct Kind {
         const char *flag, *type;
     };
-    static constexpr Kind kKinds[] = {{"tr", "transform"},  {"s", "shape"},         {"ca", "camera"},  {"lt", "light"},
-                                      {"set", "objectSet"}, {"g", "geometryShape"}, {"mat", "lambert"}};
+    static constexpr Kind kKinds[] = {{"tr", "transform"}, {"s", "shape"},       {"ca", "camera"},
+                                      {"lt", "light"},     {"set", "objectSet"}, {"g", "geometryShape"},
+                                      {"mat", "lambert"},  {"rf", "reference"}};
     const ParsedArguments& args_;
     std::vector<std::string> types_, exact_, excluded_;
 };
@@ -174,6 +176,8 @@ Value ls(Call& call) {
                                       {"dn", "defaultNodes"},
                                       {"ud", "undeletable"},
                                       {"ln", "lockedNodes"},
+                                      {"rn", "referencedNodes"},
+                                      {"rf", "references"},
                                       {"o", "objectsOnly"},
                                       {"os", "orderedSelection"},
                                       {"uid", "uuid"}});

@@ -103,8 +103,7 @@ bool SceneReading::open(const Statement& s, Reference& reference, const std::str
         references.bring(reference, result.created);
         result_.created.insert(result_.created.end(), result.created.begin(), result.created.end());
         result_.warnings += result.warnings;
-        reference.path = path;
-        reference.loaded = true;
+        references.setRead(reference, path);
         return true;
     } catch (const FileError& e) {
         complaints_.failed(s, std::string("The reference is kept and not read: ") + e.what());

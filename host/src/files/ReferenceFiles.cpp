@@ -1,6 +1,7 @@
 #include "files/ReferenceFiles.h"
 
 #include "base/TextFile.h"
+#include "scene/References.h"
 
 #include <algorithm>
 
@@ -33,7 +34,7 @@ ReferenceFiles::ReferenceFiles(fs::path project, const fs::path& scene)
 }
 
 fs::path ReferenceFiles::find(const std::string& given) const {
-    std::string name = given.substr(0, given.find('{')); // the number of a copy
+    std::string name = scene::splitCopy(given).first;
     std::replace(name.begin(), name.end(), '\\', '/');
     constexpr std::size_t longestPath = 4096, mostParts = 32;
     if (name.empty() || name.size() > longestPath || name.find('\0') != name.npos)

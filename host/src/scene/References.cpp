@@ -1,5 +1,6 @@
 #include "scene/References.h"
 
+#include "base/NumberText.h"
 #include "scene/Cells.h"
 #include "scene/Scene.h"
 
@@ -42,6 +43,27 @@ Reference& References::enter(std::shared_ptr<Reference> reference) {
     return *all_.emplace_back(std::move(reference));
 }
 
+std::pair<std::string, int> splitCopy(const std::string& file) {
+    const auto brace = file.find('{');
+    if (brace == file.npos) return {file, 0};
+    std::string_view number = std::string_view(file).substr(brace + 1);
+    return {file.substr(0, brace), std::max(takeInt(number).value_or(0), 0)};
+}
+
+void References::setRead(Reference& reference, std::filesystem::path path) {
+    auto& taken = copies_[path.string()];
+    int copy = splitCopy(reference.file).second;
+    if (taken.contains(copy)) {
+        copy = *taken.rbegin() + 1;
+        if (copy > static_cast<int>(taken.size()))
+            for (copy = 0; taken.contains(copy);) ++copy;
+    }
+    taken.insert(copy);
+    reference.copy = copy;
+    reference.path = std::move(path);
+    reference.loaded = true;
+}
+
 Reference* References::of(const Node& node) const {
     const auto it = node.referenced ? byNode_.find(&node) : byNode_.end();
     return it == byNode_.end() ? nullptr : it->second;
@@ -73,6 +95,7 @@ void References::remove(Reference& reference) {
         }
     if (named(reference.name) == &reference) byName_.erase(reference.name);
     if (prefixed(reference.prefix) == &reference) byPrefix_.erase(reference.prefix);
+    if (reference.loaded) copies_[reference.path.string()].erase(reference.copy);
     std::erase_if(all_, [&](const auto& r) { return r.get() == &reference; });
 }
 
@@ -80,6 +103,7 @@ void References::clear() {
     all_.clear();
     byName_.clear();
     byPrefix_.clear();
+    copies_.clear();
     byNode_.clear();
     changed_.clear();
     added_.clear();

@@ -30,6 +30,7 @@ struct Reference {
     std::string nameSpace;      ///< whole, without a colon at its end; empty where names have a prefix
     std::string prefix;         ///< what stands before the names of its nodes: "level:" or "level_"
     std::filesystem::path path; ///< what was read; empty when it was not
+    int copy = 0;               ///< a number that no other reference to that file has: 0 for the first
     bool loaded = false;
     bool nested = false;                       ///< brought by another reference
     Reference* top = nullptr;                  ///< the one of the scene's own that brought it; itself
@@ -52,6 +53,8 @@ public:
     /// Whether a statement `file` that the scene keeps names the file of the reference, or of one within it.
     bool isFileOf(const std::string& statement, const Reference& top) const;
     Reference& enter(std::shared_ptr<Reference> reference);
+    /// Notes what was read, and numbers it among the references to that file: as the scene does, when that is free.
+    void setRead(Reference& reference, std::filesystem::path path);
     /// Marks nodes as brought by the reference, unless they are by one within it.
     void bring(Reference& reference, const std::vector<NodePtr>& nodes);
     /// Forgets the reference and what it brought; the nodes are the caller's to delete.
@@ -106,6 +109,7 @@ private:
     int quiet_ = 0;
     std::vector<std::shared_ptr<Reference>> all_;
     std::unordered_map<std::string, Reference*> byName_, byPrefix_;
+    std::unordered_map<std::string, std::set<int>> copies_; ///< of the files that were read
     std::unordered_map<const Node*, Reference*> byNode_;
     std::unordered_set<const Cell*> changed_;
     std::unordered_set<const Attribute*> added_;
@@ -113,6 +117,9 @@ private:
     std::unordered_map<const Cell*, const Cell*> connections_; ///< destinations and sources that references made
     std::set<std::string, std::less<>> declared_;
 };
+
+/// The name of a file without the number of a copy, and that number: 2 of "/p/prop.ma{2}", 0 of "/p/prop.ma".
+std::pair<std::string, int> splitCopy(const std::string& file);
 
 /// The namespace of a name, without the colon at its end: "a:b" for "a:b:c".
 std::string_view namespaceOf(std::string_view name);
