@@ -7,6 +7,14 @@ namespace {
 
 using ProjectCommandTest = CommandFixture;
 
+// Fault: a session without a window that tells of nothing but that.
+TEST_F(ProjectCommandTest, TellsWhatItRunsIn) {
+    EXPECT_EQ(text("about -v"), "2010");
+    EXPECT_EQ(number("about -api"), 201000);
+    EXPECT_TRUE(holds("about -batch"));
+    EXPECT_EQ(number("`about -linux` + `about -mac` + `about -win`"), 1);
+}
+
 // Faults: a root without its slash, rules that a query mixes up, overwrites or forgets, expansion against the current
 // folder in place of the root, rules that are not saved or not read back.
 TEST_F(ProjectCommandTest, WorkspaceRootAndRules) {

@@ -3,6 +3,8 @@
 
 #include "scene/AnimCurve.h"
 
+#include "base/NumberText.h"
+#include "base/Units.h"
 #include "mel/Numbers.h"
 
 #include <algorithm>
@@ -117,7 +119,18 @@ struct Range {
     bool holds(double t) const { return t >= first && t <= last; }
 };
 
-/// "a:b", "a:", ":b", ":" or one time, in the user's unit.
+/// The ticks of a time in the user's unit, or in one that it names: "12", "1.5sec".
+double ticksIn(std::string_view text) {
+    const auto [number, length] = readNumber(text);
+    const std::string_view unit = text.substr(length);
+    const auto named = unit.empty() ? std::optional(timeUnit()) : timeUnitNamed(unit);
+    if (length == 0 || !named) throw Error("Invalid time: " + std::string(text));
+    return number * named->ticks;
+}
+
+double ticksOf(const Value& time) { return time.isNumber() ? time.toFloat() * timeTicks() : ticksIn(time.toString()); }
+
+/// "a:b", "a:", ":b", ":" or one time.
 Range rangeOf(const ParsedArguments& args) {
     Range range;
     if (!args.has("t")) return range;
@@ -126,8 +139,8 @@ Range rangeOf(const ParsedArguments& args) {
     const std::string first = text.substr(0, colon), last = colon == std::string::npos ? first : text.substr(colon + 1);
     // A hundredth of a tick either way: times are sums of fractions.
     constexpr double slack = 0.01;
-    if (!first.empty()) range.first = leadingNumber(first) * timeTicks() - slack;
-    if (!last.empty()) range.last = leadingNumber(last) * timeTicks() + slack;
+    if (!first.empty()) range.first = ticksIn(first) - slack;
+    if (!last.empty()) range.last = ticksIn(last) + slack;
     return range;
 }
 
@@ -146,8 +159,7 @@ Value setKeyframe(Call& call) {
                                       {"bd", "breakdown", 1}});
     const Tangent in = tangentNamed(args.text("itt", "global")), out = tangentNamed(args.text("ott", "global"));
     std::vector<double> times;
-    for (std::size_t i = 0; i < args.occurrences("t"); ++i)
-        times.push_back(args.value("t", 0, i).toFloat() * timeTicks());
+    for (std::size_t i = 0; i < args.occurrences("t"); ++i) times.push_back(ticksOf(args.value("t", 0, i)));
     if (times.empty()) times.push_back(theScene().time());
     int count = 0;
     for (Cell* plug : keyPlugs(args, false)) {

@@ -1,19 +1,10 @@
 #include "commands/InterfaceRefusals.h"
 
-#include "mel/Interpreter.h"
+#include "mel/Execution.h"
 
 namespace host::mel {
 
-void setBatch(Interpreter& interpreter, bool batch) {
-    interpreter.registerCommand(
-        "about",
-        [batch](Call& call) -> Value {
-            const ParsedArguments args(call, {{"b", "batch"}}, true);
-            if (!args.has("b")) throw Error("about was not told what to answer.");
-            return batch;
-        },
-        true);
-}
+void setBatch(Interpreter& interpreter, bool batch) { interpreter.impl().batch = batch; }
 
 void registerInterfaceRefusals(Interpreter& interpreter) {
     for (const char* name : {"button", "colorEditor", "columnLayout", "confirmDialog", "deleteUI", "editorTemplate",

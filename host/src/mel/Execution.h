@@ -56,8 +56,9 @@ struct Interpreter::Impl {
     int depth = 0;                  ///< of texts and procedures that are running
     std::int64_t stepsLeft = 0;     ///< of this turn, before somebody may stop the script
     std::int64_t stepsBehind = std::numeric_limits<std::int64_t>::max(); ///< of later turns
-    bool stopped = false;                                                ///< by stopAsked; until all of it has ended
-    std::chrono::steady_clock::time_point nextLook{};                    ///< when stopAsked is asked next
+    bool batch = true;                                ///< whether there is no window: what `about -batch` answers
+    bool stopped = false;                             ///< by stopAsked; until all of it has ended
+    std::chrono::steady_clock::time_point nextLook{}; ///< when stopAsked is asked next
 
     std::mt19937 random{0x4f52564f};
     std::map<int, std::unique_ptr<OpenFile>> files;

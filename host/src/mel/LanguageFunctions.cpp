@@ -255,7 +255,7 @@ Value about(Arguments& a) {
     const std::string_view system(os);
     if (p.has("v") || p.has("f")) return "2010";
     if (p.has("api")) return 201000;
-    if (p.has("b")) return 1;
+    if (p.has("b")) return static_cast<int>(a.interpreter.impl().batch);
     if (p.has("os") || p.has("osv")) return os;
     if (p.has("nt") || p.has("win")) return system == "win64";
     if (p.has("mac") || p.has("mx")) return system == "mac";
