@@ -13,34 +13,6 @@ namespace orvosky::window {
 
 class Editor;
 
-/// A slider whose ends are soft: a value beyond them stands at the end.
-class SoftSlider : public QWidget {
-    Q_OBJECT
-public:
-    explicit SoftSlider(QWidget* parent = nullptr);
-    void setRange(double low, double high);
-    void setValue(double value);
-    QSize sizeHint() const override { return {120, 18}; }
-
-signals:
-    void dragged(double value);
-    void released(double value);
-    void cancelled();
-    void resetAsked();
-
-protected:
-    void paintEvent(QPaintEvent*) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override;
-
-private:
-    double at(double x) const;
-    double low_ = 0, high_ = 1, value_ = 0;
-    bool held_ = false, moved_ = false;
-};
-
 /// The usual control of one attribute: its label, marks and menu, and behind the label what the attribute's type asks
 /// for. Every change goes out as one MEL statement.
 class AttributeControl : public QWidget {
@@ -85,9 +57,5 @@ private:
     std::optional<QPointF> scrub_;
     double scrubFrom_ = 0, scrubTo_ = 0;
 };
-
-/// Where a file lies that an attribute names: as the host's project has it, names compared without regard to case.
-/// Empty when there is none.
-QString fileOnDisk(const QString& named);
 
 } // namespace orvosky::window

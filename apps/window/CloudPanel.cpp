@@ -1,7 +1,7 @@
 #include "CloudPanel.h"
 
-#include "AttributeControls.h"
 #include "Editor.h"
+#include "ProjectFiles.h"
 #include "Theme.h"
 
 #include "scene/Scene.h"

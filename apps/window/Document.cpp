@@ -1,6 +1,7 @@
 #include "Document.h"
 
 #include "Editor.h"
+#include "ProjectFiles.h"
 #include "WindowModule.h"
 
 #include "base/Messages.h"

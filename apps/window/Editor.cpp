@@ -3,7 +3,6 @@
 #include "base/Messages.h"
 #include "base/WorkWatch.h"
 #include "commands/Host.h"
-#include "files/Workspace.h"
 #include "scene/Scene.h"
 
 #include <QApplication>
@@ -240,7 +239,5 @@ void Editor::cancelPreview() {
     takePreviewBack();
     announce();
 }
-
-QString projectRoot() { return QString::fromStdString(host::Host::instance().workspace().root().string()); }
 
 } // namespace orvosky::window

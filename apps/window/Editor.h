@@ -103,7 +103,4 @@ private:
     std::vector<const void*> selected_;
 };
 
-/// The folder of the project that is open.
-QString projectRoot();
-
 } // namespace orvosky::window

@@ -10,6 +10,7 @@
 #include "InterfaceCommands.h"
 #include "OutlinerPanel.h"
 #include "Picking.h"
+#include "ProjectFiles.h"
 #include "ScriptPanel.h"
 #include "StartPage.h"
 #include "SunPanel.h"
@@ -313,16 +314,14 @@ void MainWindow::makeMenus() {
     file.addSeparator();
     act(file, tr("Export..."), QKeySequence("Ctrl+E"), [this] { showExport(); });
     act(file, tr("Save Picture..."), QKeySequence("Ctrl+P"), [this] {
-        const QString root = projectRoot();
-        const QString name = QFileDialog::getSaveFileName(this, tr("Save Picture"), root + "/sky.png",
+        const QString name = QFileDialog::getSaveFileName(this, tr("Save Picture"), projectRoot() + "/sky.png",
                                                           tr("Pictures (*.png *.jpg *.tif *.exr)"), nullptr,
                                                           QFileDialog::DontUseNativeDialog);
         if (!name.isEmpty()) savePicture(name);
     });
     act(file, tr("Save Pictures of the Range..."), {}, [this] {
-        const QString root = projectRoot();
         const QString name = QFileDialog::getSaveFileName(
-            this, tr("Save Pictures: # Is a Digit of the Frame"), root + "/sky.####.png",
+            this, tr("Save Pictures: # Is a Digit of the Frame"), projectRoot() + "/sky.####.png",
             tr("Pictures (*.png *.jpg *.tif *.exr)"), nullptr, QFileDialog::DontUseNativeDialog);
         if (!name.isEmpty()) savePictures(name);
     });

@@ -1,8 +1,8 @@
 #include "OutlinerModel.h"
 
-#include "AttributeControls.h"
 #include "Editor.h"
 #include "PlugView.h"
+#include "ProjectFiles.h"
 #include "Theme.h"
 
 #include "scene/Scene.h"

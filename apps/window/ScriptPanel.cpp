@@ -1,5 +1,6 @@
 #include "ScriptPanel.h"
 
+#include "ProjectFiles.h"
 #include "Theme.h"
 
 #include "base/FileReplacement.h"
@@ -130,9 +131,8 @@ void ScriptPanel::runInput() {
 }
 
 void ScriptPanel::save() {
-    const QString root = projectRoot();
-    QString file = QFileDialog::getSaveFileName(window(), tr("Save Session"), root + "/session.mel", tr("MEL (*.mel)"),
-                                                nullptr, QFileDialog::DontUseNativeDialog);
+    QString file = QFileDialog::getSaveFileName(window(), tr("Save Session"), projectRoot() + "/session.mel",
+                                                tr("MEL (*.mel)"), nullptr, QFileDialog::DontUseNativeDialog);
     if (file.isEmpty()) return;
     if (!file.endsWith(".mel")) file += ".mel";
     try {

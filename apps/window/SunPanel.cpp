@@ -1,8 +1,8 @@
 #include "SunPanel.h"
 
-#include "AttributeControls.h"
 #include "Editor.h"
 #include "NumberField.h"
+#include "SoftSlider.h"
 #include "Theme.h"
 
 #include "base/Units.h"

@@ -5,6 +5,7 @@
 #include "AttributePanel.h"
 #include "DirectionBall.h"
 #include "NumberField.h"
+#include "SoftSlider.h"
 
 #include "commands/Host.h"
 #include "scene/Scene.h"
