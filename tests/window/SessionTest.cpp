@@ -103,8 +103,7 @@ TEST_F(Window, WordsAreCompletedAndErrorsLeadToTheirLine) {
     settle();
     QTest::keyClicks(&scripts.input(), "getAttr fogShape.fogHeightO");
     QTest::keyClick(&scripts.input(), Qt::Key_Space, Qt::ControlModifier);
-    settle();
-    ASSERT_TRUE(QApplication::activePopupWidget());
+    ASSERT_TRUE(until([] { return QApplication::activePopupWidget() != nullptr; }));
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
     EXPECT_EQ(scripts.input().toPlainText(), "getAttr fogShape.fogHeightOffset");
     write(folder_ / "wrong.mel", "int $a = 1;\n$b = noSuchProcedure($a);\n");
@@ -141,9 +140,9 @@ TEST_F(Window, TimeIsDraggedPlayedAndKeyed) {
     EXPECT_GT(number("getAttr fogShape.fogHeight"), 41);
     EXPECT_LT(number("getAttr fogShape.fogHeight"), 79);
     window().time().play(true);
+    EXPECT_TRUE(until([&] { return number("currentTime -q") != 11; }));
     settle(400);
     window().time().play(false);
-    EXPECT_NE(number("currentTime -q"), 11);
     EXPECT_LE(number("currentTime -q"), 40);
 }
 

@@ -44,6 +44,7 @@ protected:
                 for (QAction* action : top->menu()->actions())
                     if (action->text() == item) {
                         click(bar, bar.actionGeometry(top).center());
+                        ASSERT_TRUE(until([&] { return top->menu()->isVisible(); }));
                         click(*top->menu(), top->menu()->actionGeometry(action).center());
                         return;
                     }
@@ -73,8 +74,7 @@ TEST_F(Story, AFirstSkyByHandIsThatOfItsScript) {
     auto* dusk = window().startPage()->findChild<QToolButton*>("3_dusk");
     ASSERT_NE(dusk, nullptr);
     click(*dusk, dusk->rect().center());
-    for (int i = 0; i < 200 && window().startPage(); ++i) settle(50);
-    ASSERT_EQ(window().startPage(), nullptr);
+    ASSERT_TRUE(until([&] { return !window().startPage(); }));
     EXPECT_EQ(window().document().title(), "untitled");
     editor().runAside("setAttr persp.r 12 0 0;"); // the sun in view
     editor().announce();

@@ -103,7 +103,14 @@ private:
 
 } // namespace
 
+Window::Window()
+    : folder_([]() -> const orvo::test::TemporaryFolder& {
+          static const orvo::test::TemporaryFolder folder;
+          return folder;
+      }()) {}
+
 void Window::SetUp() {
+    for (const auto& left : fs::directory_iterator(folder_)) fs::remove_all(left.path());
     write(folder_ / "workspace.mel", "workspace -fr \"scene\" \"scenes\";\n");
     fs::create_directories(folder_ / "scenes");
     setenv("XDG_CONFIG_HOME", (folder_ / ".config").c_str(), 1);

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,9 +34,10 @@ int runProgram(const fs::path& folder, const std::vector<std::string>& words, st
 /// A scene with a sky, settings, a height fog and a renderer, seen from a camera that looks ahead.
 extern const char* const skyScene;
 
-/// The window on an X server of the test's own, with the plug-in loaded and a project folder of its own.
+/// The window on an X server of the test's own, with the plug-in loaded and a project.
 class Window : public testing::Test {
 protected:
+    Window();
     void SetUp() override;
     void TearDown() override;
 
@@ -45,6 +47,8 @@ protected:
     void close();
     /// Lets the window do what is due.
     static void settle(int ms = 50) { QTest::qWait(ms); }
+    /// Lets the window work until something holds; false when it does not come to pass in a minute.
+    static bool until(const std::function<bool()>& holds) { return QTest::qWaitFor(holds, 60000); }
 
     MainWindow& window() { return *window_; }
     Editor& editor() { return window_->editor(); }
@@ -56,7 +60,9 @@ protected:
     /// The scene as it would be saved.
     std::string saved();
 
-    orvo::test::TemporaryFolder folder_;
+    /// The project, empty at first. One folder for all tests of a process: the plug-in asks for the project's root
+    /// once.
+    const orvo::test::TemporaryFolder& folder_;
     std::vector<std::string> errors_;
 
 private:
