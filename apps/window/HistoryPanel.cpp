@@ -5,6 +5,9 @@
 
 #include "scene/Scene.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace orvosky::window {
 
 HistoryPanel::HistoryPanel(Editor& editor, QWidget* parent) : QListWidget(parent), editor_(editor) {
@@ -15,24 +18,33 @@ HistoryPanel::HistoryPanel(Editor& editor, QWidget* parent) : QListWidget(parent
     fill();
 }
 
+void HistoryPanel::showEvent(QShowEvent* event) {
+    QListWidget::showEvent(event);
+    fill();
+}
+
 void HistoryPanel::fill() {
+    if (!isVisible()) return;
     const auto& undo = Editor::scene().undo;
-    auto done = undo.undoNames(), undone = undo.redoNames();
-    if (done == done_ && undone == undone_ && count() > 0) return;
-    done_ = std::move(done);
-    undone_ = std::move(undone);
-    clear();
-    addItem(tr("As opened"));
-    for (const auto& name : done_) addItem(QString::fromStdString(name));
-    for (const auto& name : undone_) {
-        addItem(QString::fromStdString(name));
-        item(count() - 1)->setForeground(theme::grey(5));
-    }
-    setCurrentRow(static_cast<int>(done_.size()));
+    std::vector<std::string> steps = undo.undoNames();
+    const int done = static_cast<int>(steps.size());
+    std::ranges::move(undo.redoNames(), std::back_inserter(steps));
+    if (count() == 0) addItem(tr("As opened"));
+    // What is still the same stays: an action adds a row to a long list, and does not make the list anew.
+    const int same = static_cast<int>(std::ranges::mismatch(steps, steps_).in1 - steps.begin());
+    while (count() > same + 1) delete takeItem(count() - 1);
+    for (std::size_t i = static_cast<std::size_t>(same); i < steps.size(); ++i)
+        addItem(QString::fromStdString(steps[i]));
+    const int size = static_cast<int>(steps.size());
+    const int from = std::min({done, done_, same}), to = same < size ? size : std::min(size, std::max(done, done_));
+    for (int i = from; i < to; ++i) item(i + 1)->setForeground(i < done ? theme::text() : theme::grey(5));
+    steps_ = std::move(steps);
+    done_ = done;
+    setCurrentRow(done);
 }
 
 void HistoryPanel::go(int row) {
-    const int now = static_cast<int>(done_.size());
+    const int now = done_;
     for (int i = row; i < now; ++i) editor_.run("undo;");
     for (int i = now; i < row; ++i) editor_.run("redo;");
 }

@@ -15,12 +15,16 @@ class HistoryPanel : public QListWidget {
 public:
     explicit HistoryPanel(Editor& editor, QWidget* parent = nullptr);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void fill();
     void go(int row);
 
     Editor& editor_;
-    std::vector<std::string> done_, undone_;
+    std::vector<std::string> steps_; ///< as listed: those that were done, then those that were taken back
+    int done_ = 0;
 };
 
 } // namespace orvosky::window

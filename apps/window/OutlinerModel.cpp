@@ -12,12 +12,15 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 namespace orvosky::window {
 
 using host::scene::DagNode;
 
 namespace {
+
+constexpr int mostRuns = 100; ///< of rows that go one after the other
 
 DagNode* firstShape(const DagNode& node) {
     for (DagNode* child : node.children)
@@ -61,12 +64,24 @@ QIcon iconOf(const DagNode& node) {
 }
 
 struct OutlinerModel::Item {
+    Item(Items& listed, host::scene::NodePtr shown, Item* above, int at)
+        : all(listed), node(std::move(shown)), parent(above), row(at) {
+        all[node.get()] = this;
+    }
+    ~Item() {
+        // One that moves below another parent may be listed there already.
+        if (const auto found = all.find(node.get()); found != all.end() && found->second == this) all.erase(found);
+    }
+    Item(const Item&) = delete;
+    Item& operator=(const Item&) = delete;
+    DagNode& dag() const { return *node->dag(); }
+
+    Items& all;
     host::scene::NodePtr node; ///< keeps it from being forgotten while it is listed
-    Item* parent = nullptr;
-    int row = 0;
+    Item* parent;
+    int row;
     bool fetched = false;
     std::vector<std::unique_ptr<Item>> children{};
-    DagNode& dag() const { return *node->dag(); }
 };
 
 OutlinerModel::OutlinerModel(Editor& editor, QObject* parent) : QAbstractItemModel(parent), editor_(editor) {
@@ -77,8 +92,8 @@ OutlinerModel::~OutlinerModel() = default;
 
 void OutlinerModel::restart() {
     beginResetModel();
-    root_ = std::make_unique<Item>();
-    if (DagNode* world = Editor::scene().world()) root_->node = world->shared_from_this();
+    DagNode* world = Editor::scene().world();
+    root_ = std::make_unique<Item>(items_, world ? world->shared_from_this() : nullptr, nullptr, 0);
     if (root_->node) fetch(*root_);
     endResetModel();
 }
@@ -124,11 +139,8 @@ std::vector<DagNode*> OutlinerModel::shownChildren(const Item& item) const {
 void OutlinerModel::fetch(Item& item) {
     item.fetched = true;
     for (DagNode* child : shownChildren(item)) {
-        auto made = std::make_unique<Item>();
-        made->node = child->shared_from_this();
-        made->parent = &item;
-        made->row = static_cast<int>(item.children.size());
-        item.children.push_back(std::move(made));
+        const int row = static_cast<int>(item.children.size());
+        item.children.push_back(std::make_unique<Item>(items_, child->shared_from_this(), &item, row));
     }
 }
 
@@ -146,22 +158,23 @@ QModelIndex OutlinerModel::indexOf(Item& item, int column) const {
 }
 
 QModelIndex OutlinerModel::indexOf(DagNode& wanted) {
-    if (!search_.isEmpty()) {
-        for (const auto& child : root_->children)
-            if (child->node.get() == &wanted) return indexOf(*child);
-        return {};
-    }
+    const auto listed = [this](const DagNode& node) {
+        const auto found = items_.find(&node);
+        return found == items_.end() ? nullptr : found->second;
+    };
+    if (Item* found = listed(wanted)) return indexOf(*found);
+    if (!search_.isEmpty()) return {};
+    // What is above it is opened from the lowest that is listed.
     std::vector<DagNode*> path;
-    for (DagNode* at = &wanted; at && !at->isWorld(); at = at->parent) path.insert(path.begin(), at);
-    Item* at = root_.get();
-    for (DagNode* step : path) {
-        if (!at->fetched) fetchMore(indexOf(*at));
-        const auto found =
-            std::ranges::find_if(at->children, [&](const auto& child) { return child->node.get() == step; });
-        if (found == at->children.end()) return {};
-        at = found->get();
+    for (DagNode* at = &wanted; at && !listed(*at); at = at->parent) path.push_back(at);
+    while (!path.empty()) {
+        Item* above = path.back()->parent ? listed(*path.back()->parent) : nullptr;
+        if (!above || above->fetched) return {};
+        fetchMore(indexOf(*above));
+        path.pop_back();
     }
-    return indexOf(*at);
+    Item* found = listed(wanted);
+    return found ? indexOf(*found) : QModelIndex();
 }
 
 void OutlinerModel::sync() {
@@ -183,18 +196,29 @@ void OutlinerModel::sync(Item& item) {
     };
     if (!same()) {
         const QModelIndex at = indexOf(item);
-        const auto renumber = [&item] {
-            int row = 0;
-            for (const auto& child : item.children) child->row = row++;
+        const auto renumber = [&item](int row) {
+            for (const int count = static_cast<int>(item.children.size()); row < count; ++row)
+                item.children[static_cast<std::size_t>(row)]->row = row;
         };
+        const auto removeRows = [&](int from, int to) {
+            beginRemoveRows(at, from, to);
+            item.children.erase(item.children.begin() + from, item.children.begin() + to + 1);
+            renumber(from);
+            endRemoveRows();
+        };
+        // What goes goes in runs, the last first.
         const std::unordered_set<const host::scene::Node*> staying(now.begin(), now.end());
+        std::vector<std::pair<int, int>> runs;
         for (int i = static_cast<int>(item.children.size()) - 1; i >= 0; --i) {
             if (staying.contains(item.children[static_cast<std::size_t>(i)]->node.get())) continue;
-            beginRemoveRows(at, i, i);
-            item.children.erase(item.children.begin() + i);
-            renumber();
-            endRemoveRows();
+            if (!runs.empty() && runs.back().first == i + 1)
+                runs.back().first = i;
+            else
+                runs.emplace_back(i, i);
         }
+        // Where they are many, all is listed anew: each costs a look at every row.
+        if (static_cast<int>(runs.size()) > mostRuns) runs = {{0, static_cast<int>(item.children.size()) - 1}};
+        for (const auto& [from, to] : runs) removeRows(from, to);
         std::unordered_set<const host::scene::Node*> listed;
         for (const auto& child : item.children) listed.insert(child->node.get());
         for (std::size_t i = 0; i < now.size();) {
@@ -210,7 +234,7 @@ void OutlinerModel::sync(Item& item) {
                 const auto begin = item.children.begin();
                 std::rotate(begin + row, begin + static_cast<std::ptrdiff_t>(from),
                             begin + static_cast<std::ptrdiff_t>(from) + 1);
-                renumber();
+                renumber(row);
                 endMoveRows();
                 ++i;
                 continue;
@@ -219,15 +243,12 @@ void OutlinerModel::sync(Item& item) {
             std::size_t end = i;
             while (end < now.size() && !listed.contains(now[end])) ++end;
             std::vector<std::unique_ptr<Item>> fresh;
-            for (std::size_t k = i; k < end; ++k) {
-                fresh.push_back(std::make_unique<Item>());
-                fresh.back()->node = now[k]->shared_from_this();
-                fresh.back()->parent = &item;
-            }
+            for (std::size_t k = i; k < end; ++k)
+                fresh.push_back(std::make_unique<Item>(items_, now[k]->shared_from_this(), &item, static_cast<int>(k)));
             beginInsertRows(at, row, static_cast<int>(end) - 1);
             item.children.insert(item.children.begin() + row, std::make_move_iterator(fresh.begin()),
                                  std::make_move_iterator(fresh.end()));
-            renumber();
+            renumber(row);
             endInsertRows();
             i = end;
         }

@@ -54,6 +54,7 @@ public:
 
 private:
     struct Item;
+    using Items = std::unordered_map<const host::scene::Node*, Item*>;
     Item* item(const QModelIndex& index) const;
     QModelIndex indexOf(Item& item, int column = 0) const;
     std::vector<host::scene::DagNode*> shownChildren(const Item& item) const;
@@ -63,6 +64,7 @@ private:
     void restart();
 
     Editor& editor_;
+    Items items_; ///< what has been fetched, by node
     std::unique_ptr<Item> root_;
     QString search_;
     bool shapes_ = false, pluginsFirst_ = false;

@@ -13,6 +13,11 @@
 #include <QMenu>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <functional>
+#include <utility>
+#include <vector>
+
 namespace orvosky::window {
 
 using host::scene::DagNode;
@@ -64,15 +69,23 @@ OutlinerPanel::OutlinerPanel(Editor& editor, QWidget* parent)
 }
 
 void OutlinerPanel::takeSelection() {
-    QItemSelection items;
-    QModelIndex last;
+    std::vector<QModelIndex> chosen;
     for (const auto& selected : Editor::scene().selection()) {
         DagNode* dag = selected.node->dag();
         QModelIndex at = dag ? model_->indexOf(*dag) : QModelIndex();
         if (!at.isValid() && dag && dag->isShape() && dag->parent) at = model_->indexOf(*dag->parent);
-        if (!at.isValid()) continue;
-        last = at;
-        items.select(at, at);
+        if (at.isValid()) chosen.push_back(at);
+    }
+    const QModelIndex last = chosen.empty() ? QModelIndex() : chosen.back();
+    // Neighbours are one range: the view looks through all ranges for each row that it draws.
+    std::ranges::sort(chosen, {}, [](const QModelIndex& at) { return std::pair(at.parent(), at.row()); });
+    QItemSelection items;
+    for (std::size_t i = 0, end; i < chosen.size(); i = end) {
+        end = i + 1;
+        while (end < chosen.size() && chosen[end].parent() == chosen[i].parent() &&
+               chosen[end].row() <= chosen[end - 1].row() + 1)
+            ++end;
+        items.select(chosen[i], chosen[end - 1].siblingAtColumn(OutlinerModel::Shown));
     }
     if (items == tree_->selectionModel()->selection()) return;
     quiet_ = true;
@@ -126,7 +139,7 @@ void OutlinerPanel::addOptions(QMenu& menu) {
         action->setChecked(property(name).toBool());
         connect(action, &QAction::toggled, this, [this, name, set](bool on) {
             setProperty(name, on);
-            (model_->*set)(on);
+            std::invoke(set, *model_, on); // by ->* GCC 12 with its sanitizers would read `this` from nowhere
         });
     };
     option(tr("Shapes and Default Cameras"), "shapes", &OutlinerModel::setShapesShown);

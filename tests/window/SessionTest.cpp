@@ -49,6 +49,7 @@ TEST_F(Window, HistoryGoesToAnyStep) {
     open();
     const std::string before = saved();
     auto& history = *window().findChild<HistoryPanel*>();
+    history.parentWidget()->show();
     editor().run("{ setAttr skyShape.sunIntensity 2; setAttr skyShape.sunDiskSize 0.5; }");
     editor().run("setAttr fogShape.fogHeight 7;");
     editor().run("delete fog;");
