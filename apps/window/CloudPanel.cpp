@@ -49,6 +49,7 @@ CloudPanel::CloudPanel(Editor& editor, QWidget* parent)
     list_->setIconSize(pictureSize);
     list_->setSpacing(4);
     list_->setUniformItemSizes(true);
+    list_->setMinimumHeight(2 * pictureSize.height() + 60); // two rows with their names, however long the outliner is
     layout->addWidget(list_, 1);
     problem_->setProperty("dim", true);
     problem_->setWordWrap(true);

@@ -127,11 +127,11 @@ void ExportDialog::showContents(const std::filesystem::path& file, bool written)
     try {
         const WindowStart::Findings findings = start_.inspect(file);
         const auto data = std::filesystem::path(file).replace_extension(".cdata");
-        std::error_code none;
-        const auto sizes =
-            tr("%1, %2 of cloud data")
-                .arg(QLocale::c().formattedDataSize(QFileInfo(QString::fromStdString(file.string())).size()),
-                     QLocale::c().formattedDataSize(static_cast<qint64>(std::filesystem::file_size(data, none))));
+        // A sky without clouds may have no such file: QFileInfo answers 0 for it.
+        const auto size = [](const std::filesystem::path& of) {
+            return QLocale::c().formattedDataSize(QFileInfo(QString::fromStdString(of.string())).size());
+        };
+        const auto sizes = tr("%1, %2 of cloud data").arg(size(file), size(data));
         contents_->setText((written ? tr("Written: ") : QString()) + sizes + "\n" +
                            QString::fromStdString(findings.holds));
         for (const auto& text : findings.problems) list(Editor::Kind::Error, QString::fromStdString(text));

@@ -5,6 +5,7 @@
 #include "ViewWidget.h"
 
 #include "commands/CommandSupport.h"
+#include "commands/Host.h"
 #include "scene/Scene.h"
 
 #include <QPainter>
@@ -206,7 +207,9 @@ std::string HandleTool::statement(QPointF point, Qt::KeyboardModifiers modifiers
         const double unit = host::mel::lengthUnit();
         const std::string to = triple(tidy(by.x / unit), tidy(by.y / unit), tidy(by.z / unit));
         if (!copies_) return "move -r -ws " + to + names_ + ";";
-        return "{ string $copies[] = `duplicate" + names_ + "`; move -r -ws " + to + " $copies; select -r $copies; }";
+        const bool clouds = host::Host::instance().interpreter().isCallable("orvoskyGenerateClouds");
+        return "{ string $copies[] = `duplicate" + names_ + "`; move -r -ws " + to + " $copies; " +
+               (clouds ? "orvoskyGenerateClouds $copies; " : "") + "select -r $copies; }";
     }
     if (mode_ == Mode::Rotate) {
         const QPointF centre = view_.project(start_.origin).value_or(from_);

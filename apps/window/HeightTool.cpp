@@ -113,9 +113,10 @@ void HeightTool::paint(QPainter& painter) {
                                           *middle + QPointF(5, way * 4)});
         painter.setPen(QColor(0, 0, 0, 160));
         const QString text = QString("%1  %2 m").arg(plane.name).arg(plane.metres, 0, 'g', 6);
-        painter.drawText(*right + QPointF(9, 5), text);
+        const QPointF beside(outline.boundingRect().right() + 8, right->y() + 4);
+        painter.drawText(beside + QPointF(1, 1), text);
         painter.setPen(colour);
-        painter.drawText(*right + QPointF(8, 4), text);
+        painter.drawText(beside, text);
     }
 }
 

@@ -40,10 +40,12 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -51,17 +53,38 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 namespace orvosky::window {
 
 using host::scene::DagNode;
 
+namespace {
+
+/// A line of text that ends in dots where there is no room for all of it: a number that is cut off would be another
+/// one.
+class ElidedLabel final : public QLabel {
+public:
+    QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+        style()->drawItemText(&painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), shown,
+                              foregroundRole());
+    }
+};
+
+} // namespace
+
 MainWindow::MainWindow(const WindowStart& start)
     : start_(start), document_(std::make_unique<Document>(editor_, start, this)), view_(new ViewWidget(editor_)),
       shelf_(new QToolBar(tr("Shelf"))), cameras_(new QComboBox), lookUp_(new QToolButton), cost_(new QLabel),
-      status_(new QLabel), said_(new QLabel), command_(new QLineEdit), progress_(new QProgressBar),
+      status_(new ElidedLabel), said_(new QLabel), command_(new QLineEdit), progress_(new QProgressBar),
       stop_(new QToolButton) {
     setAcceptDrops(true);
     editor_.makeCurrent = [this] { view_->makeContextCurrent(); };
@@ -340,17 +363,22 @@ void MainWindow::makeMenus() {
     undo_->setEnabled(false);
     redo_->setEnabled(false);
     edit.addSeparator();
-    act(edit, tr("Duplicate"), QKeySequence("Ctrl+D"), [this] { runOnSelection("duplicate;"); });
+    act(edit, tr("Duplicate"), QKeySequence("Ctrl+D"), [this] {
+        runOnSelection(host::Host::instance().interpreter().isCallable("orvoskyDuplicate") ? "orvoskyDuplicate;"
+                                                                                           : "duplicate;");
+    });
     act(edit, tr("Delete"), QKeySequence::Delete, [this] { runOnSelection("delete;"); });
     act(edit, tr("Hide"), QKeySequence("H"), [this] {
-        std::string names;
-        bool shown = false;
+        std::vector<DagNode*> nodes;
         for (const auto& item : Editor::scene().selection())
-            if (DagNode* dag = item.node->dag()) {
-                names += " " + quoted(dag->partialPath() + ".visibility");
-                shown = shown || dag->visible();
-            }
-        if (!names.empty()) editor_.run("setAttr" + names + (shown ? " 0;" : " 1;"));
+            if (DagNode* dag = item.node->dag()) nodes.push_back(dag);
+        const bool shown = std::ranges::any_of(nodes, [](DagNode* dag) { return dag->visible(); });
+        std::string mel;
+        for (const DagNode* dag : nodes)
+            mel += "setAttr " + quoted(dag->partialPath() + ".visibility") + (shown ? " 0; " : " 1; ");
+        if (mel.empty()) return;
+        mel.pop_back();
+        editor_.run(nodes.size() > 1 ? "{ " + mel + " }" : mel);
     });
     act(edit, tr("Set Key"), QKeySequence("S"), [this] { time_->setKey(); });
     edit.addSeparator();

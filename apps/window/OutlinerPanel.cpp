@@ -4,6 +4,7 @@
 #include "OutlinerModel.h"
 #include "Theme.h"
 
+#include "commands/Host.h"
 #include "scene/Scene.h"
 
 #include <QAction>
@@ -115,7 +116,9 @@ void OutlinerPanel::showMenu(QPoint at) {
         if (!dag->isDefault) {
             const QModelIndex first = index.siblingAtColumn(OutlinerModel::Name);
             connect(menu.addAction(tr("Rename")), &QAction::triggered, this, [this, first] { tree_->edit(first); });
-            add(tr("Duplicate"), "duplicate " + path + ";");
+            const bool withSprites = host::Host::instance().interpreter().isCallable("orvoskyDuplicate");
+            add(tr("Duplicate"),
+                withSprites ? "{ select -r " + path + "; orvoskyDuplicate; }" : "duplicate " + path + ";");
             add(tr("Delete"), "delete " + path + ";");
             menu.addSeparator();
         }

@@ -88,7 +88,7 @@ QStatusBar { background: @1; color: @6; }
 QStatusBar::item { border: none; }
 QTreeView, QListView, QPlainTextEdit, QTextEdit { background: @1; color: @7; border: none; outline: none;
   selection-background-color: @3; selection-color: @7; }
-QTreeView::item { padding: 3px 2px; }
+QTreeView::item { padding: 3px 0; }
 QTreeView::item:hover { background: @2; }
 QTreeView::item:selected { background: @3; color: @7; }
 QTreeView::branch:selected { background: @3; }
@@ -101,8 +101,10 @@ QLineEdit:disabled, QComboBox:disabled { color: @5; background: @1; }
 QComboBox::drop-down, QDateEdit::drop-down { border: none; width: 18px; }
 QComboBox::down-arrow, QDateEdit::down-arrow { image: url(@icons/arrow_down_grey.svg); width: 12px; height: 12px; }
 QComboBox QAbstractItemView { background: @2; color: @7; selection-background-color: @3; border: 1px solid @0; }
-QPushButton, QToolButton { background: @2; color: @7; border: none; border-radius: 3px; padding: 5px 12px; }
-QToolButton { padding: 4px; background: transparent; }
+QPushButton, QToolButton { background: @2; color: @7; border: 1px solid transparent; border-radius: 3px; padding: 4px 11px;
+  outline: none; }
+QToolButton { padding: 3px; background: transparent; }
+QPushButton:focus, QToolButton:focus { border-color: @4; }
 QPushButton:hover, QToolButton:hover { background: @3; }
 QPushButton:pressed, QToolButton:pressed { background: @4; }
 QPushButton:disabled, QToolButton:disabled { color: @5; }
@@ -205,7 +207,7 @@ QIcon marked(const QIcon& icon) {
         painter.setBrush(warning());
         const double s = pixmap.width() / pixmap.devicePixelRatio();
         painter.drawPolygon(QPolygonF{QPointF(s * 0.7, s * 0.42), QPointF(s, s), QPointF(s * 0.4, s)});
-        result.addPixmap(pixmap);
+        for (const auto mode : {QIcon::Normal, QIcon::Selected}) result.addPixmap(pixmap, mode); // never tinted
     }
     return *made.insert(icon.cacheKey(), result);
 }

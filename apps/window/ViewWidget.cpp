@@ -10,6 +10,7 @@
 #include "viewport/Viewport.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QOpenGLFunctions>
 #include <QPainter>
@@ -110,6 +111,22 @@ void ViewWidget::initializeGL() {
 
 void ViewWidget::resizeGL(int, int) { moved(); }
 
+void ViewWidget::resizeEvent(QResizeEvent* event) {
+    // Another size is another, empty target, which nothing is painted into before the frame is done.
+    if (editor_.drawing) {
+        if (!lastFrame_) {
+            lastFrame_ = std::make_unique<QLabel>(this);
+            lastFrame_->setObjectName("lastFrame");
+            lastFrame_->setScaledContents(true);
+            lastFrame_->setAttribute(Qt::WA_TransparentForMouseEvents);
+            lastFrame_->setPixmap(QPixmap::fromImage(grabFramebuffer()));
+        }
+        lastFrame_->setGeometry(rect());
+        lastFrame_->show();
+    }
+    QOpenGLWidget::resizeEvent(event);
+}
+
 bool ViewWidget::fits(int divisor) {
     const QSize all = pixels();
     const int w = std::max(1, all.width() / divisor), h = std::max(1, all.height() / divisor);
@@ -138,6 +155,7 @@ void ViewWidget::drawFrame() {
     editor_.drawing = true;
     const bool whole = view_->render(&error);
     editor_.drawing = false;
+    lastFrame_.reset();
     if (!whole) problem_ = QString::fromStdString(error);
     // Nodes that bring themselves up to date are no edit of the user's.
     Editor::scene().modified = modified;

@@ -15,6 +15,8 @@
 #include <optional>
 #include <vector>
 
+class QLabel;
+
 namespace host::scene {
 class DagNode;
 }
@@ -90,6 +92,7 @@ signals:
 protected:
     void initializeGL() override;
     void paintGL() override;
+    void resizeEvent(QResizeEvent* event) override;
     void resizeGL(int width, int height) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -119,8 +122,9 @@ private:
     double fullCost_ = 0; ///< of a frame with all pixels, in milliseconds, as the last frames let one think
     QTimer due_, rest_;
     QString problem_;
-    std::optional<CameraPose> before_; ///< looking up
+    std::optional<CameraPose> before_;  ///< looking up
     QSize safe_;
+    std::unique_ptr<QLabel> lastFrame_; ///< covers the view when its size changes amid a frame
 };
 
 } // namespace orvosky::window

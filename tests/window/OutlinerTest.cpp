@@ -83,6 +83,12 @@ TEST_F(Outliner, SelectsRenamesAndHides) {
     QTest::mouseClick(tree().viewport(), Qt::LeftButton, {},
                       tree().visualRect(at("fog").siblingAtColumn(OutlinerModel::Shown)).center());
     EXPECT_EQ(number("getAttr fog.visibility"), 0);
+    editor().run("select -r fog settings;");
+    for (const int shown : {0, 1}) { // one of them is shown, so both go; then both come back
+        QTest::keyClick(&window(), Qt::Key_H);
+        EXPECT_EQ(number("getAttr fog.visibility"), shown);
+        EXPECT_EQ(number("getAttr settings.visibility"), shown);
+    }
     model().setData(at("fog"), "mist", Qt::EditRole);
     EXPECT_EQ(number("objExists mist"), 1);
     EXPECT_EQ(echoed().back(), "rename \"|OrvoSkyData|fog\" \"mist\";");

@@ -18,6 +18,7 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <algorithm>
 #include <csignal>
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -162,6 +163,9 @@ TEST_F(Window, ExportsAsTheProgramDoes) {
     editor().run("delete painted;");
     dialog.check();
     EXPECT_EQ(list.count(), 0);
+    EXPECT_TRUE(std::ranges::any_of(dialog.findChildren<QLabel*>(), [](const QLabel* label) {
+        return label->text().contains(", 0 bytes of cloud data");
+    })) << "a sky without clouds";
     dialog.setTarget(QString::fromStdString((folder_ / "window.atmos").string()));
     dialog.exportNow();
     ASSERT_TRUE(window().document().save());
