@@ -11,8 +11,14 @@
 namespace host::scene {
 namespace {
 
+/// Whether nothing is below the cell.
+bool isLeaf(const Cell& cell) { return cell.attribute.children.empty() && !cell.isArray(); }
+
 void setDirtyBelow(Cell& cell, bool dirty) {
-    forEachCell(cell, [dirty](Cell& c) { c.dirty = dirty; });
+    if (isLeaf(cell))
+        cell.dirty = dirty;
+    else
+        forEachCell(cell, [dirty](Cell& c) { c.dirty = dirty; });
 }
 
 /// One wave of dirt: visits each cell once, whatever cycles the connections form.
@@ -57,9 +63,13 @@ private:
 
     void spread(Cell& cell) {
         // A change of a part is a change of the whole, and of every part below.
-        forEachCell(cell, [this](Cell& part) {
+        const auto feed = [this](Cell& part) {
             for (Cell* d : part.destinations) mark(*d);
-        });
+        };
+        if (isLeaf(cell))
+            feed(cell);
+        else
+            forEachCell(cell, feed);
         for (Cell* up = cell.parent; up; up = up->parent)
             for (Cell* d : up->destinations) mark(*d);
 
@@ -329,18 +339,27 @@ void eachUpstream(Cell& cell, const Visit& visit) {
     for (Cell* c : more) eachFeeding(*c, visit);
 }
 
+/// The list of work of all evaluations that go on: its memory is taken once, and not anew at each of them.
+std::vector<Cell*>& sharedWork() {
+    static auto& cells = *new std::vector<Cell*>;
+    return cells;
+}
+
 /// Evaluates a cell after everything that it is computed from, by a list of work in place of recursion.
 void evaluateAhead(Cell& cell) {
     struct Work {
-        std::vector<Cell*> cells; ///< a waiting one is ready when it is the last again
+        std::vector<Cell*>& cells = sharedWork(); ///< a waiting one is ready when it is the last again
+        std::size_t begin = cells.size();         ///< what stands before is of evaluations around this one
         int from = aheadFrom;
         ~Work() {
-            for (Cell* c : cells) c->waiting = false;
+            for (std::size_t i = begin; i < cells.size(); ++i) cells[i]->waiting = false;
+            cells.resize(begin);
             aheadFrom = from;
         }
-    } work{{&cell}};
+    } work;
+    work.cells.push_back(&cell);
     bool first = true; // whatever waits for the cell elsewhere
-    while (!work.cells.empty()) {
+    while (work.cells.size() > work.begin) {
         Cell* c = work.cells.back();
         const bool ready = c->waiting && !std::exchange(first, false);
         if (!c->dirty || c->computing) {
@@ -374,6 +393,13 @@ void evaluate(Cell& cell) {
     if (!cell.dirty) return;
     if (cell.computing) {
         reportCycle(cell);
+        return;
+    }
+    if (cell.source && !cell.source->dirty && !cell.source->attribute.internal &&
+        cell.attribute.type != AttributeType::Compound) {
+        // Its source needs nothing any more: the value alone is to be fetched.
+        takeOver(cell);
+        tellEvaluated(cell);
         return;
     }
     if (cell.node.scene.evaluationDepth >= Scene::maxEvaluationDepth) {
