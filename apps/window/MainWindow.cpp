@@ -144,7 +144,8 @@ MainWindow::MainWindow(const WindowStart& start)
     });
     connect(view_, &ViewWidget::clicked, this, &MainWindow::pick);
     connect(&editor_, &Editor::echoed, this, [this](const QString& mel) {
-        command_->setPlaceholderText(mel.size() > 300 ? mel.left(300) + "..." : mel);
+        const QString line = mel.left(300).simplified(); // it has one line
+        command_->setPlaceholderText(mel.size() > 300 ? line + "..." : line);
     });
     connect(&editor_, &Editor::message, this, &MainWindow::tell);
     connect(&editor_, &Editor::takesLong, this, [this](double part) {

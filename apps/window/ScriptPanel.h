@@ -16,6 +16,8 @@ class ScriptPanel : public QWidget {
     Q_OBJECT
 public:
     explicit ScriptPanel(Editor& editor, QWidget* parent = nullptr);
+    /// Low enough to leave the sky its room.
+    QSize sizeHint() const override { return {640, 230}; }
 
     /// What worked of the session since its scene was opened or made, as a script that does it again.
     QString script() const { return recorded_.join('\n') + '\n'; }

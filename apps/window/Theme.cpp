@@ -140,7 +140,7 @@ QTabWidget::pane { border: none; }
 QHeaderView::section { background: @1; color: @6; border: none; padding: 4px; }
 QProgressBar { background: @2; border: none; border-radius: 3px; height: 6px; color: transparent; }
 QProgressBar::chunk { background: @a; border-radius: 3px; }
-QSplitter::handle { background: @0; }
+QSplitter::handle { background: @1; }
 )";
 
 } // namespace
