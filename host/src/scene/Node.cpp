@@ -304,8 +304,6 @@ std::vector<Cell*> Node::cells() const {
     return found;
 }
 
-void Node::dropCell(const Attribute& rootAttribute) { takeCell(rootAttribute); }
-
 std::unique_ptr<Cell> Node::takeCell(const Attribute& rootAttribute) {
     const auto it = place(rootAttribute);
     if (it == cells_.end() || it->first != &rootAttribute) return nullptr;

@@ -345,7 +345,6 @@ public:
     }
     /// Every root cell that exists, in the order of the attributes.
     std::vector<Cell*> cells() const;
-    void dropCell(const Attribute& rootAttribute);
     std::unique_ptr<Cell> takeCell(const Attribute& rootAttribute);
     void putCell(std::unique_ptr<Cell> cell);
 

@@ -1,7 +1,6 @@
 #include "scene/References.h"
 
 #include "base/NumberText.h"
-#include "scene/Cells.h"
 #include "scene/Scene.h"
 
 #include <algorithm>

@@ -3,7 +3,6 @@
 #include "base/Letters.h"
 #include "base/Messages.h"
 #include "scene/CellBlocks.h"
-#include "scene/Cells.h"
 #include "scene/Evaluation.h"
 #include "scene/MeshFilter.h"
 #include "scene/References.h"
