@@ -22,7 +22,7 @@ using host::scene::NumericType;
 
 namespace {
 
-constexpr int labelWidth = 108, rowHeight = 24;
+constexpr int labelWidth = 108;
 
 } // namespace
 

@@ -30,6 +30,7 @@ public:
     void setDimmed(bool dimmed);
 
 protected:
+    static constexpr int rowHeight = 24; ///< pixels
     AttributeControl(Editor& editor, PlugView plug, const QString& label, const QString& annotation, QWidget* parent);
     virtual void show(bool settable) = 0;
     /// The statement that gives the attribute these numbers, held at the hard limits.

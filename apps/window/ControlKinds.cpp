@@ -36,7 +36,7 @@ using host::scene::NumericType;
 
 namespace {
 
-constexpr int rowHeight = 24, fieldWidth = 58, swatchWidth = 40;
+constexpr int fieldWidth = 58, swatchWidth = 40;
 
 /// The row of a control's body.
 QHBoxLayout* rowIn(QWidget* widget) {
