@@ -141,6 +141,20 @@ TEST_F(ReferenceTest, CommandsMakeAskAndRemove) {
     EXPECT_THAT(texts("ls -type reference"), ElementsAre());
 }
 
+// Faults: a prefix that is not heeded, is taken for a namespace, or does not come back with the scene.
+TEST_F(ReferenceTest, PrefixesRenameWhatAReferenceBrings) {
+    run("file -r -rpr \"own\" \"prop.ma\"; setAttr own_cup.ty 8; file -r -rpr \"own\" \"prop.ma\";");
+    for (const char* round : {"made", "saved and opened again"}) {
+        SCOPED_TRACE(round);
+        EXPECT_THAT(texts("ls -rn -tr"), ElementsAre("own1_cup", "own_cup"));
+        EXPECT_THAT(texts("ls -rf"), ElementsAre("own1RN", "ownRN"));
+        EXPECT_EQ(number("getAttr own_cup.ty"), 8);
+        saveAndOpenAgain();
+        EXPECT_EQ(errors, "");
+    }
+    EXPECT_FALSE(holds("namespace -exists own"));
+}
+
 // Fault: of several references to one file another one asked, removed or loaded than the one that was named.
 TEST_F(ReferenceTest, CopiesOfOneFileAreToldApart) {
     EXPECT_EQ(text("file -r -ns \"level\" \"level.ma\""), path("scenes/level.ma")); // which has prop.ma

@@ -136,12 +136,15 @@ Value importFile(const ParsedArguments& a, const std::string& path) {
 Value referFile(const ParsedArguments& a, const std::string& name) {
     const std::string path = workspace().findScene(name);
     requireAsciiScene(path);
-    const NewReference names = namesForReference(path, a.text("ns"));
+    using Naming = files::SceneReader::Naming;
+    const bool prefixed = a.has("rpr") && !a.has("ns");
+    const NewReference names = namesForReference(path, a.text(prefixed ? "rpr" : "ns"));
     files::SceneReader::Options options;
     options.loadPlugin = loadPlugin;
     options.project = workspace().root();
-    const auto created =
-        files::SceneReader(theScene(), std::move(options)).refer(path, names.nameSpace, names.node).created;
+    const auto created = files::SceneReader(theScene(), std::move(options))
+                             .refer(path, prefixed ? Naming::Prefix : Naming::Namespace, names.nameSpace, names.node)
+                             .created;
     const Reference* made = References::of(theScene()).named(names.node);
     if (!made || !made->loaded) {
         if (made) removeReference(names.node);

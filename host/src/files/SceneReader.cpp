@@ -25,10 +25,10 @@ SceneReader::Result SceneReader::readText(std::string_view text, const std::stri
     return readText(text, name, {});
 }
 
-SceneReader::Result SceneReader::refer(const std::string& file, const std::string& nameSpace,
+SceneReader::Result SceneReader::refer(const std::string& file, Naming naming, const std::string& name,
                                        const std::string& referenceNode) {
-    const std::string flags = " -ns " + quotedText(nameSpace) + " -rfn " + quotedText(referenceNode) +
-                              " -typ \"mayaAscii\" " + quotedText(file) + ";\n";
+    const std::string flags = (naming == Naming::Prefix ? " -rpr " : " -ns ") + quotedText(name) + " -rfn " +
+                              quotedText(referenceNode) + " -typ \"mayaAscii\" " + quotedText(file) + ";\n";
     return referAgain("file -rdi 1" + flags + "file -r -dr 1" + flags + "createNode reference -n " +
                       quotedText(referenceNode) + ";\n");
 }

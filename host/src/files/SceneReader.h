@@ -44,9 +44,11 @@ public:
     Result read(const std::filesystem::path& file);
     /// The same for a text; `name` stands for the file in messages.
     Result readText(std::string_view text, const std::string& name);
-    /// Adds a reference to the scene, under the names of its namespace and its reference node, with an import's
-    /// options.
-    Result refer(const std::string& file, const std::string& nameSpace, const std::string& referenceNode);
+    /// How a reference's nodes are called in the scene: "space:lamp", or "prefix_lamp".
+    enum class Naming { Namespace, Prefix };
+    /// Adds a reference to the scene, under the name of its namespace (or the prefix of its nodes) and of its reference
+    /// node, with an import's options.
+    Result refer(const std::string& file, Naming naming, const std::string& name, const std::string& referenceNode);
 
     /// Reads what SceneWriter::reference() wrote of a reference that has been taken out of the scene meanwhile.
     Result referAgain(const std::string& statements);
