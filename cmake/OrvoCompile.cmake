@@ -15,6 +15,8 @@ else()
   # The same scene gives the same bytes at every optimisation level: no fused
   # multiply-add contraction, no fast-math.
   add_compile_options(-Wall -Wextra -Wpedantic -Wno-unused-parameter -ffp-contract=off)
+  # Objects do not tell where the sources lay: they are alike wherever they are built.
+  add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # GCC 12 warns of overlaps and bounds in std::string's operator+ that cannot happen (its bug 105651), and of reads
     # beyond a short text where a vector of texts moves its elements.

@@ -77,7 +77,7 @@ check_tsan() { scripts/test.sh tsan; }
 check_tidy() {
   scripts/setup.sh clang-tidy
   # Without precompiled headers: those of g++ are nothing to clang-tidy.
-  cmake --preset release -B build/tidy -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
+  cmake --preset release -B build/tidy -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON -DCMAKE_UNITY_BUILD=OFF
   find plugin -name '*.cpp' -not -name WindowsPath.cpp -print0 | xargs -0 -n 1 -P "$(nproc)" \
     clang-tidy --quiet --warnings-as-errors='*' -p build/tidy
 }
@@ -111,7 +111,8 @@ check_faults() {
 
 check_package() {
   [ -f build/package/build.ninja ] ||
-    cmake -S . -B build/package -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVOSKY_TESTS=OFF -DORVOSKY_BENCH=OFF
+    cmake -S . -B build/package -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_UNITY_BUILD=ON \
+      -DORVOSKY_TESTS=OFF -DORVOSKY_BENCH=OFF
   cmake --build build/package
   rm -f build/package/*.deb
   (cd build/package && cpack -G DEB)
