@@ -122,7 +122,7 @@ private:
     double fullCost_ = 0; ///< of a frame with all pixels, in milliseconds, as the last frames let one think
     QTimer due_, rest_;
     QString problem_;
-    std::optional<CameraPose> before_;  ///< looking up
+    std::optional<CameraPose> before_; ///< looking up
     QSize safe_;
     std::unique_ptr<QLabel> lastFrame_; ///< covers the view when its size changes amid a frame
 };
