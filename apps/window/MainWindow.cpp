@@ -43,6 +43,7 @@
 #include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
 #include <QStyle>
@@ -128,7 +129,7 @@ MainWindow::MainWindow(const WindowStart& start)
     clouds->hide();
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-    resize(1360, 820);
+    resize(QSize(1360, 820).boundedTo(screen()->availableSize()));
     resizeDocks({left, right}, {210, 372}, Qt::Horizontal);
     makeLastLine();
     makeTools();
