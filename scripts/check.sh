@@ -12,9 +12,10 @@ Runs the stages in the order given and stops at the first that fails. What a sta
   format      hold every source to .clang-format
   rooms       hold every include to the rooms that may know each other
   warnings    build everything by g++, with warnings as errors: the build that scripts/test.sh tests
-  clang       compile everything by clang, with warnings as errors; nothing is linked
+  clang       compile everything by clang, several sources at a time, with warnings as errors; nothing is linked
   quick       build the rooms of the host that read what comes from outside with the address and undefined-behaviour
               sanitizers, and run their tests and fuzz targets
+  sources     compile every source by itself and without precompiled headers, to see that it includes what it uses
   asan        build and run every test with these sanitizers
   tsan        the same with the thread sanitizer
   tidy        hold the plug-in's sources to .clang-tidy
@@ -29,7 +30,7 @@ Exit status: 0 when every stage passed, 1 when one failed, 2 for a wrong use.
 TEXT
 }
 
-stages=(format rooms warnings clang asan tsan tidy fuzz faults package windows)
+stages=(format rooms warnings clang sources asan tsan tidy fuzz faults package windows)
 # Rooms where a fault of memory is likely, and whose tests do not take long.
 quick_tests=(base_tests mel_tests files_tests scene_tests command_tests)
 quick_fuzz=(fuzz_scene fuzz_workspace fuzz_mel_parse fuzz_mel_run fuzz_inspect)
@@ -53,12 +54,16 @@ check_warnings() {
   cmake --build --preset release
 }
 
-check_clang() {
+# Holds every source to clang's warnings in the folder build/$1, which is configured with the options that follow.
+clang_messages() {
   scripts/setup.sh clang
-  cmake -S . -B build/clang -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
-    -DORVOSKY_WERROR=ON
-  python3 scripts/check_syntax.py build/clang
+  cmake -S . -B "build/$1" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+    -DORVOSKY_WERROR=ON "${@:2}"
+  python3 scripts/check_syntax.py "build/$1"
 }
+
+check_clang() { clang_messages clang -DCMAKE_UNITY_BUILD=ON; }
+check_sources() { clang_messages sources -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON; }
 
 check_quick() {
   scripts/setup.sh

@@ -430,7 +430,9 @@ TEST_F(Window, AnybodyMayDoAnything) {
     const int count = numberFrom("ORVOSKY_RANDOM_EVENTS", 500), seed = numberFrom("ORVOSKY_RANDOM_SEED", 1);
     // Looking around and scrubbing are no edits: for the comparison they are taken back by hand.
     const auto rested = [&] {
-        editor().runAside("currentTime 1; setAttr persp.t 0 0 0; setAttr persp.r 0 0 0; setAttr perspShape.coi 5;");
+        editor().runAside("currentTime 1; string $camera; for ($camera in {\"persp\", \"top\", \"front\", \"side\"}) {"
+                          " setAttr ($camera + \".t\") 0 0 0; setAttr ($camera + \".r\") 0 0 0;"
+                          " setAttr ($camera + \"Shape.coi\") 5; setAttr ($camera + \"Shape.ow\") 30; }");
         return saved();
     };
     std::string before = rested();

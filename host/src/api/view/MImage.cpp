@@ -6,6 +6,8 @@
 #include "images/ImageCodec.h"
 #include "values/Text.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
