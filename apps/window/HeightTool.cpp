@@ -19,6 +19,7 @@ namespace {
 
 constexpr double nearBar = 8;                        ///< of the pointer to a bar, pixels
 constexpr double nearest = 3000, spread = 3.5;       ///< centimetres; how many heights above the eye it is away
+constexpr double tooFar = 4;                         ///< times as far as that: it lies too flat to be held
 constexpr double halfWidth = 0.28, halfDepth = 0.16; ///< of a plane's picture, in distances
 
 /// The attribute of a plug's full name; none when it is gone.
@@ -33,7 +34,7 @@ std::optional<PlugView> viewOf(const std::string& plug) {
 
 const std::vector<HeightTool::Plane>& HeightTool::planes() {
     if (std::exchange(known_, editor_.changes()) == editor_.changes()) return planes_;
-    planes_.clear();
+    const auto before = std::exchange(planes_, {});
     if (Editor::scene().selection().empty() || !host::Host::instance().interpreter().isCallable("orvoskyHeightPlanes"))
         return planes_;
     const auto words = editor_.ask("orvoskyHeightPlanes").toStringArray();
@@ -41,21 +42,45 @@ const std::vector<HeightTool::Plane>& HeightTool::planes() {
         if (const auto plug = viewOf(words[i]); plug && plug->settable())
             planes_.push_back({words[i], QString::fromStdString(words[i + 1]).toDouble(), plug->number(),
                                QString::fromStdString(words[i + 2])});
+    if (!std::ranges::equal(before, planes_, {}, &Plane::plug, &Plane::plug)) away_ = 0;
     return planes_;
 }
 
-std::optional<HeightTool::Place> HeightTool::placeOf(const Plane& plane) const {
+std::optional<HeightTool::Place> HeightTool::placeOf(const Plane& plane, double away) const {
     const auto pose = view_.pose();
     if (!pose) return std::nullopt;
     Place place;
     place.ahead = MVector(std::sin(pose->azimuth), 0, -std::cos(pose->azimuth));
     place.right = pose->right();
-    // All are shown equally far away, so that what is higher stands higher.
-    place.away = nearest;
-    for (const Plane& p : planes_) place.away = std::max(place.away, spread * std::abs(p.height() - pose->eye.y));
-    place.middle = pose->eye + place.ahead * place.away;
+    place.away = away;
+    place.middle = pose->eye + place.ahead * away;
     place.middle.y = plane.height();
     return place;
+}
+
+double HeightTool::fittingDistance() const {
+    double away = nearest;
+    for (const Plane& p : planes_) away = std::max(away, spread * std::abs(p.height() - view_.eye().y));
+    return away;
+}
+
+std::optional<HeightTool::Place> HeightTool::placeOf(const Plane& plane) {
+    // A distance that followed the heights would show each of them at the same place, and a plane that is let go would
+    // jump: it stays until that leaves a plane out of view, or flat on the horizon.
+    if (held_ < 0) {
+        const double fitting = fittingDistance();
+        const auto inView = [&](const Plane& p, double away) {
+            const auto place = placeOf(p, away);
+            const auto point = place ? view_.project(place->middle) : std::nullopt;
+            return point && QRectF(view_.rect()).contains(*point);
+        };
+        const auto lost = [&](const Plane& p) { return !inView(p, away_) && inView(p, fitting); };
+        if (away_ <= 0 || away_ > tooFar * loose_ * fitting || std::ranges::any_of(planes_, lost)) {
+            away_ = fitting;
+            loose_ = 1;
+        }
+    }
+    return placeOf(plane, away_);
 }
 
 std::optional<QPointF> HeightTool::grip(const std::string& plug) {
@@ -167,6 +192,8 @@ void HeightTool::release(QPointF, Qt::KeyboardModifiers) {
     held_ = -1;
     if (!last_.empty()) editor_.finish(last_);
     last_.clear();
+    planes();
+    loose_ = std::max(1.0, away_ / fittingDistance()); // as flat as the hand has laid them
 }
 
 void HeightTool::cancel() {

@@ -46,7 +46,11 @@ private:
         double away = 0;
     };
     const std::vector<Plane>& planes();
-    std::optional<Place> placeOf(const Plane& plane) const;
+    /// All are shown equally far away, so that what is higher stands higher.
+    std::optional<Place> placeOf(const Plane& plane);
+    std::optional<Place> placeOf(const Plane& plane, double away) const;
+    /// How far away all planes are well in a level view, centimetres.
+    double fittingDistance() const;
     int at(QPointF point);
     std::string statement(QPointF at, Qt::KeyboardModifiers modifiers) const;
 
@@ -57,7 +61,8 @@ private:
     int hot_ = -1, held_ = -1;
     Place start_;
     Plane dragged_;
-    double grip_ = 0; ///< from the plane to where it is held, centimetres
+    double grip_ = 0;             ///< from the plane to where it is held, centimetres
+    double away_ = 0, loose_ = 1; ///< how far away planes are shown; how many times what fits a drag has made that
     std::string last_;
 };
 

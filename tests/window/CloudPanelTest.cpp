@@ -171,6 +171,11 @@ TEST_F(Clouds, HeightsAreDraggedAsPlanes) {
     const double moved = number("getAttr fogShape.fogHeight");
     EXPECT_NEAR(moved, 40 + 60 / focal * 105, 0.3) << "as far as the hand";
     EXPECT_EQ(Editor::scene().undo.undoNames().size(), steps + 1);
+    EXPECT_NEAR(window().heights().grip(top)->y(), at->y() - 60, 2) << "where it was let go";
+    const QPoint low = below->toPoint();
+    pull(low, low - QPoint(0, 40), true);
+    EXPECT_NEAR(window().heights().grip(base)->y(), below->y() - 40, 2) << "the lowest, which had set how far all are";
+    editor().run("undo;");
     editor().run("undo;");
     const auto again = window().heights().grip(top)->toPoint();
     pull(again, again + QPoint(0, 320), true);
