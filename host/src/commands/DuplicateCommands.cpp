@@ -34,7 +34,10 @@ public:
             open.pop_back();
             const bool followsTransform =
                 from->isShape() && from->parent && from->name == shapeNameFor(from->parent->name);
-            const std::string wanted = !first && !name.empty() ? name : followsTransform ? std::string() : from->name;
+            // A name is given at all times: a plug-in's node that is made without one calls itself as it likes.
+            const std::string wanted = !first && !name.empty()     ? name
+                                       : followsTransform && below ? shapeNameFor(below->name)
+                                                                   : from->name;
             Node& made = copyNode(*from, wanted, below);
             if (!first) first = &made;
             if (!withChildren) break;
