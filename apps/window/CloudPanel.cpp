@@ -1,6 +1,7 @@
 #include "CloudPanel.h"
 
 #include "Editor.h"
+#include "FileChooser.h"
 #include "ProjectFiles.h"
 #include "Theme.h"
 
@@ -75,8 +76,7 @@ CloudPanel::CloudPanel(Editor& editor, QWidget* parent)
     connect(libraries_, &QComboBox::activated, this,
             [this](int index) { showLibrary(libraries_->itemData(index).toString()); });
     connect(browse, &QToolButton::clicked, this, [this] {
-        const QString file = QFileDialog::getOpenFileName(window(), tr("Clouds"), projectRoot(), tr("Clouds (*.xml)"),
-                                                          nullptr, QFileDialog::DontUseNativeDialog);
+        const QString file = chooseFile(window(), tr("Clouds"), projectRoot(), tr("Clouds (*.xml)"));
         if (!file.isEmpty()) showLibrary(file);
     });
     connect(list_, &QListWidget::itemDoubleClicked, this, &CloudPanel::addChosen);

@@ -2,20 +2,19 @@
 #include "AttributeControls.h"
 #include "DirectionBall.h"
 #include "Editor.h"
+#include "FileChooser.h"
 #include "NumberField.h"
 #include "ProjectFiles.h"
 #include "SoftSlider.h"
 #include "Theme.h"
 
 #include "scene/Scene.h"
-#include "viewport/Picture.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDir>
 #include <QDragEnterEvent>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -331,11 +330,13 @@ public:
         column->addWidget(words_);
         words_->setWordWrap(true);
         setAcceptDrops(true);
+        setProperty(takesFiles, true);
+        line_->setAcceptDrops(false); // it would take a file's address as text
         connect(browse_, &QPushButton::clicked, this, [this] {
             const QString now = fileOnDisk(plug_.text());
             const QString start = now.isEmpty() ? projectRoot() : QFileInfo(now).path();
-            const QString file = QFileDialog::getOpenFileName(window(), AttributeControl::tr("Choose a File"), start,
-                                                              {}, nullptr, QFileDialog::DontUseNativeDialog);
+            const QString file = chooseFile(window(), AttributeControl::tr("Choose a File"), start,
+                                            filterOf(QString::fromStdString(plug_.attribute().longName)));
             if (!file.isEmpty()) give(spelled(file));
         });
     }
@@ -360,25 +361,23 @@ protected:
             if (!below.startsWith("build/", Qt::CaseInsensitive))
                 words =
                     AttributeControl::tr("It lies outside of the project's build folder: the game will not find it.");
-            if (QFileInfo(file).isFile() && QFileInfo(file).size() < 32 << 20)
-                if (const auto p = host::viewport::Picture::read(file.toStdString()); p && p->width > 0) {
-                    const auto format = p->channels == 4 ? QImage::Format_RGBX8888 : QImage::Format_RGB888;
-                    const QImage image(p->pixels.data(), p->width, p->height, static_cast<qsizetype>(p->rowBytes()),
-                                       format);
-                    picture_->setPixmap(
-                        QPixmap::fromImage(image.scaled(120, 60, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
-                    picture_->setVisible(true);
-                }
+            if (const QImage look = lookOf(file, {120, 60}); !look.isNull()) {
+                picture_->setPixmap(QPixmap::fromImage(look));
+                picture_->setVisible(true);
+            }
         }
         words_->setText(words);
         words_->setVisible(!words.isEmpty());
         words_->setStyleSheet("color: " + theme::warning().name());
     }
     void dragEnterEvent(QDragEnterEvent* event) override {
-        if (event->mimeData()->hasUrls() && plug_.settable()) event->acceptProposedAction();
+        const QStringList files = draggedFiles(*event->mimeData());
+        // Several files, and scenes, are told of or opened by the window.
+        if (files.size() == 1 && !isScene(files.front()) && plug_.settable()) takeCopy(*event);
     }
     void dropEvent(QDropEvent* event) override {
-        if (const QString file = event->mimeData()->urls().value(0).toLocalFile(); !file.isEmpty()) give(spelled(file));
+        takeCopy(*event);
+        give(spelled(draggedFiles(*event->mimeData()).value(0)));
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "Document.h"
 
 #include "Editor.h"
+#include "FileChooser.h"
 #include "ProjectFiles.h"
 #include "WindowModule.h"
 
@@ -196,8 +197,7 @@ void Document::browse() {
     const QString start = isNamed() ? QFileInfo(QString::fromStdString(Editor::scene().fileName)).path()
                           : QDir(projectRoot() + "/scenes").exists() ? projectRoot() + "/scenes"
                                                                      : projectRoot();
-    const QString file = QFileDialog::getOpenFileName(window_, tr("Open"), start, tr("Scenes (*.ma *.mel)"), nullptr,
-                                                      QFileDialog::DontUseNativeDialog);
+    const QString file = chooseFile(window_, tr("Open"), start, tr("Scenes (*.ma *.mel)"));
     if (!file.isEmpty()) open(file);
 }
 

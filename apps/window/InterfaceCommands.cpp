@@ -2,6 +2,7 @@
 
 #include "AttributePage.h"
 #include "Editor.h"
+#include "FileChooser.h"
 #include "Theme.h"
 
 #include "commands/Host.h"
@@ -191,6 +192,7 @@ struct InterfaceCommands::Commands {
         case 4: dialog.setFileMode(QFileDialog::ExistingFiles); break;
         default: dialog.setAcceptMode(QFileDialog::AcceptSave);
         }
+        showPictures(dialog);
         StringArray chosen;
         if (dialog.exec() == QDialog::Accepted)
             for (const QString& file : dialog.selectedFiles()) chosen.push_back(file.toStdString());

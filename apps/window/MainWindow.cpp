@@ -88,6 +88,7 @@ MainWindow::MainWindow(const WindowStart& start)
       status_(new ElidedLabel), said_(new QLabel), command_(new QLineEdit), progress_(new QProgressBar),
       stop_(new QToolButton) {
     setAcceptDrops(true);
+    qApp->installEventFilter(this);
     editor_.makeCurrent = [this] { view_->makeContextCurrent(); };
     auto* middle = new QWidget;
     auto* column = new QVBoxLayout(middle);
@@ -617,15 +618,45 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    const QString file = event->mimeData()->urls().value(0).toLocalFile();
-    if (file.endsWith(".ma", Qt::CaseInsensitive) || file.endsWith(".mel", Qt::CaseInsensitive))
-        event->acceptProposedAction();
+    if (event->mimeData()->hasUrls()) takeCopy(*event);
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-    const QString file = event->mimeData()->urls().value(0).toLocalFile();
+    takeCopy(*event);
+    const QStringList files = draggedFiles(*event->mimeData());
     // The one who drags is to be let go first: it may be asked about unsaved work.
-    QTimer::singleShot(0, this, [this, file] { document_->open(file); });
+    QTimer::singleShot(0, this, [this, files] {
+        const QString file = files.value(0);
+        if (files.size() > 1)
+            host::showWarning(tr("One scene is open at a time: of the %1 files that were dropped none was opened.")
+                                  .arg(files.size())
+                                  .toStdString());
+        else if (file.isEmpty())
+            host::showWarning(tr("What was dropped is no file of this machine.").toStdString());
+        else if (!isScene(file))
+            host::showWarning(tr("%1 is no scene (.ma, .mel). Pictures and libraries are dropped onto the field that "
+                                 "names them.")
+                                  .arg(QFileInfo(file).fileName())
+                                  .toStdString());
+        else
+            document_->open(file);
+    });
+}
+
+bool MainWindow::eventFilter(QObject* receiver, QEvent* event) {
+    // Files belong to the window wherever they are let go: a place for text would take their addresses.
+    const auto type = event->type();
+    if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) return false;
+    auto* widget = qobject_cast<QWidget*>(receiver);
+    auto& dragged = *static_cast<QDropEvent*>(event);
+    if (!widget || widget == this || widget->window() != this || widget->property(takesFiles).toBool() ||
+        !dragged.mimeData()->hasUrls())
+        return false;
+    if (type == QEvent::Drop)
+        dropEvent(&dragged);
+    else
+        takeCopy(dragged);
+    return true;
 }
 
 } // namespace orvosky::window

@@ -4,7 +4,10 @@
 #include "files/Workspace.h"
 
 #include <QDir>
+#include <QDropEvent>
 #include <QFileInfo>
+#include <QMimeData>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -30,6 +33,21 @@ QString fileOnDisk(const QString& named) {
         at += "/" + *found;
     }
     return at;
+}
+
+bool isScene(const QString& file) {
+    return file.endsWith(".ma", Qt::CaseInsensitive) || file.endsWith(".mel", Qt::CaseInsensitive);
+}
+
+QStringList draggedFiles(const QMimeData& data) {
+    QStringList files;
+    for (const QUrl& url : data.urls()) files << url.toLocalFile();
+    return files;
+}
+
+void takeCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
 }
 
 } // namespace orvosky::window

@@ -14,9 +14,7 @@
 
 #include <QLabel>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QPushButton>
-#include <QTimer>
 
 #include <algorithm>
 #include <csignal>
@@ -28,22 +26,6 @@ namespace orvosky::window {
 namespace {
 
 using testing::HasSubstr;
-
-/// Presses a button of the next dialog of that name.
-void answer(const char* dialog, const char* button) {
-    auto* timer = new QTimer;
-    QObject::connect(timer, &QTimer::timeout, timer, [=] {
-        for (QWidget* top : QApplication::topLevelWidgets())
-            if (auto* box = qobject_cast<QMessageBox*>(top); box && box->objectName() == dialog && box->isVisible())
-                for (QAbstractButton* b : box->buttons())
-                    if (b->text().remove('&') == button) {
-                        timer->deleteLater();
-                        b->click();
-                        return;
-                    }
-    });
-    timer->start(20);
-}
 
 // Faults: steps of another size than actions, a click that goes to another place, names that say nothing.
 TEST_F(Window, HistoryGoesToAnyStep) {

@@ -6,8 +6,11 @@
 #include "kit/ProgramRun.h"
 #include "scene/Scene.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QMessageBox>
 #include <QSettings>
+#include <QTimer>
 
 #include <csignal>
 #include <cstdlib>
@@ -40,6 +43,21 @@ int runProgram(const fs::path& folder, const std::vector<std::string>& words, st
     const orvo::test::Outcome end = orvo::test::runProgram(folder, words, all);
     if (said) *said = end.out + end.error;
     return end.status;
+}
+
+void answer(const char* dialog, const char* button) {
+    auto* timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, timer, [=] {
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (auto* box = qobject_cast<QMessageBox*>(top); box && box->objectName() == dialog && box->isVisible())
+                for (QAbstractButton* b : box->buttons())
+                    if (b->text().remove('&') == button) {
+                        timer->deleteLater();
+                        b->click();
+                        return;
+                    }
+    });
+    timer->start(20);
 }
 
 namespace {

@@ -31,6 +31,9 @@ using orvo::test::write;
 int runProgram(const fs::path& folder, const std::vector<std::string>& words, std::string* said = nullptr,
                const std::vector<std::pair<std::string, std::string>>& environment = {});
 
+/// Presses a button of the next dialog of that name.
+void answer(const char* dialog, const char* button);
+
 /// A scene with a sky, settings, a height fog and a renderer, seen from a camera that looks ahead.
 extern const char* const skyScene;
 

@@ -19,6 +19,18 @@
         <source>%1: no cloud lies in it</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>All Files (*)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Clouds (*.xml)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pictures (%1)</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>orvosky::window::AttributeControl</name>
@@ -609,6 +621,18 @@ Locked</source>
     </message>
     <message>
         <source>Stops what is running (Esc)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>One scene is open at a time: of the %1 files that were dropped none was opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What was dropped is no file of this machine.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is no scene (.ma, .mel). Pictures and libraries are dropped onto the field that names them.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
