@@ -23,6 +23,7 @@ Runs the stages in the order given and stops at the first that fails. What a sta
   faults      make every call to the system fail once, and look at what an export, a picture, a library and a scene
               then leave behind (strace)
   package     make the Debian package, and try the program that it installs from an empty folder
+  module      build and install the plug-in as for Maya, against a folder laid out like a devkit, and export with it
   windows     build the plug-in for Windows by MinGW-w64, and run the tests that need no host under Wine
   all         all of them: what a release needs
 
@@ -30,7 +31,7 @@ Exit status: 0 when every stage passed, 1 when one failed, 2 for a wrong use.
 TEXT
 }
 
-stages=(format rooms warnings clang sources asan tsan tidy fuzz faults package windows)
+stages=(format rooms warnings clang sources asan tsan tidy fuzz faults package module windows)
 # Rooms where a fault of memory is likely, and whose tests do not take long.
 quick_tests=(base_tests mel_tests files_tests scene_tests command_tests)
 quick_fuzz=(fuzz_scene fuzz_workspace fuzz_mel_parse fuzz_mel_run fuzz_inspect)
@@ -122,6 +123,14 @@ check_package() {
   rm -f build/package/*.deb
   (cd build/package && cpack -G DEB)
   scripts/try_package.sh build/package/*.deb
+}
+
+check_module() {
+  scripts/setup.sh
+  configured release
+  cmake --build --preset release --target orvosky_program orvosky orvohost_images
+  mkdir -p build/module
+  scripts/try_module.sh build/release build/module
 }
 
 check_windows() { scripts/check_windows.sh; }
