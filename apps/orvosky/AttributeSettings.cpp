@@ -6,6 +6,8 @@
 #include "base/NumberText.h"
 #include "commands/Host.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <sstream>
@@ -96,7 +98,7 @@ void applySettings(const std::vector<std::string>& settings) {
             setPlug(setting.substr(0, equals), setting.substr(equals + 1));
         } catch (const std::exception& e) {
             const std::string reason = e.what();
-            throw Failure("--set " + setting + ": " + reason + (reason.ends_with('.') ? "" : "."));
+            throw Failure(fmt::format("--set {}: {}{}", setting, reason, reason.ends_with('.') ? "" : "."));
         }
     }
 }

@@ -132,6 +132,7 @@ std::vector<std::pair<std::string, std::string>> messagesIn(const std::string& t
 int runSelf(std::vector<std::string> words, std::string& said) {
     words.insert(words.begin(), "orvosky");
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     std::string mark = "ORVOSKY_ENDS_WITH_PARENT=1";
