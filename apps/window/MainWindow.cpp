@@ -44,6 +44,8 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
 #include <QStyle>
@@ -77,6 +79,21 @@ protected:
         const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
         style()->drawItemText(&painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), shown,
                               foregroundRole());
+    }
+};
+
+/// A panel of a fixed height, which scrolls where there is no room for all of it: the window is to fit its screen.
+class ScrolledPanel final : public QScrollArea {
+public:
+    explicit ScrolledPanel(QWidget* panel) {
+        setWidgetResizable(true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setWidget(panel);
+    }
+    QSize sizeHint() const override { return widget()->sizeHint(); }
+    QSize minimumSizeHint() const override {
+        const QSize whole = widget()->minimumSizeHint();
+        return {whole.width() + verticalScrollBar()->sizeHint().width(), std::min(whole.height(), 96)};
     }
 };
 
@@ -121,9 +138,20 @@ MainWindow::MainWindow(const WindowStart& start)
     QDockWidget* below = dock(tr("Script Editor"), "scriptsDock", scripts_, Qt::BottomDockWidgetArea);
     QDockWidget* past = dock(tr("History"), "historyDock", new HistoryPanel(editor_), Qt::LeftDockWidgetArea);
     clouds_ = new CloudPanel(editor_);
-    QDockWidget* clouds = dock(tr("Clouds"), "cloudsDock", clouds_, Qt::LeftDockWidgetArea);
+    QDockWidget* clouds = dock(tr("Clouds"), "cloudsDock", new ScrolledPanel(clouds_), Qt::LeftDockWidgetArea);
     sunPanel_ = new SunPanel(editor_);
-    QDockWidget* sun = dock(tr("Sun by Place and Time"), "sunDock", sunPanel_, Qt::LeftDockWidgetArea);
+    QDockWidget* sun =
+        dock(tr("Sun by Place and Time"), "sunDock", new ScrolledPanel(sunPanel_), Qt::LeftDockWidgetArea);
+    for (QDockWidget* panel : {clouds, sun}) // whole, where the outliner can do with less
+        connect(panel->toggleViewAction(), &QAction::triggered, panel, [this, panel, left](bool shown) {
+            if (!shown) return;
+            QTimer::singleShot(0, panel, [this, panel, left] { // when it has its place
+                auto& scrolled = *static_cast<QScrollArea*>(panel->widget());
+                const int wanted =
+                    panel->height() - scrolled.height() + scrolled.widget()->minimumSizeHint().height() + 2;
+                resizeDocks({left, panel}, {left->height() + panel->height() - wanted, wanted}, Qt::Vertical);
+            });
+        });
     below->hide();
     past->hide();
     sun->hide();
@@ -131,7 +159,8 @@ MainWindow::MainWindow(const WindowStart& start)
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     resize(QSize(1360, 820).boundedTo(screen()->availableSize()));
-    resizeDocks({left, right}, {210, 372}, Qt::Horizontal);
+    // In a small window, or with large text, all have less.
+    resizeDocks({left, right}, {std::min(210, width() / 5), std::min(372, width() * 3 / 8)}, Qt::Horizontal);
     makeLastLine();
     makeTools();
     makeMenus();
@@ -579,6 +608,7 @@ void MainWindow::tell(Editor::Kind kind, const QString& text) {
     said_->setStyleSheet("color: " + colour.name());
     said_->setText(said_->fontMetrics().elidedText(line, Qt::ElideRight, std::max(200, width() / 2 - 40)));
     said_->setToolTip(text.trimmed());
+    if (startPage_ && kind != Editor::Kind::Info) startPage_->say(text.trimmed(), colour);
 }
 
 void MainWindow::fillCameras() {

@@ -16,6 +16,8 @@
 #include <QTextBlock>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace orvosky::window {
 namespace {
 
@@ -34,6 +36,7 @@ ScriptPanel::ScriptPanel(Editor& editor, QWidget* parent)
     : QWidget(parent), editor_(editor), log_(new QPlainTextEdit), input_(new ScriptInput(editor)) {
     setObjectName("scripts");
     log_->setReadOnly(true);
+    for (QWidget* half : {static_cast<QWidget*>(log_), static_cast<QWidget*>(input_)}) half->setMinimumHeight(36);
     log_->setMaximumBlockCount(longestLog);
     input_->setPlaceholderText(tr("MEL; Ctrl+Enter runs it, or what is selected of it"));
     auto* split = new QSplitter(Qt::Vertical);
@@ -74,6 +77,8 @@ ScriptPanel::ScriptPanel(Editor& editor, QWidget* parent)
     // A click on an error goes to its line.
     connect(log_, &QPlainTextEdit::cursorPositionChanged, this, [this] { goTo(log_->textCursor().block().text()); });
 }
+
+QSize ScriptPanel::sizeHint() const { return {640, std::clamp(window()->height() * 3 / 10, 120, 230)}; }
 
 void ScriptPanel::goTo(const QString& logged) {
     static const QRegularExpression place(R"(^// (?:Error|Warning): file: (.+?) line (\d+))");

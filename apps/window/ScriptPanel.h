@@ -17,7 +17,7 @@ class ScriptPanel : public QWidget {
 public:
     explicit ScriptPanel(Editor& editor, QWidget* parent = nullptr);
     /// Low enough to leave the sky its room.
-    QSize sizeHint() const override { return {640, 230}; }
+    QSize sizeHint() const override;
 
     /// What worked of the session since its scene was opened or made, as a script that does it again.
     QString script() const { return recorded_.join('\n') + '\n'; }

@@ -8,13 +8,18 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace orvosky::window {
 namespace {
 
-constexpr int columns = 4;
-constexpr QSize pictureSize(224, 126);
+constexpr int columns = 4, gap = 12, edge = 24;
+constexpr int aroundPicture = 16; ///< of a button, pixels
+constexpr QSize pictureSize(224, 126), smallest(120, 68);
 
 QPushButton* wordButton(const QString& text) {
     auto* button = new QPushButton(text);
@@ -35,9 +40,23 @@ QString presetTitle(const QString& stem) {
 }
 
 StartPage::StartPage(const std::filesystem::path& presets, const QStringList& recent, QWidget* parent)
-    : QWidget(parent) {
+    : QWidget(parent), said_(new QLabel) {
     setObjectName("startPage");
-    auto* outer = new QVBoxLayout(this);
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    auto* scroll = new QScrollArea;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* body = new QWidget;
+    scroll->setWidget(body);
+    whole->addWidget(scroll, 1);
+    said_->setObjectName("said");
+    said_->setWordWrap(true);
+    said_->setContentsMargins(edge, 6, edge, 10);
+    said_->hide();
+    whole->addWidget(said_);
+    auto* outer = new QVBoxLayout(body);
     outer->addStretch(1);
     auto* row = new QHBoxLayout;
     row->addStretch();
@@ -52,14 +71,14 @@ StartPage::StartPage(const std::filesystem::path& presets, const QStringList& re
     heading->setProperty("heading", true);
     page->addWidget(heading);
     auto* grid = new QGridLayout;
-    grid->setSpacing(12);
+    grid->setSpacing(gap);
     int at = 0;
     const QDir folder(QString::fromStdString(presets.string()));
     for (const QFileInfo& file : folder.entryInfoList({"*.ma"}, QDir::Files, QDir::Name)) {
         auto* button = new QToolButton;
         const QPixmap picture(folder.filePath(file.completeBaseName() + ".jpg"));
         button->setIcon(QIcon(picture.isNull() ? QPixmap(pictureSize) : picture));
-        button->setIconSize(pictureSize);
+        pictures_.push_back(button);
         button->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
         button->setText(presetTitle(file.completeBaseName()));
         button->setObjectName(file.completeBaseName());
@@ -82,18 +101,35 @@ StartPage::StartPage(const std::filesystem::path& presets, const QStringList& re
     words->addWidget(empty);
     words->addStretch();
     page->addLayout(words);
+    auto* list = new QVBoxLayout;
+    list->setSpacing(0);
+    page->addLayout(list);
     int listed = 0;
     for (const QString& file : recent) {
         if (!QFileInfo::exists(file) || listed == 5) continue;
         if (listed++ == 0) {
             auto* label = new QLabel(tr("Recent"));
             label->setProperty("dim", true);
-            page->addWidget(label);
+            list->addWidget(label);
         }
         auto* button = wordButton(QFileInfo(file).fileName() + "   " + QFileInfo(file).path());
         connect(button, &QPushButton::clicked, this, [this, file] { emit recentChosen(file); });
-        page->addWidget(button);
+        list->addWidget(button);
     }
+}
+
+void StartPage::say(const QString& text, const QColor& colour) {
+    said_->setStyleSheet("color: " + colour.name());
+    said_->setText(text);
+    said_->setVisible(!text.isEmpty());
+}
+
+void StartPage::resizeEvent(QResizeEvent*) {
+    // A row of pictures fits, in a small window with smaller ones.
+    const int wide = std::clamp((width() - 2 * edge - (columns - 1) * gap) / columns - aroundPicture, smallest.width(),
+                                pictureSize.width());
+    for (QToolButton* button : pictures_)
+        button->setIconSize({wide, wide * pictureSize.height() / pictureSize.width()});
 }
 
 void StartPage::paintEvent(QPaintEvent*) {

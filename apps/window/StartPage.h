@@ -3,8 +3,10 @@
 #include <QWidget>
 
 #include <filesystem>
+#include <vector>
 
-class QVBoxLayout;
+class QLabel;
+class QToolButton;
 
 namespace orvosky::window {
 
@@ -17,6 +19,8 @@ class StartPage : public QWidget {
     Q_OBJECT
 public:
     StartPage(const std::filesystem::path& presets, const QStringList& recent, QWidget* parent);
+    /// Shows a message, which the page's window has no other place for.
+    void say(const QString& text, const QColor& colour);
 
 signals:
     void presetChosen(const QString& file);
@@ -26,6 +30,11 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent*) override;
+    void resizeEvent(QResizeEvent*) override;
+
+private:
+    std::vector<QToolButton*> pictures_;
+    QLabel* said_;
 };
 
 } // namespace orvosky::window

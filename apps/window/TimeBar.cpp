@@ -21,6 +21,8 @@
 namespace orvosky::window {
 namespace {
 
+constexpr int enoughForRate = 480; ///< pixels; in less the frames themselves have none
+
 double framesOf(double ticks) { return ticks / host::timeUnit().ticks; }
 double rate() { return static_cast<double>(host::ticksPerSecond) / host::timeUnit().ticks; }
 
@@ -29,6 +31,7 @@ double rate() { return static_cast<double>(host::ticksPerSecond) / host::timeUni
 TimeLine::TimeLine(QWidget* parent) : QWidget(parent) {
     setObjectName("timeLine");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setMinimumWidth(60);
 }
 
 void TimeLine::show(double first, double last, double now, std::vector<double> keys) {
@@ -136,6 +139,8 @@ TimeBar::TimeBar(Editor& editor, QWidget* parent)
     connect(&editor_, &Editor::changed, this, &TimeBar::follow);
     follow();
 }
+
+void TimeBar::resizeEvent(QResizeEvent*) { rate_->setVisible(width() >= enoughForRate); }
 
 void TimeBar::setKey() {
     if (Editor::scene().selection().empty()) return;

@@ -51,6 +51,9 @@ public:
     /// Sets a key of what has keys of the selection, else of all that is keyable of it.
     void setKey();
 
+protected:
+    void resizeEvent(QResizeEvent*) override;
+
 private:
     void follow();
     void step();

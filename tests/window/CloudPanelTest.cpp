@@ -9,6 +9,7 @@
 #include "scene/Scene.h"
 
 #include <QComboBox>
+#include <QDockWidget>
 #include <QLabel>
 #include <QListWidget>
 
@@ -23,7 +24,7 @@ using testing::HasSubstr;
 class Clouds : public Window {
 protected:
     CloudPanel& panel() {
-        window().clouds().parentWidget()->show();
+        window().findChild<QDockWidget*>("cloudsDock")->show();
         settle();
         return window().clouds();
     }

@@ -6,6 +6,7 @@
 
 #include "scene/Scene.h"
 
+#include <QDockWidget>
 #include <QPushButton>
 #include <QTreeWidget>
 
@@ -75,7 +76,7 @@ TEST_F(SunByPlace, PanelPointsAndKeysWhatIsTicked) {
     const std::string before = saved();
     SunPanel& panel = window().sunPanel();
     EXPECT_EQ(panel.isVisible(), false);
-    panel.parentWidget()->show();
+    window().findChild<QDockWidget*>("sunDock")->show();
     settle();
     ASSERT_NE(row("skyShape"), nullptr);
     ASSERT_NE(row("shade1Shape"), nullptr);

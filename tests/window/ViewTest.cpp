@@ -2,7 +2,17 @@
 #include "WindowFixture.h"
 
 #include "CameraMoves.h"
+#include "ScriptPanel.h"
+#include "StartPage.h"
+
+#include "base/Messages.h"
 #include "viewport/Picture.h"
+
+#include <QDockWidget>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QToolButton>
 
 #include <cmath>
 #include <numbers>
@@ -105,6 +115,34 @@ TEST_F(Window, MovesTheCameraByHand) {
     editor().run("undo;");
     editor().run("undo;");
     EXPECT_EQ(text("undoInfo -q -undoQueueEmpty"), "1") << "looking around is no edit";
+}
+
+// Faults: a window that is larger than its screen, or a small one whose pictures are cut off, whose line of
+// frames is too short to be dragged, or whose view has no room beside the script editor; messages behind the start
+// page.
+TEST_F(Window, HasRoomOnASmallScreen) {
+    open("");
+    const QSize screen = window().screen()->availableSize();
+    ASSERT_LT(screen.width(), 1360) << "what it would be on a larger one";
+    EXPECT_LE(window().width(), screen.width());
+    EXPECT_LE(window().height(), screen.height());
+    window().resize(960, 540); // a screen of 1920 x 1080 where all is twice as large
+    settle();
+    StartPage& page = *window().startPage();
+    for (auto* preset : page.findChildren<QToolButton*>()) {
+        const QRect at(preset->mapTo(&page, QPoint(0, 0)), preset->size());
+        EXPECT_TRUE(page.rect().contains(at)) << preset->objectName().toStdString();
+    }
+    host::showWarning("A warning.");
+    EXPECT_TRUE(page.findChild<QLabel*>("said")->isVisible());
+    QTest::mouseClick(page.findChild<QPushButton*>("empty"), Qt::LeftButton);
+    settle(100);
+    EXPECT_EQ(window().size(), QSize(960, 540));
+    EXPECT_GE(window().findChild<QWidget*>("timeLine")->width(), 60);
+    for (const char* dock : {"scriptsDock", "sunDock", "cloudsDock"}) window().findChild<QDockWidget*>(dock)->show();
+    settle(100);
+    EXPECT_EQ(window().size(), QSize(960, 540));
+    EXPECT_GT(window().view().height(), window().scripts().height());
 }
 
 // Hand computation: level views of a camera 10 away from the origin.
