@@ -41,7 +41,8 @@ bool foldedBefore(const QString& label, bool otherwise) {
 
 } // namespace
 
-AttributePage::AttributePage(Editor& editor, InterfaceCommands& commands, host::scene::NodePtr node, QWidget* parent)
+AttributePage::AttributePage(Editor& editor, InterfaceCommands& commands, const host::scene::NodePtr& node,
+                             QWidget* parent)
     : QWidget(parent), editor_(editor), commands_(commands), node_(node), top_(new QVBoxLayout(this)) {
     top_->setContentsMargins(12, 4, 12, 12);
     top_->setSpacing(5);
@@ -251,6 +252,7 @@ void AttributePage::list(host::mel::Call& call) {
             host::scene::Node* at = node();
             if (!at || procedure.empty()) return;
             std::vector<host::mel::Value> plugs;
+            plugs.reserve(attributes.size());
             for (const auto& name : attributes) plugs.emplace_back(Editor::scene().displayName(*at) + "." + name);
             try {
                 host::Host::instance().interpreter().call(procedure, std::move(plugs));

@@ -21,7 +21,8 @@ class InterfaceCommands;
 class AttributePage : public QWidget {
     Q_OBJECT
 public:
-    AttributePage(Editor& editor, InterfaceCommands& commands, host::scene::NodePtr node, QWidget* parent = nullptr);
+    AttributePage(Editor& editor, InterfaceCommands& commands, const host::scene::NodePtr& node,
+                  QWidget* parent = nullptr);
 
     host::scene::Node* node() const;
     /// Shows what the scene holds now.

@@ -31,7 +31,7 @@ MVector direction(double azimuth, double elevation) {
 }
 
 DirectionBall::DirectionBall(QWidget* parent) : QWidget(parent) {
-    setFixedSize(sizeHint());
+    setFixedSize(DirectionBall::sizeHint());
     setCursor(Qt::CrossCursor);
 }
 

@@ -114,7 +114,7 @@ QString chooseFile(QWidget* parent, const QString& title, const QString& folder,
 }
 
 QString filterOf(const QString& attribute) {
-    const QString all = QObject::tr("All Files (*)");
+    QString all = QObject::tr("All Files (*)");
     if (attribute.contains("cloud", Qt::CaseInsensitive)) return QObject::tr("Clouds (*.xml)") + ";;" + all;
     for (const char* word : {"texture", "image", "picture"})
         if (attribute.contains(word, Qt::CaseInsensitive))

@@ -39,7 +39,7 @@ QString missingFile(DagNode& node) {
     const auto of = [](DagNode& dag) -> QString {
         for (const host::scene::Attribute* attribute : dag.attributes())
             if (attribute->usedAsFilename) {
-                const QString named = PlugView(dag.shared_from_this(), *attribute).text();
+                QString named = PlugView(dag.shared_from_this(), *attribute).text();
                 if (!named.isEmpty() && fileOnDisk(named).isEmpty()) return named;
             }
         return {};

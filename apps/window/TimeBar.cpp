@@ -58,7 +58,10 @@ void TimeLine::paintEvent(QPaintEvent*) {
     double mark = 1;
     for (int i = 0; mark < wanted; ++i) mark *= i % 3 == 1 ? 2.5 : 2;
     painter.setFont(QFont(font().family(), 8));
-    for (double f = std::ceil(first_ / mark) * mark; f <= last_; f += mark) {
+    const double start = std::ceil(first_ / mark) * mark;
+    // Counted: a frame beyond 2^53 is no other one after a step of one.
+    for (int i = 0; i <= (last_ - start) / mark; ++i) {
+        const double f = start + i * mark;
         painter.setPen(QPen(theme::line(), 1));
         painter.drawLine(QPointF(place(f), base - 4), QPointF(place(f), base));
         painter.setPen(theme::grey(5));

@@ -46,9 +46,7 @@ void* Cell::operator new(std::size_t, std::align_val_t) { return cellBlocks().ta
 void Cell::operator delete(void* cell, std::size_t, std::align_val_t) { cellBlocks().give(cell); }
 #else
 void* Cell::operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
-void Cell::operator delete(void* cell, std::size_t size, std::align_val_t alignment) {
-    ::operator delete(cell, size, alignment);
-}
+void Cell::operator delete(void* cell, std::size_t, std::align_val_t alignment) { ::operator delete(cell, alignment); }
 #endif
 
 static_assert(sizeof(Cell) == 192, "three lines of the cache");
