@@ -3,6 +3,7 @@
 #include "Editor.h"
 #include "Theme.h"
 
+#include "base/Messages.h"
 #include "scene/Scene.h"
 
 #include <QClipboard>
@@ -154,9 +155,15 @@ void AttributeControl::showMenu(QPoint at) {
             return;
         }
         std::vector<double> values;
-        bool fine = true;
-        for (const QString& word : text.split(' ', Qt::SkipEmptyParts)) values.push_back(word.toDouble(&fine));
-        if (fine && static_cast<int>(values.size()) == plug_.components()) set(std::move(values));
+        bool fine = true, all = true;
+        for (const QString& word : text.simplified().split(' ', Qt::SkipEmptyParts)) {
+            values.push_back(word.toDouble(&fine));
+            all = all && fine && std::isfinite(values.back());
+        }
+        if (all && static_cast<int>(values.size()) == plug_.components())
+            set(std::move(values));
+        else
+            host::showWarning(tr("What was copied is no value of %1.").arg(label_->text()).toStdString());
     });
     menu.addSeparator();
     if (number) {

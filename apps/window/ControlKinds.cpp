@@ -219,18 +219,27 @@ private:
             dialog_->raise();
             return;
         }
-        dialog_ = new QColorDialog(colour(), window());
+        // It knows numbers up to 1: a brighter colour keeps how bright it is.
+        double bright = 1;
+        for (const double v : numbers()) bright = std::max(bright, v);
+        const auto shown = [&](int k) { return static_cast<float>(std::clamp(plug_.number(k) / bright, 0.0, 1.0)); };
+        const QColor first = QColor::fromRgbF(shown(0), shown(1), shown(2));
+        dialog_ = new QColorDialog(first, window());
         dialog_->setOptions(QColorDialog::DontUseNativeDialog);
         dialog_->setAttribute(Qt::WA_DeleteOnClose);
         dialog_->setWindowTitle(AttributeControl::tr("Colour of %1").arg(QString::fromStdString(plug_.path())));
-        const auto numbersOf = [](const QColor& c) {
-            const auto round = [](double v) { return std::round(v * 1e4) / 1e4; };
+        const auto numbersOf = [bright](const QColor& c) {
+            const auto round = [bright](double v) { return std::round(v * bright * 1e4) / 1e4; };
             return std::vector<double>{round(c.redF()), round(c.greenF()), round(c.blueF())};
         };
         connect(dialog_, &QColorDialog::currentColorChanged, this,
                 [this, numbersOf](const QColor& c) { drag(numbersOf(c)); });
-        connect(dialog_, &QColorDialog::colorSelected, this,
-                [this, numbersOf](const QColor& c) { drop(numbersOf(c)); });
+        connect(dialog_, &QColorDialog::colorSelected, this, [this, numbersOf, first](const QColor& c) {
+            if (c.rgb() == first.rgb())
+                editor().cancelPreview(); // the numbers stay what they were, to the last digit
+            else
+                drop(numbersOf(c));
+        });
         connect(dialog_, &QDialog::rejected, &editor(), &Editor::cancelPreview);
         connect(this, &QObject::destroyed, dialog_, &QWidget::close);
         dialog_->show();

@@ -5,6 +5,8 @@
 #include "scene/Evaluation.h"
 #include "scene/Scene.h"
 
+#include <charconv>
+
 namespace orvosky::window {
 
 using host::scene::Attribute;
@@ -51,6 +53,15 @@ const Attribute& part(const Attribute& attribute, int k) {
     return attribute.type == AttributeType::Tuple ? *attribute.children[static_cast<std::size_t>(k)] : attribute;
 }
 
+/// A number of single precision as one would write it: 0.45, not 0.44999998807907104.
+double written(const Attribute& attribute, double number) {
+    if (attribute.type != AttributeType::Numeric || attribute.numeric != host::scene::NumericType::Float) return number;
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, static_cast<float>(number)).ptr;
+    std::from_chars(text, end, number);
+    return number;
+}
+
 } // namespace
 
 double PlugView::number(int k) const {
@@ -59,7 +70,7 @@ double PlugView::number(int k) const {
     try {
         host::scene::evaluate(*at);
         Cell& leaf = at->attribute.type == AttributeType::Tuple ? at->child(k) : *at;
-        return host::scene::toUi(leaf.attribute, leaf.number());
+        return written(leaf.attribute, host::scene::toUi(leaf.attribute, leaf.number()));
     } catch (const std::exception&) {
         return 0;
     }
@@ -67,9 +78,10 @@ double PlugView::number(int k) const {
 
 double PlugView::initial(int k) const {
     const auto* n = std::get_if<Numeric>(&attribute_->defaultValue);
-    if (n && k < n->count) return host::scene::toUi(part(*attribute_, k), n->get(k));
-    const auto* own = std::get_if<Numeric>(&part(*attribute_, k).defaultValue);
-    return own ? host::scene::toUi(part(*attribute_, k), own->get()) : 0;
+    const Attribute& leaf = part(*attribute_, k);
+    if (n && k < n->count) return written(leaf, host::scene::toUi(leaf, n->get(k)));
+    const auto* own = std::get_if<Numeric>(&leaf.defaultValue);
+    return own ? written(leaf, host::scene::toUi(leaf, own->get())) : 0;
 }
 
 QString PlugView::text() const {

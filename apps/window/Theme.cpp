@@ -119,6 +119,8 @@ QScrollBar::handle { background: @3; border-radius: 3px; min-height: 24px; min-w
 QScrollBar::handle:hover { background: @4; }
 QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
 QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
+QSpinBox::up-button, QSpinBox::down-button { width: 0; border: none; }
+QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
 QScrollArea { border: none; background: @1; }
 QSlider::groove:horizontal { height: 2px; background: @3; border-radius: 1px; }
 QSlider::sub-page:horizontal { background: @5; }

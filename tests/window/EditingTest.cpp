@@ -11,7 +11,12 @@
 #include "scene/Scene.h"
 
 #include <QCheckBox>
+#include <QClipboard>
+#include <QColorDialog>
 #include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QTimer>
 
 namespace orvosky::window {
 namespace {
@@ -127,6 +132,50 @@ TEST_F(Attributes, ShowsWhatTheSceneHolds) {
     EXPECT_EQ(number("getAttr fogShape.Enable"), 0);
     editor().run("delete fog;");
     EXPECT_EQ(window().attributes().page(), nullptr);
+}
+
+// Faults: a colour that is brighter than the dialog knows and lost by it, one that is another by its last digits,
+// digits that single precision does not have, the half of a copied text as a value.
+TEST_F(Attributes, KeepWhatIsNotChanged) {
+    open();
+    editor().run("select -r fog; setAttr fogShape.fogColour 2 0.45 0.35;");
+    const auto colour = [&] {
+        return text("float $c[] = `getAttr fogShape.fogColour`; $c[0] + \" \" + $c[1] + \" \" + $c[2]");
+    };
+    const std::size_t steps = Editor::scene().undo.undoNames().size();
+    const auto pick = [&](QColor chosen) {
+        QTest::mouseClick(control("fogColour").findChild<QPushButton*>("swatch"), Qt::LeftButton);
+        auto* dialog = window().findChild<QColorDialog*>();
+        ASSERT_TRUE(dialog);
+        dialog->setCurrentColor(Qt::green);
+        dialog->setCurrentColor(chosen.isValid() ? chosen : QColor(255, 57, 45)); // 1 0.225 0.175: as it was
+        dialog->accept();
+        settle();
+    };
+    pick({});
+    EXPECT_EQ(colour(), "2 0.4499999881 0.349999994") << "0.45 and 0.35 in single precision";
+    EXPECT_EQ(Editor::scene().undo.undoNames().size(), steps);
+    pick(Qt::white);
+    EXPECT_EQ(colour(), "2 2 2") << "as bright as it was";
+    editor().run("undo;");
+    type(*control("fogColour").findChildren<NumberField*>()[2], "0.3");
+    EXPECT_EQ(echoed().back(), "setAttr \"fogShape.fogColour\" 2 0.45 0.3;");
+    const auto paste = [&](const char* copied) {
+        QApplication::clipboard()->setText(copied);
+        QTimer::singleShot(100, [] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            for (QAction* action : menu ? menu->actions() : QList<QAction*>())
+                if (action->text() == "Paste Value") action->trigger();
+            if (menu) menu->close();
+        });
+        auto& label = *control("fogColour").findChild<QLabel*>();
+        emit label.customContextMenuRequested(QPoint(2, 2));
+        settle();
+    };
+    paste("x 0.5 0.25");
+    EXPECT_EQ(colour(), "2 0.4499999881 0.3000000119");
+    paste(" 1 0.5  0.25\n");
+    EXPECT_EQ(colour(), "1 0.5 0.25");
 }
 
 // Faults: a page that stays empty, or an editor that ends, when a template is wrong; a plain page without attributes.

@@ -121,6 +121,10 @@ Locked</source>
         <source>It lies outside of the project&apos;s build folder: the game will not find it.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>What was copied is no value of %1.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>orvosky::window::AttributePage</name>
