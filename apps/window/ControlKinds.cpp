@@ -343,10 +343,10 @@ public:
         line_->setAcceptDrops(false); // it would take a file's address as text
         connect(browse_, &QPushButton::clicked, this, [this] {
             const QString now = fileOnDisk(plug_.text());
-            const QString start = now.isEmpty() ? projectRoot() : QFileInfo(now).path();
+            const QString start = now.isEmpty() ? projectRoot() : now;
             const QString file = chooseFile(window(), AttributeControl::tr("Choose a File"), start,
                                             filterOf(QString::fromStdString(plug_.attribute().longName)));
-            if (!file.isEmpty()) give(spelled(file));
+            if (!file.isEmpty() && file != now) give(spelled(file)); // the same one keeps its spelling
         });
     }
 

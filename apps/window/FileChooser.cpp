@@ -105,11 +105,13 @@ QImage lookOf(const QString& file, QSize size) {
 
 void showPictures(QFileDialog& dialog) { dialog.setProxyModel(new Pictures(dialog)); }
 
-QString chooseFile(QWidget* parent, const QString& title, const QString& folder, const QString& filter) {
-    QFileDialog dialog(parent, title, folder, filter);
+QString chooseFile(QWidget* parent, const QString& title, const QString& start, const QString& filter) {
+    const QFileInfo first(start);
+    QFileDialog dialog(parent, title, first.isFile() ? first.path() : start, filter);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
     showPictures(dialog);
+    if (first.isFile()) dialog.selectFile(first.fileName());
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 

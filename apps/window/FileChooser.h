@@ -16,8 +16,8 @@ QImage lookOf(const QString& file, QSize size);
 void showPictures(QFileDialog& dialog);
 
 /// Asks for a file that there is, in a dialog with pictures. `filter` as Qt and MEL's fileDialog2 have it, such as
-/// "Clouds (*.xml);;All Files (*)". Empty when none was chosen.
-QString chooseFile(QWidget* parent, const QString& title, const QString& folder, const QString& filter);
+/// "Clouds (*.xml);;All Files (*)". It begins in the folder `start`, or with the file. Empty when none was chosen.
+QString chooseFile(QWidget* parent, const QString& title, const QString& start, const QString& filter);
 
 /// The filter of what a file's attribute of that name may hold, as the name lets one think.
 QString filterOf(const QString& attribute);
