@@ -101,7 +101,7 @@ TEST_F(Window, WordsAreCompletedAndErrorsLeadToTheirLine) {
 }
 
 // Faults: time that is an edit while it is dragged, keys that are not shown or not set, a play that runs out of the
-// range.
+// range, marks of frames that never end.
 TEST_F(Window, TimeIsDraggedPlayedAndKeyed) {
     open();
     editor().run("playbackOptions -min 1 -max 40;");
@@ -129,6 +129,9 @@ TEST_F(Window, TimeIsDraggedPlayedAndKeyed) {
     settle(400);
     window().time().play(false);
     EXPECT_LE(number("currentTime -q"), 40);
+    editor().run("playbackOptions -min 1e16 -max 10000000000000010;");
+    settle();
+    line.grab(); // comes to an end, though a frame more is the same number there
 }
 
 // Faults: other bytes than `orvosky export` writes, complaints that lead nowhere, files of a sky that cannot be
