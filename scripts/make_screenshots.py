@@ -119,10 +119,12 @@ def tutorial(desktop: Desktop, folder: Path) -> None:
     desktop.click(516, 250)  # the preset "Golden hour"
     desktop.shoot("tutorial-window-2.png")
     desktop.click(452, 51)  # "Cloud Dome" of the shelf
-    desktop.enter(1066, 281, "0.7")  # "Placement"
-    desktop.enter(1066, 310, "1.1")  # "Scale"
+    desktop.enter(1066, 347, "0.7")  # "Placement"
+    desktop.enter(1066, 376, "1.1")  # "Scale"
     desktop.shoot("tutorial-window-3.png")
-    desktop.click(1046, 708)  # "Wires"
+    desktop.do("mousemove", "1180", "640", "click", "--repeat", "20", "5")  # to the end of the page
+    desktop.settle()
+    desktop.click(1046, 631)  # "Wires"
     desktop.drag((462, 425), (560, 412))  # the sun
     desktop.shoot("tutorial-window-4.png")
     desktop.do("key", "ctrl+e")
