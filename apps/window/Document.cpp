@@ -118,7 +118,7 @@ bool Document::load(const QString& file, const std::function<bool()>& work) {
     }
     editor_.announce();
     follow();
-    emit opened();
+    emit opened(worked);
     return worked;
 }
 
@@ -128,7 +128,7 @@ void Document::newScene() {
     untitled_ = true;
     giveUp();
     follow();
-    emit opened();
+    emit opened(true);
 }
 
 bool Document::open(const QString& file) {
@@ -189,7 +189,7 @@ bool Document::saveAs() {
     remember(file);
     giveUp();
     follow();
-    emit opened();
+    emit opened(true);
     return true;
 }
 

@@ -48,8 +48,9 @@ public:
     void keepCopy();
 
 signals:
-    /// Another scene, or the same one under another name.
-    void opened();
+    /// Another scene, or the same one under another name. Not `another` when that could not be opened and the present
+    /// one stays, though its nodes may be new ones.
+    void opened(bool another);
     void titleChanged();
 
 private:

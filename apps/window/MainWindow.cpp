@@ -258,7 +258,9 @@ void MainWindow::showStartPage() {
             begin([this](const QString& file) { return document_->open(file); }), Qt::QueuedConnection);
     connect(startPage_, &StartPage::browseChosen, document_.get(), &Document::browse, Qt::QueuedConnection);
     connect(startPage_, &StartPage::emptyChosen, this, &MainWindow::endStartPage, Qt::QueuedConnection);
-    connect(document_.get(), &Document::opened, this, &MainWindow::endStartPage);
+    connect(document_.get(), &Document::opened, this, [this](bool another) {
+        if (another) endStartPage();
+    });
     startPage_->setGeometry(0, menuBar()->height(), width(), height() - menuBar()->height());
     startPage_->show();
     startPage_->raise();

@@ -8,6 +8,7 @@
 #include <QAbstractItemView>
 #include <QCompleter>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QStringListModel>
@@ -121,6 +122,11 @@ void ScriptInput::keyPressEvent(QKeyEvent* event) {
         offer(asked);
     else if (event->key() != Qt::Key_Shift)
         completer_->popup()->hide();
+}
+
+void ScriptInput::insertFromMimeData(const QMimeData* source) {
+    // Qt 6.4 asks for the first of the formats, and crashes where the clipboard is empty.
+    if (source && source->hasText()) QPlainTextEdit::insertFromMimeData(source);
 }
 
 void ScriptInput::offer(bool asked) {

@@ -12,6 +12,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
@@ -68,6 +69,10 @@ protected:
 TEST_F(Files, AreOpenedWhereverTheyAreDropped) {
     open("");
     ASSERT_TRUE(window().startPage());
+    write(folder_ / "scenes/broken.ma", "//Maya ASCII 2010 scene\ncreateNode transform -n \"t;\nsetAttr {");
+    drop(*window().startPage(), {folder_ / "scenes/broken.ma"});
+    ASSERT_TRUE(window().startPage()) << "what cannot be opened leaves the choice";
+    EXPECT_THAT(window().startPage()->findChild<QLabel*>("said")->text().toStdString(), HasSubstr("broken.ma"));
     ASSERT_TRUE(drop(*window().startPage(), {scene("first")}));
     EXPECT_FALSE(window().startPage());
     EXPECT_EQ(title(), "first.ma");

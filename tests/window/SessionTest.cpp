@@ -68,7 +68,8 @@ TEST_F(Window, TheSessionsScriptDoesTheSameAgain) {
     EXPECT_THAT(errors_.back(), HasSubstr("typed line 2"));
 }
 
-// Faults: words that are not there, or of another kind than what is written, a click on an error that leads nowhere.
+// Faults: words that are not there, or of another kind than what is written, a crash when an empty clipboard is pasted,
+// a click on an error that leads nowhere.
 TEST_F(Window, WordsAreCompletedAndErrorsLeadToTheirLine) {
     open();
     const auto offered = [&](const QString& text) {
@@ -91,6 +92,9 @@ TEST_F(Window, WordsAreCompletedAndErrorsLeadToTheirLine) {
     EXPECT_GT(window().view().height(), scripts.height()) << "the sky keeps its room";
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
     EXPECT_EQ(scripts.input().toPlainText(), "getAttr fogShape.fogHeightOffset");
+    QGuiApplication::clipboard()->clear();
+    QTest::keyClick(&scripts.input(), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(scripts.input().toPlainText(), "getAttr fogShape.fogHeightOffset") << "nothing was pasted";
     write(folder_ / "wrong.mel", "int $a = 1;\n$b = noSuchProcedure($a);\n");
     scripts.input().setPlainText(QString("int $x;\nsource \"%1\";").arg(folder_.c_str() + QString("/wrong.mel")));
     scripts.runInput();
