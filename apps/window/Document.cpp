@@ -155,7 +155,9 @@ bool Document::open(const QString& file) {
 bool Document::openPreset(const QString& file) {
     if (!mayGo()) return false;
     return load(file, [&] {
-        if (!editor_.run("orvoskyNewFromPreset " + quoted(file.toStdString()) + ";")) return false;
+        // By its name, so that what is recorded works elsewhere.
+        const std::string name = QFileInfo(file).fileName().toStdString();
+        if (!editor_.run("orvoskyNewFromPreset " + quoted(name) + ";")) return false;
         Editor::scene().fileName.clear();
         Editor::scene().modified = false;
         Editor::scene().undo.clear();

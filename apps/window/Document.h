@@ -29,7 +29,7 @@ public:
     void newScene();
     /// False when the user keeps the present scene, or the file could not be opened; then the present one stays.
     bool open(const QString& file);
-    /// Opens a scene that serves as a pattern: it has no name of its own, and saving asks for one.
+    /// Opens one of the presets that come with the tools: it has no name of its own, and saving asks for one.
     bool openPreset(const QString& file);
     bool save();
     bool saveAs();
