@@ -19,7 +19,7 @@ public:
     /// All 32-bit values, evenly.
     std::uint32_t RandomUInt32() {
         if (index_ >= wordCount) regenerate();
-        return tempered_[static_cast<std::size_t>(maxAhead + index_++)];
+        return tempered_.data()[maxAhead + index_++];
     }
     /// In [0, 1]: values close to 2^32 round up to exactly 1.
     float RandomFloat() { return static_cast<float>(RandomUInt32()) * 0x1p-32f; }
@@ -32,7 +32,7 @@ public:
     const std::uint32_t* ahead() {
         static_assert(count <= maxAhead);
         if (wordCount - index_ < count) regenerateBehind();
-        return &tempered_[static_cast<std::size_t>(maxAhead + index_)];
+        return tempered_.data() + maxAhead + index_;
     }
 
 private:

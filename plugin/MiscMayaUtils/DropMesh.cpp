@@ -167,9 +167,10 @@ MStatus DropMeshCommand::keepUndoPositions(const MFnMesh& dropMesh, int numVerts
         return failed(status, "DropMeshCommand: Could not get vertex from dropObjectMesh");
     auto positions = std::make_unique<float[]>(3 * static_cast<std::size_t>(numVerts));
     for (unsigned i = 0; i < points.length(); ++i) {
-        positions[3 * i] = static_cast<float>(points[i].x);
-        positions[3 * i + 1] = static_cast<float>(points[i].y);
-        positions[3 * i + 2] = static_cast<float>(points[i].z);
+        float* position = &positions[std::size_t{3} * i];
+        position[0] = static_cast<float>(points[i].x);
+        position[1] = static_cast<float>(points[i].y);
+        position[2] = static_cast<float>(points[i].z);
     }
     undoPositions_ = std::move(positions);
     undoCount_ = numVerts;
@@ -228,9 +229,11 @@ MStatus DropMeshCommand::restore() {
     if (numVerts != undoCount_)
         return failed(MStatus::kFailure, "DropMeshCommand: undo Data does not match mesh!!? :(");
     MPointArray points(static_cast<unsigned>(numVerts));
-    for (unsigned i = 0; i < points.length(); ++i)
+    for (unsigned i = 0; i < points.length(); ++i) {
+        const float* position = &undoPositions_[std::size_t{3} * i];
         // The command has always given 0 as the fourth component, which is not looked at.
-        points[i] = MPoint(undoPositions_[3 * i], undoPositions_[3 * i + 1], undoPositions_[3 * i + 2], 0.0);
+        points[i] = MPoint(position[0], position[1], position[2], 0.0);
+    }
     status = dropMesh->setPoints(points, MSpace::kObject);
     if (status.error()) return failed(status, "DropMeshCommand: Error assigning point back into dropObjectMesh");
     status = dropMesh->updateSurface();

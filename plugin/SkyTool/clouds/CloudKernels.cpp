@@ -477,7 +477,8 @@ HWY_ATTR int candidates(const CandidateTable& table, const Scatter& scatter, con
             if (kept.full()) passed = (2u << i) - 1;
             if (kept.full()) break;
         }
-        random.skip(static_cast<std::uint64_t>(3 * std::popcount(passed) + std::popcount(feltBits & passed)));
+        random.skip(std::uint64_t{3} * static_cast<unsigned>(std::popcount(passed)) +
+                    static_cast<unsigned>(std::popcount(feltBits & passed)));
         if (kept.full()) break;
         k += good;
         if (doubtful) return k;
@@ -646,9 +647,12 @@ RayTable::RayTable(const ShapeTable& shapes, const RowDirection& direction, cons
                 at[c] = (side(1) * m(0, c) + side(2) * m(1, c) + side(4) * m(2, c)) / marchRadius;
                 ahead += at[c] * step(c) / length;
             }
-            double* to = &offsets_[s * components * shadowSamples + static_cast<std::size_t>(sample)];
-            to[back * shadowSamples] = -ahead;
-            for (int c = 0; c < 3; ++c) to[(gap + c) * shadowSamples] = at[c] - ahead * step(c) / length;
+            const auto offset = [&](int component) -> double& {
+                return offsets_[(s * components + static_cast<std::size_t>(component)) * shadowSamples +
+                                static_cast<std::size_t>(sample)];
+            };
+            offset(back) = -ahead;
+            for (int c = 0; c < 3; ++c) offset(gap + c) = at[c] - ahead * step(c) / length;
         }
     }
 }
