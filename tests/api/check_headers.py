@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Compiles each of the API's headers alone and holds it to bringing in what its declarations name.
 
-Usage: check_headers.py COMPILER FOLDER
+Usage: check_headers.py FOLDER WORK COMPILER...
 
 FOLDER holds maya/*.h. A plug-in that includes one header may use every class that the header's signatures name, so
-for each of them the size is asked for behind that one include.
+for each of them the size is asked for behind that one include. The sources that ask are written into the folder WORK,
+where a COMPILER behind a compiler cache finds those of the last time.
 """
 import concurrent.futures
 import os
@@ -13,7 +14,8 @@ import re
 import subprocess
 import sys
 
-compiler, folder = sys.argv[1], pathlib.Path(sys.argv[2])
+folder, work, compiler = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]), sys.argv[3:]
+work.mkdir(exist_ok=True)
 headers = {path.stem: path for path in sorted((folder / "maya").glob("M*.h"))}
 # Headers that declare no class of their own name.
 NO_CLASS = {"MApiNamespace", "MApiVersion", "MIOStream", "MIOStreamFwd", "MTypes"}
@@ -29,9 +31,10 @@ def named(path):
 def failure(item):
     name, path = item
     classes = [] if name in NO_CLASS else named(path)
-    source = f"#include <maya/{name}.h>\n" + "".join(f"static_assert(sizeof({c}) > 0);\n" for c in classes)
-    run = subprocess.run([compiler, "-std=c++20", "-fsyntax-only", "-I", folder, "-x", "c++", "-"],
-                         input=source, capture_output=True, text=True)
+    (work / f"{name}.cpp").write_text(
+        f"#include <maya/{name}.h>\n" + "".join(f"static_assert(sizeof({c}) > 0);\n" for c in classes))
+    run = subprocess.run([*compiler, "-std=c++20", "-fsyntax-only", "-I", folder, f"{name}.cpp"], cwd=work,
+                         check=False, capture_output=True, text=True)
     return f"maya/{name}.h: {run.stderr}" if run.returncode else ""
 
 
