@@ -116,13 +116,12 @@ check_faults() {
 }
 
 check_package() {
-  [ -f build/package/build.ninja ] ||
-    cmake -S . -B build/package -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_UNITY_BUILD=ON \
-      -DORVOSKY_TESTS=OFF -DORVOSKY_BENCH=OFF
-  cmake --build build/package
-  rm -f build/package/*.deb
-  (cd build/package && cpack -G DEB)
-  scripts/try_package.sh build/package/*.deb
+  scripts/setup.sh
+  configured release
+  cmake --build --preset release
+  rm -f build/release/*.deb
+  (cd build/release && cpack -G DEB)
+  scripts/try_package.sh build/release/*.deb
 }
 
 check_module() {
