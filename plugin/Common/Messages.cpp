@@ -42,7 +42,7 @@ std::string sourcePath(const SourcePlace& where) {
         rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
     }
     const std::string_view file = parts.empty() ? std::string_view() : parts.back();
-    const std::string name(file.substr(0, file.rfind('.')));
+    std::string name(file.substr(0, file.rfind('.')));
     if (parts.size() < 2) return name;
     if (parts.size() > 2 && parts[parts.size() - 3] == "SkyTool") return "SkyTool\\" + name;
     return std::string(parts[parts.size() - 2]) + '\\' + name;

@@ -648,7 +648,7 @@ RayTable::RayTable(const ShapeTable& shapes, const RowDirection& direction, cons
                 ahead += at[c] * step(c) / length;
             }
             const auto offset = [&](int component) -> double& {
-                return offsets_[(s * components + static_cast<std::size_t>(component)) * shadowSamples +
+                return offsets_[(std::size_t{s} * components + static_cast<std::size_t>(component)) * shadowSamples +
                                 static_cast<std::size_t>(sample)];
             };
             offset(back) = -ahead;
