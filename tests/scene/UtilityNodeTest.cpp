@@ -11,20 +11,20 @@ struct Calculation {
     friend void PrintTo(const Calculation& c, std::ostream* out) { *out << c.type << ' ' << c.inputs; }
 };
 
-struct UtilityTest : SceneFixture, testing::WithParamInterface<Calculation> {
-    UtilityTest() { host::mel::registerNodeStatementCommands(mel); }
+struct UtilityNodes : SceneFixture, testing::WithParamInterface<Calculation> {
+    UtilityNodes() { host::mel::registerNodeStatementCommands(mel); }
 };
 
 } // namespace
 
-TEST_P(UtilityTest, Calculates) {
+TEST_P(UtilityNodes, Calculates) {
     const Calculation& c = GetParam();
     run(std::string("shadingNode -asUtility -n u ") + c.type + "; " + c.inputs);
     EXPECT_THAT(numbers(std::string("getAttr u.") + c.output), testing::Pointwise(testing::DoubleNear(1e-6), c.wanted));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Nodes, UtilityTest,
+    Nodes, UtilityNodes,
     testing::Values(
         Calculation{"multiplyDivide", "setAttr u.i1 2 3 4; setAttr u.i2 5 6 8", "o", {10, 18, 32}},
         Calculation{"multiplyDivide", "setAttr u.op 2; setAttr u.i1 2 3 4; setAttr u.i2 4 6 8", "o", {0.5, 0.5, 0.5}},
