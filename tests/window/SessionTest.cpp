@@ -12,6 +12,7 @@
 #include "scene/Scene.h"
 #include "viewport/Picture.h"
 
+#include <QClipboard>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
