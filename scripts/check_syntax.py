@@ -5,9 +5,10 @@ Usage: check_syntax.py BUILD_FOLDER
 
 The folder is one that CMake configured for clang with compile_commands.json. Prints what the compiler says of each
 source that it refuses and answers 1; answers 0 when there is none. With ccache installed, what has not changed since
-the last time in this folder is not compiled again.
+the last time, here or in another clone, is not compiled again.
 """
 import concurrent.futures
+import hashlib
 import json
 import os
 import shutil
@@ -15,17 +16,46 @@ import subprocess
 import sys
 
 LAUNCHER = "ccache " if shutil.which("ccache") else ""
-# The sloppiness is what the cache asks for where there are precompiled headers.
-ENVIRONMENT = {**os.environ, "CCACHE_SLOPPINESS": "pch_defines,time_macros,include_file_mtime,include_file_ctime"}
+# What several clones share counts from their tree; the sloppiness is what the cache asks for where there are precompiled
+# headers.
+ENVIRONMENT = {**os.environ, "CCACHE_BASEDIR": os.getcwd(), "CCACHE_NOHASHDIR": "1", "CCACHE_PCH_EXTSUM": "1",
+               "CCACHE_SLOPPINESS": "pch_defines,time_macros,include_file_mtime,include_file_ctime"}
 
 
-def compiled(entry, more):
+def portable(entry):
+    """The command by paths that are the same in each clone, or the cache would find nothing of another."""
+    tree = os.getcwd()
+    return entry["command"].replace(tree + "/", os.path.relpath(tree, entry["directory"]) + "/")
+
+
+def accepted(entry, command):
     """Whether the compiler takes a source; what it says is printed when it does not."""
-    done = subprocess.run(LAUNCHER + entry["command"] + more, shell=True, cwd=entry["directory"], env=ENVIRONMENT,
-                          check=False, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    done = subprocess.run(command, shell=True, cwd=entry["directory"], env=ENVIRONMENT, check=False,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     if done.returncode != 0:
         print(f"{os.path.relpath(entry['file'])}:\n{done.stdout}", flush=True)
     return done.returncode == 0
+
+
+def precompiled(entry):
+    """Writes a precompiled header, and beside it a sum of what it was made of: it holds paths of its own clone, so the
+    cache neither keeps it nor knows it again by its bytes."""
+    header = os.path.splitext(entry["file"])[0] + ".pch"
+    if not accepted(entry, f"{portable(entry)} -MD -MF {header}.d"):
+        return False
+    with open(header + ".d", encoding="utf-8") as file:
+        parts = file.read().replace("\\\n", " ").partition(":")[2].split()
+    digest = hashlib.sha256(portable(entry).encode())
+    for part in parts:
+        with open(os.path.join(entry["directory"], part), "rb") as file:
+            digest.update(file.read())
+    with open(header + ".sum", "w", encoding="utf-8") as file:
+        file.write(digest.hexdigest())
+    return True
+
+
+def compiled(entry):
+    return accepted(entry, f"{LAUNCHER}{portable(entry)} -fsyntax-only")
 
 
 def main():
@@ -38,10 +68,9 @@ def main():
     # What Qt's tools write is made by a build alone.
     sources = [entry for entry in entries if entry not in headers and os.path.exists(entry["file"])]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
-        # A time of writing in them would make each a new one to the cache.
-        if not all(list(workers.map(lambda entry: compiled(entry, " -Xclang -fno-pch-timestamp"), headers))):
+        if not all(list(workers.map(precompiled, headers))):
             return 1
-        taken = list(workers.map(lambda entry: compiled(entry, " -fsyntax-only"), sources))
+        taken = list(workers.map(compiled, sources))
     print(f"{len(taken)} sources, {taken.count(False)} refused")
     return 0 if all(taken) else 1
 
