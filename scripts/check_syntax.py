@@ -11,6 +11,7 @@ import concurrent.futures
 import hashlib
 import json
 import os
+import shlex
 import shutil
 import subprocess
 import sys
@@ -41,7 +42,7 @@ def precompiled(entry):
     """Writes a precompiled header, and beside it a sum of what it was made of: it holds paths of its own clone, so the
     cache neither keeps it nor knows it again by its bytes."""
     header = os.path.splitext(entry["file"])[0] + ".pch"
-    if not accepted(entry, f"{portable(entry)} -MD -MF {header}.d"):
+    if not accepted(entry, f"{portable(entry)} -MD -MF {shlex.quote(header)}.d"):
         return False
     with open(header + ".d", encoding="utf-8") as file:
         parts = file.read().replace("\\\n", " ").partition(":")[2].split()
